@@ -1,0 +1,21 @@
+# Common compile options, carried by one INTERFACE target that every target links.
+add_library(tallivex_flags INTERFACE)
+target_compile_features(tallivex_flags INTERFACE cxx_std_20)
+target_compile_options(tallivex_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wold-style-cast
+  $<$<BOOL:${TALLIVEX_WERROR}>:-Werror>)
+
+# Qt targets additionally forbid implicit conversions from char* to QString, so every
+# user-visible text goes through an explicit, UTF-8 aware conversion.
+add_library(tallivex_qt_flags INTERFACE)
+target_link_libraries(tallivex_qt_flags INTERFACE tallivex_flags)
+target_compile_definitions(tallivex_qt_flags INTERFACE
+  QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY
+  QT_NO_URL_CAST_FROM_STRING QT_USE_QSTRINGBUILDER QT_NO_NARROWING_CONVERSIONS_IN_CONNECT)
+
+option(TALLIVEX_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
+if(TALLIVEX_SANITIZE)
+  target_compile_options(tallivex_flags INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(tallivex_flags INTERFACE -fsanitize=address,undefined)
+endif()

@@ -1,0 +1,98 @@
+#include "RecognizeCommand.h"
+
+#include "Json.h"
+
+#include "recognition/CaptureFile.h"
+#include "recognition/ScreenRecognizer.h"
+#include "shell/Errors.h"
+
+#include <array>
+#include <ostream>
+
+namespace tvx::cli {
+namespace {
+
+constexpr std::array<const char*, kRegionCount> kRegionNames{"level", "exp", "money"};
+
+struct Options {
+    bool windowMode = false;
+    bool trace = false;
+    std::vector<std::string> images;
+};
+
+bool parseOptions(const std::vector<std::string>& args, Options& options, std::ostream& err)
+{
+    for (const std::string& arg : args) {
+        if (arg == "--window-mode")
+            options.windowMode = true;
+        else if (arg == "--trace")
+            options.trace = true;
+        else if (arg.starts_with("--")) {
+            err << "tallivex-cli recognize: unknown option " << arg << '\n';
+            return false;
+        } else
+            options.images.push_back(arg);
+    }
+    if (options.images.empty()) {
+        err << "usage: tallivex-cli recognize [--window-mode] [--trace] IMAGE...\n";
+        return false;
+    }
+    return true;
+}
+
+// Reads one image; false when the file itself could not be used.
+bool recognizeImage(const std::string& image, const Options& options, ScreenRecognizer& recognizer,
+                    std::ostream& out, std::ostream& err)
+{
+    CaptureBitmap bitmap;
+    const CaptureLoadResult loaded = LoadCaptureBitmap(image, bitmap);
+    if (loaded != CaptureLoadResult::Read) {
+        err << image << ": cannot read the image (result " << static_cast<int>(loaded) << ": " << describe(loaded)
+            << ")\n";
+        return false;
+    }
+
+    bool usable = true;
+    std::array<std::string, kRegionCount> values{"-1", "-1", "-1"};
+    for (int region = 0; region < kRegionCount; ++region) {
+        try {
+            recognizer.fill(region, bitmap);
+            recognizer.binarize(region);
+            const RecognitionResult result = recognizer.recognize(region, options.trace);
+            for (const std::string& line : result.trace)
+                err << line << '\n';
+            if (region == RegionLevel)
+                values[0] = std::to_string(levelFromText(result.digits));
+            else
+                values[static_cast<std::size_t>(region)] = amountFromText(result.digits).toString();
+        } catch (const RuntimeError& error) {
+            err << image << ": " << kRegionNames[static_cast<std::size_t>(region)] << " region: error "
+                << static_cast<int>(error.number()) << " (" << error.what() << ")\n";
+            if (error.number() == ErrorNumber::SubscriptOutOfRange)
+                usable = false;
+        }
+    }
+    out << "{\"file\":" << jsonString(image) << ",\"level\":" << values[0] << ",\"exp\":" << values[1]
+        << ",\"money\":" << values[2] << "}\n";
+    return usable;
+}
+
+} // namespace
+
+int runRecognize(const std::vector<std::string>& args, std::ostream& out, std::ostream& err)
+{
+    Options options;
+    if (!parseOptions(args, options, err))
+        return 1;
+    const Settings settings =
+        defaultSettings("", options.windowMode ? ScreenMode::Window : ScreenMode::FullScreen);
+    ScreenRecognizer recognizer(settings);
+    int status = 0;
+    for (const std::string& image : options.images) {
+        if (!recognizeImage(image, options, recognizer, out, err))
+            status = 2;
+    }
+    return status;
+}
+
+} // namespace tvx::cli

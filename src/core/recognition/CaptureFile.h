@@ -1,0 +1,79 @@
+#pragma once
+
+#include "recognition/Frame.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tvx {
+
+struct BitmapFileHeader {
+    std::uint16_t bfType = 0;
+    std::uint32_t bfSize = 0;
+    std::uint16_t bfReserved1 = 0;
+    std::uint16_t bfReserved2 = 0;
+    std::uint32_t bfOffBits = 0;
+};
+
+struct BitmapInfoHeader {
+    std::uint32_t biSize = 0;
+    std::int32_t biWidth = 0;
+    std::int32_t biHeight = 0;
+    std::uint16_t biPlanes = 0;
+    std::uint16_t biBitCount = 0;
+    std::uint32_t biCompression = 0;
+    std::uint32_t biSizeImage = 0;
+    std::int32_t biXPelsPerMeter = 0;
+    std::int32_t biYPelsPerMeter = 0;
+    std::uint32_t biClrUsed = 0;
+    std::uint32_t biClrImportant = 0;
+};
+
+inline constexpr std::uint16_t kBitmapType = 19778; // "BM"
+
+// The capture file as read: both headers and the pixel rows in file order (bottom-up),
+// each `stride` bytes long.
+struct CaptureBitmap {
+    BitmapFileHeader fileHeader;
+    BitmapInfoHeader infoHeader;
+    std::int64_t stride = 0;
+    std::int64_t rows = 0;
+    std::vector<std::uint8_t> pixels;
+
+    std::uint8_t at(std::int64_t byteIndex, std::int64_t row) const
+    {
+        return pixels[static_cast<std::size_t>(row * stride + byteIndex)];
+    }
+};
+
+enum class CaptureLoadResult : int {
+    Read = 0,
+    EmptyPath = -2,
+    NotBmpName = -3,
+    NotBitmapType = -4,
+    // Beyond the classic codes: the file could not be opened, or its header describes a
+    // pixel array that cannot exist (no columns, no rows, or absurdly large).
+    CannotOpen = -5,
+    BadDimensions = -6,
+};
+
+std::string_view describe(CaptureLoadResult result);
+
+// Reads a capture file. The pixel rows are read right after the information header (and
+// four more bytes when the pixel offset is not 54), whatever the offset says; bytes past
+// the end of a short file read as zero.
+CaptureLoadResult LoadCaptureBitmap(const std::filesystem::path& path, CaptureBitmap& bitmap);
+CaptureLoadResult parseCaptureBitmap(std::span<const std::uint8_t> bytes, CaptureBitmap& bitmap);
+
+// A 24-bit bottom-up bitmap file of the frame, pixel data at offset 54.
+std::vector<std::uint8_t> encodeBitmap24(const Frame& frame);
+// Writes the file through a temporary name so a reader never sees half a file; false on failure.
+bool writeBitmap24(const std::filesystem::path& path, const Frame& frame);
+// The frame as the capture file reader would give it back.
+CaptureBitmap toCaptureBitmap(const Frame& frame);
+
+} // namespace tvx

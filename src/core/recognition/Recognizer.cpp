@@ -1,0 +1,152 @@
+#include "recognition/Recognizer.h"
+
+#include "shell/Errors.h"
+
+namespace tvx {
+namespace {
+
+// Mid(S, pos, n) with pos counted from 1: shorter or empty past the end of S.
+std::string_view mid(std::string_view s, std::int64_t pos, std::int64_t length)
+{
+    if (pos > static_cast<std::int64_t>(s.size()))
+        return {};
+    return s.substr(static_cast<std::size_t>(pos - 1), static_cast<std::size_t>(length));
+}
+
+class Progress {
+public:
+    Progress(int region, bool enabled, CaptionSink* sink, RecognitionResult& result)
+        : m_region(region), m_enabled(enabled), m_sink(sink), m_result(result)
+    {
+    }
+
+    void line(std::string text)
+    {
+        if (m_enabled)
+            m_result.trace.push_back(std::move(text));
+    }
+
+    void caption(std::string_view text) const
+    {
+        if (m_enabled && m_sink)
+            m_sink->setCaption(m_region, text);
+    }
+
+    void captionSoFar() const
+    {
+        if (m_enabled && m_sink)
+            m_sink->setCaption(m_region, m_result.digits + std::string(kCaptionRecognizing));
+    }
+
+    std::string category() const { return "category" + std::to_string(m_region); }
+
+private:
+    int m_region;
+    bool m_enabled;
+    CaptionSink* m_sink;
+    RecognitionResult& m_result;
+};
+
+} // namespace
+
+RecognizerInput recognizerInput(const Settings& settings, int region, std::string_view columnString)
+{
+    if (region < 0 || region >= kRegionCount)
+        throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
+    return RecognizerInput{columnString, &settings.PatternStrings[static_cast<std::size_t>(region)],
+                           settings.ReferenceSize[static_cast<std::size_t>(region)].Width,
+                           settings.CaptureRegion[static_cast<std::size_t>(region)].SizeX};
+}
+
+RecognitionResult RecognizeNumber(int region, const RecognizerInput& input, bool trace, CaptionSink* progressSink)
+{
+    if (region < 0 || region >= kRegionCount || input.patterns == nullptr)
+        throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
+    const PatternSet& patterns = *input.patterns;
+    const std::string_view s = input.columnString;
+    const auto length = static_cast<std::int64_t>(s.size());
+    const std::int64_t glyph = 4 * std::int64_t{input.glyphWidth};
+
+    RecognitionResult result;
+    Progress progress(region, trace, progressSink, result);
+    progress.caption(kCaptionRecognizing);
+    progress.line(progress.category() + " 変換データ : " + std::string(s));
+
+    // First search: the leftmost digit template anywhere, not bound to column groups; at
+    // equal positions the lower digit wins.
+    std::int64_t best = length;
+    int firstDigit = 0;
+    for (int d = 0; d <= 9; ++d) {
+        const std::size_t found = s.find(patterns[static_cast<std::size_t>(d)]);
+        if (found == std::string_view::npos)
+            continue;
+        const auto position = static_cast<std::int64_t>(found) + 1;
+        if (position < best) {
+            best = position;
+            firstDigit = d;
+        }
+    }
+    if (best == length) {
+        progress.line(progress.category() + " 数値が見つかりませんでした");
+        result.caption = kCaptionNotFound;
+        return result;
+    }
+
+    // Walk on the grid the first match set. A glyph touching the right edge is never
+    // tried: the delimiter has to start at least one column before it.
+    const std::int64_t end = (std::int64_t{input.regionWidth} - input.glyphWidth) * 4;
+    const int unmatchedColumns = 0; // occlusion counter, never advanced
+    bool delimiterMet = false;
+    for (std::int64_t pos = best; pos <= end;) {
+        if (glyph < 0)
+            throw RuntimeError(ErrorNumber::InvalidProcedureCall);
+        const std::string_view candidate = mid(s, pos, glyph);
+        int winner = -1;
+        for (int k = pos == best ? firstDigit : 0; k <= kDelimiterIndex; ++k) {
+            if (candidate == patterns[static_cast<std::size_t>(k)]) {
+                winner = k;
+                break;
+            }
+        }
+        if (winner == kDelimiterIndex) {
+            progress.line(" 認識:デリミタ");
+            delimiterMet = true;
+            break;
+        }
+        if (winner >= 0) {
+            // An empty template with no glyph width would never move on.
+            if (glyph == 0)
+                throw RuntimeError(ErrorNumber::InvalidProcedureCall);
+            result.digits += static_cast<char>('0' + winner);
+            progress.line(std::to_string(winner) + " 認識:");
+            pos += glyph;
+        } else {
+            if (unmatchedColumns > 16) {
+                progress.line(" 遮蔽物検出NG ");
+                progress.caption(kCaptionHidden);
+                result.digits.clear();
+            }
+            pos += 4;
+        }
+        progress.captionSoFar();
+    }
+    if (!delimiterMet) {
+        progress.line(" デリミタ未検出 ");
+        result.digits.clear();
+    }
+    result.caption = result.digits.empty() ? std::string(kCaptionFailed) : result.digits;
+    return result;
+}
+
+std::string joinTrace(const std::vector<std::string>& trace)
+{
+    std::string block;
+    for (const std::string& line : trace) {
+        if (!block.empty())
+            block += "\r\n";
+        block += line;
+    }
+    return block;
+}
+
+} // namespace tvx

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "config/Settings.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tvx {
+
+// Captions of the region label.
+inline constexpr std::string_view kCaptionRecognizing = "認識中…";
+inline constexpr std::string_view kCaptionNotFound = "NotFind";
+inline constexpr std::string_view kCaptionFailed = "認識NG";
+inline constexpr std::string_view kCaptionHidden = "Hidden";
+
+struct RecognitionResult {
+    std::string digits;             // empty when nothing was read
+    std::string caption;            // final caption of the region's label
+    std::vector<std::string> trace; // filled only when tracing
+};
+
+// Receives the label captions while recognition is in progress (debug mode only).
+class CaptionSink {
+public:
+    virtual ~CaptionSink() = default;
+    virtual void setCaption(int region, std::string_view caption) = 0;
+};
+
+// What the recogniser reads of one region.
+struct RecognizerInput {
+    std::string_view columnString;
+    const PatternSet* patterns = nullptr;
+    std::int32_t glyphWidth = 0; // columns per glyph
+    std::int32_t regionWidth = 0; // SizeX of the region
+};
+
+RecognizerInput recognizerInput(const Settings& settings, int region, std::string_view columnString);
+
+// Reads the number in a region's column string by matching its templates left to right up
+// to the delimiter. With `trace` on, collects the trace lines and reports progress captions.
+// A region of 3 or more raises RuntimeError(SubscriptOutOfRange).
+RecognitionResult RecognizeNumber(int region, const RecognizerInput& input, bool trace = false,
+                                  CaptionSink* progress = nullptr);
+
+// The trace as one block for the debug log, lines joined by CR LF.
+std::string joinTrace(const std::vector<std::string>& trace);
+
+} // namespace tvx

@@ -1,0 +1,36 @@
+#include "shell/DebugLog.h"
+
+#include <fstream>
+
+namespace tvx {
+
+DebugLog::DebugLog(std::filesystem::path homeFolder, Clock& clock)
+    : m_path(homeFolder / "debug.txt"), m_backupPath(homeFolder / "debugBackUp.txt"), m_clock(clock)
+{
+}
+
+void DebugLog::WriteDebugLog(std::string_view text, int mode)
+{
+    std::error_code ec;
+    const bool exists = std::filesystem::exists(m_path, ec);
+    const bool fresh = !exists || mode == kNewLog;
+    if (exists && mode == kNewLog) {
+        std::filesystem::copy_file(m_path, m_backupPath, std::filesystem::copy_options::overwrite_existing, ec);
+        if (ec)
+            throw RuntimeError(ErrorNumber::PathFileAccessError, m_backupPath.string());
+    }
+    std::ofstream out(m_path, std::ios::binary | (fresh ? std::ios::trunc : std::ios::app));
+    if (!out)
+        throw RuntimeError(ErrorNumber::PathNotFound, m_path.string());
+    out << formatTimestamp(m_clock.now()) << ' ' << text << "\r\n";
+    out.close();
+    if (!out)
+        throw RuntimeError(ErrorNumber::DiskFull, m_path.string());
+}
+
+void DebugLog::writeErrorTrap(std::string_view procedure, ErrorNumber number)
+{
+    WriteDebugLog(errorTrapLine(procedure, number));
+}
+
+} // namespace tvx

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "shell/Clock.h"
+#include "shell/Errors.h"
+
+#include <filesystem>
+#include <string_view>
+
+namespace tvx {
+
+// The debug log beside the program: "debug.txt", one time-stamped line per call, opened and
+// closed for each line so no handle stays open. A new run keeps the previous run's log as
+// "debugBackUp.txt", one generation deep.
+class DebugLog {
+public:
+    static constexpr int kNewLog = 1;
+    static constexpr int kAppend = 0;
+
+    DebugLog(std::filesystem::path homeFolder, Clock& clock);
+
+    // mode 1 starts a new log (backing up the old one); any other mode appends.
+    // File errors throw RuntimeError for the caller's trap.
+    void WriteDebugLog(std::string_view text, int mode = kAppend);
+
+    // Writes the error-trap line of a procedure ("Error Trap : NAME : CODE9  ...").
+    void writeErrorTrap(std::string_view procedure, ErrorNumber number);
+
+    const std::filesystem::path& path() const { return m_path; }
+    const std::filesystem::path& backupPath() const { return m_backupPath; }
+
+private:
+    std::filesystem::path m_path;
+    std::filesystem::path m_backupPath;
+    Clock& m_clock;
+};
+
+} // namespace tvx

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "shell/Clock.h"
+
+namespace tvx::platform {
+
+// The machine's local time and monotonic millisecond tick.
+class SystemClock final : public Clock {
+public:
+    LocalDateTime now() override;
+    std::uint32_t tickMs() override;
+};
+
+} // namespace tvx::platform

@@ -1,0 +1,52 @@
+#include "HomeFolder.h"
+
+#include <windows.h>
+
+#include <cstdlib>
+#include <fstream>
+
+namespace tvx::platform {
+namespace {
+
+bool writable(const std::filesystem::path& folder)
+{
+    // Program Files is read-only for players; probe with a real file.
+    const std::filesystem::path probe = folder / L".tallivex-write-test";
+    {
+        std::ofstream out(probe);
+        if (!out)
+            return false;
+    }
+    std::error_code ec;
+    std::filesystem::remove(probe, ec);
+    return true;
+}
+
+std::filesystem::path userDataFolder()
+{
+    const wchar_t* local = _wgetenv(L"LOCALAPPDATA");
+    return std::filesystem::path(local && *local ? local : L".") / L"Tallivex";
+}
+
+} // namespace
+
+std::filesystem::path programFolder()
+{
+    wchar_t buffer[MAX_PATH * 4];
+    const DWORD length = GetModuleFileNameW(nullptr, buffer, static_cast<DWORD>(std::size(buffer)));
+    if (length == 0 || length >= std::size(buffer))
+        return std::filesystem::current_path();
+    return std::filesystem::path(std::wstring(buffer, length)).parent_path();
+}
+
+std::filesystem::path homeFolder(const std::optional<std::filesystem::path>& override)
+{
+    std::filesystem::path folder = override ? *override : programFolder();
+    if (!override && !writable(folder))
+        folder = userDataFolder();
+    std::error_code ec;
+    std::filesystem::create_directories(folder, ec);
+    return std::filesystem::absolute(folder, ec);
+}
+
+} // namespace tvx::platform

@@ -1,0 +1,71 @@
+#include "config/Settings.h"
+#include "recognition/Recognizer.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace tvx {
+namespace {
+
+TEST(Settings, FreshInstallationDefaults)
+{
+    const Settings s = defaultSettings("/opt/tallivex");
+    EXPECT_TRUE(s.AutoStart);
+    EXPECT_TRUE(s.Graph);
+    EXPECT_FALSE(s.MoneyScan);
+    EXPECT_FALSE(s.Gesture);
+    EXPECT_EQ(s.SaveFile, "給与明細");
+    EXPECT_EQ(s.SaveFolder, "/opt/tallivex");
+    EXPECT_EQ(s.BinaryMask[RegionExp], -1);
+    EXPECT_EQ(programTitle(s.SearchWindowName), "Tallivex  for MapleStory    Ver.2.20");
+}
+
+TEST(Settings, WindowModeShiftsEveryRegionByTheWindowFrame)
+{
+    const auto full = defaultCaptureRegions(ScreenMode::FullScreen);
+    const auto window = defaultCaptureRegions(ScreenMode::Window);
+    EXPECT_EQ(full[RegionLevel], (CaptureRegionRect{35, 578, 50, 9}));
+    EXPECT_EQ(full[RegionExp], (CaptureRegionRect{463, 570, 90, 9}));
+    EXPECT_EQ(full[RegionMoney], (CaptureRegionRect{0, 269, 146, 9}));
+    for (int r = 0; r < kRegionCount; ++r) {
+        const auto i = static_cast<std::size_t>(r);
+        EXPECT_EQ(window[i].StartX - full[i].StartX, 3);
+        EXPECT_EQ(window[i].StartY - full[i].StartY, 22);
+        EXPECT_EQ(window[i].SizeX, full[i].SizeX);
+        EXPECT_EQ(window[i].SizeY, full[i].SizeY);
+    }
+}
+
+TEST(Settings, RestoringDefaultsKeepsTheWindowNameOnly)
+{
+    Settings s = defaultSettings("/a");
+    s.SearchWindowName = "Other";
+    s.CaptureInterval = 1;
+    s.PatternStrings[1][3] = "";
+    s.CaptureRegion[0].StartX = 999;
+    restoreDefaults(s, "/b", ScreenMode::Window);
+    EXPECT_EQ(s.SearchWindowName, "Other");
+    EXPECT_EQ(s.CaptureInterval, 6);
+    EXPECT_EQ(s.SaveFolder, "/b");
+    EXPECT_EQ(s.PatternStrings, defaultPatternStrings());
+    EXPECT_EQ(s.CaptureRegion, defaultCaptureRegions(ScreenMode::Window));
+}
+
+TEST(Settings, BuiltInTemplatesAreWellFormedAndDistinct)
+{
+    const Settings s = defaultSettings("");
+    for (int r = 0; r < kRegionCount; ++r) {
+        const auto& set = s.PatternStrings[static_cast<std::size_t>(r)];
+        const auto width = static_cast<std::size_t>(s.ReferenceSize[static_cast<std::size_t>(r)].Width);
+        std::set<std::string> distinct(set.begin(), set.end());
+        EXPECT_EQ(distinct.size(), set.size()) << "region " << r;
+        for (const std::string& pattern : set) {
+            EXPECT_EQ(pattern.size(), 4 * width) << pattern;
+            EXPECT_EQ(pattern.find_first_not_of("0123456789ABCDEF"), std::string::npos) << pattern;
+        }
+    }
+}
+
+} // namespace
+} // namespace tvx

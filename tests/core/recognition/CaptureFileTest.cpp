@@ -1,0 +1,224 @@
+#include "recognition/CaptureFile.h"
+#include "recognition/PixelLevels.h"
+#include "shell/Errors.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+
+namespace tvx {
+namespace {
+
+// A little-endian bitmap file built field by field, so tests can bend any header value.
+struct BitmapBuilder {
+    std::uint16_t type = kBitmapType;
+    std::uint32_t offset = 54;
+    std::int32_t width = 4;
+    std::int32_t height = 3;
+    std::uint16_t bits = 24;
+    std::vector<std::uint8_t> extra; // between the headers and the pixels
+    std::vector<std::uint8_t> pixels;
+
+    static void put(std::vector<std::uint8_t>& out, std::uint64_t value, int bytes)
+    {
+        for (int i = 0; i < bytes; ++i)
+            out.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+    }
+
+    std::vector<std::uint8_t> bytes() const
+    {
+        std::vector<std::uint8_t> out;
+        put(out, type, 2);
+        put(out, 54 + extra.size() + pixels.size(), 4);
+        put(out, 0, 4);
+        put(out, offset, 4);
+        put(out, 40, 4);
+        put(out, static_cast<std::uint32_t>(width), 4);
+        put(out, static_cast<std::uint32_t>(height), 4);
+        put(out, 1, 2);
+        put(out, bits, 2);
+        put(out, 0, 24);
+        out.insert(out.end(), extra.begin(), extra.end());
+        out.insert(out.end(), pixels.begin(), pixels.end());
+        return out;
+    }
+};
+
+CaptureLoadResult parse(const BitmapBuilder& builder, CaptureBitmap& bitmap)
+{
+    const std::vector<std::uint8_t> bytes = builder.bytes();
+    return parseCaptureBitmap(bytes, bitmap);
+}
+
+std::vector<std::uint8_t> sequence(std::size_t count)
+{
+    std::vector<std::uint8_t> bytes(count);
+    for (std::size_t i = 0; i < count; ++i)
+        bytes[i] = static_cast<std::uint8_t>(i + 1);
+    return bytes;
+}
+
+TEST(CaptureFile, StrideFollowsTheBitDepthAndWidth)
+{
+    struct Case {
+        std::uint16_t bits;
+        std::int32_t width;
+        std::int64_t stride;
+    };
+    for (const Case c : {Case{24, 1, 4}, Case{24, 4, 12}, Case{24, 5, 16}, Case{32, 3, 12}, Case{8, 5, 8},
+                         Case{1, 33, 8}, Case{16, 3, 8}}) {
+        BitmapBuilder builder;
+        builder.bits = c.bits;
+        builder.width = c.width;
+        CaptureBitmap bitmap;
+        ASSERT_EQ(parse(builder, bitmap), CaptureLoadResult::Read);
+        EXPECT_EQ(bitmap.stride, c.stride) << c.bits << " bits, width " << c.width;
+        EXPECT_EQ(bitmap.rows, 3);
+    }
+}
+
+TEST(CaptureFile, PixelsAreReadRightAfterTheHeadersWhateverTheOffset)
+{
+    // Pixels follow the 54 header bytes; an offset other than 54 skips exactly four more,
+    // even when the offset points elsewhere.
+    for (const std::uint32_t offset : {54u, 58u, 66u, 1000u}) {
+        BitmapBuilder builder;
+        builder.width = 1;
+        builder.height = 1;
+        builder.offset = offset;
+        builder.pixels = sequence(20);
+        CaptureBitmap bitmap;
+        ASSERT_EQ(parse(builder, bitmap), CaptureLoadResult::Read);
+        const std::uint8_t first = offset == 54 ? 1 : 5;
+        EXPECT_EQ(bitmap.pixels, (std::vector<std::uint8_t>{first, std::uint8_t(first + 1), std::uint8_t(first + 2),
+                                                             std::uint8_t(first + 3)}))
+            << "offset " << offset;
+    }
+}
+
+TEST(CaptureFile, ShortFilesReadAsZerosAndBadHeadersAreRefused)
+{
+    BitmapBuilder shortFile;
+    shortFile.pixels = {9, 8, 7};
+    CaptureBitmap bitmap;
+    ASSERT_EQ(parse(shortFile, bitmap), CaptureLoadResult::Read);
+    ASSERT_EQ(bitmap.pixels.size(), 36u);
+    EXPECT_EQ(bitmap.pixels[2], 7);
+    EXPECT_EQ(bitmap.pixels[3], 0);
+    EXPECT_EQ(bitmap.pixels[35], 0);
+
+    const std::vector<std::uint8_t> tiny = {'B', 'M', 0};
+    EXPECT_EQ(parseCaptureBitmap(tiny, bitmap), CaptureLoadResult::BadDimensions);
+    EXPECT_EQ(parseCaptureBitmap({}, bitmap), CaptureLoadResult::NotBitmapType);
+
+    struct Case {
+        const char* name;
+        std::uint16_t type;
+        std::int32_t width, height;
+        std::uint16_t bits;
+        CaptureLoadResult result;
+    };
+    for (const Case& c : {Case{"png signature", 0x5089, 4, 3, 24, CaptureLoadResult::NotBitmapType},
+                          Case{"zero width", kBitmapType, 0, 3, 24, CaptureLoadResult::BadDimensions},
+                          Case{"zero height", kBitmapType, 4, 0, 24, CaptureLoadResult::BadDimensions},
+                          Case{"negative width", kBitmapType, -4, 3, 24, CaptureLoadResult::BadDimensions},
+                          Case{"zero depth", kBitmapType, 4, 3, 0, CaptureLoadResult::BadDimensions},
+                          Case{"huge", kBitmapType, 2000000000, 2000000000, 32, CaptureLoadResult::BadDimensions},
+                          Case{"most negative height", kBitmapType, 4, INT32_MIN, 24,
+                               CaptureLoadResult::BadDimensions},
+                          Case{"top-down", kBitmapType, 4, -3, 24, CaptureLoadResult::Read}}) {
+        BitmapBuilder builder;
+        builder.type = c.type;
+        builder.width = c.width;
+        builder.height = c.height;
+        builder.bits = c.bits;
+        EXPECT_EQ(parse(builder, bitmap), c.result) << c.name;
+    }
+}
+
+TEST(CaptureFile, LoadChecksThePathBeforeTheFile)
+{
+    const auto folder = std::filesystem::temp_directory_path() / "tallivex-capture-test";
+    std::filesystem::create_directories(folder);
+    Frame frame(3, 2);
+    frame.setPixel(2, 0, 10, 20, 30);
+    ASSERT_TRUE(writeBitmap24(folder / "Capture.BMP", frame));
+    {
+        std::ofstream(folder / "Capture.png", std::ios::binary) << "not a bitmap";
+        std::ofstream(folder / "fake.bmp", std::ios::binary) << "GIF89a";
+    }
+    CaptureBitmap bitmap;
+    EXPECT_EQ(LoadCaptureBitmap("", bitmap), CaptureLoadResult::EmptyPath);
+    EXPECT_EQ(LoadCaptureBitmap(folder / "Capture.png", bitmap), CaptureLoadResult::NotBmpName);
+    EXPECT_EQ(LoadCaptureBitmap(folder / "missing.bmp", bitmap), CaptureLoadResult::CannotOpen);
+    EXPECT_EQ(LoadCaptureBitmap(folder / "fake.bmp", bitmap), CaptureLoadResult::NotBitmapType);
+    ASSERT_EQ(LoadCaptureBitmap(folder / "Capture.BMP", bitmap), CaptureLoadResult::Read);
+    EXPECT_EQ(bitmap.infoHeader.biWidth, 3);
+    EXPECT_EQ(bitmap.infoHeader.biHeight, 2);
+    EXPECT_EQ(bitmap.infoHeader.biBitCount, 24);
+    EXPECT_EQ(bitmap.stride, 12);
+    // Top screen row is the last file row.
+    EXPECT_EQ(bitmap.at(6, 1), 10);
+    EXPECT_EQ(bitmap.at(8, 1), 30);
+    EXPECT_FALSE(std::filesystem::exists(folder / "Capture.BMP.tmp"));
+    std::filesystem::remove_all(folder);
+}
+
+TEST(FillPixelLevels, TakesScreenRowsFromTheBottomUpFileAndSumsBlueTwoGreensRed)
+{
+    Frame frame(10, 8);
+    frame.setPixel(3, 2, 1, 2, 3);     // region (3,2) origin
+    frame.setPixel(5, 4, 255, 255, 255); // bottom-right of a 3x3 region
+    const CaptureBitmap bitmap = toCaptureBitmap(frame);
+    PixelLevels levels;
+    const CaptureRegionRect rect{3, 2, 3, 3};
+    levels.SecurePixels({CaptureRegionRect{}, rect, CaptureRegionRect{}});
+    FillPixelLevels(levels, 1, rect, bitmap);
+    EXPECT_EQ(levels.at(1, 0, 0), 1 + 4 + 3);
+    EXPECT_EQ(levels.at(1, 2, 2), 1020);
+    EXPECT_EQ(levels.at(1, 1, 1), 0);
+}
+
+TEST(FillPixelLevels, RegionOutsideTheBitmapIsASubscriptError)
+{
+    const CaptureBitmap bitmap = toCaptureBitmap(Frame(10, 8));
+    for (const CaptureRegionRect rect : {CaptureRegionRect{8, 0, 3, 1}, CaptureRegionRect{0, 6, 1, 3},
+                                         CaptureRegionRect{-1, 0, 2, 1}, CaptureRegionRect{0, -1, 1, 2}}) {
+        PixelLevels levels;
+        levels.SecurePixels({rect, rect, rect});
+        try {
+            FillPixelLevels(levels, 0, rect, bitmap);
+            ADD_FAILURE() << "region at " << rect.StartX << "," << rect.StartY << " was accepted";
+        } catch (const RuntimeError& e) {
+            EXPECT_EQ(e.number(), ErrorNumber::SubscriptOutOfRange);
+        }
+    }
+    // The edge itself is fine; a top-down file puts every row outside.
+    PixelLevels levels;
+    const CaptureRegionRect corner{7, 5, 3, 3};
+    levels.SecurePixels({corner, corner, corner});
+    EXPECT_NO_THROW(FillPixelLevels(levels, 0, corner, bitmap));
+    CaptureBitmap topDown = bitmap;
+    topDown.infoHeader.biHeight = -8;
+    EXPECT_THROW(FillPixelLevels(levels, 0, corner, topDown), RuntimeError);
+}
+
+TEST(PixelLevels, SecurePixelsSizesToTheLargestRegionAndClears)
+{
+    PixelLevels levels;
+    levels.SecurePixels({CaptureRegionRect{0, 0, 50, 9}, CaptureRegionRect{0, 0, 90, 9},
+                         CaptureRegionRect{0, 0, 146, 12}});
+    EXPECT_EQ(levels.columns(), 147);
+    EXPECT_EQ(levels.rows(), 13);
+    levels.at(2, 146, 12) = 77;
+    levels.SecurePixels({CaptureRegionRect{0, 0, 1, 1}, CaptureRegionRect{0, 0, 146, 12}, CaptureRegionRect{}});
+    EXPECT_EQ(levels.at(2, 146, 12), 0);
+    EXPECT_THROW(levels.SecurePixels({CaptureRegionRect{0, 0, -1, 1}, CaptureRegionRect{0, 0, -2, 1},
+                                      CaptureRegionRect{0, 0, -3, 1}}),
+                 RuntimeError);
+}
+
+} // namespace
+} // namespace tvx

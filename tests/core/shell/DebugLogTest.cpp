@@ -1,0 +1,71 @@
+#include "shell/DebugLog.h"
+#include "support/FakeClock.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace tvx {
+namespace {
+
+std::string readAll(const std::filesystem::path& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+class DebugLogTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        m_home = std::filesystem::temp_directory_path() /
+                 ("tallivex-log-" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
+        std::filesystem::remove_all(m_home);
+        std::filesystem::create_directories(m_home);
+    }
+    void TearDown() override { std::filesystem::remove_all(m_home); }
+
+    std::filesystem::path m_home;
+    test::FakeClock m_clock{LocalDateTime{2009, 4, 1, 13, 5, 9}};
+};
+
+TEST_F(DebugLogTest, EachStartRenewsTheLogAndKeepsOneBackUp)
+{
+    DebugLog log(m_home, m_clock);
+    log.WriteDebugLog("Starting Program  first", DebugLog::kNewLog);
+    EXPECT_FALSE(std::filesystem::exists(log.backupPath()));
+    log.WriteDebugLog("Suspend Mode On ");
+    EXPECT_EQ(readAll(log.path()), "2009/04/01 13:05:09 Starting Program  first\r\n"
+                                   "2009/04/01 13:05:09 Suspend Mode On \r\n");
+
+    m_clock.setNow(LocalDateTime{2010, 12, 31, 23, 59, 58});
+    log.WriteDebugLog("Starting Program  second", DebugLog::kNewLog);
+    EXPECT_EQ(readAll(log.path()), "2010/12/31 23:59:58 Starting Program  second\r\n");
+    EXPECT_EQ(readAll(log.backupPath()), "2009/04/01 13:05:09 Starting Program  first\r\n"
+                                         "2009/04/01 13:05:09 Suspend Mode On \r\n");
+
+    log.WriteDebugLog("Starting Program  third", DebugLog::kNewLog);
+    EXPECT_EQ(readAll(log.backupPath()), "2010/12/31 23:59:58 Starting Program  second\r\n");
+}
+
+TEST_F(DebugLogTest, AppendingToAMissingLogCreatesItAndErrorLinesKeepTheirFormat)
+{
+    DebugLog log(m_home, m_clock);
+    log.writeErrorTrap("DisplayResult", ErrorNumber::Overflow);
+    log.writeErrorTrap("SecurePixels", ErrorNumber::SubscriptOutOfRange);
+    EXPECT_EQ(readAll(log.path()), "2009/04/01 13:05:09 Error Trap : DisplayResult : CODE6  Overflow\r\n"
+                                   "2009/04/01 13:05:09 Error Trap : SecurePixels : CODE9  Subscript out of range\r\n");
+}
+
+TEST_F(DebugLogTest, AnUnwritableFolderIsReportedToTheCaller)
+{
+    DebugLog log(m_home / "no" / "such" / "folder", m_clock);
+    EXPECT_THROW(log.WriteDebugLog("x"), RuntimeError);
+}
+
+} // namespace
+} // namespace tvx
