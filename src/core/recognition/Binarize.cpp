@@ -2,12 +2,12 @@
 
 #include "shell/Errors.h"
 
+#include <algorithm>
 #include <limits>
+#include <array>
 
 namespace tvx {
 namespace {
-
-constexpr std::int32_t kBrightest = 1020;
 
 std::int64_t scaledLevel(std::int32_t value)
 {
@@ -17,46 +17,79 @@ std::int64_t scaledLevel(std::int32_t value)
     return scaled;
 }
 
+// Which levels are ink, as one band [low, high) or everything outside it. The mask
+// replaces the levels on one side of it by a constant (0 when it lies above the threshold,
+// 1020 otherwise), so ink is always of this shape. Levels lie in 0..1020, so the bounds are
+// clamped to 0..1021 and the test runs in 32 bits, which vectorises.
+struct InkRule {
+    std::int32_t low;
+    std::int32_t high;
+    std::uint32_t outside;
+
+    std::uint32_t isInk(std::int32_t level) const
+    {
+        return (static_cast<std::uint32_t>(level >= low) & static_cast<std::uint32_t>(level < high)) ^ outside;
+    }
+};
+
+InkRule inkRule(std::int64_t t, std::int64_t m)
+{
+    constexpr std::int64_t kBrightest = 1020;
+    const auto band = [](std::int64_t low, std::int64_t high, bool outside) {
+        const auto clamp = [](std::int64_t v) { return static_cast<std::int32_t>(std::clamp<std::int64_t>(v, 0, kBrightest + 1)); };
+        return InkRule{clamp(low), clamp(high), outside ? 1u : 0u};
+    };
+    constexpr std::int64_t kEnd = kBrightest + 1;
+    if (m < 0)
+        return band(t, kEnd, false);
+    if (t < m) // levels from the mask up become 0, which is ink only for a threshold of 0 or less
+        return t <= 0 ? band(t, kEnd, false) : band(t, m, false);
+    // levels up to the mask become 1020
+    if (t <= kBrightest)
+        return band(m + 1, t, true);
+    return band(std::max(t, m + 1), kEnd, false);
+}
+
 } // namespace
 
 void BinarizeRegion(const PixelLevels& levels, int region, const CaptureRegionRect& rect, std::int32_t threshold,
                     std::int32_t mask, std::string& columnString)
 {
     static constexpr char kHex[] = "0123456789ABCDEF";
-    const std::int64_t t = scaledLevel(threshold);
-    const std::int64_t m = scaledLevel(mask);
+    const InkRule rule = inkRule(scaledLevel(threshold), scaledLevel(mask));
     columnString.clear();
     if (rect.SizeX <= 0)
         return;
     levels.checkFits(region, rect);
-    columnString.resize(4 * static_cast<std::size_t>(rect.SizeX));
 
-    for (std::int32_t x = 0; x < rect.SizeX; ++x) {
-        const std::int32_t* column = levels.column(region, x);
-        std::int64_t value = 0;
+    // Row by row into one mask per column, a chunk of columns at a time. The mask is a
+    // signed 32-bit number, so ink in a 32nd row does not fit; rows from 16 on never reach
+    // the four hex digits anyway.
+    columnString.resize(4 * static_cast<std::size_t>(rect.SizeX));
+    constexpr std::int32_t kChunk = 256;
+    std::array<std::uint32_t, kChunk> masks;
+    for (std::int32_t first = 0; first < rect.SizeX; first += kChunk) {
+        const std::int32_t count = std::min(kChunk, rect.SizeX - first);
+        masks.fill(0);
         for (std::int32_t y = 0; y < rect.SizeY; ++y) {
-            std::int64_t p = column[y];
-            if (m < 0) {
-                // no masking
-            } else if (t < m) {
-                if (p >= m)
-                    p = 0;
-            } else if (p <= m) {
-                p = kBrightest;
+            const std::int32_t* row = levels.row(region, y) + first;
+            if (y >= 31) {
+                for (std::int32_t x = 0; x < count; ++x)
+                    if (rule.isInk(row[x]))
+                        throw RuntimeError(ErrorNumber::Overflow);
+                continue;
             }
-            if (p >= t) {
-                if (y >= 31)
-                    throw RuntimeError(ErrorNumber::Overflow);
-                value += std::int64_t{1} << y;
-                if (value > std::numeric_limits<std::int32_t>::max())
-                    throw RuntimeError(ErrorNumber::Overflow);
-            }
+            for (std::int32_t x = 0; x < count; ++x)
+                masks[static_cast<std::size_t>(x)] |= rule.isInk(row[x]) << y;
         }
-        char* group = &columnString[4 * static_cast<std::size_t>(x)];
-        group[0] = kHex[(value >> 12) & 0xF];
-        group[1] = kHex[(value >> 8) & 0xF];
-        group[2] = kHex[(value >> 4) & 0xF];
-        group[3] = kHex[value & 0xF];
+        char* group = columnString.data() + 4 * static_cast<std::size_t>(first);
+        for (std::int32_t x = 0; x < count; ++x) {
+            const std::uint32_t value = masks[static_cast<std::size_t>(x)];
+            *group++ = kHex[(value >> 12) & 0xF];
+            *group++ = kHex[(value >> 8) & 0xF];
+            *group++ = kHex[(value >> 4) & 0xF];
+            *group++ = kHex[value & 0xF];
+        }
     }
 }
 

@@ -52,10 +52,12 @@ void FillPixelLevels(PixelLevels& levels, int region, const CaptureRegionRect& r
     if (lastRow < 0 || firstRow >= bitmap.rows || firstByte < 0 || lastByte >= bitmap.stride)
         outOfRange();
 
+    const std::uint8_t* pixels = bitmap.pixels.data();
     for (std::int32_t y = 0; y < rect.SizeY; ++y) {
-        const std::uint8_t* p = &bitmap.pixels[static_cast<std::size_t>((firstRow - y) * bitmap.stride + firstByte)];
+        const std::uint8_t* p = pixels + static_cast<std::size_t>((firstRow - y) * bitmap.stride + firstByte);
+        std::int32_t* level = levels.row(region, y);
         for (std::int32_t x = 0; x < rect.SizeX; ++x, p += 3)
-            levels.at(region, x, y) = p[0] + 2 * p[1] + p[2];
+            level[x] = p[0] + 2 * p[1] + p[2];
     }
 }
 

@@ -10,7 +10,7 @@
 namespace tvx {
 
 // Brightness B + 2G + R (0..1020) of every pixel of the three capture regions, indexed
-// [region][x][y]; a column's rows are contiguous because binarisation walks columns.
+// [region][x][y]. Rows are stored contiguously so copying and binarising run along memory.
 class PixelLevels {
 public:
     // (Re)allocates the array to the largest region and clears it. A negative size is a
@@ -22,8 +22,8 @@ public:
 
     std::int32_t at(int region, std::int32_t x, std::int32_t y) const { return m_levels[index(region, x, y)]; }
     std::int32_t& at(int region, std::int32_t x, std::int32_t y) { return m_levels[index(region, x, y)]; }
-    const std::int32_t* column(int region, std::int32_t x) const { return &m_levels[index(region, x, 0)]; }
-    std::int32_t* column(int region, std::int32_t x) { return &m_levels[index(region, x, 0)]; }
+    const std::int32_t* row(int region, std::int32_t y) const { return &m_levels[index(region, 0, y)]; }
+    std::int32_t* row(int region, std::int32_t y) { return &m_levels[index(region, 0, y)]; }
 
     // Throws RuntimeError(SubscriptOutOfRange) unless a region of this size fits.
     void checkFits(int region, const CaptureRegionRect& rect) const;
@@ -31,9 +31,9 @@ public:
 private:
     std::size_t index(int region, std::int32_t x, std::int32_t y) const
     {
-        return (static_cast<std::size_t>(region) * static_cast<std::size_t>(m_columns) + static_cast<std::size_t>(x)) *
-                   static_cast<std::size_t>(m_rows) +
-               static_cast<std::size_t>(y);
+        return (static_cast<std::size_t>(region) * static_cast<std::size_t>(m_rows) + static_cast<std::size_t>(y)) *
+                   static_cast<std::size_t>(m_columns) +
+               static_cast<std::size_t>(x);
     }
 
     std::int32_t m_columns = 0;

@@ -2,6 +2,12 @@
 
 #include "shell/Errors.h"
 
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+
 namespace tvx {
 namespace {
 
@@ -11,6 +17,40 @@ std::string_view mid(std::string_view s, std::int64_t pos, std::int64_t length)
     if (pos > static_cast<std::int64_t>(s.size()))
         return {};
     return s.substr(static_cast<std::size_t>(pos - 1), static_cast<std::size_t>(length));
+}
+
+struct DigitMatch {
+    std::int64_t position; // counted from 1
+    int digit;
+};
+
+// The leftmost position (counted from 1, below the length of s) at which any digit
+// template occurs, with the lowest digit there. This equals taking each template's first
+// occurrence and keeping the smallest, but stops as soon as the number begins.
+std::optional<DigitMatch> firstDigitMatch(std::string_view s, const PatternSet& patterns)
+{
+    // An eight-character prefix of each template rejects almost every position at once.
+    std::array<std::uint64_t, 10> prefix{};
+    std::array<std::uint64_t, 10> prefixMask{};
+    for (std::size_t d = 0; d < 10; ++d) {
+        const std::string& pattern = patterns[d];
+        const std::size_t n = std::min<std::size_t>(pattern.size(), 8);
+        std::memcpy(&prefix[d], pattern.data(), n);
+        prefixMask[d] = n == 8 ? ~std::uint64_t{0} : (std::uint64_t{1} << (8 * n)) - 1;
+    }
+    const std::size_t length = s.size();
+    for (std::size_t p = 0; p + 1 < length; ++p) {
+        std::uint64_t window = 0;
+        std::memcpy(&window, s.data() + p, std::min<std::size_t>(8, length - p));
+        for (std::size_t d = 0; d < 10; ++d) {
+            if ((window & prefixMask[d]) != prefix[d])
+                continue;
+            const std::string& pattern = patterns[d];
+            if (pattern.size() <= length - p && s.compare(p, pattern.size(), pattern) == 0)
+                return DigitMatch{static_cast<std::int64_t>(p) + 1, static_cast<int>(d)};
+        }
+    }
+    return std::nullopt;
 }
 
 class Progress {
@@ -73,18 +113,12 @@ RecognitionResult RecognizeNumber(int region, const RecognizerInput& input, bool
     progress.line(progress.category() + " 変換データ : " + std::string(s));
 
     // First search: the leftmost digit template anywhere, not bound to column groups; at
-    // equal positions the lower digit wins.
+    // equal positions the lower digit wins. A match must start before the last character.
     std::int64_t best = length;
     int firstDigit = 0;
-    for (int d = 0; d <= 9; ++d) {
-        const std::size_t found = s.find(patterns[static_cast<std::size_t>(d)]);
-        if (found == std::string_view::npos)
-            continue;
-        const auto position = static_cast<std::int64_t>(found) + 1;
-        if (position < best) {
-            best = position;
-            firstDigit = d;
-        }
+    if (const auto found = firstDigitMatch(s, patterns)) {
+        best = found->position;
+        firstDigit = found->digit;
     }
     if (best == length) {
         progress.line(progress.category() + " 数値が見つかりませんでした");

@@ -1,0 +1,117 @@
+#include "RecognizeCommand.h"
+
+#include "config/Settings.h"
+#include "recognition/CaptureFile.h"
+#include "recognition/GlyphPainter.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sstream>
+
+namespace tvx {
+namespace {
+
+// Full-screen images with numbers drawn in the game's glyphs at the default regions.
+class RecognizeCommandTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        m_folder = std::filesystem::temp_directory_path() / "tallivex-cli-recognize";
+        std::filesystem::remove_all(m_folder);
+        std::filesystem::create_directories(m_folder);
+    }
+    void TearDown() override { std::filesystem::remove_all(m_folder); }
+
+    // Draws each region's number (nullptr leaves the region blank) on a noisy screen.
+    std::string screen(const std::string& name, std::array<const char*, kRegionCount> numbers,
+                       ScreenMode mode = ScreenMode::FullScreen, std::uint32_t seed = 1)
+    {
+        const Settings settings = defaultSettings("", mode);
+        Frame frame(1024, 768);
+        std::mt19937 noise(seed);
+        for (auto& byte : frame.bytes())
+            byte = static_cast<std::uint8_t>(noise());
+        for (int r = 0; r < kRegionCount; ++r) {
+            const auto i = static_cast<std::size_t>(r);
+            const InkColors colours = defaultInkColors(r);
+            paintRegionBackground(frame, settings.CaptureRegion[i], colours);
+            if (numbers[i] != nullptr)
+                paintColumns(frame, settings.CaptureRegion[i], 1 + r,
+                             numberColumns(settings.PatternStrings[i], numbers[i], true), colours);
+        }
+        const auto path = (m_folder / name).string();
+        EXPECT_TRUE(writeBitmap24(path, frame));
+        return path;
+    }
+
+    int run(std::vector<std::string> args)
+    {
+        m_out.str("");
+        m_err.str("");
+        return cli::runRecognize(args, m_out, m_err);
+    }
+
+    std::filesystem::path m_folder;
+    std::ostringstream m_out;
+    std::ostringstream m_err;
+};
+
+TEST_F(RecognizeCommandTest, PrintsOneJsonLinePerImage)
+{
+    const auto first = screen("a.bmp", {"137", "4567890", "1234567890"});
+    const auto second = screen("b.bmp", {"8", nullptr, "0"}, ScreenMode::FullScreen, 2);
+    EXPECT_EQ(run({first, second}), 0);
+    EXPECT_EQ(m_out.str(), "{\"file\":\"" + first + "\",\"level\":137,\"exp\":4567890,\"money\":1234567890}\n" +
+                               "{\"file\":\"" + second + "\",\"level\":8,\"exp\":-1,\"money\":0}\n");
+    EXPECT_EQ(m_err.str(), "");
+}
+
+TEST_F(RecognizeCommandTest, WindowModeReadsTheShiftedRegions)
+{
+    const auto image = screen("w.bmp", {"42", "777", "31"}, ScreenMode::Window);
+    EXPECT_EQ(run({"--window-mode", image}), 0);
+    EXPECT_NE(m_out.str().find("\"level\":42,\"exp\":777,\"money\":31"), std::string::npos) << m_out.str();
+    EXPECT_EQ(run({image}), 0);
+    EXPECT_NE(m_out.str().find("\"level\":-1,\"exp\":-1,\"money\":-1"), std::string::npos) << m_out.str();
+}
+
+TEST_F(RecognizeCommandTest, TraceGoesToStandardError)
+{
+    const auto image = screen("t.bmp", {"5", "12", "3"});
+    EXPECT_EQ(run({"--trace", image}), 0);
+    const std::string trace = m_err.str();
+    EXPECT_NE(trace.find("category0 変換データ : "), std::string::npos);
+    EXPECT_NE(trace.find("1 認識:\n2 認識:\n 認識:デリミタ"), std::string::npos) << trace;
+}
+
+TEST_F(RecognizeCommandTest, UnreadableImagesAreNamedAndTheRestStillRead)
+{
+    const auto good = screen("good.bmp", {"9", "9", "9"});
+    std::ofstream(m_folder / "broken.bmp", std::ios::binary) << "PK\x03\x04";
+    const auto broken = (m_folder / "broken.bmp").string();
+    const auto missing = (m_folder / "missing.bmp").string();
+    const auto png = (m_folder / "shot.png").string();
+    Frame tiny(20, 20);
+    const auto small = (m_folder / "small.bmp").string();
+    ASSERT_TRUE(writeBitmap24(small, tiny));
+
+    EXPECT_EQ(run({broken, missing, png, small, good}), 2);
+    const std::string err = m_err.str();
+    EXPECT_NE(err.find(broken + ": cannot read the image (result -4"), std::string::npos) << err;
+    EXPECT_NE(err.find(missing + ": cannot read the image (result -5"), std::string::npos) << err;
+    EXPECT_NE(err.find(png + ": cannot read the image (result -3"), std::string::npos) << err;
+    EXPECT_NE(err.find(small + ": level region: error 9"), std::string::npos) << err;
+    EXPECT_NE(m_out.str().find("\"level\":9,\"exp\":9,\"money\":9"), std::string::npos);
+}
+
+TEST_F(RecognizeCommandTest, BadUsageIsRefused)
+{
+    EXPECT_EQ(run({}), 1);
+    EXPECT_EQ(run({"--frobnicate", "x.bmp"}), 1);
+}
+
+} // namespace
+} // namespace tvx
