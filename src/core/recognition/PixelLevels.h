@@ -11,6 +11,7 @@ namespace tvx {
 
 // Brightness B + 2G + R (0..1020) of every pixel of the three capture regions, indexed
 // [region][x][y]. Rows are stored contiguously so copying and binarising run along memory.
+// Levels come from three bytes and always lie in 0..1020; binarisation relies on that.
 class PixelLevels {
 public:
     // (Re)allocates the array to the largest region and clears it. A negative size is a
