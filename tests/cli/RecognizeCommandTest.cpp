@@ -3,6 +3,7 @@
 #include "config/Settings.h"
 #include "recognition/CaptureFile.h"
 #include "recognition/GlyphPainter.h"
+#include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -17,14 +18,6 @@ namespace {
 // Full-screen images with numbers drawn in the game's glyphs at the default regions.
 class RecognizeCommandTest : public testing::Test {
 protected:
-    void SetUp() override
-    {
-        m_folder = std::filesystem::temp_directory_path() / "tallivex-cli-recognize";
-        std::filesystem::remove_all(m_folder);
-        std::filesystem::create_directories(m_folder);
-    }
-    void TearDown() override { std::filesystem::remove_all(m_folder); }
-
     // Draws each region's number (nullptr leaves the region blank) on a noisy screen.
     std::string screen(const std::string& name, std::array<const char*, kRegionCount> numbers,
                        ScreenMode mode = ScreenMode::FullScreen, std::uint32_t seed = 1)
@@ -54,7 +47,8 @@ protected:
         return cli::runRecognize(args, m_out, m_err);
     }
 
-    std::filesystem::path m_folder;
+    test::TempFolder m_temp;
+    const std::filesystem::path& m_folder = m_temp.path();
     std::ostringstream m_out;
     std::ostringstream m_err;
 };

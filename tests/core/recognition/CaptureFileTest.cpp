@@ -1,6 +1,7 @@
 #include "recognition/CaptureFile.h"
 #include "recognition/PixelLevels.h"
 #include "shell/Errors.h"
+#include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -140,8 +141,8 @@ TEST(CaptureFile, ShortFilesReadAsZerosAndBadHeadersAreRefused)
 
 TEST(CaptureFile, LoadChecksThePathBeforeTheFile)
 {
-    const auto folder = std::filesystem::temp_directory_path() / "tallivex-capture-test";
-    std::filesystem::create_directories(folder);
+    const test::TempFolder temp;
+    const std::filesystem::path& folder = temp.path();
     Frame frame(3, 2);
     frame.setPixel(2, 0, 10, 20, 30);
     ASSERT_TRUE(writeBitmap24(folder / "Capture.BMP", frame));
@@ -163,7 +164,6 @@ TEST(CaptureFile, LoadChecksThePathBeforeTheFile)
     EXPECT_EQ(bitmap.at(6, 1), 10);
     EXPECT_EQ(bitmap.at(8, 1), 30);
     EXPECT_FALSE(std::filesystem::exists(folder / "Capture.BMP.tmp"));
-    std::filesystem::remove_all(folder);
 }
 
 TEST(FillPixelLevels, TakesScreenRowsFromTheBottomUpFileAndSumsBlueTwoGreensRed)

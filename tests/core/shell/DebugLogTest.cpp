@@ -1,5 +1,6 @@
 #include "shell/DebugLog.h"
 #include "support/FakeClock.h"
+#include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -20,16 +21,8 @@ std::string readAll(const std::filesystem::path& path)
 
 class DebugLogTest : public testing::Test {
 protected:
-    void SetUp() override
-    {
-        m_home = std::filesystem::temp_directory_path() /
-                 ("tallivex-log-" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
-        std::filesystem::remove_all(m_home);
-        std::filesystem::create_directories(m_home);
-    }
-    void TearDown() override { std::filesystem::remove_all(m_home); }
-
-    std::filesystem::path m_home;
+    test::TempFolder m_temp;
+    const std::filesystem::path& m_home = m_temp.path();
     test::FakeClock m_clock{LocalDateTime{2009, 4, 1, 13, 5, 9}};
 };
 
