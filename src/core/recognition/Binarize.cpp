@@ -3,8 +3,8 @@
 #include "shell/Errors.h"
 
 #include <algorithm>
-#include <limits>
 #include <array>
+#include <limits>
 
 namespace tvx {
 namespace {
@@ -35,11 +35,11 @@ struct InkRule {
 InkRule inkRule(std::int64_t t, std::int64_t m)
 {
     constexpr std::int64_t kBrightest = 1020;
+    constexpr std::int64_t kEnd = kBrightest + 1;
     const auto band = [](std::int64_t low, std::int64_t high, bool outside) {
-        const auto clamp = [](std::int64_t v) { return static_cast<std::int32_t>(std::clamp<std::int64_t>(v, 0, kBrightest + 1)); };
+        const auto clamp = [](std::int64_t v) { return static_cast<std::int32_t>(std::clamp<std::int64_t>(v, 0, kEnd)); };
         return InkRule{clamp(low), clamp(high), outside ? 1u : 0u};
     };
-    constexpr std::int64_t kEnd = kBrightest + 1;
     if (m < 0)
         return band(t, kEnd, false);
     if (t < m) // levels from the mask up become 0, which is ink only for a threshold of 0 or less

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <optional>
@@ -30,6 +31,8 @@ struct DigitMatch {
 std::optional<DigitMatch> firstDigitMatch(std::string_view s, const PatternSet& patterns)
 {
     // An eight-character prefix of each template rejects almost every position at once.
+    // Shorter templates compare their first bytes only, which sit low in a little-endian word.
+    static_assert(std::endian::native == std::endian::little);
     std::array<std::uint64_t, 10> prefix{};
     std::array<std::uint64_t, 10> prefixMask{};
     for (std::size_t d = 0; d < 10; ++d) {
