@@ -32,10 +32,11 @@ struct InkRule {
     }
 };
 
+constexpr std::int64_t kBrightest = 1020;
+constexpr std::int64_t kEnd = kBrightest + 1;
+
 InkRule inkRule(std::int64_t t, std::int64_t m)
 {
-    constexpr std::int64_t kBrightest = 1020;
-    constexpr std::int64_t kEnd = kBrightest + 1;
     const auto band = [](std::int64_t low, std::int64_t high, bool outside) {
         const auto clamp = [](std::int64_t v) { return static_cast<std::int32_t>(std::clamp<std::int64_t>(v, 0, kEnd)); };
         return InkRule{clamp(low), clamp(high), outside ? 1u : 0u};
