@@ -101,11 +101,5 @@ TEST_F(RecognizeCommandTest, UnreadableImagesAreNamedAndTheRestStillRead)
     EXPECT_NE(m_out.str().find("\"level\":9,\"exp\":9,\"money\":9"), std::string::npos);
 }
 
-TEST_F(RecognizeCommandTest, BadUsageIsRefused)
-{
-    EXPECT_EQ(run({}), 1);
-    EXPECT_EQ(run({"--frobnicate", "x.bmp"}), 1);
-}
-
 } // namespace
 } // namespace tvx

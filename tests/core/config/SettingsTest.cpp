@@ -1,9 +1,7 @@
 #include "config/Settings.h"
-#include "recognition/Recognizer.h"
 
 #include <gtest/gtest.h>
 
-#include <set>
 
 namespace tvx {
 namespace {
@@ -50,21 +48,6 @@ TEST(Settings, RestoringDefaultsKeepsTheWindowNameOnly)
     EXPECT_EQ(s.SaveFolder, "/b");
     EXPECT_EQ(s.PatternStrings, defaultPatternStrings());
     EXPECT_EQ(s.CaptureRegion, defaultCaptureRegions(ScreenMode::Window));
-}
-
-TEST(Settings, BuiltInTemplatesAreWellFormedAndDistinct)
-{
-    const Settings s = defaultSettings("");
-    for (int r = 0; r < kRegionCount; ++r) {
-        const auto& set = s.PatternStrings[static_cast<std::size_t>(r)];
-        const auto width = static_cast<std::size_t>(s.ReferenceSize[static_cast<std::size_t>(r)].Width);
-        std::set<std::string> distinct(set.begin(), set.end());
-        EXPECT_EQ(distinct.size(), set.size()) << "region " << r;
-        for (const std::string& pattern : set) {
-            EXPECT_EQ(pattern.size(), 4 * width) << pattern;
-            EXPECT_EQ(pattern.find_first_not_of("0123456789ABCDEF"), std::string::npos) << pattern;
-        }
-    }
 }
 
 } // namespace

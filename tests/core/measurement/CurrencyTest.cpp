@@ -71,14 +71,5 @@ TEST(Currency, OverflowIsReportedNotWrapped)
     EXPECT_EQ(kept, top);
 }
 
-TEST(Currency, PrintsTheShortestDecimal)
-{
-    EXPECT_EQ(Currency::fromInt(1234567).toString(), "1234567");
-    EXPECT_EQ(Currency::fromRaw(-5000).toString(), "-0.5");
-    EXPECT_EQ(Currency::fromRaw(123456).toString(), "12.3456");
-    EXPECT_EQ(Currency::fromRaw(120300).toString(), "12.03");
-    EXPECT_EQ(Currency::fromRaw(std::numeric_limits<std::int64_t>::min()).toString(), "-922337203685477.5808");
-}
-
 } // namespace
 } // namespace tvx
