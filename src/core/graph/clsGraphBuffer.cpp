@@ -1,6 +1,6 @@
 #include "graph/clsGraphBuffer.h"
 
-#include "shell/Clock.h"
+#include "ports/Clock.h"
 #include "shell/DateTime.h"
 #include "shell/Errors.h"
 

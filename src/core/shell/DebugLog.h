@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/Clock.h"
+#include "ports/Clock.h"
 #include "shell/Errors.h"
 
 #include <filesystem>
