@@ -1,5 +1,6 @@
 // tallivex-cli: the meter's core without windows.
 #include "RecognizeCommand.h"
+#include "ReplayCommand.h"
 
 #include <iostream>
 #include <string>
@@ -24,6 +25,8 @@ int main(int argc, char** argv)
     const std::string command = argc > 1 ? argv[1] : "";
     if (command == "recognize")
         return tvx::cli::runRecognize(args, std::cout, std::cerr);
+    if (command == "replay")
+        return tvx::cli::runReplay(args, std::cout, std::cerr);
     if (command == "--help" || command == "-h" || command == "help") {
         printUsage(std::cout);
         return 0;
