@@ -25,7 +25,8 @@ std::string percentText(double value)
 {
     char text[64];
     std::snprintf(text, sizeof text, "%.2f", value);
-    return std::string(text) + "％";
+    // No "-0.00％" for a loss too small to show.
+    return std::string(std::string_view(text) == "-0.00" ? "0.00" : text) + "％";
 }
 
 std::string wholeText(std::int64_t value)
