@@ -1,10 +1,17 @@
 // tallivex: the desktop meter.
 #include "FormMain.h"
 #include "HomeFolder.h"
+#include "QtPorts.h"
 #include "SystemClock.h"
 
 #include "config/Settings.h"
+#include "measurement/Meter.h"
+#include "ports/GameWindowProbe.h"
+#include "ports/Prompter.h"
+#include "ports/ScreenSource.h"
 #include "shell/DebugLog.h"
+#include "shell/Errors.h"
+#include "shell/Utf8Path.h"
 
 #include <QApplication>
 #include <QStringList>
@@ -17,8 +24,38 @@ std::optional<std::filesystem::path> homeOverride(const QStringList& args)
 {
     const qsizetype at = args.indexOf(QStringLiteral("--home"));
     if (at >= 0 && at + 1 < args.size())
-        return std::filesystem::path(args.at(at + 1).toStdString());
+        return tvx::utf8Path(args.at(at + 1).toStdString());
     return std::nullopt;
+}
+
+// Until a screen back end is wired in, the game is never found and nothing is captured.
+class NoGame final : public tvx::GameWindowProbe, public tvx::ScreenSource {
+public:
+    tvx::GameWindowState state(std::string_view) override { return tvx::GameWindowState::Missing; }
+    std::optional<tvx::CaptureBitmap> grab(std::span<const tvx::CaptureRegionRect>) override { return std::nullopt; }
+};
+
+// Questions answered the safe way until the dialogs are wired in.
+class DefaultAnswers final : public tvx::Prompter {
+public:
+    void message(const std::string&, const std::string&) override {}
+    bool askYesNo(const std::string&, const std::string&) override { return true; }
+    bool askOkCancel(const std::string&, const std::string&) override { return true; }
+    double askNumber(const std::string&, const std::string&, double, const std::string&, const std::string&,
+                     const std::string&) override
+    {
+        return kCancelled;
+    }
+};
+
+void writeStartLines(tvx::DebugLog& log, const std::string& title, const std::filesystem::path& home)
+{
+    try {
+        log.WriteDebugLog("Starting Program  " + title, tvx::DebugLog::kNewLog);
+        log.WriteDebugLog("Execute Folder : " + tvx::pathUtf8(home));
+    } catch (const tvx::RuntimeError&) {
+        // A read-only home folder must not keep the meter from running.
+    }
 }
 
 } // namespace
@@ -29,14 +66,25 @@ int main(int argc, char** argv)
     const std::filesystem::path home = tvx::platform::homeFolder(homeOverride(QApplication::arguments()));
     tvx::platform::SystemClock clock;
     tvx::DebugLog log(home, clock);
-    const tvx::Settings settings = tvx::defaultSettings(home.string());
-    const std::string title = tvx::programTitle(settings.SearchWindowName);
-    try {
-        log.WriteDebugLog("Starting Program  " + title, tvx::DebugLog::kNewLog);
-    } catch (const tvx::RuntimeError&) {
-        // A read-only home folder must not keep the meter from running.
-    }
-    tvx::ui::FormMain window(title);
+    tvx::Settings settings = tvx::defaultSettings(tvx::pathUtf8(home));
+    writeStartLines(log, tvx::programTitle(settings.SearchWindowName), home);
+
+    tvx::ui::FormMain window(tvx::programTitle(settings.SearchWindowName), log, home);
+    tvx::ui::QtWaiter waiter;
+    tvx::ui::QtSound sound;
+    tvx::ui::QtShellLauncher shell;
+    tvx::ui::QtImageEncoder encoder;
+    DefaultAnswers prompter;
+    NoGame game;
+    tvx::MeterPorts ports{clock, waiter, game, game, sound, shell, prompter, window, &encoder, nullptr};
+    tvx::Meter meter(settings, ports, log, static_cast<std::uint32_t>(clock.tickMs()));
+    window.attach(meter);
     window.show();
-    return QApplication::exec();
+    window.FormMain_Load();
+    const int status = QApplication::exec();
+    try {
+        log.WriteDebugLog("End of the Program ");
+    } catch (const tvx::RuntimeError&) {
+    }
+    return status;
 }

@@ -38,6 +38,7 @@ public:
     void close();
 
     Settings& settings() { return m_settings; }
+    Clock& clock() { return m_ports.clock; }
     MeterState& state() { return m_state; }
     LogBox& logBox() { return m_logBox; }
     ScreenRecognizer& recognizer() { return m_recognizer; }
