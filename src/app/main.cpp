@@ -1,4 +1,5 @@
 // tallivex: the desktop meter.
+#include "Environment.h"
 #include "FormMain.h"
 #include "HomeFolder.h"
 #include "QtPorts.h"
@@ -69,21 +70,26 @@ int main(int argc, char** argv)
     tvx::Settings settings = tvx::defaultSettings(tvx::pathUtf8(home));
     writeStartLines(log, tvx::programTitle(settings.SearchWindowName), home);
 
+    DefaultAnswers prompter;
+    tvx::CheckSystemFiles(tvx::platform::requiredLibraries(), tvx::platform::canLoadLibrary, prompter, log);
+
     tvx::ui::FormMain window(tvx::programTitle(settings.SearchWindowName), log, home);
     tvx::ui::QtWaiter waiter;
     tvx::ui::QtSound sound;
     tvx::ui::QtShellLauncher shell;
     tvx::ui::QtImageEncoder encoder;
-    DefaultAnswers prompter;
     NoGame game;
     tvx::MeterPorts ports{clock, waiter, game, game, sound, shell, prompter, window, &encoder, nullptr};
     tvx::Meter meter(settings, ports, log, static_cast<std::uint32_t>(clock.tickMs()));
+    window.setDocumentFolder(tvx::platform::programFolder());
+    window.setEnvironmentSource(tvx::platform::gatherEnvironment);
     window.attach(meter);
     window.show();
     window.FormMain_Load();
     const int status = QApplication::exec();
     try {
         log.WriteDebugLog("End of the Program ");
+        tvx::WriteOperatingInformation(tvx::platform::gatherEnvironment(), log);
     } catch (const tvx::RuntimeError&) {
     }
     return status;

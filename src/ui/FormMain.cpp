@@ -11,6 +11,7 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QDialog>
 #include <QFontDatabase>
 #include <QFrame>
 #include <QGridLayout>
@@ -33,6 +34,7 @@ namespace {
 
 constexpr int kLeftPanelWidth = 488;
 constexpr int kLogWidth = 465;
+constexpr std::string_view kHomePage = "https://tallivex.jp/";
 
 // A font whose full-width characters are exactly two columns, so the log lines align.
 QFont logFont()
@@ -237,7 +239,10 @@ void FormMain::showLogBox()
     const LogBox& box = m_meter->logBox();
     m_txtLog->setPlainText(qtText(box.text()));
     QTextCursor cursor = m_txtLog->textCursor();
-    cursor.setPosition(static_cast<int>(qtText(std::string_view(box.text()).substr(0, box.caret())).size()));
+    // The box keeps CR LF; the editor counts one character per line break.
+    QString before = qtText(std::string_view(box.text()).substr(0, box.caret()));
+    before.remove(QLatin1Char('\r'));
+    cursor.setPosition(static_cast<int>(before.size()));
     m_txtLog->setTextCursor(cursor);
     m_txtLog->ensureCursorVisible();
 }
@@ -335,7 +340,8 @@ void FormMain::sessionReset()
 void FormMain::runFileBeside(const char* logLine, const char* document)
 {
     m_log.WriteDebugLog(logLine);
-    m_meter->launcher().RunFile(pathUtf8(m_programFolder / utf8Path(document)), 500);
+    const auto& folder = m_documentFolder.empty() ? m_programFolder : m_documentFolder;
+    m_meter->launcher().RunFile(pathUtf8(folder / utf8Path(document)), 500);
 }
 
 void FormMain::menuPatternSave_Click()
@@ -354,11 +360,32 @@ void FormMain::menuPatternSave_Click()
 void FormMain::menuOperatingInfo_Click()
 {
     m_log.WriteDebugLog("Click : Operating Information ");
+    if (m_environment)
+        m_meter->logBox().write("\r\n" + ReportEnvironment(m_environment(), true));
 }
 
 void FormMain::menuVersion_Click()
 {
     m_log.WriteDebugLog("Click : VersionInformation ");
+    QDialog dialog(this);
+    dialog.setObjectName(QStringLiteral("FormVersion"));
+    dialog.setWindowTitle(QStringLiteral("バージョン情報"));
+    auto* rows = new QVBoxLayout(&dialog);
+    auto* title = new QLabel(windowTitle(), &dialog);
+    QFont big = title->font();
+    big.setPointSize(big.pointSize() + 4);
+    big.setBold(true);
+    title->setFont(big);
+    rows->addWidget(title);
+    rows->addWidget(new QLabel(QStringLiteral("バージョン ") + qtText(kVersionText), &dialog));
+    auto* link = new QLabel(QStringLiteral("<a href=\"%1\">作者のホームページ</a>").arg(qtText(kHomePage)), &dialog);
+    link->setObjectName(QStringLiteral("lblHomePage"));
+    connect(link, &QLabel::linkActivated, this, [this] { m_meter->launcher().RunUrl(std::string(kHomePage), 500); });
+    rows->addWidget(link);
+    auto* ok = new QPushButton(QStringLiteral("OK"), &dialog);
+    connect(ok, &QPushButton::clicked, &dialog, &QDialog::accept);
+    rows->addWidget(ok, 0, Qt::AlignRight);
+    dialog.exec();
 }
 
 void FormMain::closeEvent(QCloseEvent* event)

@@ -4,7 +4,10 @@
 
 #include <QMainWindow>
 
+#include "shell/EnvironmentReport.h"
+
 #include <array>
+#include <functional>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -41,6 +44,10 @@ public:
 
     QPlainTextEdit* txtLog() const { return m_txtLog; }
     QAction* action(const char* name) const;
+    // Where the help documents are: the program's own folder.
+    void setDocumentFolder(std::filesystem::path folder) { m_documentFolder = std::move(folder); }
+    // Where the environment report comes from.
+    void setEnvironmentSource(std::function<EnvironmentFacts()> source) { m_environment = std::move(source); }
 
     // MeterView
     void showNotice(const std::string& text, const std::string& title) override;
@@ -70,6 +77,8 @@ private:
 
     DebugLog& m_log;
     std::filesystem::path m_programFolder;
+    std::filesystem::path m_documentFolder;
+    std::function<EnvironmentFacts()> m_environment;
     Meter* m_meter = nullptr;
     QPlainTextEdit* m_txtLog = nullptr;
     std::array<QLabel*, 5> m_startRow{};
