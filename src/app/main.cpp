@@ -3,6 +3,7 @@
 #include "FormMain.h"
 #include "HomeFolder.h"
 #include "QtPorts.h"
+#include "QtText.h"
 #include "SystemClock.h"
 
 #include "config/Settings.h"
@@ -12,9 +13,12 @@
 #include "ports/ScreenSource.h"
 #include "shell/DebugLog.h"
 #include "shell/Errors.h"
+#include "shell/StartupChecks.h"
 #include "shell/Utf8Path.h"
 
 #include <QApplication>
+#include <QLockFile>
+#include <QMessageBox>
 #include <QStringList>
 
 #include <optional>
@@ -59,12 +63,34 @@ void writeStartLines(tvx::DebugLog& log, const std::string& title, const std::fi
     }
 }
 
+// The two refusals before anything is written: a second instance on the same home folder,
+// and a run from inside the temporary folder.
+bool refuseToStart(QLockFile& instance)
+{
+    const QString title = QStringLiteral("起動エラー");
+    if (!instance.tryLock(0)) {
+        QMessageBox::information(nullptr, title, QStringLiteral("既にプログラムは起動しています。"));
+        return true;
+    }
+    const auto [tempLong, tempShort] = tvx::platform::temporaryFolder();
+    if (tvx::IsTempFolder(tvx::pathUtf8(tvx::platform::programFolder()), tempLong, tempShort)) {
+        QMessageBox::information(nullptr, title,
+                                 QStringLiteral("テンポラリフォルダでは実行できません。\r\n"
+                                                "Zip圧縮ファイルは適切なフォルダに解凍してから実行してください。"));
+        return true;
+    }
+    return false;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
     QApplication app(argc, argv);
     const std::filesystem::path home = tvx::platform::homeFolder(homeOverride(QApplication::arguments()));
+    QLockFile instance(tvx::ui::qtText(tvx::pathUtf8(home / "tallivex.lock")));
+    if (refuseToStart(instance))
+        return 1;
     tvx::platform::SystemClock clock;
     tvx::DebugLog log(home, clock);
     tvx::Settings settings = tvx::defaultSettings(tvx::pathUtf8(home));
