@@ -1,6 +1,7 @@
 // tallivex: the desktop meter.
 #include "Environment.h"
 #include "FormMain.h"
+#include "GameScreen.h"
 #include "HomeFolder.h"
 #include "QtPorts.h"
 #include "QtText.h"
@@ -33,7 +34,7 @@ std::optional<std::filesystem::path> homeOverride(const QStringList& args)
     return std::nullopt;
 }
 
-// Until a screen back end is wired in, the game is never found and nothing is captured.
+// Without a screen to talk to, the game is never found and nothing is captured.
 class NoGame final : public tvx::GameWindowProbe, public tvx::ScreenSource {
 public:
     tvx::GameWindowState state(std::string_view) override { return tvx::GameWindowState::Missing; }
@@ -104,8 +105,11 @@ int main(int argc, char** argv)
     tvx::ui::QtSound sound;
     tvx::ui::QtShellLauncher shell;
     tvx::ui::QtImageEncoder encoder;
-    NoGame game;
-    tvx::MeterPorts ports{clock, waiter, game, game, sound, shell, prompter, window, &encoder, nullptr};
+    NoGame noGame;
+    const std::unique_ptr<tvx::platform::GameScreen> screen = tvx::platform::makeGameScreen();
+    tvx::GameWindowProbe& probe = screen ? static_cast<tvx::GameWindowProbe&>(*screen) : noGame;
+    tvx::ScreenSource& source = screen ? static_cast<tvx::ScreenSource&>(*screen) : noGame;
+    tvx::MeterPorts ports{clock, waiter, probe, source, sound, shell, prompter, window, &encoder, nullptr};
     tvx::Meter meter(settings, ports, log, static_cast<std::uint32_t>(clock.tickMs()));
     window.setDocumentFolder(tvx::platform::programFolder());
     window.setEnvironmentSource(tvx::platform::gatherEnvironment);
