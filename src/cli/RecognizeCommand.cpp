@@ -1,12 +1,16 @@
 #include "RecognizeCommand.h"
 
+#include "CliSettings.h"
+#include "HomeFolder.h"
 #include "Json.h"
 
 #include "recognition/CaptureFile.h"
 #include "recognition/ScreenRecognizer.h"
 #include "shell/Errors.h"
+#include "shell/PathText.h"
 
 #include <array>
+#include <optional>
 #include <ostream>
 
 namespace tvx::cli {
@@ -14,19 +18,28 @@ namespace {
 
 constexpr std::array<const char*, kRegionCount> kRegionNames{"level", "exp", "money"};
 
+constexpr const char* kUsage = "usage: tallivex-cli recognize [--window-mode] [--trace] [--home DIR [--yes|--no]] "
+                                "IMAGE...\n";
+
 struct Options {
-    bool windowMode = false;
     bool trace = false;
+    std::optional<std::filesystem::path> home;
+    CliAnswers answers;
     std::vector<std::string> images;
 };
 
 bool parseOptions(const std::vector<std::string>& args, Options& options, std::ostream& err)
 {
-    for (const std::string& arg : args) {
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        const std::string& arg = args[i];
         if (arg == "--window-mode")
-            options.windowMode = true;
+            options.answers.screen = ScreenMode::Window;
         else if (arg == "--trace")
             options.trace = true;
+        else if (arg == "--home" && i + 1 < args.size())
+            options.home = pathFromUtf8(args[++i]);
+        else if (parseCliAnswer(arg, options.answers))
+            continue;
         else if (arg.starts_with("--")) {
             err << "tallivex-cli recognize: unknown option " << arg << '\n';
             return false;
@@ -34,7 +47,7 @@ bool parseOptions(const std::vector<std::string>& args, Options& options, std::o
             options.images.push_back(arg);
     }
     if (options.images.empty()) {
-        err << "usage: tallivex-cli recognize [--window-mode] [--trace] IMAGE...\n";
+        err << kUsage;
         return false;
     }
     return true;
@@ -84,8 +97,11 @@ int runRecognize(const std::vector<std::string>& args, std::ostream& out, std::o
     Options options;
     if (!parseOptions(args, options, err))
         return 1;
-    const Settings settings =
-        defaultSettings("", options.windowMode ? ScreenMode::Window : ScreenMode::FullScreen);
+    // With a home folder its configuration decides; --window-mode then only answers the
+    // screen question should the file have to be made afresh.
+    const Settings settings = options.home
+                                  ? loadCliSettings(platform::homeFolder(options.home), options.answers, err)
+                                  : defaultSettings("", options.answers.screen);
     ScreenRecognizer recognizer(settings);
     int status = 0;
     for (const std::string& image : options.images) {

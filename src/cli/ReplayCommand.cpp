@@ -1,6 +1,8 @@
 #include "ReplayCommand.h"
 
+#include "CliSettings.h"
 #include "SystemClock.h"
+#include "TextCodecFactory.h"
 
 #include "measurement/Meter.h"
 #include "ports/Clock.h"
@@ -26,11 +28,12 @@ namespace {
 
 constexpr const char* kUsage =
     "usage: tallivex-cli replay FRAMES_DIR --save-folder DIR [--start \"YYYY-MM-DD hh:mm\"] [--csv]\n"
-    "                           [--per-session] [--money-scan] [--window-mode]\n";
+    "                           [--per-session] [--money-scan] [--window-mode] [--home DIR]\n";
 
 struct Options {
     std::string framesDir;
     std::string saveFolder;
+    std::string home;
     std::optional<LocalDateTime> start;
     bool csv = false;
     bool perSession = false;
@@ -64,7 +67,7 @@ bool parseOptions(const std::vector<std::string>& args, Options& options, std::o
                 return std::nullopt;
             return args[++i];
         };
-        if (arg == "--save-folder" || arg == "--start") {
+        if (arg == "--save-folder" || arg == "--start" || arg == "--home") {
             const auto text = value();
             if (!text) {
                 err << "tallivex-cli replay: " << arg << " needs a value\n";
@@ -72,6 +75,8 @@ bool parseOptions(const std::vector<std::string>& args, Options& options, std::o
             }
             if (arg == "--save-folder") {
                 options.saveFolder = *text;
+            } else if (arg == "--home") {
+                options.home = *text;
             } else if (!(options.start = parseStart(*text))) {
                 err << "tallivex-cli replay: --start wants \"YYYY-MM-DD hh:mm\", not \"" << *text << "\"\n";
                 return false;
@@ -192,13 +197,17 @@ int runReplay(const std::vector<std::string>& args, std::ostream& out, std::ostr
     ReplayClock clock(options.start.value_or(systemClock.now()));
     ReplayScreen screen;
     Headless headless;
-    Settings settings = defaultSettings(options.saveFolder, options.windowMode ? ScreenMode::Window : ScreenMode::FullScreen);
+    // A home's configuration, or the defaults of the screen mode.
+    Settings settings = options.home.empty()
+                            ? defaultSettings(options.saveFolder, options.windowMode ? ScreenMode::Window : ScreenMode::FullScreen)
+                            : loadCliSettings(utf8Path(options.home), CliAnswers{}, err);
     settings.SaveFolder = options.saveFolder;
     settings.SaveCsv = options.csv;
     settings.SaveMonthly = !options.perSession;
     settings.MoneyScan = options.moneyScan;
-    DebugLog log({}, clock);
-    MeterPorts ports{clock, headless, screen, screen, headless, headless, headless, headless};
+    DebugLog log(options.home.empty() ? std::filesystem::path() : utf8Path(options.home), clock);
+    const std::unique_ptr<TextCodec> codec = platform::makeTextCodec();
+    MeterPorts ports{clock, headless, screen, screen, headless, headless, headless, headless, nullptr, codec.get()};
     Meter meter(settings, ports, log);
     meter.logBox().setListener([&out](std::string_view added) { out << added; });
 

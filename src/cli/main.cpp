@@ -1,4 +1,5 @@
 // tallivex-cli: the meter's core without windows.
+#include "ConfigCommand.h"
 #include "RecognizeCommand.h"
 #include "ReplayCommand.h"
 
@@ -12,8 +13,23 @@ void printUsage(std::ostream& out)
 {
     out << "usage: tallivex-cli <command> [options]\n"
            "commands:\n"
-           "  recognize [--window-mode] [--trace] IMAGE...   read level, experience and money off\n"
-           "                                                 24-bit BMP screen images\n";
+           "  recognize [--window-mode] [--trace] [--home DIR] IMAGE...\n"
+           "      read level, experience and money off 24-bit BMP screen images, with the default\n"
+           "      regions or, given --home, with that folder's configuration\n"
+           "  config show|defaults|save [--home DIR] [--fullscreen|--window] [--yes|--no]\n"
+           "      load the configuration as the program does at start-up and print it as JSON;\n"
+           "      defaults also restores and writes the defaults, save writes it back\n"
+           "  replay FRAMES_DIR --save-folder DIR [--start \"YYYY-MM-DD hh:mm\"] [--csv] [--per-session]\n"
+           "         [--money-scan] [--window-mode] [--home DIR]\n"
+           "      run one measurement session over screen images named by their second\n"
+           "      (0.bmp, 360.bmp, ...), write the record file and print the log box\n"
+           "options:\n"
+           "  --home DIR          the folder of TV2MConfig.ini and debug.txt (default: the\n"
+           "                      program's folder when writable, else the per-user data folder)\n"
+           "  --yes, --no         answer to the migration and target-change questions (default --yes)\n"
+           "  --fullscreen, --window\n"
+           "                      answer to the screen-mode question asked when defaults are made\n"
+           "                      (default --fullscreen; --window-mode is the same as --window)\n";
 }
 
 } // namespace
@@ -27,6 +43,8 @@ int main(int argc, char** argv)
         return tvx::cli::runRecognize(args, std::cout, std::cerr);
     if (command == "replay")
         return tvx::cli::runReplay(args, std::cout, std::cerr);
+    if (command == "config")
+        return tvx::cli::runConfig(args, std::cout, std::cerr);
     if (command == "--help" || command == "-h" || command == "help") {
         printUsage(std::cout);
         return 0;

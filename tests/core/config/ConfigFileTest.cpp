@@ -1,0 +1,410 @@
+#include "config/ConfigFile.h"
+
+#include "TextCodecFactory.h"
+#include "shell/PathText.h"
+#include "support/FakeClock.h"
+#include "support/ScriptedPrompter.h"
+#include "support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace tvx {
+namespace {
+
+std::string readAll(const std::filesystem::path& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+void writeAll(const std::filesystem::path& path, const std::string& bytes)
+{
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out << bytes;
+}
+
+// The first `count` CR LF lines of a text.
+std::string firstLines(const std::string& text, int count)
+{
+    std::size_t end = 0;
+    for (int i = 0; i < count; ++i)
+        end = text.find("\r\n", end) + 2;
+    return text.substr(0, end);
+}
+
+const std::string kFullScreenQuestion = "MapleStoryをフルスクリーンモードでプレイするときは「はい」を、\r\n"
+                                        "ウィンドウモードでプレイする場合は「いいえ」を選択してください。";
+const std::string kUnreadableMessage = "読込みできない設定ファイルです。\r\n"
+                                       "　　初期値で設定ファイルを再作成します。\r\n"
+                                       "　　以前のファイルは「TV2MConfigBack.ini」で保存されます。";
+
+class ConfigFileTest : public testing::Test {
+protected:
+    ConfigFileTest() { m_settings.SaveFolder = utf8FromPath(m_home); }
+
+    // Runs one mode; the buffers must be sized exactly once whatever happens.
+    void run(int mode)
+    {
+        int sized = 0;
+        ConfigFile config(m_settings, m_home, m_prompter, *m_codec, &m_log, [&sized] { ++sized; });
+        config.run(mode);
+        EXPECT_EQ(sized, 1) << "mode " << mode;
+    }
+
+    Settings defaults(ScreenMode mode = ScreenMode::FullScreen) const
+    {
+        Settings s = defaultSettings(utf8FromPath(m_home), mode);
+        s.SearchWindowName = m_settings.SearchWindowName;
+        return s;
+    }
+
+    std::string cp932(const Settings& s) { return m_codec->toCp932(configFileText(s)); }
+    std::filesystem::path file() const { return m_home / "TV2MConfig.ini"; }
+    std::string logText() const { return readAll(m_home / "debug.txt"); }
+
+    test::TempFolder m_temp;
+    const std::filesystem::path& m_home = m_temp.path();
+    std::unique_ptr<TextCodec> m_codec = platform::makeTextCodec();
+    test::FakeClock m_clock;
+    DebugLog m_log{m_home, m_clock};
+    test::ScriptedPrompter m_prompter;
+    Settings m_settings;
+};
+
+TEST(ConfigFileLayout, FieldsAreSixBytesWideWithABlankEitherSide)
+{
+    const std::pair<const char*, const char*> cases[] = {
+        {"0", "      0 "},     {"-1", "     -1 "},   {"True", "   True "},   {"False", "  False "},
+        {".jpg90", " .jpg90 "}, {"1234567", " 1234567 "}, {"記録", "   記録 "}, {"ｱｲ", "     ｱｲ "},
+        {"", "        "},
+    };
+    for (const auto& [text, field] : cases)
+        EXPECT_EQ(padField(text), field) << text;
+}
+
+TEST_F(ConfigFileTest, AFreshInstallationWritesTheDefaultFileByteForByte)
+{
+    m_prompter.answers = {true, true}; // full screen, confirmed
+    run(ConfigFile::Load);
+    ASSERT_EQ(m_prompter.shown.size(), 2u);
+    EXPECT_EQ(m_prompter.shown[0].text, kFullScreenQuestion);
+    EXPECT_EQ(m_prompter.shown[0].title, "検査領域追従選択");
+    EXPECT_EQ(m_settings, defaults());
+
+    const std::string folder = utf8FromPath(m_home);
+    std::string expected = "Tallivex  for MapleStory    Ver.2.20\r\n"
+                           "     35 ,    578 ,     50 ,      9 , Lvキャプチャ領域(1)、開始座標とサイズ\r\n"
+                           "    463 ,    570 ,     90 ,      9 , Expキャプチャ領域(2)、開始座標とサイズ\r\n"
+                           "      0 ,    269 ,    146 ,      9 , マネーキャプチャ領域(3)、開始座標とサイズ\r\n"
+                           "   True ,          自動開始フラグ\r\n"
+                           "      6 ,          キャプチャインターバル(分)\r\n"
+                           "      0 ,          キャプチャ時に音を鳴らす\r\n" +
+                           folder +
+                           " , 給与明細 , 時給ファイル保存場所\r\n"
+                           "  False ,          時給ファイルをCSVで保存する\r\n"
+                           "   True ,          時給記録ファイルを一ヶ月追記する\r\n"
+                           "    500 ,          キャプチャ調整時間(ｍ秒)\r\n"
+                           "     15 ,          起動時にメイプルストーリ起動確認遅延時間(秒)\r\n"
+                           "  False ,  ,       アプリケーション1を自動起動させるかと、そのファイルパス\r\n"
+                           "  False ,  ,       アプリケーション2を自動起動させるかと、そのファイルパス\r\n"
+                           "     15 ,          アプリケーション2を自動起動させる遅延時間(秒)\r\n"
+                           "  False ,   1000 ,          撮影チェックを実行するかどうかと、撮影チェックインターバル(m秒)\r\n"
+                           "   .png ,          画像ファイルの保存拡張子\r\n"
+                           "  False ,    500 ,          マウスボタンジェスチャを監視するかどうかと、ジェスチャ入力待ち時間(m秒)\r\n"
+                           "  False ,   1500 ,          お金の時給を監視するかどうかと、お金を認識するときの待機時間(m秒)\r\n"
+                           "   True ,     20 ,     10 ,          グラフを表示するかどうかと、グラフ時間軸データ数、グラフの平均化データ数\r\n";
+    const char* regionLines[3][2] = {
+        {"    188 ,     34 , 画像２値化境界値とマスク値1\r\n", "      7 ,      9 , 基準画像サイズ\r\n"},
+        {"    133 ,     -1 , 画像２値化境界値とマスク値2\r\n", "      5 ,      9 , 基準画像サイズ\r\n"},
+        {"    223 ,     -1 , 画像２値化境界値とマスク値3\r\n", "      7 ,      9 , 基準画像サイズ\r\n"},
+    };
+    const char* indexes[] = {"00", "01", "02", "03", "04", "05", "06", "07", "08", "09", "10"};
+    for (int r = 0; r < 3; ++r) {
+        expected += std::string(regionLines[r][0]) + regionLines[r][1];
+        for (int j = 0; j < 11; ++j)
+            expected += defaultPatternStrings()[static_cast<std::size_t>(r)][static_cast<std::size_t>(j)] +
+                        "  , 基準パターン画像変換文字列" + std::to_string(r + 1) + indexes[j] + "\r\n";
+    }
+    expected += "MapleStory     , 検索ウィンドウ名\r\n";
+
+    const std::string bytes = readAll(file());
+    EXPECT_EQ(m_codec->fromCp932(bytes), expected);
+    // CP932 on disk, not UTF-8: line 5's comment as Windows encodes it.
+    EXPECT_NE(bytes.find("   True ,          \x8E\xA9\x93\xAE\x8A\x4A\x8E\x6E\x83\x74\x83\x89\x83\x4F\r\n"),
+              std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(m_home / "TV2MConfig.ini.tmp"));
+}
+
+TEST_F(ConfigFileTest, EveryFieldSurvivesASaveAndALoad)
+{
+    Settings& s = m_settings;
+    s.CaptureRegion = {{{1, 2, 3, 4}, {5, 6, 7, 8}, {9, 10, 11, 12}}};
+    s.AutoStart = false;
+    s.CaptureInterval = 30;
+    s.CaptureBeep = 3;
+    s.SaveFile = "記録 ファイル";
+    s.SaveCsv = true;
+    s.SaveMonthly = false;
+    s.Lag = 0;
+    s.StartDelay = 99;
+    s.StartUp = {{{true, "C:\\ゲーム\\ツール.exe"}, {false, "https://example.com/"}}};
+    s.StartUpDelay = 7;
+    s.DoHLCheckExec = true;
+    s.DoHLInterval = 250;
+    s.SaveFormat = ".jpg90";
+    s.Gesture = true;
+    s.GestureTime = 800;
+    s.MoneyScan = true;
+    s.MoneyWait = 2000;
+    s.Graph = false;
+    s.GraphTimeScale = 100;
+    s.GraphAveNum = 1;
+    s.BinaryThreshold = {1, 255, 0};
+    s.BinaryMask = {-1, 0, 200};
+    s.ReferenceSize = {{{8, 10}, {6, 11}, {9, 12}}};
+    s.PatternStrings = defaultPatternStrings();
+    s.PatternStrings[1][4] = "";
+    s.PatternStrings[2][10] = "FFFF0001";
+    s.SearchWindowName = "MapleStory Test";
+    run(ConfigFile::Save);
+    EXPECT_TRUE(m_prompter.shown.empty());
+    const Settings saved = s;
+
+    s = Settings{};
+    m_prompter.answers = {true}; // take over the new target
+    run(ConfigFile::Load);
+    EXPECT_EQ(s, saved);
+    ASSERT_EQ(m_prompter.shown.size(), 1u);
+    EXPECT_EQ(m_prompter.shown[0].text, "ターゲットは MapleStory Test でよろしいいですか？");
+    EXPECT_EQ(m_prompter.shown[0].title, "ターゲット変更選択");
+    EXPECT_NE(logText().find("Target Change : MapleStory Test\r\n"), std::string::npos);
+}
+
+TEST_F(ConfigFileTest, HandWrittenFilesAreReadTolerantly)
+{
+    // LF endings, tabs, missing comments, flags as words in any case or as numbers.
+    std::string text = firstLines(configFileText(defaults()), 4) +
+                       "\ttrue\n"
+                       " 12 \n"
+                       "0,\n" +
+                       utf8FromPath(m_home) + " ,  記録  \n" + "-1\n" + "FALSE , comment\n";
+    const std::string rest = configFileText(defaults());
+    std::size_t from = firstLines(rest, 10).size();
+    text += rest.substr(from);
+    writeAll(file(), m_codec->toCp932(text));
+    run(ConfigFile::Load);
+    EXPECT_TRUE(m_prompter.shown.empty());
+    EXPECT_TRUE(m_settings.AutoStart);
+    EXPECT_EQ(m_settings.CaptureInterval, 12);
+    EXPECT_EQ(m_settings.SaveFile, "記録");
+    EXPECT_TRUE(m_settings.SaveCsv);
+    EXPECT_FALSE(m_settings.SaveMonthly);
+}
+
+// Unreadable files: each ends in the message, the back-up, the defaults and a new file.
+TEST_F(ConfigFileTest, AnUnreadableFileIsBackedUpAndReplacedByTheDefaults)
+{
+    const std::string good = configFileText(defaults());
+    const auto replaceLine = [&good](int line, const std::string& with) {
+        const std::string head = firstLines(good, line - 1);
+        return head + with + "\r\n" + good.substr(firstLines(good, line).size());
+    };
+    struct Case {
+        const char* name;
+        std::string bytes;
+        const char* logged;
+    };
+    const Case cases[] = {
+        {"cut after line 20", m_codec->toCp932(firstLines(good, 20)), "CODE62  Input past end of file"},
+        {"empty", "", "CODE62  Input past end of file"},
+        {"word for a number", m_codec->toCp932(replaceLine(6, "  six ,   x")), "CODE13  Type mismatch"},
+        {"too large", m_codec->toCp932(replaceLine(11, " 99999999999 , x")), "CODE6  Overflow"},
+        {"unknown flag", m_codec->toCp932(replaceLine(5, " Maybe , x")), "CODE13  Type mismatch"},
+        {"short region line", m_codec->toCp932(replaceLine(2, " 1 , 2 ")), "CODE13  Type mismatch"},
+        {"neither CP932 nor UTF-8", m_codec->toCp932(firstLines(good, 7)) + "\x85\x40\r\n", "CODE13  Type mismatch"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        m_settings = defaults();
+        m_settings.CaptureInterval = 45; // must not survive
+        writeAll(file(), c.bytes);
+        m_prompter.shown.clear();
+        m_prompter.answers = {false, true}; // window mode, confirmed
+        run(ConfigFile::Load);
+        EXPECT_EQ(m_prompter.kinds(), (std::vector<std::string>{"message", "yesno", "okcancel"}));
+        EXPECT_EQ(m_prompter.shown[0].text, kUnreadableMessage);
+        EXPECT_EQ(m_prompter.shown[0].title, "設定ファイル読込み");
+        EXPECT_EQ(readAll(m_home / "TV2MConfigBack.ini"), c.bytes);
+        EXPECT_EQ(m_settings, defaults(ScreenMode::Window));
+        EXPECT_EQ(readAll(file()), cp932(m_settings));
+        EXPECT_NE(logText().find(std::string("Error Trap : ConfigFile : ") + c.logged + "\r\n"), std::string::npos)
+            << logText();
+    }
+}
+
+TEST_F(ConfigFileTest, TheLastLineMayChangeTheTarget)
+{
+    struct Case {
+        const char* name;
+        const char* lastLine;
+        std::vector<bool> answers;
+        const char* target;
+        bool asked;
+        bool rewritten;
+    };
+    const Case cases[] = {
+        {"accepted", "Other Game", {true}, "Other Game", true, true},
+        {"refused", "Other Game", {false}, "MapleStory", true, false},
+        {"four double-width characters", "ゲーム名", {}, "MapleStory", false, true},
+        {"too short to ask", "Game", {}, "MapleStory", false, true},
+        {"empty", "", {}, "MapleStory", false, true},
+        {"the same", "MapleStory", {}, "MapleStory", false, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        m_settings = defaults();
+        m_settings.SearchWindowName = "MapleStory";
+        Settings onDisk = m_settings;
+        onDisk.SearchWindowName = c.lastLine;
+        // LF endings: a rewrite is seen as the file turning into CR LF.
+        std::string text = configFileText(onDisk);
+        for (std::size_t at; (at = text.find("\r\n")) != std::string::npos;)
+            text.erase(at, 1);
+        writeAll(file(), m_codec->toCp932(text));
+        m_prompter.shown.clear();
+        m_prompter.answers.assign(c.answers.begin(), c.answers.end());
+        run(ConfigFile::Load);
+        EXPECT_EQ(m_settings.SearchWindowName, c.target);
+        EXPECT_EQ(!m_prompter.shown.empty(), c.asked);
+        const bool rewritten = readAll(file()).find("\r\n") != std::string::npos;
+        EXPECT_EQ(rewritten, c.rewritten);
+        if (rewritten) {
+            EXPECT_EQ(readAll(file()), cp932(m_settings));
+        }
+    }
+}
+
+TEST_F(ConfigFileTest, AMissingRecordFolderFallsBackToTheProgramFolder)
+{
+    Settings onDisk = defaults();
+    onDisk.SaveFolder = utf8FromPath(m_home / "gone");
+    onDisk.CaptureInterval = 9;
+    writeAll(file(), cp932(onDisk));
+    run(ConfigFile::Load);
+    ASSERT_EQ(m_prompter.kinds(), std::vector<std::string>{"message"});
+    EXPECT_EQ(m_prompter.shown[0].text, "時給記録フォルダが不正のため\r\nデフォルトフォルダに変更しました。");
+    EXPECT_EQ(m_settings.SaveFolder, utf8FromPath(m_home));
+    EXPECT_EQ(m_settings.CaptureInterval, 9);
+    EXPECT_EQ(readAll(file()), cp932(m_settings));
+}
+
+TEST_F(ConfigFileTest, TheOlderFileIsMigratedOnRequest)
+{
+    Settings old = defaults();
+    old.CaptureInterval = 3;
+    old.Gesture = true;
+    old.SaveFile = "旧記録";
+    old.CaptureRegion[0] = {1, 1, 1, 1};
+    old.BinaryThreshold[0] = 5;
+    const std::string oldText = configFileText(old);
+    const std::string oldBody = firstLines(oldText, 20).substr(firstLines(oldText, 1).size());
+    struct Case {
+        const char* name;
+        std::string bytes;
+        std::vector<bool> answers;
+        std::vector<std::string> kinds;
+        int interval;
+    };
+    const Case cases[] = {
+        {"taken over", m_codec->toCp932(oldBody), {true, false, true}, {"yesno", "yesno", "okcancel"}, 3},
+        {"declined", m_codec->toCp932(oldBody), {false, false, true}, {"yesno", "yesno", "okcancel"}, 6},
+        {"unreadable", m_codec->toCp932(firstLines(oldBody, 10)), {true, false, true},
+         {"yesno", "message", "yesno", "okcancel"}, 6},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::filesystem::remove(file());
+        writeAll(m_home / "TV2Config.ini", c.bytes);
+        m_settings = defaults();
+        m_prompter.shown.clear();
+        m_prompter.answers.assign(c.answers.begin(), c.answers.end());
+        run(ConfigFile::Load);
+        EXPECT_EQ(m_prompter.kinds(), c.kinds);
+        EXPECT_EQ(m_prompter.shown[0].text, "以前の設定ファイルが見つかりました。\r\n　　共通する設定を引き継ぎますか？");
+        EXPECT_EQ(m_settings.CaptureInterval, c.interval);
+        EXPECT_EQ(m_settings.Gesture, c.interval == 3);
+        // Regions and recognition always start afresh, here in window mode.
+        EXPECT_EQ(m_settings.CaptureRegion, defaultCaptureRegions(ScreenMode::Window));
+        EXPECT_EQ(m_settings.BinaryThreshold, defaults().BinaryThreshold);
+        EXPECT_EQ(readAll(file()), cp932(m_settings));
+        EXPECT_EQ(readAll(m_home / "TV2Config.ini"), c.bytes);
+    }
+    EXPECT_EQ(m_prompter.shown[1].text, "読込みできない設定ファイルです。\r\n　　初期値で設定ファイルを再作成します。");
+    EXPECT_NE(logText().find("Error Trap : ConfigFileOld : CODE62  Input past end of file"), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(m_home / "TV2MConfigBack.ini"));
+}
+
+TEST_F(ConfigFileTest, UnicodeFilesWithOrWithoutAByteOrderMarkAreRead)
+{
+    Settings onDisk = defaults();
+    onDisk.SaveFile = "ｱｲｳ記録～";
+    onDisk.StartUp[0].Path = "メモ帳.exe";
+    for (const std::string prefix : {"", "\xEF\xBB\xBF"}) {
+        writeAll(file(), prefix + configFileText(onDisk));
+        m_settings = defaults();
+        m_prompter.shown.clear();
+        run(ConfigFile::Load);
+        EXPECT_TRUE(m_prompter.shown.empty());
+        EXPECT_EQ(m_settings, onDisk);
+    }
+}
+
+TEST_F(ConfigFileTest, AFailedWriteKeepsTheSettingsAndSaysSo)
+{
+    std::filesystem::create_directories(m_home / "TV2MConfig.ini.tmp" / "blocked");
+    m_settings.CaptureInterval = 17;
+    run(ConfigFile::Save);
+    ASSERT_EQ(m_prompter.kinds(), std::vector<std::string>{"message"});
+    EXPECT_EQ(m_prompter.shown[0].text, "設定をファイルに保存できませんでした。");
+    EXPECT_EQ(m_prompter.shown[0].title, "設定ファイル書き込み");
+    EXPECT_EQ(m_settings.CaptureInterval, 17);
+    EXPECT_FALSE(std::filesystem::exists(file()));
+    EXPECT_NE(logText().find("Error Trap : ConfigFile 2 : CODE70  Permission denied\r\n"), std::string::npos);
+}
+
+TEST_F(ConfigFileTest, RestoringTheDefaultsAsksTheScreenModeAndKeepsTheTarget)
+{
+    struct Case {
+        bool fullScreen;
+        bool confirmed;
+        ScreenMode mode;
+        const char* confirmation;
+    };
+    const Case cases[] = {
+        {true, true, ScreenMode::FullScreen, "フルスクリーンモードでよろしいですか？"},
+        {true, false, ScreenMode::Window, "フルスクリーンモードでよろしいですか？"},
+        {false, true, ScreenMode::Window, "ウィンドウモードでよろしいですか？"},
+        {false, false, ScreenMode::FullScreen, "ウィンドウモードでよろしいですか？"},
+    };
+    for (const Case& c : cases) {
+        m_settings = defaults();
+        m_settings.SearchWindowName = "MapleStory";
+        m_settings.Graph = false;
+        m_prompter.shown.clear();
+        m_prompter.answers = {c.fullScreen, c.confirmed};
+        run(ConfigFile::Defaults);
+        EXPECT_EQ(m_settings, defaults(c.mode));
+        EXPECT_EQ(m_prompter.shown[1].text,
+                  std::string(c.confirmation) + "\r\n※注意！ Windowsの環境により逆を選択したほうが良い場合もあります。");
+        EXPECT_EQ(readAll(file()), cp932(m_settings));
+    }
+}
+
+} // namespace
+} // namespace tvx

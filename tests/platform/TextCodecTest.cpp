@@ -1,0 +1,39 @@
+#include "TextCodecFactory.h"
+
+#include <gtest/gtest.h>
+
+namespace tvx {
+namespace {
+
+TEST(TextCodec, ConvertsJapaneseBothWaysAsWindowsDoes)
+{
+    const auto codec = platform::makeTextCodec();
+    // Wave dash and minus are the code points Windows gives 0x8160 and 0x817C.
+    const std::pair<std::string, std::string> cases[] = {
+        {"", ""},
+        {"abc 123", "abc 123"},
+        {"給与明細", "\x8B\x8B\x97\x5E\x96\xBE\x8D\xD7"},
+        {"ｱｲ", "\xB1\xB2"},
+        {"～－", "\x81\x60\x81\x7C"},
+        {"ｍ秒", "\x82\x8D\x95\x62"},
+    };
+    for (const auto& [utf8, cp932] : cases) {
+        EXPECT_EQ(codec->toCp932(utf8), cp932) << utf8;
+        EXPECT_EQ(codec->fromCp932(cp932), utf8) << utf8;
+    }
+}
+
+TEST(TextCodec, UnmappableCharactersBecomeQuestionMarksAndBadBytesAreRefused)
+{
+    const auto codec = platform::makeTextCodec();
+    EXPECT_EQ(codec->toCp932("a한b😀c"), "a?b?c");
+    EXPECT_EQ(codec->toCp932("a\xFF" "b"), "a?b");
+    EXPECT_EQ(codec->fromCp932("\x85\x40"), std::nullopt); // unassigned row
+    EXPECT_EQ(codec->fromCp932("ab\x82"), std::nullopt);   // lead byte cut off
+    // Longer than one conversion buffer.
+    const std::string long_(1000, 'x');
+    EXPECT_EQ(codec->fromCp932(codec->toCp932(long_ + "給与" + long_)), long_ + "給与" + long_);
+}
+
+} // namespace
+} // namespace tvx
