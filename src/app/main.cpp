@@ -6,7 +6,9 @@
 #include "QtPorts.h"
 #include "QtText.h"
 #include "SystemClock.h"
+#include "TextCodecFactory.h"
 
+#include "config/ConfigFile.h"
 #include "config/Settings.h"
 #include "measurement/Meter.h"
 #include "ports/GameWindowProbe.h"
@@ -41,12 +43,23 @@ public:
     std::optional<tvx::CaptureBitmap> grab(std::span<const tvx::CaptureRegionRect>) override { return std::nullopt; }
 };
 
-// Questions answered the safe way until the dialogs are wired in.
-class DefaultAnswers final : public tvx::Prompter {
+// Questions and messages as message boxes; numbers are not asked before the window is up.
+class MessageBoxPrompter final : public tvx::Prompter {
 public:
-    void message(const std::string&, const std::string&) override {}
-    bool askYesNo(const std::string&, const std::string&) override { return true; }
-    bool askOkCancel(const std::string&, const std::string&) override { return true; }
+    void message(const std::string& text, const std::string& title) override
+    {
+        QMessageBox::information(nullptr, tvx::ui::qtText(title), tvx::ui::qtText(text));
+    }
+    bool askYesNo(const std::string& text, const std::string& title) override
+    {
+        return QMessageBox::question(nullptr, tvx::ui::qtText(title), tvx::ui::qtText(text),
+                                     QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
+    }
+    bool askOkCancel(const std::string& text, const std::string& title) override
+    {
+        return QMessageBox::question(nullptr, tvx::ui::qtText(title), tvx::ui::qtText(text),
+                                     QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
+    }
     double askNumber(const std::string&, const std::string&, double, const std::string&, const std::string&,
                      const std::string&) override
     {
@@ -97,8 +110,15 @@ int main(int argc, char** argv)
     tvx::Settings settings = tvx::defaultSettings(tvx::pathUtf8(home));
     writeStartLines(log, tvx::programTitle(settings.SearchWindowName), home);
 
-    DefaultAnswers prompter;
+    MessageBoxPrompter prompter;
     tvx::CheckSystemFiles(tvx::platform::requiredLibraries(), tvx::platform::canLoadLibrary, prompter, log);
+    const std::unique_ptr<tvx::TextCodec> codec = tvx::platform::makeTextCodec();
+    tvx::ConfigFile config(settings, home, prompter, *codec, &log);
+    config.run(tvx::ConfigFile::Load);
+    try {
+        log.WriteDebugLog("Reading ConfigFile ･･･ End ");
+    } catch (const tvx::RuntimeError&) {
+    }
 
     tvx::ui::FormMain window(tvx::programTitle(settings.SearchWindowName), log, home);
     tvx::ui::QtWaiter waiter;
@@ -109,8 +129,9 @@ int main(int argc, char** argv)
     const std::unique_ptr<tvx::platform::GameScreen> screen = tvx::platform::makeGameScreen();
     tvx::GameWindowProbe& probe = screen ? static_cast<tvx::GameWindowProbe&>(*screen) : noGame;
     tvx::ScreenSource& source = screen ? static_cast<tvx::ScreenSource&>(*screen) : noGame;
-    tvx::MeterPorts ports{clock, waiter, probe, source, sound, shell, prompter, window, &encoder, nullptr};
+    tvx::MeterPorts ports{clock, waiter, probe, source, sound, shell, prompter, window, &encoder, codec.get()};
     tvx::Meter meter(settings, ports, log, static_cast<std::uint32_t>(clock.tickMs()));
+    config.setSecurePixels([&meter] { meter.recognizer().SecurePixels(); });
     window.setDocumentFolder(tvx::platform::programFolder());
     window.setEnvironmentSource(tvx::platform::gatherEnvironment);
     window.attach(meter);
