@@ -1,5 +1,6 @@
 #pragma once
 
+#include "graph/GraphView.h"
 #include "graph/clsGraphBuffer.h"
 #include "measurement/Currency.h"
 #include "shell/DateTime.h"
@@ -36,12 +37,6 @@ struct MeterControls {
     bool doHLTimerEnabled = false;    // timDoHLInterval
     bool tempStopRed = false;         // cmdTempStop's back colour
     bool testButtonsEnabled = true;   // cmdCapture, cmdRecognize
-};
-
-// The graph's view: how far back it is shifted and how far zoomed.
-struct GraphView {
-    std::int32_t timeShift = 0;
-    double zoom = 1.0;
 };
 
 // Flags and records shared across the engine; all on the user-interface thread.
