@@ -1,8 +1,11 @@
 #include "FormMain.h"
 
+#include "GraphFrame.h"
+
 #include "QtPorts.h"
 #include "QtText.h"
 
+#include "graph/GraphLayout.h"
 #include "measurement/Meter.h"
 #include "recognition/CaptureFile.h"
 #include "shell/DebugLog.h"
@@ -11,6 +14,7 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QResizeEvent>
 #include <QDialog>
 #include <QFontDatabase>
 #include <QFrame>
@@ -81,9 +85,8 @@ FormMain::FormMain(std::string_view title, DebugLog& log, std::filesystem::path 
     rows->addWidget(buildDebugArea());
     columns->addWidget(left);
 
-    m_frmGraph = new QFrame(central);
-    m_frmGraph->setObjectName(QStringLiteral("frmGraph"));
-    m_frmGraph->setFrameShape(QFrame::NoFrame);
+    m_frmGraph = new GraphFrame(central);
+    m_frmGraph->setDebugLog(&m_log);
     columns->addWidget(m_frmGraph, 1);
     setCentralWidget(central);
 
@@ -217,6 +220,9 @@ QWidget* FormMain::buildDebugArea()
 void FormMain::attach(Meter& meter)
 {
     m_meter = &meter;
+    m_frmGraph->setSettings(meter.settings());
+    m_frmGraph->setGraphView(meter.state().graphView);
+    m_frmGraph->setMeterControls(&meter.state().controls);
     meter.logBox().setListener([this](std::string_view) { showLogBox(); });
     connect(m_timCaptureInterval, &QTimer::timeout, this, [this] { m_meter->cycle().timCaptureInterval_Timer(); });
     connect(m_timDoHLInterval, &QTimer::timeout, this, [this] { m_meter->watch().timDoHLInterval_Timer(); });
@@ -228,6 +234,8 @@ void FormMain::FormMain_Load()
         m_timDoHLInterval->setInterval(m_meter->settings().DoHLInterval);
         m_frmGraph->setVisible(m_meter->settings().Graph);
         m_meter->load(m_meter->clock());
+        m_frmGraph->setGraphBuffer(m_meter->state().graph.get());
+        m_frmGraph->GraphFrameDisplay();
         m_log.WriteDebugLog("Program StartUp Complete ");
     } catch (const RuntimeError& error) {
         m_log.writeErrorTrap("FormMain_Load", error.number());
@@ -301,12 +309,34 @@ void FormMain::hideNotice()
 
 void FormMain::graphDataChanged()
 {
-    m_frmGraph->update();
+    const GraphView& view = m_meter->state().graphView;
+    m_frmGraph->setGraphBuffer(m_meter->state().graph.get());
+    m_frmGraph->GraphDataDisplay(view.timeShift, view.zoom);
 }
 
 void FormMain::graphFrameChanged()
 {
-    m_frmGraph->update();
+    m_frmGraph->GraphFrameDisplay();
+}
+
+void FormMain::resizeEvent(QResizeEvent* event)
+{
+    QMainWindow::resizeEvent(event);
+    if (!m_meter || isMinimized())
+        return;
+    const int menuHeight = menuBar()->height();
+    const FormResizeLayout layout =
+        formResizeLayout(width(), height() - menuHeight, m_meter->settings().Graph);
+    if (layout.outerWidthTwips || layout.outerHeightTwips)
+        resize(layout.clientWidth, layout.clientHeight + menuHeight);
+    m_frmGraph->setVisible(layout.frmGraphVisible);
+    m_frmDebug->setVisible(m_meter->state().DebugMode);
+    if (layout.frmGraphVisible)
+        m_frmGraph->GraphFrameDisplay();
+    try {
+        m_log.WriteDebugLog("Resaizing Form ･･･ End ");
+    } catch (const RuntimeError&) {
+    }
 }
 
 void FormMain::captureTaken(const CaptureBitmap& screen)

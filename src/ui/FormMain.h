@@ -19,6 +19,7 @@ class QMessageBox;
 class QPlainTextEdit;
 class QPushButton;
 class QTimer;
+class QResizeEvent;
 
 namespace tvx {
 class DebugLog;
@@ -27,6 +28,8 @@ struct ResultRow;
 } // namespace tvx
 
 namespace tvx::ui {
+
+class GraphFrame;
 
 // The main window: the account of the running session, the log box, the test buttons,
 // the graph, the menus and the two timers. It shows what the engine (Meter) tells it
@@ -63,6 +66,7 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void buildMenus();
@@ -91,7 +95,7 @@ private:
     QPushButton* m_cmdCapture = nullptr;
     QPushButton* m_cmdRecognize = nullptr;
     QFrame* m_frmDebug = nullptr;
-    QFrame* m_frmGraph = nullptr;
+    GraphFrame* m_frmGraph = nullptr;
     QMessageBox* m_notice = nullptr;
     QTimer* m_timCaptureInterval = nullptr;
     QTimer* m_timDoHLInterval = nullptr;
