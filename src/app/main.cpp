@@ -82,7 +82,8 @@ void writeStartLines(tvx::DebugLog& log, const std::string& title, const std::fi
 bool refuseToStart(QLockFile& instance)
 {
     const QString title = QStringLiteral("起動エラー");
-    if (!instance.tryLock(0)) {
+    // A lock left behind by a run that was killed is no reason to refuse.
+    if (!instance.tryLock(0) && !(instance.removeStaleLockFile() && instance.tryLock(0))) {
         QMessageBox::information(nullptr, title, QStringLiteral("既にプログラムは起動しています。"));
         return true;
     }

@@ -236,6 +236,7 @@ void FormMain::FormMain_Load()
         m_meter->load(m_meter->clock());
         m_frmGraph->setGraphBuffer(m_meter->state().graph.get());
         m_frmGraph->GraphFrameDisplay();
+        graphDataChanged();
         m_log.WriteDebugLog("Program StartUp Complete ");
     } catch (const RuntimeError& error) {
         m_log.writeErrorTrap("FormMain_Load", error.number());

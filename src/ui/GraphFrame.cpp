@@ -1,5 +1,7 @@
 #include "GraphFrame.h"
 
+#include <QResizeEvent>
+
 #include "GraphPicture.h"
 #include "QtText.h"
 
@@ -257,6 +259,13 @@ bool GraphFrame::eventFilter(QObject* watched, QEvent* event)
             onLabelClicked(label);
     }
     return QFrame::eventFilter(watched, event);
+}
+
+void GraphFrame::resizeEvent(QResizeEvent* event)
+{
+    QFrame::resizeEvent(event);
+    if (m_settings != nullptr)
+        GraphFrameDisplay();
 }
 
 } // namespace tvx::ui

@@ -64,6 +64,8 @@ public:
     const GraphView& graphView() const { return *m_view; }
 
 protected:
+    // The frame lays itself out again whenever the window gives it another size.
+    void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
