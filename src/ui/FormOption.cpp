@@ -139,7 +139,7 @@ QPushButton* FormOption::numberButton(const QString& name, const QString& prompt
     auto* button = new QPushButton;
     button->setObjectName(name);
     button->setAutoDefault(false);
-    button->setMinimumWidth(72);
+    button->setFixedWidth(80);
     button->setToolTip(prompt);
     const std::size_t index = m_numbers.size();
     m_numbers.push_back({button, prompt, lower, upper, std::move(value), recognition});
@@ -220,12 +220,20 @@ QWidget* FormOption::buildRegionsTab()
         m_picBinary[i]->setPixelSize(kPreviewScale);
         m_lblResult[i] = new QLabel;
         m_lblResult[i]->setObjectName(indexed("lblResult", r));
+        // Previews in rows of their own, so a wide region does not widen the columns.
+        auto* picture = new QHBoxLayout;
+        picture->addWidget(m_picCapture[i]);
+        picture->addStretch(1);
+        auto* binary = new QHBoxLayout;
+        binary->addWidget(m_picBinary[i]);
+        binary->addSpacing(16);
+        binary->addWidget(m_lblResult[i]);
+        binary->addStretch(1);
         grid->addWidget(caption(QStringLiteral("画像")), 2, 0, Qt::AlignRight);
-        grid->addWidget(m_picCapture[i], 2, 1, 1, 7);
+        grid->addLayout(picture, 2, 1, 1, 8);
         grid->addWidget(caption(QStringLiteral("２値化")), 3, 0, Qt::AlignRight);
-        grid->addWidget(m_picBinary[i], 3, 1, 1, 5, Qt::AlignLeft);
-        grid->addWidget(m_lblResult[i], 3, 6, 1, 2);
-        grid->setColumnStretch(7, 1);
+        grid->addLayout(binary, 3, 1, 1, 8);
+        grid->setColumnStretch(8, 1);
         layout->addWidget(group);
     }
     auto* captureRow = new QHBoxLayout;
@@ -564,6 +572,7 @@ void FormOption::refreshPreviews()
     const auto p = static_cast<std::size_t>(m_patternRegion);
     m_picColumns->setRows(glyphRows(m_settings, m_patternRegion));
     m_picColumns->setColumns(columnsOf(m_columnStrings[p]));
+    m_picColumns->adjustSize(); // it sits in a scroll area, not in a layout
     m_picColumns->setSelectionWidth(m_settings.ReferenceSize[p].Width);
     m_lblPatternResult->setText(QStringLiteral("この領域の認識結果： ") + results[p]);
     refreshPatterns();
