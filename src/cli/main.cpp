@@ -1,6 +1,7 @@
 // tallivex-cli: the meter's core without windows.
 #include "ConfigCommand.h"
 #include "RecognizeCommand.h"
+#include "ReplayCommand.h"
 
 #include <iostream>
 #include <string>
@@ -18,6 +19,10 @@ void printUsage(std::ostream& out)
            "  config show|defaults|save [--home DIR] [--fullscreen|--window] [--yes|--no]\n"
            "      load the configuration as the program does at start-up and print it as JSON;\n"
            "      defaults also restores and writes the defaults, save writes it back\n"
+           "  replay FRAMES_DIR --save-folder DIR [--start \"YYYY-MM-DD hh:mm\"] [--csv] [--per-session]\n"
+           "         [--money-scan] [--window-mode] [--home DIR]\n"
+           "      run one measurement session over screen images named by their second\n"
+           "      (0.bmp, 360.bmp, ...), write the record file and print the log box\n"
            "options:\n"
            "  --home DIR          the folder of TV2MConfig.ini and debug.txt (default: the\n"
            "                      program's folder when writable, else the per-user data folder)\n"
@@ -36,6 +41,8 @@ int main(int argc, char** argv)
     const std::string command = argc > 1 ? argv[1] : "";
     if (command == "recognize")
         return tvx::cli::runRecognize(args, std::cout, std::cerr);
+    if (command == "replay")
+        return tvx::cli::runReplay(args, std::cout, std::cerr);
     if (command == "config")
         return tvx::cli::runConfig(args, std::cout, std::cerr);
     if (command == "--help" || command == "-h" || command == "help") {

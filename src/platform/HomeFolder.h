@@ -2,6 +2,8 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
+#include <utility>
 
 namespace tvx::platform {
 
@@ -12,5 +14,9 @@ std::filesystem::path programFolder();
 // program's folder when writable (unzip and run), else a per-user data folder. Created
 // when missing.
 std::filesystem::path homeFolder(const std::optional<std::filesystem::path>& override = std::nullopt);
+
+// The temporary folder the system unpacks archives into, long and short (8.3) form; both
+// empty where programs are not run from there (Linux: archive tools extract where asked).
+std::pair<std::string, std::string> temporaryFolder();
 
 } // namespace tvx::platform

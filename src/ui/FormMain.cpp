@@ -1,24 +1,438 @@
 #include "FormMain.h"
 
+#include "GraphFrame.h"
+
+#include "QtPorts.h"
 #include "QtText.h"
 
+#include "graph/GraphLayout.h"
+#include "measurement/Meter.h"
+#include "recognition/CaptureFile.h"
+#include "shell/DebugLog.h"
+#include "shell/Errors.h"
+#include "shell/Utf8Path.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QResizeEvent>
+#include <QDialog>
+#include <QFontDatabase>
+#include <QFrame>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QImage>
+#include <QLabel>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPixmap>
 #include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QTextCursor>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace tvx::ui {
 
-FormMain::FormMain(std::string_view title, QWidget* parent) : QMainWindow(parent)
+namespace {
+
+constexpr int kLeftPanelWidth = 488;
+constexpr int kLogWidth = 465;
+constexpr std::string_view kHomePage = "https://tallivex.jp/";
+
+// A font whose full-width characters are exactly two columns, so the log lines align.
+QFont logFont()
+{
+    QFont font;
+    font.setFamilies({QStringLiteral("MS Gothic"), QStringLiteral("Noto Sans Mono CJK JP"),
+                      QStringLiteral("Noto Mono"), QStringLiteral("DejaVu Sans Mono")});
+    font.setStyleHint(QFont::Monospace);
+    font.setPointSize(9);
+    return font;
+}
+
+QLabel* namedLabel(const QString& name, const QString& text, QWidget* parent)
+{
+    auto* label = new QLabel(text, parent);
+    label->setObjectName(name);
+    return label;
+}
+
+} // namespace
+
+FormMain::FormMain(std::string_view title, DebugLog& log, std::filesystem::path programFolder, QWidget* parent)
+    : QMainWindow(parent), m_log(log), m_programFolder(std::move(programFolder))
 {
     setObjectName(QStringLiteral("FormMain"));
     setWindowTitle(qtText(title));
+    buildMenus();
+
     auto* central = new QWidget(this);
-    auto* layout = new QVBoxLayout(central);
-    m_txtLog = new QPlainTextEdit(central);
+    auto* columns = new QHBoxLayout(central);
+    columns->setContentsMargins(0, 2, 0, 0);
+    auto* left = new QWidget(central);
+    left->setFixedWidth(kLeftPanelWidth);
+    auto* rows = new QVBoxLayout(left);
+    rows->setContentsMargins(8, 4, 8, 8);
+    rows->addWidget(buildResults());
+    m_txtLog = new QPlainTextEdit(left);
     m_txtLog->setObjectName(QStringLiteral("txtLog"));
     m_txtLog->setReadOnly(true);
-    layout->addWidget(m_txtLog);
+    m_txtLog->setFont(logFont());
+    m_txtLog->setLineWrapMode(QPlainTextEdit::NoWrap);
+    m_txtLog->setFixedWidth(kLogWidth);
+    rows->addWidget(m_txtLog, 1);
+    rows->addWidget(buildDebugArea());
+    columns->addWidget(left);
+
+    m_frmGraph = new GraphFrame(central);
+    m_frmGraph->setDebugLog(&m_log);
+    columns->addWidget(m_frmGraph, 1);
     setCentralWidget(central);
-    resize(640, 480);
+
+    m_timCaptureInterval = new QTimer(this);
+    m_timCaptureInterval->setObjectName(QStringLiteral("timCaptureInterval"));
+    m_timCaptureInterval->setInterval(10000);
+    m_timDoHLInterval = new QTimer(this);
+    m_timDoHLInterval->setObjectName(QStringLiteral("timDoHLInterval"));
+    resize(900, 560);
+}
+
+QAction* FormMain::action(const char* name) const
+{
+    return findChild<QAction*>(QString::fromLatin1(name));
+}
+
+void FormMain::buildMenus()
+{
+    auto add = [this](QWidget* menu, const char* name, const char* caption, auto handler) {
+        auto* item = new QAction(QString::fromUtf8(caption), this);
+        item->setObjectName(QString::fromLatin1(name));
+        menu->addAction(item);
+        connect(item, &QAction::triggered, this, [this, name, handler] {
+            try {
+                handler();
+            } catch (const RuntimeError& error) {
+                m_log.writeErrorTrap(name, error.number());
+            }
+        });
+        return item;
+    };
+    auto submenu = [this](const char* name, const char* caption) {
+        QMenu* menu = menuBar()->addMenu(QString::fromUtf8(caption));
+        menu->setObjectName(QString::fromLatin1(name));
+        return menu;
+    };
+    QMenu* file = submenu("menuFile", "ファイル");
+    add(file, "menuPatternSave", "パターン保存", [this] { menuPatternSave_Click(); });
+    add(file, "menuEnd", "終了", [this] {
+        m_log.WriteDebugLog("Click : END ");
+        close();
+    });
+    add(menuBar(), "menuOption", "設定", [this] { m_log.WriteDebugLog("Click : Option "); });
+    add(menuBar(), "menuRun", "開始", [this] { m_meter->menuRun_Click(); })->setEnabled(false);
+    add(menuBar(), "menuStop", "停止", [this] { m_meter->menuStop_Click(); })->setEnabled(false);
+    QMenu* tools = submenu("menuTools", "ツール");
+    add(tools, "menuTimeLeft", "あと何時間？", [this] { m_meter->menuTimeLeft_Click(); });
+    add(tools, "menuRandomOne", "らんだまーオンリーONE", [this] { m_meter->menuRandomOne_Click(); });
+    add(tools, "menuRandomSome", "らんだまーステキなサムシング", [this] { m_meter->menuRandomSome_Click(); });
+    add(tools, "menuPrtScr", "プリントスクリーン", [this] { m_meter->menuPrtScr_Click(); });
+    QMenu* help = submenu("menuHelp", "ヘルプ");
+    add(help, "menuQuick", "クイックリファレンス",
+        [this] { runFileBeside("Click : Show Quick Reference ", "とりあえず始めよう.mht"); });
+    add(help, "menuHowToUse", "使用方法", [this] { runFileBeside("Click : Show How To Use ", "使用方法M.mht"); });
+    add(help, "menuReadMe", "よんで！", [this] { runFileBeside("Click : Show Read Me ", "ReadMeM.txt"); });
+    add(help, "menuOperatingInfo", "実行環境調査", [this] { menuOperatingInfo_Click(); });
+    add(help, "menuVersion", "バージョン情報...", [this] { menuVersion_Click(); });
+}
+
+QWidget* FormMain::buildResults()
+{
+    auto* frame = new QFrame(this);
+    frame->setObjectName(QStringLiteral("frmResult"));
+    auto* grid = new QGridLayout(frame);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setHorizontalSpacing(10);
+    const char* headers[] = {"時刻", "Lv", "Exp", "％", "メル"};
+    for (int column = 0; column < 5; ++column)
+        grid->addWidget(new QLabel(QString::fromUtf8(headers[column]), frame), 0, column + 1);
+    const char* fields[] = {"Time", "Lv", "Exp", "ExpPS", "Money"};
+    auto row = [&](int at, const char* caption, const char* prefix, std::array<QLabel*, 5>& labels) {
+        grid->addWidget(new QLabel(QString::fromUtf8(caption), frame), at, 0);
+        for (int column = 0; column < 5; ++column) {
+            labels[static_cast<std::size_t>(column)] =
+                namedLabel(QString::fromLatin1(prefix) + QString::fromLatin1(fields[column]), QString(), frame);
+            labels[static_cast<std::size_t>(column)]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+            grid->addWidget(labels[static_cast<std::size_t>(column)], at, column + 1);
+        }
+    };
+    row(1, "開始", "lblStart", m_startRow);
+    row(2, "終了", "lblEnd", m_endRow);
+    row(3, "増加", "lblElapse", m_elapseRow);
+    m_cmdTempStop = new QPushButton(QStringLiteral("一時停止"), frame);
+    m_cmdTempStop->setObjectName(QStringLiteral("cmdTempStop"));
+    connect(m_cmdTempStop, &QPushButton::clicked, this, [this] {
+        if (m_meter)
+            m_meter->cycle().cmdTempStop_Click(m_meter->settings().StartDelay);
+    });
+    grid->addWidget(m_cmdTempStop, 4, 0, 1, 2);
+    for (int region = 0; region < 3; ++region) {
+        m_lblCapture[static_cast<std::size_t>(region)] =
+            namedLabel(QStringLiteral("lblCapture%1").arg(region), QString(), frame);
+        grid->addWidget(m_lblCapture[static_cast<std::size_t>(region)], 4, region + 2);
+    }
+    return frame;
+}
+
+QWidget* FormMain::buildDebugArea()
+{
+    m_frmDebug = new QFrame(this);
+    m_frmDebug->setObjectName(QStringLiteral("frmDebug"));
+    m_frmDebug->setFrameShape(QFrame::StyledPanel);
+    auto* grid = new QGridLayout(m_frmDebug);
+    for (int region = 0; region < 3; ++region) {
+        auto* picture = namedLabel(QStringLiteral("picCapture%1").arg(region), QString(), m_frmDebug);
+        picture->setFixedHeight(24);
+        picture->setMinimumWidth(120);
+        m_picCapture[static_cast<std::size_t>(region)] = picture;
+        grid->addWidget(picture, 0, region);
+    }
+    m_cmdCapture = new QPushButton(QStringLiteral("テストキャプチャ"), m_frmDebug);
+    m_cmdCapture->setObjectName(QStringLiteral("cmdCapture"));
+    m_cmdRecognize = new QPushButton(QStringLiteral("テスト認識"), m_frmDebug);
+    m_cmdRecognize->setObjectName(QStringLiteral("cmdRecognize"));
+    m_lblElapse = namedLabel(QStringLiteral("lblElapse"), QString(), m_frmDebug);
+    grid->addWidget(m_cmdCapture, 1, 0);
+    grid->addWidget(m_cmdRecognize, 1, 1);
+    grid->addWidget(m_lblElapse, 1, 2);
+    connect(m_cmdCapture, &QPushButton::clicked, this, [this] {
+        if (m_meter)
+            m_meter->cycle().cmdCapture_Click();
+    });
+    connect(m_cmdRecognize, &QPushButton::clicked, this, [this] {
+        if (m_meter)
+            m_meter->cycle().cmdRecognize_Click();
+    });
+    m_frmDebug->setVisible(false);
+    return m_frmDebug;
+}
+
+void FormMain::attach(Meter& meter)
+{
+    m_meter = &meter;
+    m_frmGraph->setSettings(meter.settings());
+    m_frmGraph->setGraphView(meter.state().graphView);
+    m_frmGraph->setMeterControls(&meter.state().controls);
+    meter.logBox().setListener([this](std::string_view) { showLogBox(); });
+    connect(m_timCaptureInterval, &QTimer::timeout, this, [this] { m_meter->cycle().timCaptureInterval_Timer(); });
+    connect(m_timDoHLInterval, &QTimer::timeout, this, [this] { m_meter->watch().timDoHLInterval_Timer(); });
+}
+
+void FormMain::FormMain_Load()
+{
+    try {
+        m_timDoHLInterval->setInterval(m_meter->settings().DoHLInterval);
+        m_frmGraph->setVisible(m_meter->settings().Graph);
+        m_meter->load(m_meter->clock());
+        m_frmGraph->setGraphBuffer(m_meter->state().graph.get());
+        m_frmGraph->GraphFrameDisplay();
+        graphDataChanged();
+        m_log.WriteDebugLog("Program StartUp Complete ");
+    } catch (const RuntimeError& error) {
+        m_log.writeErrorTrap("FormMain_Load", error.number());
+    }
+}
+
+void FormMain::showLogBox()
+{
+    const LogBox& box = m_meter->logBox();
+    m_txtLog->setPlainText(qtText(box.text()));
+    QTextCursor cursor = m_txtLog->textCursor();
+    // The box keeps CR LF; the editor counts one character per line break.
+    QString before = qtText(std::string_view(box.text()).substr(0, box.caret()));
+    before.remove(QLatin1Char('\r'));
+    cursor.setPosition(static_cast<int>(before.size()));
+    m_txtLog->setTextCursor(cursor);
+    m_txtLog->ensureCursorVisible();
+}
+
+void FormMain::showRow(const ResultRow& row, const std::array<QLabel*, 5>& labels)
+{
+    const std::string* texts[] = {&row.Time, &row.Lv, &row.Exp, &row.ExpPS, &row.Money};
+    for (std::size_t i = 0; i < labels.size(); ++i)
+        labels[i]->setText(qtText(*texts[i]));
+}
+
+void FormMain::resultsChanged()
+{
+    const ResultLabels& labels = m_meter->state().labels;
+    showRow(labels.Start, m_startRow);
+    showRow(labels.End, m_endRow);
+    showRow(labels.Elapse, m_elapseRow);
+}
+
+void FormMain::controlsChanged()
+{
+    const MeterControls& controls = m_meter->state().controls;
+    action("menuRun")->setEnabled(controls.runEnabled);
+    action("menuRun")->setText(qtText(controls.runCaption));
+    action("menuStop")->setEnabled(controls.stopEnabled);
+    m_cmdCapture->setEnabled(controls.testButtonsEnabled);
+    m_cmdRecognize->setEnabled(controls.testButtonsEnabled);
+    m_cmdTempStop->setStyleSheet(controls.tempStopRed ? QStringLiteral("background-color: rgb(255, 0, 0);") : QString());
+    auto run = [](QTimer* timer, bool on) {
+        if (on && !timer->isActive())
+            timer->start();
+        else if (!on && timer->isActive())
+            timer->stop();
+    };
+    run(m_timCaptureInterval, controls.captureTimerEnabled);
+    run(m_timDoHLInterval, controls.doHLTimerEnabled);
+}
+
+void FormMain::showNotice(const std::string& text, const std::string& title)
+{
+    if (!m_notice) {
+        m_notice = new QMessageBox(QMessageBox::Warning, qtText(title), qtText(text), QMessageBox::Ok, this);
+        m_notice->setObjectName(QStringLiteral("frmNotice"));
+        m_notice->setModal(false);
+    }
+    m_notice->setWindowTitle(qtText(title));
+    m_notice->setText(qtText(text));
+    m_notice->show();
+}
+
+void FormMain::hideNotice()
+{
+    if (m_notice)
+        m_notice->hide();
+}
+
+void FormMain::graphDataChanged()
+{
+    const GraphView& view = m_meter->state().graphView;
+    m_frmGraph->setGraphBuffer(m_meter->state().graph.get());
+    m_frmGraph->GraphDataDisplay(view.timeShift, view.zoom);
+}
+
+void FormMain::graphFrameChanged()
+{
+    m_frmGraph->GraphFrameDisplay();
+}
+
+void FormMain::resizeEvent(QResizeEvent* event)
+{
+    QMainWindow::resizeEvent(event);
+    if (!m_meter || isMinimized())
+        return;
+    const int menuHeight = menuBar()->height();
+    const FormResizeLayout layout =
+        formResizeLayout(width(), height() - menuHeight, m_meter->settings().Graph);
+    if (layout.outerWidthTwips || layout.outerHeightTwips)
+        resize(layout.clientWidth, layout.clientHeight + menuHeight);
+    m_frmGraph->setVisible(layout.frmGraphVisible);
+    m_frmDebug->setVisible(m_meter->state().DebugMode);
+    if (layout.frmGraphVisible)
+        m_frmGraph->GraphFrameDisplay();
+    try {
+        m_log.WriteDebugLog("Resaizing Form ･･･ End ");
+    } catch (const RuntimeError&) {
+    }
+}
+
+void FormMain::captureTaken(const CaptureBitmap& screen)
+{
+    if (!m_frmDebug->isVisible())
+        return;
+    const QImage image = toQImage(toFrame(screen));
+    for (int region = 0; region < 3; ++region) {
+        const CaptureRegionRect& rect = m_meter->settings().CaptureRegion[static_cast<std::size_t>(region)];
+        m_picCapture[static_cast<std::size_t>(region)]->setPixmap(
+            QPixmap::fromImage(image.copy(rect.StartX, rect.StartY, rect.SizeX, rect.SizeY)));
+    }
+}
+
+void FormMain::captureCaption(int region, const std::string& caption)
+{
+    if (region >= 0 && region < 3)
+        m_lblCapture[static_cast<std::size_t>(region)]->setText(qtText(caption));
+}
+
+void FormMain::recognizeElapsed(const std::string& text)
+{
+    m_lblElapse->setText(qtText(text));
+}
+
+void FormMain::sessionReset()
+{
+    hideNotice();
+}
+
+void FormMain::runFileBeside(const char* logLine, const char* document)
+{
+    m_log.WriteDebugLog(logLine);
+    const auto& folder = m_documentFolder.empty() ? m_programFolder : m_documentFolder;
+    m_meter->launcher().RunFile(pathUtf8(folder / utf8Path(document)), 500);
+}
+
+void FormMain::menuPatternSave_Click()
+{
+    m_log.WriteDebugLog("Click : Pattern Save ");
+    const auto& capture = m_meter->cycle().lastCapture();
+    if (capture) {
+        const std::string name = "Capture" + formatPatternStamp(m_meter->clock().now()) + ".bmp";
+        writeBitmap24(m_programFolder / name, toFrame(*capture));
+    } else {
+        m_meter->logBox().write("まだキャプチャしていません\r\n");
+    }
+    m_log.WriteDebugLog("Pattern Save ･･･ End ");
+}
+
+void FormMain::menuOperatingInfo_Click()
+{
+    m_log.WriteDebugLog("Click : Operating Information ");
+    if (m_environment)
+        m_meter->logBox().write("\r\n" + ReportEnvironment(m_environment(), true));
+}
+
+void FormMain::menuVersion_Click()
+{
+    m_log.WriteDebugLog("Click : VersionInformation ");
+    QDialog dialog(this);
+    dialog.setObjectName(QStringLiteral("FormVersion"));
+    dialog.setWindowTitle(QStringLiteral("バージョン情報"));
+    auto* rows = new QVBoxLayout(&dialog);
+    auto* title = new QLabel(windowTitle(), &dialog);
+    QFont big = title->font();
+    big.setPointSize(big.pointSize() + 4);
+    big.setBold(true);
+    title->setFont(big);
+    rows->addWidget(title);
+    rows->addWidget(new QLabel(QStringLiteral("バージョン ") + qtText(kVersionText), &dialog));
+    auto* link = new QLabel(QStringLiteral("<a href=\"%1\">作者のホームページ</a>").arg(qtText(kHomePage)), &dialog);
+    link->setObjectName(QStringLiteral("lblHomePage"));
+    connect(link, &QLabel::linkActivated, this, [this] { m_meter->launcher().RunUrl(std::string(kHomePage), 500); });
+    rows->addWidget(link);
+    auto* ok = new QPushButton(QStringLiteral("OK"), &dialog);
+    connect(ok, &QPushButton::clicked, &dialog, &QDialog::accept);
+    rows->addWidget(ok, 0, Qt::AlignRight);
+    dialog.exec();
+}
+
+void FormMain::closeEvent(QCloseEvent* event)
+{
+    if (!m_closing && m_meter) {
+        m_closing = true;
+        try {
+            m_meter->close();
+        } catch (const RuntimeError& error) {
+            m_log.writeErrorTrap("Form_QueryUnload", error.number());
+        }
+        m_meter->logBox().write("\r\n        終了しています・・・\r\n");
+        if (m_notice)
+            m_notice->close();
+    }
+    event->accept();
 }
 
 } // namespace tvx::ui

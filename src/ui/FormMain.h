@@ -1,24 +1,105 @@
 #pragma once
 
+#include "ports/MeterView.h"
+
 #include <QMainWindow>
 
+#include "shell/EnvironmentReport.h"
+
+#include <array>
+#include <functional>
+#include <filesystem>
+#include <string>
 #include <string_view>
 
+class QAction;
+class QFrame;
+class QLabel;
+class QMessageBox;
 class QPlainTextEdit;
+class QPushButton;
+class QTimer;
+class QResizeEvent;
+
+namespace tvx {
+class DebugLog;
+class Meter;
+struct ResultRow;
+} // namespace tvx
 
 namespace tvx::ui {
 
-// The main window: the account of the running session, the graph and the log box.
-class FormMain : public QMainWindow {
+class GraphFrame;
+
+// The main window: the account of the running session, the log box, the test buttons,
+// the graph, the menus and the two timers. It shows what the engine (Meter) tells it
+// and passes the player's commands on.
+class FormMain : public QMainWindow, public MeterView {
     Q_OBJECT
 
 public:
-    explicit FormMain(std::string_view title, QWidget* parent = nullptr);
+    FormMain(std::string_view title, DebugLog& log, std::filesystem::path programFolder, QWidget* parent = nullptr);
+
+    // Connects the engine; until then the window only shows itself.
+    void attach(Meter& meter);
+    // The engine's part of the load: empty account, timers, auto start.
+    void FormMain_Load();
 
     QPlainTextEdit* txtLog() const { return m_txtLog; }
+    QAction* action(const char* name) const;
+    // Where the help documents are: the program's own folder.
+    void setDocumentFolder(std::filesystem::path folder) { m_documentFolder = std::move(folder); }
+    // Where the environment report comes from.
+    void setEnvironmentSource(std::function<EnvironmentFacts()> source) { m_environment = std::move(source); }
+
+    // MeterView
+    void showNotice(const std::string& text, const std::string& title) override;
+    void hideNotice() override;
+    void resultsChanged() override;
+    void controlsChanged() override;
+    void graphDataChanged() override;
+    void graphFrameChanged() override;
+    void captureTaken(const CaptureBitmap& screen) override;
+    void captureCaption(int region, const std::string& caption) override;
+    void recognizeElapsed(const std::string& text) override;
+    void sessionReset() override;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void buildMenus();
+    QWidget* buildResults();
+    QWidget* buildDebugArea();
+    void showRow(const ResultRow& row, const std::array<QLabel*, 5>& labels);
+    void showLogBox();
+    void runFileBeside(const char* logLine, const char* document);
+    void menuPatternSave_Click();
+    void menuOperatingInfo_Click();
+    void menuVersion_Click();
+
+    DebugLog& m_log;
+    std::filesystem::path m_programFolder;
+    std::filesystem::path m_documentFolder;
+    std::function<EnvironmentFacts()> m_environment;
+    Meter* m_meter = nullptr;
     QPlainTextEdit* m_txtLog = nullptr;
+    std::array<QLabel*, 5> m_startRow{};
+    std::array<QLabel*, 5> m_endRow{};
+    std::array<QLabel*, 5> m_elapseRow{};
+    std::array<QLabel*, 3> m_lblCapture{};
+    std::array<QLabel*, 3> m_picCapture{};
+    QLabel* m_lblElapse = nullptr;
+    QPushButton* m_cmdTempStop = nullptr;
+    QPushButton* m_cmdCapture = nullptr;
+    QPushButton* m_cmdRecognize = nullptr;
+    QFrame* m_frmDebug = nullptr;
+    GraphFrame* m_frmGraph = nullptr;
+    QMessageBox* m_notice = nullptr;
+    QTimer* m_timCaptureInterval = nullptr;
+    QTimer* m_timDoHLInterval = nullptr;
+    bool m_closing = false;
 };
 
 } // namespace tvx::ui

@@ -2,14 +2,13 @@
 
 #include "config/Settings.h"
 #include "recognition/CaptureFile.h"
-#include "recognition/GlyphPainter.h"
+#include "support/GameScreen.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
-#include <random>
 #include <sstream>
 
 namespace tvx {
@@ -22,19 +21,10 @@ protected:
     std::string screen(const std::string& name, std::array<const char*, kRegionCount> numbers,
                        ScreenMode mode = ScreenMode::FullScreen, std::uint32_t seed = 1)
     {
-        const Settings settings = defaultSettings("", mode);
-        Frame frame(1024, 768);
-        std::mt19937 noise(seed);
-        for (auto& byte : frame.bytes())
-            byte = static_cast<std::uint8_t>(noise());
-        for (int r = 0; r < kRegionCount; ++r) {
-            const auto i = static_cast<std::size_t>(r);
-            const InkColors colours = defaultInkColors(r);
-            paintRegionBackground(frame, settings.CaptureRegion[i], colours);
-            if (numbers[i] != nullptr)
-                paintColumns(frame, settings.CaptureRegion[i], 1 + r,
-                             numberColumns(settings.PatternStrings[i], numbers[i], true), colours);
-        }
+        std::array<std::string, kRegionCount> texts;
+        for (std::size_t i = 0; i < texts.size(); ++i)
+            texts[i] = numbers[i] != nullptr ? numbers[i] : "";
+        const Frame frame = test::gameScreen(texts, mode, seed);
         const auto path = (m_folder / name).string();
         EXPECT_TRUE(writeBitmap24(path, frame));
         return path;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "recognition/CaptureFile.h"
+#include "recognition/Frame.h"
 
 #include <filesystem>
 
@@ -10,8 +10,8 @@ namespace tvx {
 class ImageEncoder {
 public:
     virtual ~ImageEncoder() = default;
-    virtual bool writePng(const CaptureBitmap& image, const std::filesystem::path& path) = 0;
-    virtual bool writeJpeg(const CaptureBitmap& image, const std::filesystem::path& path, int quality) = 0;
+    virtual bool writePng(const Frame& image, const std::filesystem::path& path) = 0;
+    virtual bool writeJpeg(const Frame& image, const std::filesystem::path& path, int quality) = 0;
 };
 
 } // namespace tvx

@@ -195,4 +195,20 @@ CaptureBitmap toCaptureBitmap(const Frame& frame)
     return bitmap;
 }
 
+Frame toFrame(const CaptureBitmap& bitmap)
+{
+    const std::int32_t width = bitmap.infoHeader.biWidth;
+    const auto height = static_cast<std::int32_t>(bitmap.rows);
+    if (bitmap.infoHeader.biBitCount != 24 || width <= 0 || height <= 0 || bitmap.stride < width * 3LL)
+        return Frame{};
+    Frame frame(width, height);
+    for (std::int32_t y = 0; y < height; ++y) {
+        // Positive heights are stored bottom-up.
+        const std::int64_t fileRow = bitmap.infoHeader.biHeight > 0 ? height - 1 - y : y;
+        const auto* source = bitmap.pixels.data() + fileRow * bitmap.stride;
+        std::copy(source, source + frame.rowBytes(), frame.row(y));
+    }
+    return frame;
+}
+
 } // namespace tvx

@@ -75,5 +75,7 @@ std::vector<std::uint8_t> encodeBitmap24(const Frame& frame);
 bool writeBitmap24(const std::filesystem::path& path, const Frame& frame);
 // The frame as the capture file reader would give it back.
 CaptureBitmap toCaptureBitmap(const Frame& frame);
+// The picture of a 24-bit capture, top row first (other depths give an empty frame).
+Frame toFrame(const CaptureBitmap& bitmap);
 
 } // namespace tvx

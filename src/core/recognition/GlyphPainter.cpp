@@ -79,4 +79,16 @@ std::int32_t paintColumns(Frame& frame, const CaptureRegionRect& rect, std::int3
     return column;
 }
 
+void paintStatusNumbers(Frame& frame, const Settings& settings, const std::array<std::string, kRegionCount>& numbers)
+{
+    for (int region = 0; region < kRegionCount; ++region) {
+        const auto i = static_cast<std::size_t>(region);
+        const InkColors colours = defaultInkColors(region);
+        paintRegionBackground(frame, settings.CaptureRegion[i], colours);
+        if (!numbers[i].empty())
+            paintColumns(frame, settings.CaptureRegion[i], 1 + region,
+                         numberColumns(settings.PatternStrings[i], numbers[i], true), colours);
+    }
+}
+
 } // namespace tvx

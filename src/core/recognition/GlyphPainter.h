@@ -3,6 +3,7 @@
 #include "config/Settings.h"
 #include "recognition/Frame.h"
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -35,5 +36,9 @@ void paintRegionBackground(Frame& frame, const CaptureRegionRect& rect, const In
 // Returns the column after the last one drawn.
 std::int32_t paintColumns(Frame& frame, const CaptureRegionRect& rect, std::int32_t firstColumn,
                           std::string_view groups, const InkColors& colors);
+
+// Draws the three regions of a screen as the game shows them: each region's background
+// and, unless its text is empty, the number in that region's glyphs from its second column.
+void paintStatusNumbers(Frame& frame, const Settings& settings, const std::array<std::string, kRegionCount>& numbers);
 
 } // namespace tvx

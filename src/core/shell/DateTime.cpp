@@ -52,4 +52,42 @@ std::string formatTimestamp(const LocalDateTime& t)
     return text;
 }
 
+std::string formatMonthDayTime(const LocalDateTime& t)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%02d/%02d %02d:%02d", t.month, t.day, t.hour, t.minute);
+    return text;
+}
+
+std::string formatSessionStamp(const LocalDateTime& t)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%04d%02d%02d%02d%02d", t.year, t.month, t.day, t.hour, t.minute);
+    return text;
+}
+
+std::string formatFileStamp(const LocalDateTime& t)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "_%04d%02d%02d%02d%02d%02d", t.year, t.month, t.day, t.hour, t.minute,
+                  t.second);
+    return text;
+}
+
+std::string formatPatternStamp(const LocalDateTime& t)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "_%02d%02d%02d%02d%02d", t.month, t.day, t.hour, t.minute, t.second);
+    return text;
+}
+
+std::int64_t minutesBetween(const LocalDateTime& a, const LocalDateTime& b)
+{
+    auto minuteCount = [](const LocalDateTime& t) {
+        const std::int64_t secs = toEpochSeconds(t);
+        return secs >= 0 ? secs / 60 : -((-secs + 59) / 60);
+    };
+    return minuteCount(b) - minuteCount(a);
+}
+
 } // namespace tvx

@@ -25,5 +25,16 @@ LocalDateTime addSeconds(const LocalDateTime& t, std::int64_t seconds);
 
 // "yyyy/mm/dd hh:mm:ss", whatever the locale.
 std::string formatTimestamp(const LocalDateTime& t);
+// "mm/dd hh:mm": the time column of the log box and the record file.
+std::string formatMonthDayTime(const LocalDateTime& t);
+// "yyyymmddhhmm": a session's stamp.
+std::string formatSessionStamp(const LocalDateTime& t);
+// "_yyyymmddhhmmss": screenshot names.
+std::string formatFileStamp(const LocalDateTime& t);
+// "_mmddhhmmss": pattern image names.
+std::string formatPatternStamp(const LocalDateTime& t);
+
+// Calendar minutes from a to b: the difference of the two minute counts, seconds ignored.
+std::int64_t minutesBetween(const LocalDateTime& a, const LocalDateTime& b);
 
 } // namespace tvx

@@ -5,12 +5,18 @@
 namespace tvx {
 
 DebugLog::DebugLog(std::filesystem::path homeFolder, Clock& clock)
-    : m_path(homeFolder / "debug.txt"), m_backupPath(homeFolder / "debugBackUp.txt"), m_clock(clock)
+    : m_clock(clock)
 {
+    if (homeFolder.empty())
+        return;
+    m_path = homeFolder / "debug.txt";
+    m_backupPath = homeFolder / "debugBackUp.txt";
 }
 
 void DebugLog::WriteDebugLog(std::string_view text, int mode)
 {
+    if (m_path.empty())
+        return;
     std::error_code ec;
     const bool exists = std::filesystem::exists(m_path, ec);
     const bool fresh = !exists || mode == kNewLog;

@@ -16,6 +16,7 @@ public:
     static constexpr int kNewLog = 1;
     static constexpr int kAppend = 0;
 
+    // An empty folder gives a log that writes nothing (headless runs without a home).
     DebugLog(std::filesystem::path homeFolder, Clock& clock);
 
     // mode 1 starts a new log (backing up the old one); any other mode appends.

@@ -39,3 +39,12 @@ std::filesystem::path homeFolder(const std::optional<std::filesystem::path>& ove
 }
 
 } // namespace tvx::platform
+
+namespace tvx::platform {
+
+std::pair<std::string, std::string> temporaryFolder()
+{
+    return {};
+}
+
+} // namespace tvx::platform

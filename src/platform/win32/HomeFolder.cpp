@@ -50,3 +50,32 @@ std::filesystem::path homeFolder(const std::optional<std::filesystem::path>& ove
 }
 
 } // namespace tvx::platform
+
+namespace tvx::platform {
+
+namespace {
+
+std::string utf8(const std::wstring& text)
+{
+    if (text.empty())
+        return {};
+    const int size = WideCharToMultiByte(CP_UTF8, 0, text.c_str(), static_cast<int>(text.size()), nullptr, 0, nullptr, nullptr);
+    std::string result(static_cast<std::size_t>(size), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text.c_str(), static_cast<int>(text.size()), result.data(), size, nullptr, nullptr);
+    return result;
+}
+
+} // namespace
+
+std::pair<std::string, std::string> temporaryFolder()
+{
+    wchar_t longPath[MAX_PATH + 1] = {};
+    const DWORD length = GetTempPathW(MAX_PATH + 1, longPath);
+    if (length == 0 || length > MAX_PATH)
+        return {};
+    wchar_t shortPath[MAX_PATH + 1] = {};
+    const DWORD shortLength = GetShortPathNameW(longPath, shortPath, MAX_PATH + 1);
+    return {utf8(longPath), shortLength > 0 && shortLength <= MAX_PATH ? utf8(shortPath) : std::string()};
+}
+
+} // namespace tvx::platform

@@ -1,0 +1,245 @@
+#include "ReplayCommand.h"
+
+#include "CliSettings.h"
+#include "SystemClock.h"
+#include "TextCodecFactory.h"
+
+#include "measurement/Meter.h"
+#include "ports/Clock.h"
+#include "ports/GameWindowProbe.h"
+#include "ports/MeterView.h"
+#include "ports/Prompter.h"
+#include "ports/ScreenSource.h"
+#include "ports/ShellLauncher.h"
+#include "ports/Sound.h"
+#include "ports/Waiter.h"
+#include "shell/DebugLog.h"
+#include "shell/Errors.h"
+#include "shell/Utf8Path.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <map>
+#include <optional>
+#include <ostream>
+
+namespace tvx::cli {
+namespace {
+
+constexpr const char* kUsage =
+    "usage: tallivex-cli replay FRAMES_DIR --save-folder DIR [--start \"YYYY-MM-DD hh:mm\"] [--csv]\n"
+    "                           [--per-session] [--money-scan] [--window-mode] [--home DIR]\n";
+
+struct Options {
+    std::string framesDir;
+    std::string saveFolder;
+    std::string home;
+    std::optional<LocalDateTime> start;
+    bool csv = false;
+    bool perSession = false;
+    bool moneyScan = false;
+    bool windowMode = false;
+};
+
+std::optional<LocalDateTime> parseStart(const std::string& text)
+{
+    LocalDateTime t;
+    char tail = 0;
+    const int fields = std::sscanf(text.c_str(), "%d-%d-%d %d:%d:%d%c", &t.year, &t.month, &t.day, &t.hour,
+                                   &t.minute, &t.second, &tail);
+    if (fields < 5 || fields > 6 || t.month < 1 || t.month > 12 || t.day < 1 || t.day > 31 || t.hour < 0 ||
+        t.hour > 23 || t.minute < 0 || t.minute > 59 || t.second < 0 || t.second > 59)
+        return std::nullopt;
+    if (fields == 5)
+        t.second = 0;
+    // Rejects days the month does not have (2023-02-30).
+    if (addSeconds(t, 0) != t)
+        return std::nullopt;
+    return t;
+}
+
+bool parseOptions(const std::vector<std::string>& args, Options& options, std::ostream& err)
+{
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        const std::string& arg = args[i];
+        auto value = [&]() -> std::optional<std::string> {
+            if (i + 1 >= args.size())
+                return std::nullopt;
+            return args[++i];
+        };
+        if (arg == "--save-folder" || arg == "--start" || arg == "--home") {
+            const auto text = value();
+            if (!text) {
+                err << "tallivex-cli replay: " << arg << " needs a value\n";
+                return false;
+            }
+            if (arg == "--save-folder") {
+                options.saveFolder = *text;
+            } else if (arg == "--home") {
+                options.home = *text;
+            } else if (!(options.start = parseStart(*text))) {
+                err << "tallivex-cli replay: --start wants \"YYYY-MM-DD hh:mm\", not \"" << *text << "\"\n";
+                return false;
+            }
+        } else if (arg == "--csv") {
+            options.csv = true;
+        } else if (arg == "--per-session") {
+            options.perSession = true;
+        } else if (arg == "--money-scan") {
+            options.moneyScan = true;
+        } else if (arg == "--window-mode") {
+            options.windowMode = true;
+        } else if (arg.starts_with("--")) {
+            err << "tallivex-cli replay: unknown option " << arg << '\n';
+            return false;
+        } else if (options.framesDir.empty()) {
+            options.framesDir = arg;
+        } else {
+            err << "tallivex-cli replay: more than one frames folder\n";
+            return false;
+        }
+    }
+    if (options.framesDir.empty() || options.saveFolder.empty()) {
+        err << kUsage;
+        return false;
+    }
+    return true;
+}
+
+// The images by their second: "0.bmp", "360.bmp", "0725.bmp".
+std::optional<std::map<std::int64_t, std::filesystem::path>> listFrames(const std::string& folder, std::ostream& err)
+{
+    std::error_code error;
+    std::filesystem::directory_iterator it(utf8Path(folder), error);
+    if (error) {
+        err << "tallivex-cli replay: cannot read the folder " << folder << '\n';
+        return std::nullopt;
+    }
+    std::map<std::int64_t, std::filesystem::path> frames;
+    for (const auto& entry : it) {
+        const std::string name = pathUtf8(entry.path().filename());
+        const std::size_t dot = name.find('.');
+        std::string extension = dot == std::string::npos ? "" : name.substr(dot);
+        std::transform(extension.begin(), extension.end(), extension.begin(),
+                       [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+        const std::string stem = name.substr(0, dot);
+        if (extension != ".bmp" || stem.empty() || stem.size() > 9 ||
+            !std::all_of(stem.begin(), stem.end(), [](unsigned char c) { return std::isdigit(c); }))
+            continue;
+        const std::int64_t second = std::stoll(stem);
+        if (!frames.emplace(second, entry.path()).second) {
+            err << "tallivex-cli replay: two images for second " << second << '\n';
+            return std::nullopt;
+        }
+    }
+    if (frames.empty()) {
+        err << "tallivex-cli replay: no images named by seconds (0.bmp, 360.bmp, ...) in " << folder << '\n';
+        return std::nullopt;
+    }
+    return frames;
+}
+
+// The session's clock: the start plus the seconds of the image being read.
+class ReplayClock final : public Clock {
+public:
+    explicit ReplayClock(LocalDateTime start) : m_start(start) {}
+    void setSeconds(std::int64_t seconds) { m_seconds = seconds; }
+    LocalDateTime now() override { return addSeconds(m_start, m_seconds); }
+    std::uint32_t tickMs() override { return static_cast<std::uint32_t>(m_seconds * 1000); }
+
+private:
+    LocalDateTime m_start;
+    std::int64_t m_seconds = 0;
+};
+
+// The game is always there and in front, and every capture gives the current image.
+class ReplayScreen final : public ScreenSource, public GameWindowProbe {
+public:
+    void show(std::optional<CaptureBitmap> image) { m_image = std::move(image); }
+    std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect>) override { return m_image; }
+    GameWindowState state(std::string_view) override { return GameWindowState::Front; }
+
+private:
+    std::optional<CaptureBitmap> m_image;
+};
+
+// Nothing waits, sounds, launches or asks in a replay.
+class Headless final : public Waiter, public Sound, public ShellLauncher, public Prompter, public MeterView {
+public:
+    void WaitMs(std::int32_t) override {}
+    void systemBeep() override {}
+    void beep(std::int32_t, std::int32_t) override {}
+    bool fileExists(const std::string&) override { return false; }
+    bool open(const std::string&) override { return false; }
+    void setBusyCursor(bool) override {}
+    void message(const std::string&, const std::string&) override {}
+    bool askYesNo(const std::string&, const std::string&) override { return true; }
+    bool askOkCancel(const std::string&, const std::string&) override { return true; }
+    double askNumber(const std::string&, const std::string&, double, const std::string&, const std::string&,
+                     const std::string&) override
+    {
+        return kCancelled;
+    }
+};
+
+} // namespace
+
+int runReplay(const std::vector<std::string>& args, std::ostream& out, std::ostream& err)
+{
+    Options options;
+    if (!parseOptions(args, options, err))
+        return 1;
+    const auto frames = listFrames(options.framesDir, err);
+    if (!frames)
+        return 1;
+
+    platform::SystemClock systemClock;
+    ReplayClock clock(options.start.value_or(systemClock.now()));
+    ReplayScreen screen;
+    Headless headless;
+    // A home's configuration, or the defaults of the screen mode.
+    Settings settings = options.home.empty()
+                            ? defaultSettings(options.saveFolder, options.windowMode ? ScreenMode::Window : ScreenMode::FullScreen)
+                            : loadCliSettings(utf8Path(options.home), CliAnswers{}, err);
+    settings.SaveFolder = options.saveFolder;
+    settings.SaveCsv = options.csv;
+    settings.SaveMonthly = !options.perSession;
+    settings.MoneyScan = options.moneyScan;
+    DebugLog log(options.home.empty() ? std::filesystem::path() : utf8Path(options.home), clock);
+    const std::unique_ptr<TextCodec> codec = platform::makeTextCodec();
+    MeterPorts ports{clock, headless, screen, screen, headless, headless, headless, headless, nullptr, codec.get()};
+    Meter meter(settings, ports, log);
+    meter.logBox().setListener([&out](std::string_view added) { out << added; });
+
+    int status = 0;
+    try {
+        meter.session().ChangeLogging(MeasurementSession::kStartLogging);
+        for (const auto& [second, path] : *frames) {
+            clock.setSeconds(second);
+            CaptureBitmap bitmap;
+            const CaptureLoadResult loaded = LoadCaptureBitmap(path, bitmap);
+            if (loaded != CaptureLoadResult::Read) {
+                err << pathUtf8(path) << ": cannot read the image (result " << static_cast<int>(loaded) << ": "
+                    << describe(loaded) << ")\n";
+                status = 2;
+            }
+            screen.show(loaded == CaptureLoadResult::Read ? std::optional<CaptureBitmap>(std::move(bitmap)) : std::nullopt);
+            try {
+                meter.cycle().runCycle();
+            } catch (const RuntimeError& error) {
+                // As the capture timer would: the cycle is lost, the session goes on.
+                err << pathUtf8(path) << ": " << errorTrapLine("timCaptureInterval_Timer", error.number()) << '\n';
+                status = 2;
+            }
+        }
+        meter.session().DisplayResult(MeasurementSession::kSummary);
+        meter.session().ChangeLogging(MeasurementSession::kStopLogging);
+    } catch (const RuntimeError& error) {
+        err << "tallivex-cli replay: " << error.what() << '\n';
+        return 2;
+    }
+    out.flush();
+    return status;
+}
+
+} // namespace tvx::cli

@@ -1,0 +1,93 @@
+#include "measurement/LevelWatch.h"
+
+#include "measurement/MeasurementSession.h"
+#include "ports/Clock.h"
+#include "ports/GameWindowProbe.h"
+#include "ports/Waiter.h"
+#include "recognition/RecognitionCycle.h"
+#include "recognition/ScreenImages.h"
+#include "recognition/ScreenRecognizer.h"
+#include "shell/DebugLog.h"
+#include "shell/Errors.h"
+#include "shell/LogBox.h"
+
+namespace tvx {
+
+LevelWatch::LevelWatch(const Settings& settings, MeterPorts& ports, MeterState& state, DebugLog& log, LogBox& logBox,
+                       ScreenRecognizer& recognizer, RecognitionCycle& cycle, MeasurementSession& session,
+                       ScreenImages& images)
+    : m_settings(settings), m_ports(ports), m_state(state), m_log(log), m_logBox(logBox), m_recognizer(recognizer),
+      m_cycle(cycle), m_session(session), m_images(images)
+{
+}
+
+void LevelWatch::reset()
+{
+    Current = Previous = Change = Armed = Currency{};
+    DoHLReading = Currency::fromInt(-1);
+    m_primed = false;
+}
+
+void LevelWatch::timDoHLInterval_Timer()
+{
+    if (!m_session.running() || m_state.busy)
+        return;
+    try {
+        CheckLevelChange();
+    } catch (const RuntimeError& error) {
+        m_log.writeErrorTrap("timDoHLInterval_Timer", error.number());
+    }
+}
+
+void LevelWatch::CheckLevelChange()
+{
+    if (m_state.closing)
+        return;
+    if (m_ports.probe.state(m_settings.SearchWindowName) != GameWindowState::Front)
+        return;
+    m_cycle.GetPictForClip(RegionLevel);
+    m_recognizer.binarize(RegionLevel);
+    DoHLReading = amountFromText(m_recognizer.recognize(RegionLevel).digits);
+    CaptureLevelChange();
+}
+
+void LevelWatch::CaptureLevelChange()
+{
+    if (DoHLReading < Currency{})
+        return;
+    Current = DoHLReading;
+    if (Current == Previous)
+        return;
+    Change = Current - Previous;
+    Previous = Current;
+    if (!m_primed) {
+        // The session's first reading is where the level starts, not a rise.
+        m_primed = true;
+        Armed = Currency::fromInt(1);
+        return;
+    }
+    if (Change < Currency{}) {
+        Armed = Change;
+        return;
+    }
+    if (Armed != Currency{})
+        burst();
+}
+
+void LevelWatch::burst()
+{
+    PlayCaptureBeep(m_ports.sound, m_settings.CaptureBeep);
+    const std::filesystem::path folder = screenshotFolder(m_settings.SaveFolder);
+    const std::string base = "LvUP" + formatFileStamp(m_ports.clock.now());
+    const char* suffixes[] = {"_a", "_b", "_c", "_d"};
+    for (int shot = 0; shot < 4; ++shot) {
+        if (shot > 0)
+            m_ports.waiter.WaitMs(300);
+        m_images.PrintScreen(folder / (base + suffixes[shot]), m_settings.SaveFormat);
+    }
+    m_logBox.write(formatMonthDayTime(m_ports.clock.now()) + "  LvUP or Dead 検出 \r\n");
+    m_session.DisplayResult(MeasurementSession::kUpdate);
+    m_log.WriteDebugLog("DEAD OR HAPPY LIVE Print Screen ･･･ End ");
+}
+
+} // namespace tvx

@@ -1,0 +1,433 @@
+#include "measurement/MeasurementSession.h"
+
+#include "measurement/ExpTable.h"
+#include "measurement/RecordFile.h"
+#include "measurement/RecordFormat.h"
+#include "ports/Clock.h"
+#include "ports/MeterView.h"
+#include "ports/Waiter.h"
+#include "shell/DebugLog.h"
+#include "shell/Errors.h"
+#include "shell/Launcher.h"
+#include "shell/LogBox.h"
+
+#include <cmath>
+#include <cstdio>
+
+namespace tvx {
+
+namespace {
+
+constexpr std::string_view kLineBreak = "\r\n";
+const Currency kMinusOne = Currency::fromInt(-1);
+
+std::string percentText(double value)
+{
+    char text[64];
+    std::snprintf(text, sizeof text, "%.2f", value);
+    // No "-0.00％" for a loss too small to show.
+    return std::string(std::string_view(text) == "-0.00" ? "0.00" : text) + "％";
+}
+
+std::string wholeText(std::int64_t value)
+{
+    return std::to_string(value);
+}
+
+} // namespace
+
+std::string failureText(std::int32_t level, Currency exp, Currency money)
+{
+    const bool lv = level < 0;
+    const bool ex = exp.raw() < 0;
+    const bool mo = money.raw() < 0;
+    if (lv && ex && mo)
+        return "全部 NG";
+    if (ex && mo)
+        return "ExpとMoney NG";
+    if (lv && mo)
+        return "LvとMoney NG";
+    if (mo && !lv && !ex)
+        return "Money NG";
+    if (lv && ex)
+        return "LvとExp NG";
+    if (ex)
+        return "Exp NG";
+    if (lv)
+        return "Lv NG";
+    return "";
+}
+
+Currency elapsedMinutes(std::int32_t seconds)
+{
+    return Currency::fromDouble(static_cast<double>(seconds / 6) / 10.0);
+}
+
+Currency hourlyRate(Currency gain, std::int32_t seconds)
+{
+    if (seconds == 0)
+        return Currency{};
+    return Currency::intOf(gain.toDouble() / seconds * 3.6);
+}
+
+MeasurementSession::MeasurementSession(const Settings& settings, MeterPorts& ports, MeterState& state,
+                                       DebugLog& log, LogBox& logBox, RecordFile& recordFile, Launcher& launcher)
+    : m_settings(settings), m_ports(ports), m_state(state), m_log(log), m_logBox(logBox), m_recordFile(recordFile),
+      m_launcher(launcher)
+{
+}
+
+void MeasurementSession::controlsChanged()
+{
+    m_ports.view.controlsChanged();
+}
+
+void MeasurementSession::ChangeLogging(int mode)
+{
+    if (mode == kStartLogging) {
+        m_state.controls.runEnabled = false;
+        m_state.controls.stopEnabled = true;
+        m_state.controls.runCaption = "ロギング";
+        controlsChanged();
+        const auto& apps = m_settings.StartUp;
+        if (apps[0].Enabled)
+            m_launcher.RunFile(apps[0].Path, 500);
+        if (apps[1].Enabled) {
+            if (apps[0].Enabled) {
+                m_ports.waiter.WaitMs(m_settings.StartUpDelay * 1000);
+                if (m_state.closing)
+                    return;
+            }
+            m_launcher.RunFile(apps[1].Path, 500);
+        }
+        m_state.controls.captureTimerEnabled = true;
+        controlsChanged();
+        const LocalDateTime now = m_ports.clock.now();
+        NextCaptureTime = addSeconds(now, 15);
+        SessionStamp = formatSessionStamp(now);
+        m_logBox.write(std::string(kLogHeader) + std::string(kLineBreak));
+        m_ports.waiter.WaitMs(m_settings.StartDelay * 1000);
+    } else if (mode == kStopLogging) {
+        m_state.busy = false;
+        m_ports.view.sessionReset();
+        m_state.controls.runEnabled = true;
+        m_state.controls.stopEnabled = false;
+        m_state.controls.runCaption = "開始";
+        m_state.controls.captureTimerEnabled = false;
+        SessionStamp.clear();
+        // The next session starts from fresh bases.
+        m_previousLevel = 0;
+        m_exp = {};
+        m_money = {};
+        m_expTime = {};
+        m_moneyTime = {};
+        if (m_onStop)
+            m_onStop();
+        controlsChanged();
+    }
+}
+
+void MeasurementSession::ChangeSuspend(std::int32_t delaySeconds)
+{
+    try {
+        if (Suspended) {
+            m_state.controls.tempStopRed = false;
+            Suspended = false;
+            m_log.WriteDebugLog("Suspend Mode Off ");
+            if (running()) {
+                m_state.controls.captureTimerEnabled = true;
+                controlsChanged();
+                m_ports.waiter.WaitMs(delaySeconds * 1000);
+                // A stop, a close or another suspend may have come during the wait.
+                if (running() && !m_state.closing && !Suspended && m_runCycle)
+                    m_runCycle();
+            } else {
+                controlsChanged();
+            }
+            return;
+        }
+        if (m_state.controls.captureTimerEnabled) {
+            Suspended = true;
+            m_state.controls.captureTimerEnabled = false;
+            m_state.controls.tempStopRed = true;
+            controlsChanged();
+        }
+        m_log.WriteDebugLog("Suspend Mode On ");
+    } catch (const RuntimeError& error) {
+        m_log.writeErrorTrap("ChangeSuspend", error.number());
+    }
+}
+
+std::int32_t MeasurementSession::presentSeconds()
+{
+    // Rounded to a whole second, half to even.
+    const std::uint32_t tick = m_ports.clock.tickMs();
+    std::uint32_t seconds = tick / 1000;
+    const std::uint32_t rest = tick % 1000;
+    if (rest > 500 || (rest == 500 && seconds % 2 == 1))
+        ++seconds;
+    return static_cast<std::int32_t>(seconds);
+}
+
+void MeasurementSession::reportFailure()
+{
+    const std::string text = failureText(CurrentLv, CurrentExp, CurrentMoney);
+    m_logBox.write(formatMonthDayTime(m_ports.clock.now()) + "  認識失敗  " + text + std::string(kLineBreak));
+    m_log.WriteDebugLog("ImageRecognition misstep :" + text);
+}
+
+void MeasurementSession::evaluateReading()
+{
+    if (CurrentExp.raw() < 0 || CurrentLv < 0) {
+        reportFailure();
+        return;
+    }
+    const std::int32_t present = presentSeconds();
+    m_expTime.present = present;
+    m_exp.current = ExpTable(CurrentLv, CurrentExp);
+    m_level = CurrentLv;
+    const bool moneyRead = CurrentMoney > kMinusOne;
+    if (moneyRead) {
+        m_money.current = CurrentMoney;
+        m_moneyTime.present = present;
+    }
+    const std::int32_t levelDifference = m_level - m_previousLevel;
+    if (m_previousLevel != 0 && (levelDifference < 0 || levelDifference >= 4)) {
+        detectCharacterChange();
+        return;
+    }
+    if (moneyRead && m_moneyTime.base == 0) {
+        m_money.base = m_money.current;
+        m_moneyTime.base = present;
+    }
+    if (m_expTime.base == 0) {
+        setBases(present);
+        return;
+    }
+    m_previousLevel = m_level;
+    const bool expMoved = m_exp.current != m_exp.base;
+    const bool moneyMoved = m_money.current != m_money.base;
+    if (moneyRead && !expMoved && !moneyMoved) {
+        m_expTime.base = present;
+        m_moneyTime.base = present;
+        CurrentMoney = kMinusOne;
+        addZeroPoint();
+    } else if (!moneyRead && !expMoved) {
+        m_expTime.base = present;
+        addZeroPoint();
+    } else {
+        if (moneyRead && !moneyMoved)
+            m_moneyTime.base = present;
+        else if (moneyRead && !expMoved)
+            m_expTime.base = present;
+        makeRecord();
+    }
+}
+
+void MeasurementSession::detectCharacterChange()
+{
+    DisplayResult(kSummary);
+    m_logBox.write(std::string(kLineBreak) + "キャラクタチェンジ検出" + std::string(kLineBreak) + std::string(kLogHeader) +
+                   std::string(kLineBreak));
+    m_exp.base = m_exp.current;
+    m_money.base = m_money.current;
+    m_previousLevel = 0;
+    m_expTime.base = 0;
+    m_moneyTime.base = 0;
+    m_log.WriteDebugLog("Detect Character Change ");
+    if (m_settings.Graph && m_state.graph) {
+        for (std::int32_t i = 1; i < m_settings.GraphAveNum; ++i)
+            m_state.graph->AddGraphData(Currency{}, Currency{}, m_settings.GraphAveNum, m_settings.GraphTimeScale);
+        m_state.graphView = GraphView{};
+        m_ports.view.graphDataChanged();
+    }
+    DisplayResult(kStartRow);
+}
+
+void MeasurementSession::setBases(std::int32_t present)
+{
+    m_exp.base = m_exp.current;
+    m_expTime.base = present;
+    m_money.base = m_money.current;
+    m_moneyTime.base = present;
+    m_previousLevel = m_level;
+    m_recordFile.WriteRecordLine(SessionStamp, "", RecordFile::kStart);
+    m_logBox.write(std::string(kLineBreak) + FormatField(std::int64_t{m_level}, 6, 1, 0, false) +
+                   FormatField(m_exp.current, 13, 1, 0, false) + FormatField(m_money.current, 14, 1, 0, false) +
+                   std::string(kLineBreak));
+    DisplayResult(kStartRow);
+    m_log.WriteDebugLog("Fast ImageRecognition ");
+}
+
+void MeasurementSession::makeRecord()
+{
+    m_exp.gain = m_exp.current - m_exp.base;
+    m_money.gain = m_money.current - m_money.base;
+    m_expTime.elapsed = m_expTime.present - m_expTime.base;
+    m_moneyTime.elapsed = m_moneyTime.present - m_moneyTime.base;
+    const Currency minutesE = elapsedMinutes(m_expTime.elapsed);
+    const Currency minutesM = elapsedMinutes(m_moneyTime.elapsed);
+    const Currency rateE = hourlyRate(m_exp.gain, m_expTime.elapsed);
+    const Currency rateM = hourlyRate(m_money.gain, m_moneyTime.elapsed);
+    m_latestExpRate = rateE;
+
+    const std::string stamp = formatMonthDayTime(m_ports.clock.now());
+    const std::int64_t level = m_level;
+    std::string screen = stamp + FormatField(level, 6, 1, 0, false) + FormatField(m_exp.gain, 13, 1, 0, false);
+    if (m_settings.MoneyScan) {
+        screen += FormatField(m_money.gain, 14, 1, 0, false) + FormatField(minutesE, 6, 1, 1, true) +
+                  FormatField(rateE, 10, 1, 0, false);
+        if (m_moneyTime.elapsed == 0)
+            screen += CurrentMoney < Currency{} ? "     未認識 " : "            ";
+        else
+            screen += FormatField(rateM, 12, 1, 0, false);
+    } else {
+        screen += FormatField(minutesE, 6, 1, 1, true) + FormatField(rateE, 10, 1, 0, false);
+    }
+    m_logBox.write(screen + std::string(kLineBreak));
+
+    const bool plain = m_settings.SaveCsv;
+    const std::string separator = plain ? " ," : "  ";
+    const std::string line = stamp + separator + FormatField(level, 6, 1, 0, plain) + separator +
+                             FormatField(m_exp.current, 14, 1, 0, plain) + separator +
+                             FormatField(m_money.current, 15, 1, 0, plain) + separator +
+                             FormatField(m_exp.gain, 15, 1, 0, plain) + separator +
+                             FormatField(m_money.gain, 17, 1, 0, plain) + separator +
+                             FormatField(minutesE, 12, 1, 1, plain) + separator + FormatField(rateE, 13, 1, 0, plain) +
+                             separator + FormatField(minutesM, 13, 1, 1, plain) + separator +
+                             FormatField(rateM, 14, 1, 0, plain);
+    m_recordFile.WriteRecordLine(SessionStamp, line, RecordFile::kAppend);
+
+    // No money rate to give: the graph leaves a gap.
+    addGraphPoint(rateE, m_moneyTime.elapsed == 0 ? kMinusOne : rateM);
+    m_exp.base = m_exp.current;
+    m_expTime.base = m_expTime.present;
+    m_money.base = m_money.current;
+    m_moneyTime.base = m_moneyTime.present;
+}
+
+void MeasurementSession::addZeroPoint()
+{
+    if (!m_settings.Graph || !m_state.graph)
+        return;
+    m_state.graph->AddGraphData(Currency{}, Currency{}, m_settings.GraphAveNum, m_settings.GraphTimeScale);
+    m_state.graphView.timeShift = 0;
+    m_ports.view.graphDataChanged();
+}
+
+void MeasurementSession::addGraphPoint(Currency rateE, Currency rateM)
+{
+    if (!m_settings.Graph || !m_state.graph)
+        return;
+    m_state.graph->AddGraphData(rateE, rateM, m_settings.GraphAveNum, m_settings.GraphTimeScale);
+    m_state.graphView = GraphView{};
+    m_ports.view.graphDataChanged();
+}
+
+std::optional<double> MeasurementSession::levelPercent() const
+{
+    if (CurrentExp.raw() < 0 || CurrentLv < 0)
+        return std::nullopt;
+    const Currency divisor = ExpTable(CurrentLv + 1) - ExpTable(CurrentLv);
+    if (divisor.raw() == 0)
+        return std::nullopt;
+    return 100.0 * CurrentExp.toDouble() / divisor.toDouble();
+}
+
+void MeasurementSession::DisplayResult(int mode)
+{
+    try {
+        switch (mode) {
+        case kReset:
+            resetResults();
+            break;
+        case kStartRow:
+            showStartRow();
+            break;
+        case kSummary:
+            if (!running())
+                return;
+            m_logBox.write(summaryText());
+            m_log.WriteDebugLog("Measure Result Data Display Complete ");
+            return;
+        default:
+            if (m_state.labels.Start.Time.empty()) {
+                showStartRow();
+                break;
+            }
+            showUpdate();
+            if (m_state.DebugMode)
+                m_log.WriteDebugLog("Useally Measure Data Display Complete ");
+            break;
+        }
+        m_ports.view.resultsChanged();
+    } catch (const RuntimeError& error) {
+        m_log.writeErrorTrap("DisplayResult", error.number());
+    }
+}
+
+void MeasurementSession::resetResults()
+{
+    for (ResultRow* row : {&m_state.labels.Start, &m_state.labels.End, &m_state.labels.Elapse})
+        *row = ResultRow{"", "-1", "-1", "0.00％", "-1"};
+    m_moneyPair = {kMinusOne, kMinusOne};
+    m_startLv = -1;
+    m_startTotal = Currency{};
+    m_startPercent.reset();
+    m_endPercent.reset();
+}
+
+void MeasurementSession::showStartRow()
+{
+    ResultRow& row = m_state.labels.Start;
+    m_startTime = m_ports.clock.now();
+    row.Time = FormatNow(m_startTime);
+    row.Lv = wholeText(CurrentLv);
+    row.Exp = CurrentExp.toString();
+    m_startLv = CurrentLv;
+    m_startTotal = ExpTable(CurrentLv, CurrentExp);
+    m_startPercent = levelPercent();
+    if (m_startPercent)
+        row.ExpPS = percentText(*m_startPercent);
+    if (CurrentMoney >= Currency{} && m_settings.MoneyScan) {
+        m_moneyPair[0] = CurrentMoney;
+        row.Money = CurrentMoney.toString();
+    }
+}
+
+void MeasurementSession::showUpdate()
+{
+    ResultLabels& labels = m_state.labels;
+    const LocalDateTime now = m_ports.clock.now();
+    labels.End.Time = FormatNow(now);
+    labels.Elapse.Time = FormatDuration(m_startTime, now);
+    labels.End.Lv = wholeText(CurrentLv);
+    labels.End.Exp = CurrentExp.toString();
+    m_endPercent = levelPercent();
+    if (m_endPercent)
+        labels.End.ExpPS = percentText(*m_endPercent);
+    if (CurrentMoney >= Currency{} && m_settings.MoneyScan) {
+        m_moneyPair[1] = CurrentMoney;
+        labels.End.Money = CurrentMoney.toString();
+    }
+    labels.Elapse.Lv = wholeText(std::int64_t{CurrentLv} - m_startLv);
+    labels.Elapse.Exp = (ExpTable(CurrentLv, CurrentExp) - m_startTotal).toString();
+    if (m_startPercent && m_endPercent)
+        labels.Elapse.ExpPS = percentText(*m_endPercent - *m_startPercent);
+    if (m_moneyPair[0] >= Currency{} && m_moneyPair[1] >= Currency{})
+        labels.Elapse.Money = (m_moneyPair[1] - m_moneyPair[0]).toString();
+}
+
+std::string MeasurementSession::summaryText() const
+{
+    const ResultLabels& labels = m_state.labels;
+    auto row = [](std::string_view caption, const ResultRow& r) {
+        return std::string(caption) + FormatField(r.Lv, 5, 1, 0, false) + "   Exp:" + FormatField(r.Exp, 14, 1, 0, false) +
+               FormatField(r.ExpPS, 11, 1, 0, false) + "  ﾒﾙ:" + FormatField(r.Money, 17, 1, 0, false) + "\r\n";
+    };
+    return " 経過: " + labels.Start.Time + "  ～  " + labels.End.Time + "  ＝  " + labels.Elapse.Time + "\r\n" +
+           row("    開始  Lv:", labels.Start) + row("    終了  Lv:", labels.End) + row("    増加  Lv:", labels.Elapse) +
+           "\r\n";
+}
+
+} // namespace tvx

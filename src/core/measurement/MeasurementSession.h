@@ -1,0 +1,126 @@
+#pragma once
+
+#include "config/Settings.h"
+#include "measurement/Currency.h"
+#include "measurement/MeterPorts.h"
+#include "measurement/MeterState.h"
+#include "shell/DateTime.h"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace tvx {
+
+class DebugLog;
+class Launcher;
+class LogBox;
+class RecordFile;
+
+// The log box's column header, also written after a change of character.
+inline constexpr std::string_view kLogHeader =
+    " 月日 時刻    Lv     獲得Exp       獲得メル  経過   Exp時給   時給 (k/h)";
+
+// A value of one measurement series: now, at the base, and the gain between them.
+struct RateRecord {
+    Currency current;
+    Currency base;
+    Currency gain;
+};
+
+// Seconds of the millisecond tick: now, at the base, and between them.
+struct TimeRecord {
+    std::int32_t present = 0;
+    std::int32_t base = 0;
+    std::int32_t elapsed = 0;
+};
+
+// One measurement session from Run to Stop: the bases, the evaluation of every reading,
+// the records with their gains and hourly rates, and the result labels.
+class MeasurementSession {
+public:
+    static constexpr int kStartLogging = 4096;
+    static constexpr int kStopLogging = 8192;
+    static constexpr int kUpdate = 0;
+    static constexpr int kReset = 1;
+    static constexpr int kStartRow = 512;
+    static constexpr int kSummary = 1024;
+
+    MeasurementSession(const Settings& settings, MeterPorts& ports, MeterState& state, DebugLog& log,
+                       LogBox& logBox, RecordFile& recordFile, Launcher& launcher);
+
+    // What ChangeSuspend runs when it resumes, and what a stop clears in the cycle.
+    void setCycleRunner(std::function<void()> runCycle) { m_runCycle = std::move(runCycle); }
+    void setStopHook(std::function<void()> onStop) { m_onStop = std::move(onStop); }
+
+    void ChangeLogging(int mode);
+    void ChangeSuspend(std::int32_t delaySeconds);
+    void DisplayResult(int mode);
+    // Evaluates CurrentLv, CurrentExp and CurrentMoney as the cycle stored them.
+    void evaluateReading();
+
+    bool running() const { return !SessionStamp.empty(); }
+    // The experience rate of the latest record (0 before the first).
+    Currency latestExpRate() const { return m_latestExpRate; }
+    Currency totalExp() const { return m_exp.current; }
+
+    std::string SessionStamp;
+    LocalDateTime NextCaptureTime;
+    bool Suspended = false;
+    std::int32_t CurrentLv = -1;
+    Currency CurrentExp = Currency::fromInt(-1);
+    Currency CurrentMoney = Currency::fromInt(-1);
+
+private:
+    std::int32_t presentSeconds();
+    void reportFailure();
+    void detectCharacterChange();
+    void setBases(std::int32_t present);
+    void makeRecord();
+    void addZeroPoint();
+    void addGraphPoint(Currency rateE, Currency rateM);
+    std::string summaryText() const;
+    void showStartRow();
+    void showUpdate();
+    void resetResults();
+    std::optional<double> levelPercent() const;
+    void controlsChanged();
+
+    const Settings& m_settings;
+    MeterPorts& m_ports;
+    MeterState& m_state;
+    DebugLog& m_log;
+    LogBox& m_logBox;
+    RecordFile& m_recordFile;
+    Launcher& m_launcher;
+    std::function<void()> m_runCycle;
+    std::function<void()> m_onStop;
+
+    std::int32_t m_level = 0;
+    std::int32_t m_previousLevel = 0;
+    RateRecord m_exp;
+    RateRecord m_money;
+    TimeRecord m_expTime;
+    TimeRecord m_moneyTime;
+    Currency m_latestExpRate;
+
+    // What the start row shows, for the end and increase rows.
+    LocalDateTime m_startTime;
+    std::int32_t m_startLv = -1;
+    Currency m_startTotal;
+    std::optional<double> m_startPercent;
+    std::optional<double> m_endPercent;
+    std::array<Currency, 2> m_moneyPair{Currency::fromInt(-1), Currency::fromInt(-1)};
+};
+
+// Failed values named for the log box and the debug log ("全部 NG", "Lv NG", ...); empty
+// when nothing failed.
+std::string failureText(std::int32_t level, Currency exp, Currency money);
+
+// Elapsed minutes shown: seconds / 6 truncated toward zero, then / 10.
+Currency elapsedMinutes(std::int32_t seconds);
+// Int(gain / seconds * 3.6) in thousands per hour; 0 for no elapsed time.
+Currency hourlyRate(Currency gain, std::int32_t seconds);
+
+} // namespace tvx

@@ -1,0 +1,104 @@
+#include "measurement/Meter.h"
+
+#include "measurement/TimeLeft.h"
+#include "ports/Clock.h"
+#include "ports/MeterView.h"
+#include "ports/Sound.h"
+#include "ports/Waiter.h"
+#include "shell/DebugLog.h"
+#include "shell/Errors.h"
+
+namespace tvx {
+
+Meter::Meter(Settings& settings, MeterPorts ports, DebugLog& log, std::uint32_t randomSeed)
+    : m_settings(settings), m_ports(ports), m_log(log), m_recognizer(settings),
+      m_recordFile(settings, ports.codec), m_launcher(ports.launcher, ports.waiter, ports.prompter, log),
+      m_images(ports.screen, ports.encoder, log),
+      m_session(settings, m_ports, m_state, log, m_logBox, m_recordFile, m_launcher),
+      m_cycle(settings, m_ports, m_state, log, m_recognizer, m_session),
+      m_watch(settings, m_ports, m_state, log, m_logBox, m_recognizer, m_cycle, m_session, m_images),
+      m_rnd(randomSeed)
+{
+    m_session.setCycleRunner([this] { m_cycle.runCycle(); });
+    m_session.setStopHook([this] { m_cycle.clearCarryOver(); });
+}
+
+void Meter::load(Clock& graphClock)
+{
+    m_logBox.clear();
+    m_session.DisplayResult(MeasurementSession::kReset);
+    m_state.controls.doHLTimerEnabled = m_settings.DoHLCheckExec;
+    if (m_settings.Graph) {
+        m_state.graph = std::make_unique<clsGraphBuffer>(graphClock);
+        m_state.graphView = GraphView{};
+    }
+    m_state.controls.runEnabled = true;
+    m_state.controls.stopEnabled = false;
+    m_state.controls.runCaption = "開始";
+    m_ports.view.controlsChanged();
+    if (m_settings.AutoStart) {
+        m_watch.reset();
+        m_session.ChangeLogging(MeasurementSession::kStartLogging);
+        m_log.WriteDebugLog("Log AutoStart ･･･ ");
+    }
+}
+
+void Meter::menuRun_Click()
+{
+    m_log.WriteDebugLog("Click : Run ");
+    m_log.WriteDebugLog("Loging ManualStart ･･･ ");
+    m_watch.reset();
+    m_session.ChangeLogging(MeasurementSession::kStartLogging);
+}
+
+void Meter::menuStop_Click()
+{
+    m_log.WriteDebugLog("Click : Stop ");
+    m_session.DisplayResult(MeasurementSession::kSummary);
+    m_session.ChangeLogging(MeasurementSession::kStopLogging);
+    m_log.WriteDebugLog("Loging Stop ･･･ End ");
+}
+
+void Meter::menuPrtScr_Click()
+{
+    m_log.WriteDebugLog("Click : Print Screen ");
+    m_ports.waiter.WaitMs(10000);
+    try {
+        const auto folder = screenshotFolder(m_settings.SaveFolder);
+        m_images.PrintScreen(folder / ("PrtScr" + formatFileStamp(m_ports.clock.now())), m_settings.SaveFormat);
+    } catch (const RuntimeError& error) {
+        m_log.writeErrorTrap("menuPrtScr_Click", error.number());
+    }
+    PlayCaptureBeep(m_ports.sound, m_settings.CaptureBeep);
+    m_logBox.write("プリントスクリーン実行\r\n");
+    m_log.WriteDebugLog("Print Screen ･･･ End ");
+}
+
+void Meter::menuTimeLeft_Click()
+{
+    tvx::menuTimeLeft_Click(m_session.CurrentLv, m_session.totalExp(), m_session.latestExpRate(), m_ports.prompter,
+                            m_logBox, m_log);
+}
+
+void Meter::menuRandomOne_Click()
+{
+    tvx::menuRandomOne_Click(m_ports.prompter, m_logBox, m_log, m_rnd);
+}
+
+void Meter::menuRandomSome_Click()
+{
+    tvx::menuRandomSome_Click(m_ports.prompter, m_logBox, m_log, m_rnd);
+}
+
+void Meter::close()
+{
+    m_log.WriteDebugLog("Closing Program ･･･ ");
+    m_state.closing = true;
+    m_state.controls.captureTimerEnabled = false;
+    m_state.controls.doHLTimerEnabled = false;
+    m_ports.view.controlsChanged();
+    m_session.DisplayResult(MeasurementSession::kSummary);
+    m_state.graph.reset();
+}
+
+} // namespace tvx

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "config/Settings.h"
+#include "measurement/LevelWatch.h"
+#include "measurement/MeasurementSession.h"
+#include "measurement/MeterPorts.h"
+#include "measurement/MeterState.h"
+#include "measurement/RandomTools.h"
+#include "measurement/RecordFile.h"
+#include "recognition/RecognitionCycle.h"
+#include "recognition/ScreenImages.h"
+#include "recognition/ScreenRecognizer.h"
+#include "shell/Launcher.h"
+#include "shell/LogBox.h"
+
+namespace tvx {
+
+class DebugLog;
+
+// The meter without its windows: the session, the recognition cycle, the level watch and
+// the commands of the main window, over one settings record and the machine's ports.
+// The main window and tallivex-cli each drive one.
+class Meter {
+public:
+    Meter(Settings& settings, MeterPorts ports, DebugLog& log, std::uint32_t randomSeed = 1);
+
+    // The engine's part of the main window's load: an empty account, a fresh graph
+    // buffer when Graph is on, the menus, and a session when AutoStart is on.
+    void load(Clock& graphClock);
+
+    void menuRun_Click();
+    void menuStop_Click();
+    void menuPrtScr_Click();
+    void menuTimeLeft_Click();
+    void menuRandomOne_Click();
+    void menuRandomSome_Click();
+    // The engine's part of closing: flag, timers off, the summary.
+    void close();
+
+    Settings& settings() { return m_settings; }
+    Clock& clock() { return m_ports.clock; }
+    MeterState& state() { return m_state; }
+    LogBox& logBox() { return m_logBox; }
+    ScreenRecognizer& recognizer() { return m_recognizer; }
+    MeasurementSession& session() { return m_session; }
+    RecognitionCycle& cycle() { return m_cycle; }
+    LevelWatch& watch() { return m_watch; }
+    ScreenImages& images() { return m_images; }
+    Launcher& launcher() { return m_launcher; }
+
+private:
+    Settings& m_settings;
+    MeterPorts m_ports;
+    DebugLog& m_log;
+    MeterState m_state;
+    LogBox m_logBox;
+    ScreenRecognizer m_recognizer;
+    RecordFile m_recordFile;
+    Launcher m_launcher;
+    ScreenImages m_images;
+    MeasurementSession m_session;
+    RecognitionCycle m_cycle;
+    LevelWatch m_watch;
+    Rnd m_rnd;
+};
+
+} // namespace tvx

@@ -1,0 +1,60 @@
+#include "measurement/TimeLeft.h"
+
+#include "measurement/ExpTable.h"
+#include "measurement/RecordFormat.h"
+#include "ports/Prompter.h"
+#include "shell/DebugLog.h"
+#include "shell/Errors.h"
+#include "shell/LogBox.h"
+
+#include <cmath>
+#include <cstdio>
+
+namespace tvx {
+
+std::string timeLeftLine(std::int32_t currentLevel, Currency totalExp, std::int32_t target, double rateK)
+{
+    if (rateK <= 0)
+        rateK = 0.1;
+    const float ratePerHour = static_cast<float>(rateK * 1000.0); // single precision, as the old tool kept it
+    Currency from = ExpTable(currentLevel);
+    if (totalExp > from)
+        from = totalExp;
+    const Currency needed = ExpTable(target) - from;
+    const double hours = needed.toDouble() / static_cast<double>(ratePerHour);
+    char hoursText[64];
+    std::snprintf(hoursText, sizeof hoursText, "%.2f", hours);
+    const std::string kexp = formatNumber(Currency::fromDouble(std::round(needed.toDouble() / 1000.0)), 0, false);
+    return "\r\n  Lv" + std::to_string(target) + "まで、" + (hours > 0 ? "あと " : "かつて ") + kexp + " Kexp、" +
+           hoursText + "時間です\r\n";
+}
+
+void menuTimeLeft_Click(std::int32_t currentLevel, Currency totalExp, Currency latestRate, Prompter& prompter,
+                        LogBox& logBox, DebugLog& log)
+{
+    try {
+        log.WriteDebugLog("Click : Leftover Time ");
+        if (currentLevel == 200) {
+            logBox.write("\r\nLv200到達 お疲れ様です。あなたがみんなの目標です。\r\n");
+            return;
+        }
+        if (currentLevel == 199) {
+            logBox.write("\r\nLv200到達まであとひとつ。がんばって！\r\n");
+            return;
+        }
+        const std::string title = "あと何時間？";
+        const double target = prompter.askNumber("1", "200", currentLevel + 1, "1",
+                                                 "目標Lvを入力してください  (現在:" + std::to_string(currentLevel) + ")", title);
+        if (target == Prompter::kCancelled)
+            return;
+        const double rate =
+            prompter.askNumber("0.1", "100000", latestRate.toDouble(), "500", "時給Exp(k)を入力してください", title);
+        if (rate == Prompter::kCancelled)
+            return;
+        logBox.write(timeLeftLine(currentLevel, totalExp, static_cast<std::int32_t>(std::lround(target)), rate));
+    } catch (const RuntimeError& error) {
+        log.writeErrorTrap("menuTimeLeft_Click", error.number());
+    }
+}
+
+} // namespace tvx

@@ -1,0 +1,267 @@
+#include "recognition/RecognitionCycle.h"
+
+#include "measurement/MeasurementSession.h"
+#include "ports/Clock.h"
+#include "ports/GameWindowProbe.h"
+#include "ports/MeterView.h"
+#include "ports/ScreenSource.h"
+#include "ports/Sound.h"
+#include "ports/Waiter.h"
+#include "recognition/ScreenRecognizer.h"
+#include "shell/DebugLog.h"
+#include "shell/Errors.h"
+
+#include <cstdio>
+#include <vector>
+
+namespace tvx {
+
+namespace {
+
+// Passes the recogniser's progress captions on to the window.
+class ViewCaptions final : public CaptionSink {
+public:
+    explicit ViewCaptions(MeterView& view) : m_view(view) {}
+    void setCaption(int region, std::string_view caption) override { m_view.captureCaption(region, std::string(caption)); }
+
+private:
+    MeterView& m_view;
+};
+
+} // namespace
+
+void PlayCaptureBeep(Sound& sound, std::int32_t choice)
+{
+    switch (choice) {
+    case 1: sound.systemBeep(); break;
+    case 2: sound.beep(500, 75); break;
+    case 3: sound.beep(2000, 75); break;
+    case 4: sound.beep(500, 200); break;
+    case 5: sound.beep(2000, 200); break;
+    default: break;
+    }
+}
+
+RecognitionCycle::RecognitionCycle(const Settings& settings, MeterPorts& ports, MeterState& state, DebugLog& log,
+                                   ScreenRecognizer& recognizer, MeasurementSession& session)
+    : m_settings(settings), m_ports(ports), m_state(state), m_log(log), m_recognizer(recognizer), m_session(session)
+{
+}
+
+void RecognitionCycle::timCaptureInterval_Timer()
+{
+    if (m_ports.clock.now() < m_session.NextCaptureTime)
+        return;
+    if (!m_session.running()) {
+        m_state.controls.captureTimerEnabled = false;
+        m_ports.view.controlsChanged();
+        return;
+    }
+    try {
+        m_state.busy = true;
+        runCycle();
+    } catch (const RuntimeError& error) {
+        // A text too long for its number, for one.
+        m_log.writeErrorTrap("timCaptureInterval_Timer", error.number());
+    }
+    m_state.busy = false;
+}
+
+bool RecognitionCycle::gameInFront()
+{
+    return m_ports.probe.state(m_settings.SearchWindowName) == GameWindowState::Front;
+}
+
+void RecognitionCycle::retryLater()
+{
+    m_session.NextCaptureTime = addSeconds(m_ports.clock.now(), kRetrySeconds);
+}
+
+void RecognitionCycle::countMiss()
+{
+    if (!m_settings.Graph)
+        return;
+    if (++m_missCount < kMissesPerZeroPoint)
+        return;
+    m_missCount = 0;
+    if (m_state.graph) {
+        m_state.graph->AddGraphData(Currency{}, Currency{}, m_settings.GraphAveNum, m_settings.GraphTimeScale);
+        m_ports.view.graphDataChanged();
+    }
+}
+
+void RecognitionCycle::runCycle()
+{
+    if (m_state.cycleSkip)
+        return;
+    m_session.NextCaptureTime = addSeconds(m_ports.clock.now(), std::int64_t{m_settings.CaptureInterval} * 60);
+    const GameWindowState game = m_ports.probe.state(m_settings.SearchWindowName);
+    if (game == GameWindowState::Missing) {
+        if (!m_noticeShown) {
+            m_ports.view.showNotice(m_settings.SearchWindowName + "が起動していません", "エラー");
+            m_noticeShown = true;
+        }
+        if (!m_session.running() && m_state.DebugMode)
+            m_log.WriteDebugLog("Lost " + m_settings.SearchWindowName + " Then Capture Stop ");
+        return;
+    }
+    if (m_noticeShown) {
+        m_ports.view.hideNotice();
+        m_noticeShown = false;
+    }
+    if (game != GameWindowState::Front) {
+        retryLater();
+        countMiss();
+        return;
+    }
+    m_missCount = 0;
+    readRegions();
+    const bool moneyMissed = m_session.CurrentMoney < Currency{};
+    if (moneyMissed && m_settings.MoneyScan && m_session.CurrentExp >= Currency{} && m_session.CurrentLv > 0) {
+        if (!rereadMoney()) {
+            retryLater();
+            return;
+        }
+    }
+    handOver();
+}
+
+void RecognitionCycle::handOver()
+{
+    m_session.evaluateReading();
+    if (m_session.running())
+        m_session.DisplayResult(MeasurementSession::kUpdate);
+}
+
+void RecognitionCycle::readRegions()
+{
+    m_state.busy = true;
+    GetPictForClip(-1);
+    for (int region = 0; region < kRegionCount; ++region)
+        m_recognizer.binarize(region);
+    for (int region = 0; region < kRegionCount; ++region)
+        recognizeInto(region);
+    m_state.busy = false;
+}
+
+bool RecognitionCycle::rereadMoney()
+{
+    PlayCaptureBeep(m_ports.sound, m_settings.CaptureBeep);
+    m_ports.waiter.WaitMs(m_settings.MoneyWait);
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        if (attempt == 1)
+            m_ports.waiter.WaitMs(1000);
+        if (!gameInFront())
+            return false;
+        m_state.busy = true;
+        GetPictForClip(RegionMoney);
+        m_recognizer.binarize(RegionMoney);
+        recognizeInto(RegionMoney);
+        m_state.busy = false;
+        if (m_session.CurrentMoney >= Currency{})
+            break;
+    }
+    return true;
+}
+
+void RecognitionCycle::recognizeInto(int region)
+{
+    ViewCaptions captions(m_ports.view);
+    const RecognitionResult result =
+        m_recognizer.recognize(region, m_state.DebugMode, m_state.DebugMode ? &captions : nullptr);
+    m_ports.view.captureCaption(region, result.caption);
+    if (m_state.DebugMode && !result.trace.empty())
+        m_log.WriteDebugLog(joinTrace(result.trace));
+    if (region == RegionLevel)
+        m_session.CurrentLv = levelFromText(result.digits);
+    else if (region == RegionExp)
+        m_session.CurrentExp = amountFromText(result.digits);
+    else
+        m_session.CurrentMoney = amountFromText(result.digits);
+}
+
+int RecognitionCycle::GetPictForClip(int region)
+{
+    std::vector<CaptureRegionRect> wanted;
+    for (int r = 0; r < kRegionCount; ++r)
+        if (region < 0 || region == r)
+            wanted.push_back(m_settings.CaptureRegion[static_cast<std::size_t>(r)]);
+    auto screen = m_ports.screen.grab(wanted);
+    if (!screen) {
+        m_log.WriteDebugLog("PrintScreen MissTake ");
+        m_recognizer.SecurePixels();
+        return -1;
+    }
+    m_lastCapture = std::move(*screen);
+    m_ports.view.captureTaken(*m_lastCapture);
+    try {
+        for (int r = 0; r < kRegionCount; ++r)
+            if (region < 0 || region == r)
+                m_recognizer.fill(r, *m_lastCapture);
+    } catch (const RuntimeError& error) {
+        m_log.writeErrorTrap("GetPictForClip2", error.number());
+        m_recognizer.SecurePixels();
+        return -2;
+    }
+    return 0;
+}
+
+void RecognitionCycle::cmdCapture_Click()
+{
+    m_log.WriteDebugLog("Click : Test Capture ");
+    m_state.controls.testButtonsEnabled = false;
+    m_ports.view.controlsChanged();
+    m_ports.waiter.WaitMs(10000);
+    try {
+        if (!m_state.closing)
+            runCycle();
+    } catch (const RuntimeError& error) {
+        m_log.writeErrorTrap("cmdCapture_Click", error.number());
+    }
+    m_state.busy = false;
+    m_state.controls.testButtonsEnabled = true;
+    m_ports.view.controlsChanged();
+    m_log.WriteDebugLog("Single Capture ･･･ End ");
+}
+
+void RecognitionCycle::cmdRecognize_Click()
+{
+    m_log.WriteDebugLog("Click : Test Recognize ");
+    m_state.controls.testButtonsEnabled = false;
+    m_ports.view.controlsChanged();
+    const std::uint32_t start = m_ports.clock.tickMs();
+    try {
+        for (int region = 0; region < kRegionCount; ++region)
+            m_recognizer.binarize(region);
+        for (int region = 0; region < kRegionCount; ++region)
+            recognizeInto(region);
+    } catch (const RuntimeError& error) {
+        m_log.writeErrorTrap("cmdRecognize_Click", error.number());
+    }
+    char seconds[32];
+    std::snprintf(seconds, sizeof seconds, "%.3f", (m_ports.clock.tickMs() - start) / 1000.0);
+    m_ports.view.recognizeElapsed(std::string(seconds) + "秒");
+    m_state.controls.testButtonsEnabled = true;
+    m_ports.view.controlsChanged();
+    m_log.WriteDebugLog("Single Recognize(" + std::string(seconds) + ") ･･･ End ");
+}
+
+void RecognitionCycle::cmdTempStop_Click(std::int32_t resumeDelaySeconds)
+{
+    m_log.WriteDebugLog("Click : Temporarily Stop ");
+    m_session.ChangeSuspend(resumeDelaySeconds);
+    if (m_noticeShown) {
+        m_ports.view.hideNotice();
+        m_noticeShown = false;
+    }
+    if (m_settings.Graph)
+        m_ports.view.graphFrameChanged();
+}
+
+void RecognitionCycle::clearCarryOver()
+{
+    m_missCount = 0;
+    m_state.busy = false;
+}
+
+} // namespace tvx

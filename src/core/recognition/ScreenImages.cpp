@@ -1,0 +1,58 @@
+#include "recognition/ScreenImages.h"
+
+#include "ports/ImageEncoder.h"
+#include "ports/ScreenSource.h"
+#include "shell/DebugLog.h"
+#include "shell/Errors.h"
+#include "shell/Utf8Path.h"
+
+namespace tvx {
+
+namespace {
+
+std::filesystem::path withExtension(std::filesystem::path base, std::string_view extension)
+{
+    base += extension;
+    return base;
+}
+
+} // namespace
+
+std::filesystem::path screenshotFolder(std::string_view saveFolder)
+{
+    const std::filesystem::path folder = utf8Path(saveFolder) / "ss";
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error)
+        throw RuntimeError(ErrorNumber::PathNotFound, "cannot create " + pathUtf8(folder));
+    return folder;
+}
+
+bool ScreenImages::PrintScreen(const std::filesystem::path& basePath, std::string_view format)
+{
+    try {
+        const auto screen = m_screen.grab({});
+        if (!screen) {
+            m_log.WriteDebugLog("PrintScreen MissTake ");
+            return false;
+        }
+        const Frame frame = toFrame(*screen);
+        bool written = false;
+        if (format == ".bmp")
+            written = writeBitmap24(withExtension(basePath, ".bmp"), frame);
+        else if (format == ".png" && m_encoder != nullptr)
+            written = m_encoder->writePng(frame, withExtension(basePath, ".png"));
+        else if ((format == ".jpg90" || format == ".jpg70") && m_encoder != nullptr)
+            written = m_encoder->writeJpeg(frame, withExtension(basePath, ".jpg"), format == ".jpg90" ? 90 : 70);
+        else
+            return false;
+        if (!written)
+            throw RuntimeError(ErrorNumber::PathFileAccessError, pathUtf8(basePath));
+        return true;
+    } catch (const RuntimeError& error) {
+        m_log.writeErrorTrap("PrintScreen", error.number());
+        return false;
+    }
+}
+
+} // namespace tvx

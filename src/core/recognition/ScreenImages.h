@@ -1,0 +1,32 @@
+#pragma once
+
+#include <filesystem>
+#include <string_view>
+
+namespace tvx {
+
+class DebugLog;
+class ImageEncoder;
+class ScreenSource;
+
+// Whole-screen images for the player: print screens, gesture and level-up shots.
+class ScreenImages {
+public:
+    ScreenImages(ScreenSource& screen, ImageEncoder* encoder, DebugLog& log)
+        : m_screen(screen), m_encoder(encoder), m_log(log) {}
+
+    // Takes a fresh image of the screen and writes it as basePath + the extension of the
+    // format: ".bmp", ".png", ".jpg70" or ".jpg90" (both JPEGs end in ".jpg"). Any other
+    // format writes nothing. False when no file was written.
+    bool PrintScreen(const std::filesystem::path& basePath, std::string_view format);
+
+private:
+    ScreenSource& m_screen;
+    ImageEncoder* m_encoder;
+    DebugLog& m_log;
+};
+
+// SaveFolder/ss, made when missing.
+std::filesystem::path screenshotFolder(std::string_view saveFolder);
+
+} // namespace tvx

@@ -1,0 +1,97 @@
+#include "shell/EnvironmentReport.h"
+
+#include "measurement/RecordFormat.h"
+#include "ports/Prompter.h"
+#include "shell/DebugLog.h"
+
+namespace tvx {
+
+namespace {
+
+constexpr std::string_view kMain = "　　";     // two ideographic spaces
+constexpr std::string_view kSub = "　　　";     // three
+constexpr std::string_view kSubSub = "　　　　"; // four
+
+struct Label {
+    const char* english;
+    const char* japanese;
+};
+
+std::string item(std::string_view indent, const Label& label, bool japanese, const std::string& value)
+{
+    return std::string(indent) + (japanese ? label.japanese : label.english) + value + "\r\n";
+}
+
+std::string freeOfTotal(std::optional<std::uint64_t> free, std::optional<std::uint64_t> total)
+{
+    return groupedAmount(free, "") + "/ " + groupedAmount(total, "Byte");
+}
+
+} // namespace
+
+std::string groupedAmount(std::optional<std::uint64_t> value, const std::string& unit)
+{
+    if (!value)
+        return "";
+    const std::string number = *value == 0 ? "" : formatNumber(Currency::fromInt(static_cast<std::int64_t>(*value)), 0, false);
+    return number + " " + unit;
+}
+
+std::string ReportEnvironment(const EnvironmentFacts& f, bool japanese)
+{
+    std::string text = japanese ? "実行環境情報\r\n" : "";
+    text += item(kMain, {"OperatingSystem : ", "オペレーティングシステム : "}, japanese, f.operatingSystem);
+    text += item(kSub, {"Version : ", "バージョン : "}, japanese, f.version);
+    text += item(kSub, {"ServicePack : ", "サービスパック : "}, japanese, f.servicePack);
+    text += item(kSub, {"NowLocalTime : ", "経過時間 : "}, japanese, f.localTime);
+    text += item(kSub, {"LastBootTime : ", "起動時間 : "}, japanese, f.lastBootTime);
+    text += item(kSub, {"ProcessorUse : ", "使用プロセッサ : "}, japanese, f.processorUse);
+    text += item(kSub, {"FreePhysicalMemory : ", "物理メモリ 空き/最大 : "}, japanese,
+                 freeOfTotal(f.freePhysicalBytes, f.totalPhysicalBytes));
+    text += item(kSub, {"FreeVirtualMemory : ", "仮想メモリ 空き/最大 : "}, japanese,
+                 freeOfTotal(f.freeVirtualBytes, f.totalVirtualBytes));
+    text += item(kMain, {"Processor : ", "プロセッサ : "}, japanese, f.processor);
+    text += item(kSub, {"Revision : ", "リビジョン : "}, japanese, f.revision);
+    if (f.caches.empty())
+        text += item(kSub, {"CacheMemory : ", "キャッシュメモリ : "}, japanese, "NONE");
+    for (const auto& [purpose, kilobytes] : f.caches)
+        text += item(kSub, {"CacheMemory : ", "キャッシュメモリ : "}, japanese,
+                     purpose + " = " + groupedAmount(kilobytes, "kByte"));
+    text += item(kMain, {"GraphicAdapter : ", "グラフィックアダプタ : "}, japanese, f.graphicAdapter);
+    text += item(kSubSub, {"AdapterRAM : ", "グラフィックメモリ : "}, japanese, groupedAmount(f.adapterRamBytes, "Byte"));
+    text += item(kSubSub, {"DriverVersion : ", "ドライババージョン : "}, japanese, f.driverVersion);
+    text += item(kSubSub, {"GraphicMode : ", "画面設定 : "}, japanese, f.graphicMode);
+    text += item(kMain, {"Manufacturer : ", "製造メーカー : "}, japanese, f.manufacturer);
+    text += item(kSub, {"Model : ", "モデル名 : "}, japanese, f.model);
+    return text;
+}
+
+void WriteOperatingInformation(const EnvironmentFacts& facts, DebugLog& log)
+{
+    log.WriteDebugLog("OperatingInformation");
+    log.WriteDebugLog(ReportEnvironment(facts, false));
+    std::string available = std::string(kMain) + "Available Physical Memory";
+    if (facts.availablePhysicalBytes) {
+        const auto kilobytes = static_cast<std::int64_t>(*facts.availablePhysicalBytes / 1024);
+        available += FormatField(Currency::fromInt(kilobytes), 11, 1, 0, false) + "kByte  ";
+        if (facts.totalPhysicalBytes && *facts.totalPhysicalBytes > 0)
+            available += std::to_string(*facts.availablePhysicalBytes * 100 / *facts.totalPhysicalBytes) + "%";
+    }
+    log.WriteDebugLog(available);
+}
+
+void reportMissingLibrary(const RequiredLibrary& library, Prompter& prompter, DebugLog& log)
+{
+    log.WriteDebugLog("System File of " + library.name + " is Not Find ");
+    prompter.message(library.name + " ファイルが見つかりませんでした。\r\n" + library.warning +
+                         "\r\nお手数ですが、必要なランタイムをインストールしてから再度起動してください。",
+                     "ライブラリファイルチェック");
+}
+
+void reportSystemFileResult(bool allFound, DebugLog& log)
+{
+    log.WriteDebugLog(allFound ? "Result of System File Check : No Problem "
+                               : "Result of System File Check : A missing item ");
+}
+
+} // namespace tvx

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "shell/EnvironmentReport.h"
+
+#include <string>
+#include <vector>
+
+namespace tvx::platform {
+
+// What this machine reports about itself.
+EnvironmentFacts gatherEnvironment();
+
+// The system libraries the program loads, each with what fails without it.
+std::vector<RequiredLibrary> requiredLibraries();
+bool canLoadLibrary(const std::string& name);
+
+} // namespace tvx::platform

@@ -1,0 +1,168 @@
+#include "GameScreen.h"
+
+#include <xcb/xcb.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tvx::platform {
+
+namespace {
+
+template <typename T>
+using Reply = std::unique_ptr<T, decltype(&std::free)>;
+
+template <typename T>
+Reply<T> reply(T* raw)
+{
+    return Reply<T>(raw, &std::free);
+}
+
+// xcb on one connection: window lookup by title, the active window, screen images.
+class X11GameScreen final : public GameScreen {
+public:
+    X11GameScreen(xcb_connection_t* connection, xcb_screen_t* screen)
+        : m_connection(connection), m_screen(screen), m_netWmName(atom("_NET_WM_NAME")),
+          m_utf8(atom("UTF8_STRING")), m_activeWindow(atom("_NET_ACTIVE_WINDOW"))
+    {
+    }
+    ~X11GameScreen() override { xcb_disconnect(m_connection); }
+
+    GameWindowState state(std::string_view title) override
+    {
+        const auto window = findWindow(m_screen->root, title, 0);
+        if (!window)
+            return GameWindowState::Missing;
+        return inFront(*window) ? GameWindowState::Front : GameWindowState::Background;
+    }
+
+    std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect>) override
+    {
+        const std::uint16_t width = m_screen->width_in_pixels;
+        const std::uint16_t height = m_screen->height_in_pixels;
+        auto image = reply(xcb_get_image_reply(
+            m_connection,
+            xcb_get_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, m_screen->root, 0, 0, width, height, ~0u),
+            nullptr));
+        if (!image)
+            return std::nullopt;
+        const std::uint8_t* data = xcb_get_image_data(image.get());
+        const int length = xcb_get_image_data_length(image.get());
+        if (length < width * height * 4)
+            return std::nullopt; // only the common 32-bit layout (blue, green, red, unused)
+        Frame frame(width, height);
+        for (int y = 0; y < height; ++y) {
+            const std::uint8_t* source = data + static_cast<std::size_t>(y) * width * 4;
+            std::uint8_t* target = frame.row(y);
+            for (int x = 0; x < width; ++x)
+                std::memcpy(target + 3 * x, source + 4 * x, 3);
+        }
+        return toCaptureBitmap(frame);
+    }
+
+private:
+    xcb_atom_t atom(const char* name)
+    {
+        auto answer = reply(xcb_intern_atom_reply(
+            m_connection, xcb_intern_atom(m_connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name), nullptr));
+        return answer ? answer->atom : xcb_atom_t{XCB_ATOM_NONE};
+    }
+
+    std::string property(xcb_window_t window, xcb_atom_t name, xcb_atom_t type)
+    {
+        auto answer = reply(xcb_get_property_reply(
+            m_connection, xcb_get_property(m_connection, 0, window, name, type, 0, 1024), nullptr));
+        if (!answer || answer->type == XCB_ATOM_NONE)
+            return {};
+        return std::string(static_cast<const char*>(xcb_get_property_value(answer.get())),
+                           static_cast<std::size_t>(xcb_get_property_value_length(answer.get())));
+    }
+
+    std::string title(xcb_window_t window)
+    {
+        std::string name = property(window, m_netWmName, m_utf8);
+        return name.empty() ? property(window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING) : name;
+    }
+
+    bool viewable(xcb_window_t window)
+    {
+        auto attributes = reply(xcb_get_window_attributes_reply(
+            m_connection, xcb_get_window_attributes(m_connection, window), nullptr));
+        return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
+    }
+
+    // Top-level windows sit under the root, or one level lower inside a window manager's frame.
+    std::optional<xcb_window_t> findWindow(xcb_window_t parent, std::string_view wanted, int depth)
+    {
+        auto tree = reply(xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, parent), nullptr));
+        if (!tree)
+            return std::nullopt;
+        const xcb_window_t* children = xcb_query_tree_children(tree.get());
+        const int count = xcb_query_tree_children_length(tree.get());
+        for (int i = count - 1; i >= 0; --i) // topmost first
+            if (viewable(children[i]) && title(children[i]) == wanted)
+                return children[i];
+        if (depth >= 2)
+            return std::nullopt;
+        for (int i = count - 1; i >= 0; --i)
+            if (auto found = findWindow(children[i], wanted, depth + 1))
+                return found;
+        return std::nullopt;
+    }
+
+    bool inFront(xcb_window_t window)
+    {
+        const std::string active = property(m_screen->root, m_activeWindow, XCB_ATOM_WINDOW);
+        if (active.size() >= sizeof(xcb_window_t)) {
+            xcb_window_t id = 0;
+            std::memcpy(&id, active.data(), sizeof id);
+            return id == window;
+        }
+        // No window manager: the input focus decides; "pointer root" means whatever is on top.
+        auto focus = reply(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+        if (!focus)
+            return false;
+        if (focus->focus == XCB_INPUT_FOCUS_POINTER_ROOT || focus->focus == XCB_NONE)
+            return topmost() == window;
+        return focus->focus == window;
+    }
+
+    xcb_window_t topmost()
+    {
+        auto tree = reply(xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, m_screen->root), nullptr));
+        if (!tree)
+            return XCB_NONE;
+        const xcb_window_t* children = xcb_query_tree_children(tree.get());
+        for (int i = xcb_query_tree_children_length(tree.get()) - 1; i >= 0; --i)
+            if (viewable(children[i]))
+                return children[i];
+        return XCB_NONE;
+    }
+
+    xcb_connection_t* m_connection;
+    xcb_screen_t* m_screen;
+    xcb_atom_t m_netWmName;
+    xcb_atom_t m_utf8;
+    xcb_atom_t m_activeWindow;
+};
+
+} // namespace
+
+std::unique_ptr<GameScreen> makeGameScreen()
+{
+    int screenNumber = 0;
+    xcb_connection_t* connection = xcb_connect(nullptr, &screenNumber);
+    if (xcb_connection_has_error(connection)) {
+        xcb_disconnect(connection);
+        return nullptr;
+    }
+    xcb_screen_iterator_t it = xcb_setup_roots_iterator(xcb_get_setup(connection));
+    for (int i = 0; i < screenNumber && it.rem > 0; ++i)
+        xcb_screen_next(&it);
+    return std::make_unique<X11GameScreen>(connection, it.data);
+}
+
+} // namespace tvx::platform

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "ports/ImageEncoder.h"
+#include "ports/ShellLauncher.h"
+#include "ports/Sound.h"
+#include "ports/Waiter.h"
+
+class QImage;
+
+namespace tvx::ui {
+
+// A wait that keeps the window's events flowing (timers, menus, gestures run meanwhile).
+class QtWaiter final : public Waiter {
+public:
+    void WaitMs(std::int32_t ms) override;
+};
+
+// Qt has only the system beep; a tone of a given pitch comes from the platform back end.
+class QtSound final : public Sound {
+public:
+    void systemBeep() override;
+    void beep(std::int32_t frequencyHz, std::int32_t durationMs) override;
+};
+
+class QtShellLauncher final : public ShellLauncher {
+public:
+    bool fileExists(const std::string& path) override;
+    bool open(const std::string& fileOrUrl) override;
+    void setBusyCursor(bool busy) override;
+};
+
+class QtImageEncoder final : public ImageEncoder {
+public:
+    bool writePng(const Frame& image, const std::filesystem::path& path) override;
+    bool writeJpeg(const Frame& image, const std::filesystem::path& path, int quality) override;
+};
+
+// The frame as a Qt image (a deep copy).
+QImage toQImage(const Frame& frame);
+
+} // namespace tvx::ui

@@ -1,0 +1,94 @@
+#include "ReplayCommand.h"
+
+#include "support/GameScreen.h"
+#include "support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+namespace tvx {
+namespace {
+
+class ReplayCommandTest : public testing::Test {
+protected:
+    void frame(const std::string& name, const std::string& level, const std::string& exp, const std::string& money)
+    {
+        std::filesystem::create_directories(frames);
+        ASSERT_TRUE(writeBitmap24(frames / name, test::gameScreen({level, exp, money})));
+    }
+
+    int run(std::vector<std::string> extra)
+    {
+        std::vector<std::string> args{frames.string(), "--save-folder", saves.string(), "--start", "2024-01-31 23:50"};
+        args.insert(args.end(), extra.begin(), extra.end());
+        out.str("");
+        err.str("");
+        return cli::runReplay(args, out, err);
+    }
+
+    std::string readFile(const std::filesystem::path& path)
+    {
+        std::ifstream in(path, std::ios::binary);
+        std::stringstream text;
+        text << in.rdbuf();
+        return text.str();
+    }
+
+    test::TempFolder temp;
+    std::filesystem::path frames = temp.path() / "frames";
+    std::filesystem::path saves = temp.path() / "saves";
+    std::ostringstream out;
+    std::ostringstream err;
+};
+
+TEST_F(ReplayCommandTest, WritesTheRecordFileAndTheLogBox)
+{
+    frame("10.bmp", "137", "1000", "5000");
+    frame("0370.bmp", "137", "4600", "5000"); // leading zeros allowed
+    frame("730.bmp", "138", "100", "5800");
+    frame("notes.txt.bmp", "1", "1", "1");    // not named by a second: ignored
+    ASSERT_EQ(run({"--per-session", "--money-scan"}), 0) << err.str();
+
+    EXPECT_EQ(readFile(saves / "log" / "給与明細202401312350.txt"),
+              "\xEF\xBB\xBF 月日 時刻      Lv          Exp              メル           獲得Exp           獲得メル     "
+              "Exp経過(分)   Exp時給(k/h)   メル経過(分)   メル時給(k/h)\r\n"
+              "01/31 23:56    137    1,336,967,353            5,000            3,600                  0           6.0"
+              "             36            0.0               0 \r\n"
+              "02/01 00:02    138    1,410,563,166            5,800       73,595,813                800           6.0"
+              "        735,958            6.0               8 \r\n");
+    EXPECT_EQ(out.str(),
+              " 月日 時刻    Lv     獲得Exp       獲得メル  経過   Exp時給   時給 (k/h)\r\n"
+              "\r\n  137  1,336,963,753         5,000 \r\n"
+              "01/31 23:56  137        3,600             0   6.0        36             \r\n"
+              "02/01 00:02  138   73,595,813           800   6.0   735,958           8 \r\n"
+              " 経過: 2024/01/31 23:50:10  ～  2024/02/01 00:02:10  ＝  0日 0時 12分間\r\n"
+              "    開始  Lv: 137    Exp:         1000      0.00％   ﾒﾙ:            5000 \r\n"
+              "    終了  Lv: 138    Exp:          100      0.00％   ﾒﾙ:            5800 \r\n"
+              "    増加  Lv:   1    Exp:     73599413      0.00％   ﾒﾙ:             800 \r\n"
+              "\r\n");
+}
+
+TEST_F(ReplayCommandTest, RefusesBadArguments)
+{
+    frame("0.bmp", "1", "2", "3");
+    EXPECT_EQ(cli::runReplay({frames.string()}, out, err), 1);
+    EXPECT_EQ(run({"--start"}), 1);
+    EXPECT_EQ(cli::runReplay({frames.string(), "--save-folder", "x", "--start", "2024-02-30 10:00"}, out, err), 1);
+    EXPECT_EQ(cli::runReplay({(temp.path() / "none").string(), "--save-folder", "x"}, out, err), 1);
+    EXPECT_EQ(run({"--fast"}), 1);
+    EXPECT_NE(err.str().find("unknown option --fast"), std::string::npos);
+}
+
+TEST_F(ReplayCommandTest, AnUnreadableImageIsAFailedReading)
+{
+    frame("0.bmp", "1", "2", "3");
+    std::ofstream(frames / "360.bmp") << "not an image";
+    EXPECT_EQ(run({}), 2);
+    EXPECT_NE(err.str().find("360.bmp: cannot read the image"), std::string::npos);
+    EXPECT_NE(out.str().find("01/31 23:56  認識失敗  全部 NG\r\n"), std::string::npos) << out.str();
+}
+
+} // namespace
+} // namespace tvx

@@ -1,0 +1,342 @@
+#include "measurement/Meter.h"
+
+#include "shell/DebugLog.h"
+#include "support/FakeMachine.h"
+#include "support/GameScreen.h"
+#include "support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+namespace tvx {
+namespace {
+
+const LocalDateTime kStart{2009, 4, 1, 13, 5, 0};
+
+std::string readFile(const std::filesystem::path& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+std::vector<std::string> splitLines(const std::string& text)
+{
+    std::vector<std::string> lines;
+    std::size_t start = 0;
+    for (std::size_t end; (end = text.find("\r\n", start)) != std::string::npos; start = end + 2)
+        lines.push_back(text.substr(start, end - start));
+    return lines;
+}
+
+// The fields of a CSV record line, blanks trimmed.
+std::vector<std::string> csvFields(const std::string& line)
+{
+    std::vector<std::string> fields;
+    std::stringstream in(line);
+    for (std::string field; std::getline(in, field, ',');) {
+        field.erase(0, field.find_first_not_of(' '));
+        field.erase(field.find_last_not_of(' ') + 1);
+        fields.push_back(field);
+    }
+    return fields;
+}
+
+class MeterTest : public testing::Test {
+protected:
+    MeterTest()
+    {
+        settings.SaveFolder = temp.path().string();
+        settings.StartDelay = 0;
+        machine.clock.setNow(kStart);
+    }
+
+    Meter& meter()
+    {
+        if (!m_meter) {
+            MeterPorts ports{machine.clock, machine, machine, machine, machine, machine, machine, machine, &machine};
+            m_meter = std::make_unique<Meter>(settings, ports, log);
+            m_meter->state().graph = std::make_unique<clsGraphBuffer>(machine.clock);
+        }
+        return *m_meter;
+    }
+
+    void at(std::int64_t seconds)
+    {
+        machine.clock.setNow(addSeconds(kStart, seconds));
+        machine.clock.setTickMs(static_cast<std::uint32_t>(seconds * 1000));
+    }
+
+    void show(const std::string& level, const std::string& exp, const std::string& money)
+    {
+        machine.screens = {test::gameCapture({level, exp, money})};
+    }
+
+    // One cycle at a second of the session with these numbers on the screen.
+    void cycle(std::int64_t seconds, const std::string& level, const std::string& exp, const std::string& money)
+    {
+        at(seconds);
+        show(level, exp, money);
+        meter().cycle().runCycle();
+    }
+
+    std::string debugText() { return readFile(log.path()); }
+
+    test::TempFolder temp;
+    test::FakeMachine machine;
+    Settings settings = defaultSettings("");
+    DebugLog log{temp.path(), machine.clock};
+
+private:
+    std::unique_ptr<Meter> m_meter;
+};
+
+TEST_F(MeterTest, WholeSessionMakesTheRecordsOfEveryCase)
+{
+    settings.SaveCsv = true;
+    meter().menuRun_Click();
+    cycle(100, "10", "100", "5000");  // bases
+    cycle(460, "10", "100", "5000");  // nothing moved
+    cycle(820, "10", "350", "5000");  // only experience moved
+    cycle(1180, "10", "350", "5610"); // only money moved
+    cycle(1900, "12", "10", "5700");  // both moved, two levels up through the table
+    cycle(2260, "12", "10", "");      // money not read, experience still
+    cycle(2620, "12", "20", "");      // money not read, experience moved
+    cycle(2980, "8", "5", "100");     // level fell: another character
+    cycle(3340, "8", "50", "100");    // its bases
+    cycle(3700, "8", "80", "150");
+    meter().menuStop_Click();
+
+    const auto lines = splitLines(readFile(temp.path() / "log" / "給与明細200904月.csv"));
+    ASSERT_EQ(lines.size(), 6u);
+    EXPECT_EQ(lines[0], "\xEF\xBB\xBF" + recordHeader(true));
+    const std::vector<std::vector<std::string>> expected{
+        {"04/01 13:18", "10", "3697", "5000", "250", "0", "6.0", "2", "0.0", "0"},
+        {"04/01 13:24", "10", "3697", "5610", "0", "610", "0.0", "0", "6.0", "6"},
+        {"04/01 13:36", "12", "7433", "5700", "3736", "90", "12.0", "18", "12.0", "0"},
+        {"04/01 13:48", "12", "7443", "5700", "10", "0", "6.0", "0", "0.0", "0"},
+        {"04/01 14:06", "8", "1345", "150", "30", "50", "6.0", "0", "6.0", "0"},
+    };
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        EXPECT_EQ(csvFields(lines[i + 1]), expected[i]) << lines[i + 1];
+
+    const std::string text = meter().logBox().text();
+    EXPECT_TRUE(text.starts_with(std::string(kLogHeader) + "\r\n\r\n   10        3,447         5,000 \r\n")) << text;
+    EXPECT_NE(text.find("\r\n04/01 13:18   10          250   6.0         2 \r\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("\r\nキャラクタチェンジ検出\r\n" + std::string(kLogHeader) + "\r\n"), std::string::npos);
+    EXPECT_NE(text.find("    増加  Lv:   0    Exp:           30"), std::string::npos) << text;
+    EXPECT_NE(debugText().find("Detect Character Change "), std::string::npos);
+    // Rates of the records, a zero point for each reading without a record, and the
+    // averaging window's zeros after the change of character.
+    EXPECT_EQ(meter().state().graph->Value(0).RateE(), Currency{});
+    EXPECT_EQ(meter().state().graph->Value(settings.GraphAveNum).RateM(), Currency::fromInt(-1));
+}
+
+TEST_F(MeterTest, FailedReadingIsReportedAndChangesNothing)
+{
+    meter().menuRun_Click();
+    cycle(100, "", "", "");
+    cycle(200, "7", "", "33");
+    EXPECT_EQ(meter().logBox().text(), std::string(kLogHeader) +
+                                           "\r\n04/01 13:06  認識失敗  全部 NG\r\n04/01 13:08  認識失敗  Exp NG\r\n");
+    EXPECT_NE(debugText().find("ImageRecognition misstep :Exp NG"), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(temp.path() / "log"));
+}
+
+TEST_F(MeterTest, MissingGameShowsTheNoticeOnce)
+{
+    machine.windows = {GameWindowState::Missing, GameWindowState::Missing, GameWindowState::Front};
+    show("1", "2", "3");
+    meter().cycle().runCycle();
+    meter().cycle().runCycle();
+    EXPECT_EQ(machine.count("notice エラー: MapleStoryが起動していません"), 1u);
+    EXPECT_EQ(machine.grabs, 0);
+    meter().cycle().runCycle();
+    EXPECT_EQ(machine.count("notice hidden"), 1u);
+    EXPECT_EQ(machine.grabs, 1);
+}
+
+TEST_F(MeterTest, GameBehindAnotherWindowIsTriedAgainIn15Seconds)
+{
+    machine.windows = {GameWindowState::Background};
+    meter().menuRun_Click();
+    for (int pass = 1; pass <= 480; ++pass)
+        meter().cycle().runCycle();
+    EXPECT_EQ(machine.grabs, 0);
+    EXPECT_EQ(meter().session().NextCaptureTime, addSeconds(machine.clock.now(), 15));
+    EXPECT_EQ(meter().cycle().missCount(), 480);
+    meter().state().graph->AddGraphData(Currency::fromInt(9), Currency::fromInt(9), 1, 1);
+    meter().cycle().runCycle(); // the 481st adds a zero point
+    EXPECT_EQ(meter().cycle().missCount(), 0);
+    EXPECT_EQ(meter().state().graph->Value(0).RateE(), Currency{});
+    EXPECT_EQ(meter().state().graph->Value(1).RateE(), Currency::fromInt(9));
+}
+
+TEST_F(MeterTest, MoneyIsReadAgainOnlyWhenItWasMissedAndScanned)
+{
+    const CaptureBitmap noMoney = test::gameCapture({"30", "100", ""});
+    const CaptureBitmap levelZero = test::gameCapture({"0", "100", ""});
+    const CaptureBitmap money = test::gameCapture({"30", "100", "700"});
+    using W = GameWindowState;
+    struct Case {
+        const char* name;
+        bool scan;
+        std::deque<std::optional<CaptureBitmap>> screens;
+        std::deque<W> windows;
+        int grabs;
+        std::int64_t money; // handed over; 99 for no hand-over
+        std::vector<std::string> waits;
+    };
+    const std::vector<Case> cases{
+        {"scan off", false, {noMoney}, {W::Front}, 1, -1, {}},
+        {"level 0", true, {levelZero}, {W::Front}, 1, -1, {}},
+        {"found at once", true, {noMoney, money}, {W::Front}, 2, 700, {"wait 1500"}},
+        {"found at the second try", true, {noMoney, noMoney, money}, {W::Front}, 3, 700, {"wait 1500", "wait 1000"}},
+        {"missed twice", true, {noMoney}, {W::Front}, 3, -1, {"wait 1500", "wait 1000"}},
+        {"game left", true, {noMoney}, {W::Front, W::Front, W::Background}, 2, 99, {"wait 1500", "wait 1000"}},
+    };
+    for (const Case& k : cases) {
+        SCOPED_TRACE(k.name);
+        test::FakeMachine fresh;
+        fresh.clock.setNow(kStart);
+        fresh.screens = k.screens;
+        fresh.windows = k.windows;
+        Settings s = defaultSettings("");
+        s.MoneyScan = k.scan;
+        s.CaptureBeep = 2;
+        s.SaveFolder = temp.path().string();
+        MeterPorts ports{fresh.clock, fresh, fresh, fresh, fresh, fresh, fresh, fresh};
+        Meter m(s, ports, log);
+        m.cycle().runCycle();
+        EXPECT_EQ(fresh.grabs, k.grabs);
+        std::vector<std::string> waits;
+        for (const auto& e : fresh.events)
+            if (e.starts_with("wait"))
+                waits.push_back(e);
+        EXPECT_EQ(waits, k.waits);
+        EXPECT_EQ(fresh.count("beep 500 75"), k.waits.empty() ? 0u : 1u);
+        const bool handedOver = !m.logBox().text().empty();
+        EXPECT_EQ(handedOver, k.money != 99);
+        if (handedOver)
+            EXPECT_EQ(m.session().CurrentMoney, Currency::fromInt(k.money));
+        else
+            EXPECT_EQ(m.session().NextCaptureTime, addSeconds(fresh.clock.now(), 15));
+    }
+}
+
+TEST_F(MeterTest, CloseDuringTheStartUpDelayLaunchesNothingMore)
+{
+    settings.StartUp = {{{true, "/apps/one"}, {true, "/apps/two"}}};
+    machine.existingFiles = {"/apps/one", "/apps/two"};
+    machine.onWait = [this](std::int32_t ms) {
+        if (ms == settings.StartUpDelay * 1000)
+            meter().state().closing = true;
+    };
+    meter().menuRun_Click();
+    EXPECT_EQ(machine.count("open /apps/one"), 1u);
+    EXPECT_EQ(machine.count("open /apps/two"), 0u);
+    EXPECT_FALSE(meter().state().controls.captureTimerEnabled);
+    EXPECT_FALSE(meter().session().running());
+}
+
+TEST_F(MeterTest, SuspendPausesTheTimerAndResumeReadsOnce)
+{
+    meter().session().ChangeSuspend(0); // idle: only the log line
+    EXPECT_FALSE(meter().session().Suspended);
+    EXPECT_NE(debugText().find("Suspend Mode On "), std::string::npos);
+
+    show("5", "6", "7");
+    meter().menuRun_Click();
+    meter().cycle().cmdTempStop_Click(3);
+    EXPECT_TRUE(meter().session().Suspended);
+    EXPECT_FALSE(meter().state().controls.captureTimerEnabled);
+    EXPECT_TRUE(meter().state().controls.tempStopRed);
+    meter().cycle().cmdTempStop_Click(3);
+    EXPECT_TRUE(meter().state().controls.captureTimerEnabled);
+    EXPECT_EQ(machine.count("wait 3000"), 1u);
+    EXPECT_EQ(machine.grabs, 1);
+
+    // A stop during the resume's wait: no reading afterwards.
+    meter().cycle().cmdTempStop_Click(3);
+    machine.onWait = [this](std::int32_t) { meter().menuStop_Click(); };
+    meter().cycle().cmdTempStop_Click(3);
+    EXPECT_EQ(machine.grabs, 1);
+    EXPECT_FALSE(meter().session().running());
+}
+
+TEST_F(MeterTest, TimerRunsACycleOnlyWhenItIsTime)
+{
+    show("5", "6", "7");
+    meter().menuRun_Click();
+    meter().cycle().timCaptureInterval_Timer();
+    EXPECT_EQ(machine.grabs, 0);
+    machine.clock.advanceMs(15000);
+    meter().cycle().timCaptureInterval_Timer();
+    EXPECT_EQ(machine.grabs, 1);
+    EXPECT_EQ(meter().session().NextCaptureTime, addSeconds(machine.clock.now(), 6 * 60));
+    meter().menuStop_Click();
+    meter().state().controls.captureTimerEnabled = true;
+    machine.clock.advanceMs(6 * 60 * 1000);
+    meter().cycle().timCaptureInterval_Timer(); // no session: the timer switches itself off
+    EXPECT_FALSE(meter().state().controls.captureTimerEnabled);
+    EXPECT_EQ(machine.grabs, 1);
+}
+
+TEST_F(MeterTest, LevelWatchCapturesRisesOnceArmed)
+{
+    struct Case {
+        std::vector<int> readings;
+        std::size_t bursts;
+    };
+    const Case cases[] = {
+        {{120}, 0},                 // the first reading is where the level starts
+        {{120, 120}, 0},
+        {{120, 121}, 1},
+        {{120, -1, 121}, 1},        // an unread level changes nothing
+        {{120, 119}, 0},            // a fall only arms
+        {{120, 119, 120, 121}, 2},
+    };
+    for (const Case& k : cases) {
+        LevelWatch& watch = meter().watch();
+        watch.reset();
+        meter().logBox().clear();
+        for (int reading : k.readings) {
+            watch.DoHLReading = Currency::fromInt(reading);
+            watch.CaptureLevelChange();
+        }
+        std::size_t bursts = 0;
+        for (std::size_t at = 0; (at = meter().logBox().text().find("LvUP or Dead 検出", at)) != std::string::npos; ++at)
+            ++bursts;
+        EXPECT_EQ(bursts, k.bursts) << k.readings.size();
+    }
+}
+
+TEST_F(MeterTest, LevelUpBurstWritesFourShots)
+{
+    settings.SaveFormat = ".jpg70";
+    show("50", "1", "1");
+    meter().menuRun_Click();
+    meter().watch().timDoHLInterval_Timer();
+    show("51", "1", "1");
+    meter().watch().timDoHLInterval_Timer();
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(temp.path() / "ss"))
+        names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    ASSERT_EQ(names.size(), 4u);
+    EXPECT_EQ(names[0], "LvUP_20090401130500_a.jpg");
+    EXPECT_EQ(names[3], "LvUP_20090401130500_d.jpg");
+    EXPECT_EQ(machine.count("jpeg 70"), 4u);
+    EXPECT_EQ(machine.count("wait 300"), 3u);
+
+    machine.windows = {GameWindowState::Background};
+    const int grabs = machine.grabs;
+    meter().watch().timDoHLInterval_Timer();
+    EXPECT_EQ(machine.grabs, grabs);
+}
+
+} // namespace
+} // namespace tvx

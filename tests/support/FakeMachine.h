@@ -1,0 +1,125 @@
+#pragma once
+
+#include "ports/GameWindowProbe.h"
+#include "ports/ImageEncoder.h"
+#include "ports/MeterView.h"
+#include "ports/Prompter.h"
+#include "ports/ScreenSource.h"
+#include "ports/ShellLauncher.h"
+#include "ports/Sound.h"
+#include "ports/TextCodec.h"
+#include "ports/Waiter.h"
+#include "support/FakeClock.h"
+
+#include <algorithm>
+#include <deque>
+#include <fstream>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tvx::test {
+
+// Every port of the engine, scripted: waits move the fake clock, the game window and the
+// screen follow queues (the last entry stays), answers come from queues, and what the
+// engine did is noted in `events`.
+class FakeMachine : public Waiter, public GameWindowProbe, public ScreenSource, public Sound, public ShellLauncher,
+                    public Prompter, public MeterView, public ImageEncoder {
+public:
+    FakeClock clock;
+    std::deque<GameWindowState> windows{GameWindowState::Front};
+    std::deque<std::optional<CaptureBitmap>> screens;
+    std::deque<double> numbers;
+    std::vector<std::string> existingFiles;
+    std::vector<std::string> events;
+    std::function<void(std::int32_t)> onWait;
+    int grabs = 0;
+
+    void WaitMs(std::int32_t ms) override
+    {
+        events.push_back("wait " + std::to_string(ms));
+        clock.advanceMs(static_cast<std::uint32_t>(ms < 1 ? 1 : ms));
+        if (onWait)
+            onWait(ms);
+    }
+    GameWindowState state(std::string_view) override { return next(windows); }
+    std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect>) override
+    {
+        ++grabs;
+        return screens.empty() ? std::nullopt : next(screens);
+    }
+    void systemBeep() override { events.push_back("beep"); }
+    void beep(std::int32_t hz, std::int32_t ms) override
+    {
+        events.push_back("beep " + std::to_string(hz) + " " + std::to_string(ms));
+    }
+    bool fileExists(const std::string& path) override
+    {
+        return std::find(existingFiles.begin(), existingFiles.end(), path) != existingFiles.end();
+    }
+    bool open(const std::string& target) override
+    {
+        events.push_back("open " + target);
+        return true;
+    }
+    void setBusyCursor(bool) override {}
+    void message(const std::string& text, const std::string& title) override
+    {
+        events.push_back("message " + title + ": " + text);
+    }
+    bool askYesNo(const std::string&, const std::string&) override { return true; }
+    bool askOkCancel(const std::string&, const std::string&) override { return true; }
+    double askNumber(const std::string& a, const std::string& b, double proposed, const std::string& step,
+                     const std::string& prompt, const std::string& title) override
+    {
+        events.push_back("ask " + title + " | " + prompt + " | " + a + " " + b + " " + std::to_string(proposed) + " " +
+                         step);
+        if (numbers.empty())
+            return kCancelled;
+        const double value = numbers.front();
+        numbers.pop_front();
+        return value;
+    }
+    void showNotice(const std::string& text, const std::string& title) override
+    {
+        events.push_back("notice " + title + ": " + text);
+    }
+    void hideNotice() override { events.push_back("notice hidden"); }
+    bool writePng(const Frame&, const std::filesystem::path& path) override { return touch(path); }
+    bool writeJpeg(const Frame&, const std::filesystem::path& path, int quality) override
+    {
+        events.push_back("jpeg " + std::to_string(quality));
+        return touch(path);
+    }
+
+    std::size_t count(const std::string& prefix) const
+    {
+        return static_cast<std::size_t>(std::count_if(events.begin(), events.end(),
+                                                       [&](const std::string& e) { return e.starts_with(prefix); }));
+    }
+
+private:
+    template <typename T>
+    static T next(std::deque<T>& queue)
+    {
+        T value = queue.front();
+        if (queue.size() > 1)
+            queue.pop_front();
+        return value;
+    }
+    static bool touch(const std::filesystem::path& path)
+    {
+        std::ofstream(path) << "image";
+        return true;
+    }
+};
+
+// CP932 stand-in: marks what it converted so a test can see which encoding was used.
+class MarkingCodec : public TextCodec {
+public:
+    std::string toCp932(std::string_view utf8) override { return "[cp932]" + std::string(utf8); }
+    std::optional<std::string> fromCp932(std::string_view bytes) override { return std::string(bytes); }
+};
+
+} // namespace tvx::test
