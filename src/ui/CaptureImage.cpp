@@ -17,18 +17,6 @@ const std::uint8_t* screenPixel(const CaptureBitmap& bitmap, std::int64_t x, std
 
 } // namespace
 
-Frame frameOf(const CaptureBitmap& bitmap)
-{
-    const auto width = static_cast<std::int32_t>(std::max<std::int64_t>(0, bitmap.infoHeader.biWidth));
-    const auto height = static_cast<std::int32_t>(std::max<std::int64_t>(0, bitmap.rows));
-    Frame frame(width, height);
-    for (std::int32_t y = 0; y < height; ++y)
-        for (std::int32_t x = 0; x < width; ++x)
-            if (const std::uint8_t* p = screenPixel(bitmap, x, y))
-                frame.setPixel(x, y, p[0], p[1], p[2]);
-    return frame;
-}
-
 QImage regionImage(const CaptureBitmap& bitmap, const CaptureRegionRect& rect)
 {
     if (rect.SizeX <= 0 || rect.SizeY <= 0)

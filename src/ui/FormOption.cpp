@@ -11,7 +11,7 @@
 #include "ports/ScreenSource.h"
 #include "ports/Waiter.h"
 #include "recognition/ScreenRecognizer.h"
-#include "shell/PathText.h"
+#include "shell/Utf8Path.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -731,10 +731,11 @@ void FormOption::cmdCapture_Click()
         std::snprintf(stamp, sizeof stamp, "%02d%02d%02d%02d%02d", now.month % 100, now.day % 100, now.hour % 100,
                       now.minute % 100, now.second % 100);
         const std::filesystem::path file = m_config.programFolder() / (std::string("Capture_") + stamp + ".bmp");
-        if (!writeBitmap24(file, frameOf(*m_capture)))
-            throw RuntimeError(ErrorNumber::PathFileAccessError, utf8FromPath(file));
+        const Frame picture = toFrame(*m_capture);
+        if (picture.width() == 0 || !writeBitmap24(file, picture))
+            throw RuntimeError(ErrorNumber::PathFileAccessError, pathUtf8(file));
         m_config.sizeBuffers();
-        m_lblCaptureStatus->setText(QStringLiteral("保存しました： ") + qtText(utf8FromPath(file)));
+        m_lblCaptureStatus->setText(QStringLiteral("保存しました： ") + qtText(pathUtf8(file)));
         write("Pattern Capture and Save ･･･ End ");
     } catch (const RuntimeError& e) {
         if (!alive)

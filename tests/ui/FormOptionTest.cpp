@@ -7,7 +7,7 @@
 #include "ports/ScreenSource.h"
 #include "ports/Waiter.h"
 #include "recognition/GlyphPainter.h"
-#include "shell/PathText.h"
+#include "shell/Utf8Path.h"
 #include "support/FakeClock.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TempFolder.h"
@@ -52,7 +52,7 @@ class FormOptionTest : public testing::Test {
 protected:
     FormOptionTest()
     {
-        m_settings = defaultSettings(utf8FromPath(m_home));
+        m_settings = defaultSettings(pathUtf8(m_home));
         m_config.setSecurePixels([this] { ++m_sized; });
     }
 
