@@ -5,7 +5,7 @@
 
 #include "config/ConfigFile.h"
 #include "shell/DebugLog.h"
-#include "shell/PathText.h"
+#include "shell/Utf8Path.h"
 
 #include <ostream>
 
@@ -68,7 +68,7 @@ double CliPrompter::askNumber(const std::string&, const std::string&, double, co
 Settings loadCliSettings(const std::filesystem::path& homeDir, const CliAnswers& answers, std::ostream& err)
 {
     Settings settings;
-    settings.SaveFolder = utf8FromPath(homeDir);
+    settings.SaveFolder = pathUtf8(homeDir);
     platform::SystemClock clock;
     DebugLog log(homeDir, clock);
     CliPrompter prompter(answers, err);

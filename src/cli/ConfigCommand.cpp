@@ -8,7 +8,7 @@
 
 #include "config/ConfigFile.h"
 #include "shell/DebugLog.h"
-#include "shell/PathText.h"
+#include "shell/Utf8Path.h"
 
 #include <optional>
 #include <ostream>
@@ -98,7 +98,7 @@ int runConfig(const std::vector<std::string>& args, std::ostream& out, std::ostr
     for (std::size_t i = 0; i < args.size(); ++i) {
         const std::string& arg = args[i];
         if (arg == "--home" && i + 1 < args.size()) {
-            home = pathFromUtf8(args[++i]);
+            home = utf8Path(args[++i]);
         } else if (action.empty() && (arg == "show" || arg == "defaults" || arg == "save")) {
             action = arg;
         } else if (!parseCliAnswer(arg, answers)) {

@@ -7,7 +7,7 @@
 #include "recognition/CaptureFile.h"
 #include "recognition/ScreenRecognizer.h"
 #include "shell/Errors.h"
-#include "shell/PathText.h"
+#include "shell/Utf8Path.h"
 
 #include <array>
 #include <optional>
@@ -37,7 +37,7 @@ bool parseOptions(const std::vector<std::string>& args, Options& options, std::o
         else if (arg == "--trace")
             options.trace = true;
         else if (arg == "--home" && i + 1 < args.size())
-            options.home = pathFromUtf8(args[++i]);
+            options.home = utf8Path(args[++i]);
         else if (parseCliAnswer(arg, options.answers))
             continue;
         else if (arg.starts_with("--")) {

@@ -4,7 +4,7 @@
 #include "config/ConfigFile.h"
 #include "recognition/CaptureFile.h"
 #include "recognition/GlyphPainter.h"
-#include "shell/PathText.h"
+#include "shell/Utf8Path.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -22,7 +22,7 @@ protected:
     {
         m_out.str("");
         m_err.str("");
-        args.insert(args.begin() + 1, {"--home", utf8FromPath(m_home)});
+        args.insert(args.begin() + 1, {"--home", pathUtf8(m_home)});
         return cli::runConfig(args, m_out, m_err);
     }
 
@@ -57,7 +57,7 @@ TEST_F(ConfigCommandTest, ShowCreatesAMissingFileWithTheAnsweredScreenMode)
     const std::string json = m_out.str();
     EXPECT_TRUE(json.starts_with("{\"CaptureRegion\":[{\"StartX\":38,\"StartY\":600,\"SizeX\":50,\"SizeY\":9},"))
         << json;
-    EXPECT_TRUE(has(json, ",\"SaveFolder\":\"" + utf8FromPath(m_home) + "\",\"SaveFile\":\"給与明細\","));
+    EXPECT_TRUE(has(json, ",\"SaveFolder\":\"" + pathUtf8(m_home) + "\",\"SaveFile\":\"給与明細\","));
     EXPECT_TRUE(json.ends_with(",\"SearchWindowName\":\"MapleStory\"}\n")) << json;
     EXPECT_TRUE(has(m_err.str(), "を選択してください。 -> いいえ\n")) << m_err.str();
     EXPECT_TRUE(has(file(), "     38 ,    600 ,     50 ,      9 , "));
@@ -65,7 +65,7 @@ TEST_F(ConfigCommandTest, ShowCreatesAMissingFileWithTheAnsweredScreenMode)
 
 TEST_F(ConfigCommandTest, ShowSaveAndDefaultsTreatAnEditedFileAsTheProgramWould)
 {
-    Settings edited = defaultSettings(utf8FromPath(m_home));
+    Settings edited = defaultSettings(pathUtf8(m_home));
     edited.CaptureInterval = 9;
     edited.SearchWindowName = "Other Game";
     struct Case {
@@ -103,7 +103,7 @@ TEST_F(ConfigCommandTest, BadUsageAndAFailedWriteHaveTheirOwnExitCodes)
 TEST_F(ConfigCommandTest, RecognizeReadsTheRegionsOfTheHomeConfiguration)
 {
     // Regions moved to where nothing but this number is drawn.
-    Settings s = defaultSettings(utf8FromPath(m_home));
+    Settings s = defaultSettings(pathUtf8(m_home));
     s.CaptureRegion[RegionLevel] = {100, 40, 50, 9};
     writeConfig(s);
     Frame frame(800, 600);
@@ -111,10 +111,10 @@ TEST_F(ConfigCommandTest, RecognizeReadsTheRegionsOfTheHomeConfiguration)
     paintRegionBackground(frame, s.CaptureRegion[RegionLevel], colours);
     paintColumns(frame, s.CaptureRegion[RegionLevel], 1, numberColumns(s.PatternStrings[RegionLevel], "57", true),
                  colours);
-    const std::string image = utf8FromPath(m_home / "shot.bmp");
+    const std::string image = pathUtf8(m_home / "shot.bmp");
     ASSERT_TRUE(writeBitmap24(m_home / "shot.bmp", frame));
 
-    EXPECT_EQ(cli::runRecognize({"--home", utf8FromPath(m_home), image}, m_out, m_err), 0);
+    EXPECT_EQ(cli::runRecognize({"--home", pathUtf8(m_home), image}, m_out, m_err), 0);
     EXPECT_TRUE(has(m_out.str(), "\"level\":57,")) << m_out.str() << m_err.str();
 }
 

@@ -1,6 +1,6 @@
 #include "config/ConfigFile.h"
 
-#include "shell/PathText.h"
+#include "shell/Utf8Path.h"
 #include "shell/TextWidth.h"
 
 #include <array>
@@ -293,18 +293,18 @@ std::string readFileText(const std::filesystem::path& path, TextCodec& codec)
 {
     std::ifstream in(path, std::ios::binary);
     if (!in)
-        throw RuntimeError(ErrorNumber::PathFileAccessError, utf8FromPath(path));
+        throw RuntimeError(ErrorNumber::PathFileAccessError, pathUtf8(path));
     std::ostringstream bytes;
     bytes << in.rdbuf();
     if (in.bad())
-        throw RuntimeError(ErrorNumber::PathFileAccessError, utf8FromPath(path));
+        throw RuntimeError(ErrorNumber::PathFileAccessError, pathUtf8(path));
     return decodeFile(bytes.str(), codec);
 }
 
 bool isFolder(const std::string& folder)
 {
     std::error_code ec;
-    return !folder.empty() && std::filesystem::is_directory(pathFromUtf8(folder), ec);
+    return !folder.empty() && std::filesystem::is_directory(utf8Path(folder), ec);
 }
 
 } // namespace
@@ -444,7 +444,7 @@ void ConfigFile::load()
             }
         }
         if (!isFolder(m_settings.SaveFolder)) {
-            m_settings.SaveFolder = utf8FromPath(m_folder);
+            m_settings.SaveFolder = pathUtf8(m_folder);
             m_prompter.message("時給記録フォルダが不正のため" + std::string(kCrLf) + "デフォルトフォルダに変更しました。",
                                std::string(kReadTitle));
             rewrite = true;
@@ -489,7 +489,7 @@ void ConfigFile::load()
 void ConfigFile::restoreDefaults()
 {
     const ScreenMode mode = askScreenMode(m_prompter, m_settings.SearchWindowName);
-    tvx::restoreDefaults(m_settings, utf8FromPath(m_folder), mode);
+    tvx::restoreDefaults(m_settings, pathUtf8(m_folder), mode);
 }
 
 bool ConfigFile::write()

@@ -34,6 +34,8 @@ public:
     void run(int mode);
 
     void setSecurePixels(std::function<void()> securePixels) { m_securePixels = std::move(securePixels); }
+    // Resizes the capture buffers to the present regions through the owner's callback.
+    void sizeBuffers();
 
     Settings& settings() const { return m_settings; }
     const std::filesystem::path& programFolder() const { return m_folder; }
@@ -51,7 +53,6 @@ private:
     bool write();
     void logLine(std::string_view text);
     void logError(std::string_view procedure, ErrorNumber number);
-    void sizeBuffers();
 
     Settings& m_settings;
     std::filesystem::path m_folder;

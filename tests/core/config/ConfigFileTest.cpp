@@ -1,7 +1,7 @@
 #include "config/ConfigFile.h"
 
 #include "TextCodecFactory.h"
-#include "shell/PathText.h"
+#include "shell/Utf8Path.h"
 #include "support/FakeClock.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TempFolder.h"
@@ -46,7 +46,7 @@ const std::string kUnreadableMessage = "読込みできない設定ファイル�
 
 class ConfigFileTest : public testing::Test {
 protected:
-    ConfigFileTest() { m_settings.SaveFolder = utf8FromPath(m_home); }
+    ConfigFileTest() { m_settings.SaveFolder = pathUtf8(m_home); }
 
     // Runs one mode; the buffers must be sized exactly once whatever happens.
     void run(int mode)
@@ -59,7 +59,7 @@ protected:
 
     Settings defaults(ScreenMode mode = ScreenMode::FullScreen) const
     {
-        Settings s = defaultSettings(utf8FromPath(m_home), mode);
+        Settings s = defaultSettings(pathUtf8(m_home), mode);
         s.SearchWindowName = m_settings.SearchWindowName;
         return s;
     }
@@ -97,7 +97,7 @@ TEST_F(ConfigFileTest, AFreshInstallationWritesTheDefaultFileByteForByte)
     EXPECT_EQ(m_prompter.shown[0].title, "検査領域追従選択");
     EXPECT_EQ(m_settings, defaults());
 
-    const std::string folder = utf8FromPath(m_home);
+    const std::string folder = pathUtf8(m_home);
     std::string expected = "Tallivex  for MapleStory    Ver.2.20\r\n"
                            "     35 ,    578 ,     50 ,      9 , Lvキャプチャ領域(1)、開始座標とサイズ\r\n"
                            "    463 ,    570 ,     90 ,      9 , Expキャプチャ領域(2)、開始座標とサイズ\r\n"
@@ -193,7 +193,7 @@ TEST_F(ConfigFileTest, HandWrittenFilesAreReadTolerantly)
                        "\ttrue\n"
                        " 12 \n"
                        "0,\n" +
-                       utf8FromPath(m_home) + " ,  記録  \n" + "-1\n" + "FALSE , comment\n";
+                       pathUtf8(m_home) + " ,  記録  \n" + "-1\n" + "FALSE , comment\n";
     const std::string rest = configFileText(defaults());
     std::size_t from = firstLines(rest, 10).size();
     text += rest.substr(from);
@@ -293,13 +293,13 @@ TEST_F(ConfigFileTest, TheLastLineMayChangeTheTarget)
 TEST_F(ConfigFileTest, AMissingRecordFolderFallsBackToTheProgramFolder)
 {
     Settings onDisk = defaults();
-    onDisk.SaveFolder = utf8FromPath(m_home / "gone");
+    onDisk.SaveFolder = pathUtf8(m_home / "gone");
     onDisk.CaptureInterval = 9;
     writeAll(file(), cp932(onDisk));
     run(ConfigFile::Load);
     ASSERT_EQ(m_prompter.kinds(), std::vector<std::string>{"message"});
     EXPECT_EQ(m_prompter.shown[0].text, "時給記録フォルダが不正のため\r\nデフォルトフォルダに変更しました。");
-    EXPECT_EQ(m_settings.SaveFolder, utf8FromPath(m_home));
+    EXPECT_EQ(m_settings.SaveFolder, pathUtf8(m_home));
     EXPECT_EQ(m_settings.CaptureInterval, 9);
     EXPECT_EQ(readAll(file()), cp932(m_settings));
 }

@@ -1,0 +1,171 @@
+#include "FormOption.h"
+#include "GlyphView.h"
+
+#include "TextCodecFactory.h"
+#include "config/ConfigFile.h"
+#include "config/PatternColumns.h"
+#include "ports/ScreenSource.h"
+#include "ports/Waiter.h"
+#include "recognition/GlyphPainter.h"
+#include "shell/Utf8Path.h"
+#include "support/FakeClock.h"
+#include "support/ScriptedPrompter.h"
+#include "support/TempFolder.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+namespace tvx::ui {
+namespace {
+
+class FakeWaiter : public Waiter {
+public:
+    void WaitMs(std::int32_t ms) override { waited.push_back(ms); }
+    std::vector<std::int32_t> waited;
+};
+
+class FakeScreen : public ScreenSource {
+public:
+    std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect>) override { return image; }
+    std::optional<CaptureBitmap> image;
+};
+
+// A screen with the given level drawn in the default level region.
+CaptureBitmap screenWithLevel(const char* level)
+{
+    const Settings s = defaultSettings("");
+    Frame frame(800, 600);
+    for (int r = 0; r < kRegionCount; ++r)
+        paintRegionBackground(frame, s.CaptureRegion[static_cast<std::size_t>(r)], defaultInkColors(r));
+    paintColumns(frame, s.CaptureRegion[RegionLevel], 1, numberColumns(s.PatternStrings[RegionLevel], level, true),
+                 defaultInkColors(RegionLevel));
+    return toCaptureBitmap(frame);
+}
+
+class FormOptionTest : public testing::Test {
+protected:
+    FormOptionTest()
+    {
+        m_settings = defaultSettings(pathUtf8(m_home));
+        m_config.setSecurePixels([this] { ++m_sized; });
+    }
+
+    template <typename T>
+    T* child(FormOption& form, const char* name)
+    {
+        auto* widget = form.findChild<T*>(QLatin1String(name));
+        EXPECT_NE(widget, nullptr) << name;
+        return widget;
+    }
+
+    void click(FormOption& form, const char* name) { child<QPushButton>(form, name)->click(); }
+
+    std::string file() const
+    {
+        std::ifstream in(m_home / "TV2MConfig.ini", std::ios::binary);
+        std::ostringstream bytes;
+        bytes << in.rdbuf();
+        return m_codec->fromCp932(bytes.str()).value_or("");
+    }
+
+    test::TempFolder m_temp;
+    const std::filesystem::path& m_home = m_temp.path();
+    test::FakeClock m_clock{LocalDateTime{2024, 3, 9, 7, 5, 2}};
+    DebugLog m_log{m_home, m_clock};
+    test::ScriptedPrompter m_prompter;
+    std::unique_ptr<TextCodec> m_codec = platform::makeTextCodec();
+    Settings m_settings;
+    int m_sized = 0;
+    ConfigFile m_config{m_settings, m_home, m_prompter, *m_codec, &m_log};
+};
+
+TEST_F(FormOptionTest, NumbersAreAskedThroughThePrompterAndTheButtonsRunTheConfigFile)
+{
+    FormOption form(m_config, nullptr);
+    form.show();
+    EXPECT_FALSE(child<QPushButton>(form, "cmdCapture")->isEnabled());
+    auto* interval = child<QPushButton>(form, "cmdCaptureInterval");
+    EXPECT_EQ(interval->text(), QStringLiteral("6"));
+
+    m_prompter.numbers = {19999, 12};
+    interval->click(); // cancelled
+    EXPECT_EQ(m_settings.CaptureInterval, 6);
+    interval->click();
+    EXPECT_EQ(m_settings.CaptureInterval, 12);
+    EXPECT_EQ(interval->text(), QStringLiteral("12"));
+    EXPECT_EQ(m_prompter.shown.back().text, "キャプチャインターバル(分)を入力してください [1, 1440]");
+    EXPECT_EQ(m_prompter.shown.back().title, "設定値入力");
+
+    // A region size resizes the capture buffers at once.
+    m_prompter.numbers = {12};
+    click(form, "cmdSizeY1");
+    EXPECT_EQ(m_settings.CaptureRegion[RegionExp].SizeY, 12);
+    EXPECT_EQ(m_sized, 1);
+
+    click(form, "cmdSave");
+    EXPECT_NE(file().find("     12 ,          キャプチャインターバル(分)\r\n"), std::string::npos);
+
+    m_prompter.answers = {true, true};
+    click(form, "cmdInit");
+    EXPECT_EQ(m_settings.CaptureInterval, 6);
+    EXPECT_EQ(interval->text(), QStringLiteral("6"));
+    EXPECT_NE(file().find("      6 ,          キャプチャインターバル(分)\r\n"), std::string::npos);
+}
+
+TEST_F(FormOptionTest, PatternCaptureWaitsGrabsSavesAndShowsTheRegions)
+{
+    FakeWaiter waiter;
+    FakeScreen screen;
+    screen.image = screenWithLevel("137");
+    FormOption form(m_config, nullptr, {&screen, &waiter, &m_clock});
+    EXPECT_EQ(child<QLabel>(form, "lblResult0")->text(), QStringLiteral("認識結果： キャプチャ画像がありません"));
+
+    click(form, "cmdCapture");
+    EXPECT_EQ(waiter.waited, std::vector<std::int32_t>{10000});
+    EXPECT_TRUE(std::filesystem::exists(m_home / "Capture_0309070502.bmp"));
+    EXPECT_EQ(m_sized, 1);
+    EXPECT_EQ(child<QLabel>(form, "lblResult0")->text(), QStringLiteral("認識結果： 137"));
+    EXPECT_FALSE(child<QLabel>(form, "picCapture0")->pixmap().isNull());
+
+    screen.image.reset();
+    click(form, "cmdCapture");
+    std::ifstream in(m_home / "debug.txt", std::ios::binary);
+    std::ostringstream log;
+    log << in.rdbuf();
+    EXPECT_NE(log.str().find("Pattern Capture and Save ･･･ End \r\n"), std::string::npos);
+    EXPECT_NE(log.str().find("Error Trap : cmdCapture_Click: :CODE5  "), std::string::npos);
+}
+
+TEST_F(FormOptionTest, ATemplateIsTakenFromTheBinarisedColumnsOrDrawnPixelByPixel)
+{
+    const std::string five = m_settings.PatternStrings[RegionLevel][5];
+    m_settings.PatternStrings[RegionLevel][5] = "";
+    const CaptureBitmap capture = screenWithLevel("57");
+    FormOption form(m_config, &capture);
+    EXPECT_NE(child<QLabel>(form, "lblResult0")->text(), QStringLiteral("認識結果： 57"));
+
+    auto* tile = child<GlyphView>(form, "picPattern5");
+    QTest::mouseClick(tile, Qt::LeftButton);
+    // The "5" starts at column 1 of the region; a click selects one glyph width from there.
+    auto* columns = child<GlyphView>(form, "picColumns");
+    QTest::mouseClick(columns, Qt::LeftButton, {}, columns->pixelCentre(1, 0));
+    EXPECT_EQ(columns->selectionLength(), 7);
+    click(form, "cmdTakeColumns");
+    EXPECT_EQ(m_settings.PatternStrings[RegionLevel][5], five);
+    EXPECT_EQ(child<QLabel>(form, "lblResult0")->text(), QStringLiteral("認識結果： 57"));
+
+    // Row 0 of the first column is blank in every template; a click inks it.
+    auto* editor = child<GlyphView>(form, "picEditor");
+    QTest::mouseClick(editor, Qt::LeftButton, {}, editor->pixelCentre(0, 0));
+    EXPECT_EQ(m_settings.PatternStrings[RegionLevel][5], "004F" + five.substr(4));
+    EXPECT_EQ(decodePatternColumns(m_settings.PatternStrings[RegionLevel][5])->size(), 7u);
+}
+
+} // namespace
+} // namespace tvx::ui
