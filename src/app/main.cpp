@@ -4,6 +4,7 @@
 #include "GameScreen.h"
 #include "HomeFolder.h"
 #include "QtPorts.h"
+#include "QtPrompter.h"
 #include "QtText.h"
 #include "SystemClock.h"
 #include "TextCodecFactory.h"
@@ -41,30 +42,6 @@ class NoGame final : public tvx::GameWindowProbe, public tvx::ScreenSource {
 public:
     tvx::GameWindowState state(std::string_view) override { return tvx::GameWindowState::Missing; }
     std::optional<tvx::CaptureBitmap> grab(std::span<const tvx::CaptureRegionRect>) override { return std::nullopt; }
-};
-
-// Questions and messages as message boxes; numbers are not asked before the window is up.
-class MessageBoxPrompter final : public tvx::Prompter {
-public:
-    void message(const std::string& text, const std::string& title) override
-    {
-        QMessageBox::information(nullptr, tvx::ui::qtText(title), tvx::ui::qtText(text));
-    }
-    bool askYesNo(const std::string& text, const std::string& title) override
-    {
-        return QMessageBox::question(nullptr, tvx::ui::qtText(title), tvx::ui::qtText(text),
-                                     QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
-    }
-    bool askOkCancel(const std::string& text, const std::string& title) override
-    {
-        return QMessageBox::question(nullptr, tvx::ui::qtText(title), tvx::ui::qtText(text),
-                                     QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
-    }
-    double askNumber(const std::string&, const std::string&, double, const std::string&, const std::string&,
-                     const std::string&) override
-    {
-        return kCancelled;
-    }
 };
 
 void writeStartLines(tvx::DebugLog& log, const std::string& title, const std::filesystem::path& home)
@@ -111,7 +88,7 @@ int main(int argc, char** argv)
     tvx::Settings settings = tvx::defaultSettings(tvx::pathUtf8(home));
     writeStartLines(log, tvx::programTitle(settings.SearchWindowName), home);
 
-    MessageBoxPrompter prompter;
+    tvx::ui::QtPrompter prompter;
     tvx::CheckSystemFiles(tvx::platform::requiredLibraries(), tvx::platform::canLoadLibrary, prompter, log);
     const std::unique_ptr<tvx::TextCodec> codec = tvx::platform::makeTextCodec();
     tvx::ConfigFile config(settings, home, prompter, *codec, &log);
@@ -134,6 +111,7 @@ int main(int argc, char** argv)
     tvx::Meter meter(settings, ports, log, static_cast<std::uint32_t>(clock.tickMs()));
     config.setSecurePixels([&meter] { meter.recognizer().SecurePixels(); });
     window.setDocumentFolder(tvx::platform::programFolder());
+    window.setConfigFile(&config, {&source, &waiter, &clock});
     window.setEnvironmentSource(tvx::platform::gatherEnvironment);
     window.attach(meter);
     window.show();

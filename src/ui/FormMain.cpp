@@ -129,7 +129,7 @@ void FormMain::buildMenus()
         m_log.WriteDebugLog("Click : END ");
         close();
     });
-    add(menuBar(), "menuOption", "設定", [this] { m_log.WriteDebugLog("Click : Option "); });
+    add(menuBar(), "menuOption", "設定", [this] { menuOption_Click(); });
     add(menuBar(), "menuRun", "開始", [this] { m_meter->menuRun_Click(); })->setEnabled(false);
     add(menuBar(), "menuStop", "停止", [this] { m_meter->menuStop_Click(); })->setEnabled(false);
     QMenu* tools = submenu("menuTools", "ツール");
@@ -393,6 +393,26 @@ void FormMain::menuOperatingInfo_Click()
     m_log.WriteDebugLog("Click : Operating Information ");
     if (m_environment)
         m_meter->logBox().write("\r\n" + ReportEnvironment(m_environment(), true));
+}
+
+void FormMain::menuOption_Click()
+{
+    m_log.WriteDebugLog("Click : Option ");
+    if (!m_config)
+        return;
+    const auto& capture = m_meter->cycle().lastCapture();
+    if (!m_formOption) {
+        m_formOption = new FormOption(*m_config, capture ? &*capture : nullptr, m_patternCapture, this);
+        m_formOption->setWindowFlag(Qt::Window);
+        connect(m_formOption, &FormOption::settingsChanged, this, [this] {
+            setWindowTitle(qtText(programTitle(m_meter->settings().SearchWindowName)));
+            m_frmGraph->GraphFrameDisplay();
+        });
+    } else if (capture) {
+        m_formOption->setCapture(*capture);
+    }
+    m_formOption->show();
+    m_formOption->raise();
 }
 
 void FormMain::menuVersion_Click()

@@ -4,6 +4,7 @@
 
 #include <QMainWindow>
 
+#include "FormOption.h"
 #include "shell/EnvironmentReport.h"
 
 #include <array>
@@ -29,6 +30,7 @@ struct ResultRow;
 
 namespace tvx::ui {
 
+class FormOption;
 class GraphFrame;
 
 // The main window: the account of the running session, the log box, the test buttons,
@@ -49,6 +51,12 @@ public:
     QAction* action(const char* name) const;
     // Where the help documents are: the program's own folder.
     void setDocumentFolder(std::filesystem::path folder) { m_documentFolder = std::move(folder); }
+    // What the options window edits and how it takes a pattern capture.
+    void setConfigFile(ConfigFile* config, PatternCaptureServices capture)
+    {
+        m_config = config;
+        m_patternCapture = capture;
+    }
     // Where the environment report comes from.
     void setEnvironmentSource(std::function<EnvironmentFacts()> source) { m_environment = std::move(source); }
 
@@ -77,12 +85,16 @@ private:
     void runFileBeside(const char* logLine, const char* document);
     void menuPatternSave_Click();
     void menuOperatingInfo_Click();
+    void menuOption_Click();
     void menuVersion_Click();
 
     DebugLog& m_log;
     std::filesystem::path m_programFolder;
     std::filesystem::path m_documentFolder;
     std::function<EnvironmentFacts()> m_environment;
+    ConfigFile* m_config = nullptr;
+    PatternCaptureServices m_patternCapture;
+    FormOption* m_formOption = nullptr;
     Meter* m_meter = nullptr;
     QPlainTextEdit* m_txtLog = nullptr;
     std::array<QLabel*, 5> m_startRow{};
