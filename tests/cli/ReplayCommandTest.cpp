@@ -1,5 +1,6 @@
 #include "ReplayCommand.h"
 
+#include "support/ReadFile.h"
 #include "support/GameScreen.h"
 #include "support/TempFolder.h"
 
@@ -28,14 +29,6 @@ protected:
         return cli::runReplay(args, out, err);
     }
 
-    std::string readFile(const std::filesystem::path& path)
-    {
-        std::ifstream in(path, std::ios::binary);
-        std::stringstream text;
-        text << in.rdbuf();
-        return text.str();
-    }
-
     test::TempFolder temp;
     std::filesystem::path frames = temp.path() / "frames";
     std::filesystem::path saves = temp.path() / "saves";
@@ -51,7 +44,7 @@ TEST_F(ReplayCommandTest, WritesTheRecordFileAndTheLogBox)
     frame("notes.txt.bmp", "1", "1", "1");    // not named by a second: ignored
     ASSERT_EQ(run({"--per-session", "--money-scan"}), 0) << err.str();
 
-    EXPECT_EQ(readFile(saves / "log" / "給与明細202401312350.txt"),
+    EXPECT_EQ(test::readAll(saves / "log" / "給与明細202401312350.txt"),
               "\xEF\xBB\xBF 月日 時刻      Lv          Exp              メル           獲得Exp           獲得メル     "
               "Exp経過(分)   Exp時給(k/h)   メル経過(分)   メル時給(k/h)\r\n"
               "01/31 23:56    137    1,336,967,353            5,000            3,600                  0           6.0"

@@ -2,6 +2,7 @@
 
 #include "TextCodecFactory.h"
 #include "shell/Utf8Path.h"
+#include "support/ReadFile.h"
 #include "support/FakeClock.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TempFolder.h"
@@ -14,14 +15,6 @@
 
 namespace tvx {
 namespace {
-
-std::string readAll(const std::filesystem::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 void writeAll(const std::filesystem::path& path, const std::string& bytes)
 {
@@ -66,7 +59,7 @@ protected:
 
     std::string cp932(const Settings& s) { return m_codec->toCp932(configFileText(s)); }
     std::filesystem::path file() const { return m_home / "TV2MConfig.ini"; }
-    std::string logText() const { return readAll(m_home / "debug.txt"); }
+    std::string logText() const { return test::readAll(m_home / "debug.txt"); }
 
     test::TempFolder m_temp;
     const std::filesystem::path& m_home = m_temp.path();
@@ -133,7 +126,7 @@ TEST_F(ConfigFileTest, AFreshInstallationWritesTheDefaultFileByteForByte)
     }
     expected += "MapleStory     , 検索ウィンドウ名\r\n";
 
-    const std::string bytes = readAll(file());
+    const std::string bytes = test::readAll(file());
     EXPECT_EQ(m_codec->fromCp932(bytes), expected);
     // CP932 on disk, not UTF-8: line 5's comment as Windows encodes it.
     EXPECT_NE(bytes.find("   True ,          \x8E\xA9\x93\xAE\x8A\x4A\x8E\x6E\x83\x74\x83\x89\x83\x4F\r\n"),
@@ -240,9 +233,9 @@ TEST_F(ConfigFileTest, AnUnreadableFileIsBackedUpAndReplacedByTheDefaults)
         EXPECT_EQ(m_prompter.kinds(), (std::vector<std::string>{"message", "yesno", "okcancel"}));
         EXPECT_EQ(m_prompter.shown[0].text, kUnreadableMessage);
         EXPECT_EQ(m_prompter.shown[0].title, "設定ファイル読込み");
-        EXPECT_EQ(readAll(m_home / "TV2MConfigBack.ini"), c.bytes);
+        EXPECT_EQ(test::readAll(m_home / "TV2MConfigBack.ini"), c.bytes);
         EXPECT_EQ(m_settings, defaults(ScreenMode::Window));
-        EXPECT_EQ(readAll(file()), cp932(m_settings));
+        EXPECT_EQ(test::readAll(file()), cp932(m_settings));
         EXPECT_NE(logText().find(std::string("Error Trap : ConfigFile : ") + c.logged + "\r\n"), std::string::npos)
             << logText();
     }
@@ -282,10 +275,10 @@ TEST_F(ConfigFileTest, TheLastLineMayChangeTheTarget)
         run(ConfigFile::Load);
         EXPECT_EQ(m_settings.SearchWindowName, c.target);
         EXPECT_EQ(!m_prompter.shown.empty(), c.asked);
-        const bool rewritten = readAll(file()).find("\r\n") != std::string::npos;
+        const bool rewritten = test::readAll(file()).find("\r\n") != std::string::npos;
         EXPECT_EQ(rewritten, c.rewritten);
         if (rewritten) {
-            EXPECT_EQ(readAll(file()), cp932(m_settings));
+            EXPECT_EQ(test::readAll(file()), cp932(m_settings));
         }
     }
 }
@@ -301,7 +294,7 @@ TEST_F(ConfigFileTest, AMissingRecordFolderFallsBackToTheProgramFolder)
     EXPECT_EQ(m_prompter.shown[0].text, "時給記録フォルダが不正のため\r\nデフォルトフォルダに変更しました。");
     EXPECT_EQ(m_settings.SaveFolder, pathUtf8(m_home));
     EXPECT_EQ(m_settings.CaptureInterval, 9);
-    EXPECT_EQ(readAll(file()), cp932(m_settings));
+    EXPECT_EQ(test::readAll(file()), cp932(m_settings));
 }
 
 TEST_F(ConfigFileTest, TheOlderFileIsMigratedOnRequest)
@@ -342,8 +335,8 @@ TEST_F(ConfigFileTest, TheOlderFileIsMigratedOnRequest)
         // Regions and recognition always start afresh, here in window mode.
         EXPECT_EQ(m_settings.CaptureRegion, defaultCaptureRegions(ScreenMode::Window));
         EXPECT_EQ(m_settings.BinaryThreshold, defaults().BinaryThreshold);
-        EXPECT_EQ(readAll(file()), cp932(m_settings));
-        EXPECT_EQ(readAll(m_home / "TV2Config.ini"), c.bytes);
+        EXPECT_EQ(test::readAll(file()), cp932(m_settings));
+        EXPECT_EQ(test::readAll(m_home / "TV2Config.ini"), c.bytes);
     }
     EXPECT_EQ(m_prompter.shown[1].text, "読込みできない設定ファイルです。\r\n　　初期値で設定ファイルを再作成します。");
     EXPECT_NE(logText().find("Error Trap : ConfigFileOld : CODE62  Input past end of file"), std::string::npos);
@@ -402,7 +395,7 @@ TEST_F(ConfigFileTest, RestoringTheDefaultsAsksTheScreenModeAndKeepsTheTarget)
         EXPECT_EQ(m_settings, defaults(c.mode));
         EXPECT_EQ(m_prompter.shown[1].text,
                   std::string(c.confirmation) + "\r\n※注意！ Windowsの環境により逆を選択したほうが良い場合もあります。");
-        EXPECT_EQ(readAll(file()), cp932(m_settings));
+        EXPECT_EQ(test::readAll(file()), cp932(m_settings));
     }
 }
 

@@ -1,6 +1,7 @@
 #include "measurement/Meter.h"
 
 #include "shell/DebugLog.h"
+#include "support/ReadFile.h"
 #include "support/FakeMachine.h"
 #include "support/GameScreen.h"
 #include "support/TempFolder.h"
@@ -14,14 +15,6 @@ namespace tvx {
 namespace {
 
 const LocalDateTime kStart{2009, 4, 1, 13, 5, 0};
-
-std::string readFile(const std::filesystem::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 std::vector<std::string> splitLines(const std::string& text)
 {
@@ -83,7 +76,7 @@ protected:
         meter().cycle().runCycle();
     }
 
-    std::string debugText() { return readFile(log.path()); }
+    std::string debugText() { return test::readAll(log.path()); }
 
     test::TempFolder temp;
     test::FakeMachine machine;
@@ -110,7 +103,7 @@ TEST_F(MeterTest, WholeSessionMakesTheRecordsOfEveryCase)
     cycle(3700, "8", "80", "150");
     meter().menuStop_Click();
 
-    const auto lines = splitLines(readFile(temp.path() / "log" / "給与明細200904月.csv"));
+    const auto lines = splitLines(test::readAll(temp.path() / "log" / "給与明細200904月.csv"));
     ASSERT_EQ(lines.size(), 6u);
     EXPECT_EQ(lines[0], "\xEF\xBB\xBF" + recordHeader(true));
     const std::vector<std::vector<std::string>> expected{

@@ -1,6 +1,7 @@
 #include "measurement/RecordFile.h"
 #include "shell/Errors.h"
 
+#include "support/ReadFile.h"
 #include "support/FakeMachine.h"
 #include "support/TempFolder.h"
 
@@ -11,14 +12,6 @@
 
 namespace tvx {
 namespace {
-
-std::string readFile(const std::filesystem::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 TEST(RecordFilePathTest, NamesByMonthOrBySession)
 {
@@ -37,7 +30,7 @@ class RecordFileTest : public testing::Test {
 protected:
     RecordFileTest() { settings.SaveFolder = temp.path().string(); }
 
-    std::string file() { return readFile(recordFilePath(settings, kStamp)); }
+    std::string file() { return test::readAll(recordFilePath(settings, kStamp)); }
 
     static constexpr const char* kStamp = "202401311200";
     test::TempFolder temp;

@@ -1,4 +1,5 @@
 #include "shell/DebugLog.h"
+#include "support/ReadFile.h"
 #include "support/FakeClock.h"
 #include "support/TempFolder.h"
 
@@ -10,14 +11,6 @@
 
 namespace tvx {
 namespace {
-
-std::string readAll(const std::filesystem::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 class DebugLogTest : public testing::Test {
 protected:
@@ -32,17 +25,17 @@ TEST_F(DebugLogTest, EachStartRenewsTheLogAndKeepsOneBackUp)
     log.WriteDebugLog("Starting Program  first", DebugLog::kNewLog);
     EXPECT_FALSE(std::filesystem::exists(log.backupPath()));
     log.WriteDebugLog("Suspend Mode On ");
-    EXPECT_EQ(readAll(log.path()), "2009/04/01 13:05:09 Starting Program  first\r\n"
+    EXPECT_EQ(test::readAll(log.path()), "2009/04/01 13:05:09 Starting Program  first\r\n"
                                    "2009/04/01 13:05:09 Suspend Mode On \r\n");
 
     m_clock.setNow(LocalDateTime{2010, 12, 31, 23, 59, 58});
     log.WriteDebugLog("Starting Program  second", DebugLog::kNewLog);
-    EXPECT_EQ(readAll(log.path()), "2010/12/31 23:59:58 Starting Program  second\r\n");
-    EXPECT_EQ(readAll(log.backupPath()), "2009/04/01 13:05:09 Starting Program  first\r\n"
+    EXPECT_EQ(test::readAll(log.path()), "2010/12/31 23:59:58 Starting Program  second\r\n");
+    EXPECT_EQ(test::readAll(log.backupPath()), "2009/04/01 13:05:09 Starting Program  first\r\n"
                                          "2009/04/01 13:05:09 Suspend Mode On \r\n");
 
     log.WriteDebugLog("Starting Program  third", DebugLog::kNewLog);
-    EXPECT_EQ(readAll(log.backupPath()), "2010/12/31 23:59:58 Starting Program  second\r\n");
+    EXPECT_EQ(test::readAll(log.backupPath()), "2010/12/31 23:59:58 Starting Program  second\r\n");
 }
 
 TEST_F(DebugLogTest, AppendingToAMissingLogCreatesItAndErrorLinesKeepTheirFormat)
@@ -50,7 +43,7 @@ TEST_F(DebugLogTest, AppendingToAMissingLogCreatesItAndErrorLinesKeepTheirFormat
     DebugLog log(m_home, m_clock);
     log.writeErrorTrap("DisplayResult", ErrorNumber::Overflow);
     log.writeErrorTrap("SecurePixels", ErrorNumber::SubscriptOutOfRange);
-    EXPECT_EQ(readAll(log.path()), "2009/04/01 13:05:09 Error Trap : DisplayResult : CODE6  Overflow\r\n"
+    EXPECT_EQ(test::readAll(log.path()), "2009/04/01 13:05:09 Error Trap : DisplayResult : CODE6  Overflow\r\n"
                                    "2009/04/01 13:05:09 Error Trap : SecurePixels : CODE9  Subscript out of range\r\n");
 }
 
