@@ -86,6 +86,7 @@ std::string settingsJson(const Settings& s)
     field("PatternStrings", array(s.PatternStrings, [](const PatternSet& set) {
               return array(set, [](const std::string& p) { return jsonString(p); });
           }));
+    field("ScreenCapture", number(static_cast<std::int32_t>(s.ScreenCapture)));
     field("SearchWindowName", jsonString(s.SearchWindowName));
     return out + "}";
 }

@@ -117,6 +117,7 @@ public:
     }
 
     void skipLine() { nextLine(); }
+    bool atEnd() const { return m_next >= m_lines.size() || (m_next + 1 == m_lines.size() && m_lines.back().empty()); }
 
     // Starts the next line, which must hold at least `values` fields.
     void beginLine(std::size_t values)
@@ -207,6 +208,22 @@ void readCommonLines(FieldReader& in, Settings& s)
     s.GraphAveNum = in.integer();
 }
 
+// Our lines after the 60: each may be missing (a file of the older program) and a value
+// that does not parse keeps the default rather than condemning the whole file.
+void readOwnLines(FieldReader& in, Settings& s)
+{
+    s.ScreenCapture = Settings{}.ScreenCapture;
+    if (in.atEnd())
+        return;
+    try {
+        in.beginLine(1);
+        const std::int32_t method = in.integer();
+        if (method == static_cast<std::int32_t>(CaptureMethod::PrintScreen))
+            s.ScreenCapture = CaptureMethod::PrintScreen;
+    } catch (const RuntimeError&) {
+    }
+}
+
 // Reads the current file into s and returns the target name it holds.
 std::string readCurrentFile(std::string_view text, Settings& s)
 {
@@ -226,7 +243,9 @@ std::string readCurrentFile(std::string_view text, Settings& s)
         }
     }
     in.beginLine(1);
-    return in.text();
+    std::string target = in.text();
+    readOwnLines(in, s);
+    return target;
 }
 
 bool isValidUtf8(std::string_view text)
@@ -363,6 +382,7 @@ std::string configFileText(const Settings& s)
                  std::to_string(j));
     }
     line(s.SearchWindowName + "     , 検索ウィンドウ名");
+    line(N(static_cast<std::int32_t>(s.ScreenCapture)) + ",          画面の取り込み方法(0:直接 1:PrintScreenキー)");
     return out;
 }
 

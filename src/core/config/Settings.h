@@ -41,6 +41,10 @@ enum class ScreenMode { FullScreen, Window };
 
 using PatternSet = std::array<std::string, kPatternCount>;
 
+// How the screen is taken: copied directly (no Lag, the clipboard is left alone), or by
+// pressing Print Screen and taking the clipboard's bitmap after Lag.
+enum class CaptureMethod : std::int32_t { Direct = 0, PrintScreen = 1 };
+
 // The one settings record. Regions are indexed 0..2 here; the user sees them as 1..3.
 struct Settings {
     std::array<CaptureRegionRect, kRegionCount> CaptureRegion{};
@@ -70,6 +74,8 @@ struct Settings {
     std::array<ReferenceCellSize, kRegionCount> ReferenceSize{{{7, 9}, {5, 9}, {7, 9}}};
     std::array<PatternSet, kRegionCount> PatternStrings{};
     std::string SearchWindowName = "MapleStory";
+    // Ours, stored after the 60 lines where an older reader never looks.
+    CaptureMethod ScreenCapture = CaptureMethod::Direct;
 
     friend bool operator==(const Settings&, const Settings&) = default;
 };

@@ -12,10 +12,10 @@ namespace tvx {
 
 Meter::Meter(Settings& settings, MeterPorts ports, DebugLog& log, std::uint32_t randomSeed)
     : m_settings(settings), m_ports(ports), m_log(log), m_recognizer(settings),
-      m_recordFile(settings, ports.codec), m_launcher(ports.launcher, ports.waiter, ports.prompter, log),
-      m_images(ports.screen, ports.encoder, log),
+      m_recordFile(settings, ports.codec), m_capture(settings, ports.screen, ports.waiter, log), m_launcher(ports.launcher, ports.waiter, ports.prompter, log),
+      m_images(m_capture, ports.encoder, log),
       m_session(settings, m_ports, m_state, log, m_logBox, m_recordFile, m_launcher),
-      m_cycle(settings, m_ports, m_state, log, m_recognizer, m_session),
+      m_cycle(settings, m_ports, m_state, log, m_recognizer, m_capture, m_session),
       m_watch(settings, m_ports, m_state, log, m_logBox, m_recognizer, m_cycle, m_session, m_images),
       m_rnd(randomSeed)
 {

@@ -8,6 +8,7 @@
 #include "measurement/RandomTools.h"
 #include "measurement/RecordFile.h"
 #include "recognition/RecognitionCycle.h"
+#include "recognition/ScreenCapture.h"
 #include "recognition/ScreenImages.h"
 #include "recognition/ScreenRecognizer.h"
 #include "shell/Launcher.h"
@@ -47,6 +48,7 @@ public:
     LevelWatch& watch() { return m_watch; }
     ScreenImages& images() { return m_images; }
     Launcher& launcher() { return m_launcher; }
+    ScreenCapture& capture() { return m_capture; }
 
 private:
     Settings& m_settings;
@@ -56,6 +58,7 @@ private:
     LogBox m_logBox;
     ScreenRecognizer m_recognizer;
     RecordFile m_recordFile;
+    ScreenCapture m_capture;
     Launcher m_launcher;
     ScreenImages m_images;
     MeasurementSession m_session;

@@ -45,6 +45,9 @@ struct MeterState {
     bool DebugMode = false;
     bool busy = false;       // pixels and readings are being replaced
     bool cycleSkip = false;  // other screen work must not be disturbed
+    // From the command line, for demonstrations: seconds between captures instead of
+    // CaptureInterval minutes; 0 when not given.
+    std::int32_t intervalSecondsOverride = 0;
     MeterControls controls;
     ResultLabels labels;
     std::unique_ptr<clsGraphBuffer> graph; // while Graph is on

@@ -7,6 +7,7 @@
 #include "ports/ScreenSource.h"
 #include "ports/Sound.h"
 #include "ports/Waiter.h"
+#include "recognition/ScreenCapture.h"
 #include "recognition/ScreenRecognizer.h"
 #include "shell/DebugLog.h"
 #include "shell/Errors.h"
@@ -43,8 +44,9 @@ void PlayCaptureBeep(Sound& sound, std::int32_t choice)
 }
 
 RecognitionCycle::RecognitionCycle(const Settings& settings, MeterPorts& ports, MeterState& state, DebugLog& log,
-                                   ScreenRecognizer& recognizer, MeasurementSession& session)
-    : m_settings(settings), m_ports(ports), m_state(state), m_log(log), m_recognizer(recognizer), m_session(session)
+                                   ScreenRecognizer& recognizer, ScreenCapture& capture, MeasurementSession& session)
+    : m_settings(settings), m_ports(ports), m_state(state), m_log(log), m_recognizer(recognizer), m_capture(capture),
+      m_session(session)
 {
 }
 
@@ -94,7 +96,9 @@ void RecognitionCycle::runCycle()
 {
     if (m_state.cycleSkip)
         return;
-    m_session.NextCaptureTime = addSeconds(m_ports.clock.now(), std::int64_t{m_settings.CaptureInterval} * 60);
+    const std::int64_t intervalSeconds = m_state.intervalSecondsOverride > 0 ? m_state.intervalSecondsOverride
+                                                                              : std::int64_t{m_settings.CaptureInterval} * 60;
+    m_session.NextCaptureTime = addSeconds(m_ports.clock.now(), intervalSeconds);
     const GameWindowState game = m_ports.probe.state(m_settings.SearchWindowName);
     if (game == GameWindowState::Missing) {
         if (!m_noticeShown) {
@@ -186,8 +190,14 @@ int RecognitionCycle::GetPictForClip(int region)
     for (int r = 0; r < kRegionCount; ++r)
         if (region < 0 || region == r)
             wanted.push_back(m_settings.CaptureRegion[static_cast<std::size_t>(r)]);
-    auto screen = m_ports.screen.grab(wanted);
-    if (!screen) {
+    std::optional<CaptureBitmap> screen;
+    const ScreenCapture::Result taken = m_capture.take(wanted, screen);
+    if (taken == ScreenCapture::Result::FileUnreadable) {
+        m_log.WriteDebugLog("CaptureFile Load Misstake ");
+        m_recognizer.SecurePixels();
+        return -2;
+    }
+    if (taken != ScreenCapture::Result::Taken || !screen) {
         m_log.WriteDebugLog("PrintScreen MissTake ");
         m_recognizer.SecurePixels();
         return -1;

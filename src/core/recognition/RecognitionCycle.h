@@ -12,6 +12,7 @@ namespace tvx {
 
 class DebugLog;
 class MeasurementSession;
+class ScreenCapture;
 class ScreenRecognizer;
 class Sound;
 
@@ -27,7 +28,7 @@ public:
     static constexpr std::int32_t kMissesPerZeroPoint = 481;
 
     RecognitionCycle(const Settings& settings, MeterPorts& ports, MeterState& state, DebugLog& log,
-                     ScreenRecognizer& recognizer, MeasurementSession& session);
+                     ScreenRecognizer& recognizer, ScreenCapture& capture, MeasurementSession& session);
 
     // timCaptureInterval: runs a cycle once the next capture time has come.
     void timCaptureInterval_Timer();
@@ -66,6 +67,7 @@ private:
     MeterState& m_state;
     DebugLog& m_log;
     ScreenRecognizer& m_recognizer;
+    ScreenCapture& m_capture;
     MeasurementSession& m_session;
     bool m_noticeShown = false;
     std::int32_t m_missCount = 0;

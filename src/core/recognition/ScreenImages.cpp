@@ -1,7 +1,7 @@
 #include "recognition/ScreenImages.h"
 
 #include "ports/ImageEncoder.h"
-#include "ports/ScreenSource.h"
+#include "recognition/ScreenCapture.h"
 #include "shell/DebugLog.h"
 #include "shell/Errors.h"
 #include "shell/Utf8Path.h"
@@ -31,8 +31,8 @@ std::filesystem::path screenshotFolder(std::string_view saveFolder)
 bool ScreenImages::PrintScreen(const std::filesystem::path& basePath, std::string_view format)
 {
     try {
-        const auto screen = m_screen.grab({});
-        if (!screen) {
+        std::optional<CaptureBitmap> screen;
+        if (m_capture.take({}, screen) != ScreenCapture::Result::Taken || !screen) {
             m_log.WriteDebugLog("PrintScreen MissTake ");
             return false;
         }

@@ -7,13 +7,13 @@ namespace tvx {
 
 class DebugLog;
 class ImageEncoder;
-class ScreenSource;
+class ScreenCapture;
 
 // Whole-screen images for the player: print screens, gesture and level-up shots.
 class ScreenImages {
 public:
-    ScreenImages(ScreenSource& screen, ImageEncoder* encoder, DebugLog& log)
-        : m_screen(screen), m_encoder(encoder), m_log(log) {}
+    ScreenImages(ScreenCapture& capture, ImageEncoder* encoder, DebugLog& log)
+        : m_capture(capture), m_encoder(encoder), m_log(log) {}
 
     // Takes a fresh image of the screen and writes it as basePath + the extension of the
     // format: ".bmp", ".png", ".jpg70" or ".jpg90" (both JPEGs end in ".jpg"). Any other
@@ -21,7 +21,7 @@ public:
     bool PrintScreen(const std::filesystem::path& basePath, std::string_view format);
 
 private:
-    ScreenSource& m_screen;
+    ScreenCapture& m_capture;
     ImageEncoder* m_encoder;
     DebugLog& m_log;
 };

@@ -125,6 +125,7 @@ TEST_F(ConfigFileTest, AFreshInstallationWritesTheDefaultFileByteForByte)
                         "  , 基準パターン画像変換文字列" + std::to_string(r + 1) + indexes[j] + "\r\n";
     }
     expected += "MapleStory     , 検索ウィンドウ名\r\n";
+    expected += "      0 ,          画面の取り込み方法(0:直接 1:PrintScreenキー)\r\n";
 
     const std::string bytes = test::readAll(file());
     EXPECT_EQ(m_codec->fromCp932(bytes), expected);
@@ -165,6 +166,7 @@ TEST_F(ConfigFileTest, EveryFieldSurvivesASaveAndALoad)
     s.PatternStrings[1][4] = "";
     s.PatternStrings[2][10] = "FFFF0001";
     s.SearchWindowName = "MapleStory Test";
+    s.ScreenCapture = CaptureMethod::PrintScreen;
     run(ConfigFile::Save);
     EXPECT_TRUE(m_prompter.shown.empty());
     const Settings saved = s;
@@ -177,6 +179,31 @@ TEST_F(ConfigFileTest, EveryFieldSurvivesASaveAndALoad)
     EXPECT_EQ(m_prompter.shown[0].text, "ターゲットは MapleStory Test でよろしいいですか？");
     EXPECT_EQ(m_prompter.shown[0].title, "ターゲット変更選択");
     EXPECT_NE(logText().find("Target Change : MapleStory Test\r\n"), std::string::npos);
+}
+
+TEST_F(ConfigFileTest, OurLineAfterTheSixtyIsOptionalAndNeverCondemnsTheFile)
+{
+    run(ConfigFile::Save);
+    const std::string sixty = firstLines(m_codec->fromCp932(test::readAll(file())).value(), 60);
+    const struct {
+        const char* extra;
+        CaptureMethod expected;
+    } cases[] = {
+        {"", CaptureMethod::Direct},                         // the older program's file
+        {"1 , 画面の取り込み方法\r\n", CaptureMethod::PrintScreen},
+        {"0\r\n", CaptureMethod::Direct},
+        {"abc , 壊れた値\r\n", CaptureMethod::Direct},
+        {"7\r\n", CaptureMethod::Direct},
+    };
+    for (const auto& c : cases) {
+        writeAll(file(), m_codec->toCp932(sixty + c.extra));
+        m_settings.ScreenCapture = c.expected == CaptureMethod::Direct ? CaptureMethod::PrintScreen : CaptureMethod::Direct;
+        m_prompter.shown.clear();
+        run(ConfigFile::Load);
+        EXPECT_EQ(m_settings.ScreenCapture, c.expected) << c.extra;
+        EXPECT_TRUE(m_prompter.shown.empty()) << c.extra;
+        EXPECT_FALSE(std::filesystem::exists(m_home / "TV2MConfigBack.ini")) << c.extra;
+    }
 }
 
 TEST_F(ConfigFileTest, HandWrittenFilesAreReadTolerantly)
