@@ -30,6 +30,10 @@ public:
     FakeClock clock;
     std::deque<GameWindowState> windows{GameWindowState::Front};
     std::deque<std::optional<CaptureBitmap>> screens;
+    // The Print Screen route: whether the key exists here, and what the clipboard holds
+    // after each press.
+    bool printScreenKey = false;
+    std::deque<std::optional<CaptureBitmap>> clipboard;
     std::deque<double> numbers;
     std::vector<std::string> existingFiles;
     std::vector<std::string> events;
@@ -48,6 +52,15 @@ public:
     {
         ++grabs;
         return screens.empty() ? std::nullopt : next(screens);
+    }
+    bool pressPrintScreen() override
+    {
+        events.push_back("print screen key");
+        return printScreenKey;
+    }
+    std::optional<CaptureBitmap> clipboardPicture() override
+    {
+        return clipboard.empty() ? std::nullopt : next(clipboard);
     }
     void systemBeep() override { events.push_back("beep"); }
     void beep(std::int32_t hz, std::int32_t ms) override

@@ -74,6 +74,61 @@ void Meter::menuPrtScr_Click()
     m_log.WriteDebugLog("Print Screen ･･･ End ");
 }
 
+void Meter::mouseButtons(const std::vector<MouseButtonEvent>& batch)
+{
+    const Gesture gesture = m_gestures.feed(batch, m_ports.clock.tickMs(), m_settings.GestureTime);
+    if (gesture != Gesture::None)
+        runGesture(gesture);
+}
+
+void Meter::runGesture(Gesture gesture)
+{
+    if (gesture == Gesture::None)
+        return;
+    // The feedback of a recognised gesture: the player's capture sound, since the game
+    // has the screen.
+    PlayCaptureBeep(m_ports.sound, m_settings.CaptureBeep);
+    const std::string message = std::string(gestureMessage(gesture)) + "\r\n";
+    // Said before the command, since a resume waits StartDelay and then reads.
+    if (gesture != Gesture::PrintScreen)
+        m_logBox.write(message);
+    switch (gesture) {
+    case Gesture::Suspend:
+        if (!m_session.Suspended)
+            m_session.ChangeSuspend(m_settings.StartDelay);
+        break;
+    case Gesture::Resume:
+        if (m_session.Suspended)
+            m_session.ChangeSuspend(m_settings.StartDelay);
+        break;
+    case Gesture::MoneyScanOn: m_settings.MoneyScan = true; break;
+    case Gesture::MoneyScanOff: m_settings.MoneyScan = false; break;
+    case Gesture::WatchOn:
+    case Gesture::WatchOff:
+        if (m_settings.DoHLCheckExec != (gesture == Gesture::WatchOn)) {
+            m_settings.DoHLCheckExec = gesture == Gesture::WatchOn;
+            m_state.controls.doHLTimerEnabled = m_settings.DoHLCheckExec;
+            m_ports.view.controlsChanged();
+        }
+        break;
+    case Gesture::CycleReset:
+        if (m_session.running())
+            m_cycle.runCycle();
+        break;
+    case Gesture::PrintScreen:
+        try {
+            const auto folder = screenshotFolder(m_settings.SaveFolder);
+            m_images.PrintScreen(folder / ("PrtScr" + formatFileStamp(m_ports.clock.now())), m_settings.SaveFormat);
+        } catch (const RuntimeError& error) {
+            m_log.writeErrorTrap("PrintScreen", error.number());
+        }
+        m_log.WriteDebugLog("OnLine Print Screen ･･･ End ");
+        m_logBox.write(message);
+        break;
+    case Gesture::None: break;
+    }
+}
+
 void Meter::menuTimeLeft_Click()
 {
     tvx::menuTimeLeft_Click(m_session.CurrentLv, m_session.totalExp(), m_session.latestExpRate(), m_ports.prompter,

@@ -7,6 +7,7 @@
 #include "measurement/MeterState.h"
 #include "measurement/RandomTools.h"
 #include "measurement/RecordFile.h"
+#include "recognition/GestureMatcher.h"
 #include "recognition/RecognitionCycle.h"
 #include "recognition/ScreenCapture.h"
 #include "recognition/ScreenImages.h"
@@ -35,6 +36,9 @@ public:
     void menuTimeLeft_Click();
     void menuRandomOne_Click();
     void menuRandomSome_Click();
+    // A batch of background mouse-button events; runs the command of a finished gesture.
+    void mouseButtons(const std::vector<MouseButtonEvent>& batch);
+    void runGesture(Gesture gesture);
     // The engine's part of closing: flag, timers off, the summary.
     void close();
 
@@ -65,6 +69,7 @@ private:
     RecognitionCycle m_cycle;
     LevelWatch m_watch;
     Rnd m_rnd;
+    GestureMatcher m_gestures;
 };
 
 } // namespace tvx

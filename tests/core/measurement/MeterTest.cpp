@@ -331,5 +331,62 @@ TEST_F(MeterTest, LevelUpBurstWritesFourShots)
     EXPECT_EQ(machine.grabs, grabs);
 }
 
+TEST_F(MeterTest, GesturesRunTheirCommandsAndAlwaysSaySo)
+{
+    const auto gesture = [this](Gesture g) {
+        const std::size_t before = meter().logBox().text().size();
+        meter().runGesture(g);
+        return meter().logBox().text().substr(before);
+    };
+    show("5", "6", "7");
+    meter().menuRun_Click();
+    ASSERT_EQ(machine.grabs, 0);
+
+    EXPECT_EQ(gesture(Gesture::Suspend), "マウスジェスチャ：時給測定一時停止\r\n");
+    EXPECT_TRUE(meter().session().Suspended);
+    EXPECT_EQ(gesture(Gesture::Suspend), "マウスジェスチャ：時給測定一時停止\r\n") << "said, nothing done";
+    EXPECT_TRUE(meter().session().Suspended);
+    gesture(Gesture::Resume);
+    EXPECT_FALSE(meter().session().Suspended);
+    EXPECT_EQ(machine.grabs, 1) << "the resume reads once";
+    gesture(Gesture::Resume);
+    EXPECT_FALSE(meter().session().Suspended);
+
+    gesture(Gesture::MoneyScanOn);
+    EXPECT_TRUE(settings.MoneyScan);
+    EXPECT_EQ(gesture(Gesture::MoneyScanOff), "マウスジェスチャ：メル時給測定停止\r\n");
+    EXPECT_FALSE(settings.MoneyScan);
+
+    EXPECT_EQ(gesture(Gesture::WatchOn), "マウスジェスチャ：自動撮影 監視開始\r\n");
+    EXPECT_TRUE(meter().state().controls.doHLTimerEnabled);
+    gesture(Gesture::WatchOff);
+    EXPECT_FALSE(meter().state().controls.doHLTimerEnabled);
+    EXPECT_FALSE(settings.DoHLCheckExec);
+
+    gesture(Gesture::CycleReset);
+    EXPECT_EQ(machine.grabs, 2);
+    meter().menuStop_Click();
+    EXPECT_EQ(gesture(Gesture::CycleReset), "マウスジェスチャ：時給サイクルタイマリセット\r\n");
+    EXPECT_EQ(machine.grabs, 2) << "no session, no reading";
+
+    settings.SaveFormat = ".bmp";
+    EXPECT_EQ(gesture(Gesture::PrintScreen), "マウスジェスチャ：プリントスクリーン\r\n");
+    EXPECT_TRUE(std::filesystem::exists(temp.path() / "ss" / "PrtScr_20090401130500.bmp"));
+    EXPECT_NE(debugText().find("OnLine Print Screen ･･･ End "), std::string::npos);
+}
+
+TEST_F(MeterTest, ButtonEventsReachTheGesturesThroughTheClock)
+{
+    show("5", "6", "7");
+    meter().menuRun_Click();
+    const auto click = [this](MouseButton button) {
+        meter().mouseButtons({{button, true}, {button, false}});
+        machine.clock.advanceMs(200);
+    };
+    for (MouseButton b : {MouseButton::Left, MouseButton::Right, MouseButton::Left, MouseButton::Left})
+        click(b);
+    EXPECT_TRUE(meter().session().Suspended);
+}
+
 } // namespace
 } // namespace tvx

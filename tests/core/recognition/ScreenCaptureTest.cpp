@@ -1,0 +1,133 @@
+#include "recognition/ScreenCapture.h"
+
+#include "shell/DebugLog.h"
+#include "support/FakeMachine.h"
+#include "support/GameScreen.h"
+#include "support/ReadFile.h"
+#include "support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace tvx {
+namespace {
+
+CaptureBitmap blackScreen()
+{
+    return toCaptureBitmap(Frame(1024, 768));
+}
+
+class ScreenCaptureTest : public testing::Test {
+protected:
+    ScreenCaptureTest() { settings.Lag = 500; }
+
+    ScreenCapture::Result take(std::optional<CaptureBitmap>& image)
+    {
+        return capture.take(settings.CaptureRegion, image);
+    }
+    std::size_t count(const std::string& event) const
+    {
+        return static_cast<std::size_t>(std::count(machine.events.begin(), machine.events.end(), event));
+    }
+    std::size_t logged(const std::string& line) const
+    {
+        const std::string text = test::readAll(log.path());
+        std::size_t n = 0;
+        for (std::size_t at = text.find(line); at != std::string::npos; at = text.find(line, at + 1))
+            ++n;
+        return n;
+    }
+
+    test::TempFolder home;
+    Settings settings = defaultSettings("");
+    test::FakeMachine machine;
+    DebugLog log{home.path(), machine.clock};
+    ScreenCapture capture{settings, machine, machine, log};
+    const CaptureBitmap game = test::gameCapture({"137", "4,567,890", "123,456"});
+};
+
+TEST_F(ScreenCaptureTest, TheRoutesTakeWhatTheSettingAndThePlatformAllow)
+{
+    const CaptureBitmap fromKey = test::gameCapture({"1", "2", "3"}, ScreenMode::FullScreen, 7);
+    const struct {
+        const char* name;
+        CaptureMethod method;
+        bool keyExists;
+        std::optional<CaptureBitmap> direct;
+        std::optional<CaptureBitmap> clipboard;
+        ScreenCapture::Result result;
+        const CaptureBitmap* expected;
+        bool pressed;
+        const char* logLine;
+    } cases[] = {
+        {"direct", CaptureMethod::Direct, true, game, fromKey, ScreenCapture::Result::Taken, &game, false, nullptr},
+        {"direct, black, key", CaptureMethod::Direct, true, blackScreen(), fromKey, ScreenCapture::Result::Taken,
+         &fromKey, true, "Direct Capture Black : PrintScreen Route Used "},
+        {"direct, black, no key", CaptureMethod::Direct, false, blackScreen(), fromKey, ScreenCapture::Result::Taken,
+         nullptr, true, nullptr},
+        {"direct, no display", CaptureMethod::Direct, true, std::nullopt, fromKey, ScreenCapture::Result::NoPicture,
+         nullptr, false, nullptr},
+        {"key", CaptureMethod::PrintScreen, true, game, fromKey, ScreenCapture::Result::Taken, &fromKey, true, nullptr},
+        {"key, empty clipboard", CaptureMethod::PrintScreen, true, game, std::nullopt,
+         ScreenCapture::Result::NoPicture, nullptr, true, nullptr},
+        {"key missing here", CaptureMethod::PrintScreen, false, game, fromKey, ScreenCapture::Result::Taken, &game,
+         true, "PrintScreen Route Unavailable : Direct Capture Used "},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::filesystem::remove(log.path());
+        ScreenCapture fresh{settings, machine, machine, log};
+        settings.ScreenCapture = c.method;
+        machine.events.clear();
+        machine.printScreenKey = c.keyExists;
+        machine.screens = {c.direct};
+        machine.clipboard = {c.clipboard};
+        for (int twice = 0; twice < 2; ++twice) {
+            std::optional<CaptureBitmap> image;
+            EXPECT_EQ(fresh.take(settings.CaptureRegion, image), c.result);
+            if (c.expected != nullptr)
+                EXPECT_TRUE(image && image->pixels == c.expected->pixels);
+        }
+        EXPECT_EQ(count("print screen key"), c.pressed ? 2u : 0u);
+        // Lag is waited only when the key was really there to press.
+        EXPECT_EQ(count("wait 500"), c.pressed && c.keyExists ? 2u : 0u);
+        if (c.logLine != nullptr)
+            EXPECT_EQ(logged(c.logLine), 1u) << "said once";
+    }
+}
+
+TEST_F(ScreenCaptureTest, TheKeyRouteGoesThroughTheCaptureFile)
+{
+    settings.ScreenCapture = CaptureMethod::PrintScreen;
+    machine.printScreenKey = true;
+    machine.clipboard = {game};
+    capture.setCaptureFile(home.path() / "Capture.bmp");
+    std::optional<CaptureBitmap> image;
+    ASSERT_EQ(take(image), ScreenCapture::Result::Taken);
+    EXPECT_EQ(image->pixels, game.pixels);
+    const std::vector<std::uint8_t> file = encodeBitmap24(toFrame(game));
+    EXPECT_EQ(test::readAll(home.path() / "Capture.bmp"), std::string(file.begin(), file.end()));
+
+    capture.setCaptureFile(home.path() / "missing" / "Capture.bmp");
+    EXPECT_EQ(take(image), ScreenCapture::Result::FileUnreadable);
+    EXPECT_FALSE(image);
+}
+
+TEST(ScreenCaptureBlack, OnlyTheWantedRectanglesCount)
+{
+    Frame frame(100, 50);
+    frame.row(40)[3 * 90] = 1; // one dark-blue pixel at (90, 40), outside the first rectangle
+    const CaptureBitmap image = toCaptureBitmap(frame);
+    const CaptureRegionRect left{0, 0, 50, 50};
+    const CaptureRegionRect right{80, 35, 20, 10};
+    const CaptureRegionRect outside{200, 200, 10, 10};
+    EXPECT_TRUE(isAllBlack(image, std::vector{left}));
+    EXPECT_FALSE(isAllBlack(image, std::vector{left, right}));
+    EXPECT_FALSE(isAllBlack(image, {}));
+    EXPECT_FALSE(isAllBlack(image, std::vector{outside})) << "nothing seen is not black";
+    EXPECT_TRUE(isAllBlack(toCaptureBitmap(Frame(4, 4)), {}));
+}
+
+} // namespace
+} // namespace tvx
