@@ -3,9 +3,11 @@
 #include "FormMain.h"
 #include "GameScreen.h"
 #include "HomeFolder.h"
+#include "MouseButtons.h"
 #include "QtPorts.h"
 #include "QtPrompter.h"
 #include "QtText.h"
+#include "StartGuard.h"
 #include "SystemClock.h"
 #include "TextCodecFactory.h"
 
@@ -21,10 +23,10 @@
 #include "shell/Utf8Path.h"
 
 #include <QApplication>
-#include <QLockFile>
 #include <QMessageBox>
 #include <QStringList>
 
+#include <cstdio>
 #include <optional>
 
 namespace {
@@ -54,24 +56,17 @@ void writeStartLines(tvx::DebugLog& log, const std::string& title, const std::fi
     }
 }
 
-// The two refusals before anything is written: a second instance on the same home folder,
-// and a run from inside the temporary folder.
-bool refuseToStart(QLockFile& instance)
+// --interval SECONDS: captures that often instead of every CaptureInterval minutes, so a
+// newcomer sees the meter at work against the practice target within a minute.
+std::optional<std::int32_t> intervalOption(const QStringList& args, bool& bad)
 {
-    const QString title = QStringLiteral("起動エラー");
-    // A lock left behind by a run that was killed is no reason to refuse.
-    if (!instance.tryLock(0) && !(instance.removeStaleLockFile() && instance.tryLock(0))) {
-        QMessageBox::information(nullptr, title, QStringLiteral("既にプログラムは起動しています。"));
-        return true;
-    }
-    const auto [tempLong, tempShort] = tvx::platform::temporaryFolder();
-    if (tvx::IsTempFolder(tvx::pathUtf8(tvx::platform::programFolder()), tempLong, tempShort)) {
-        QMessageBox::information(nullptr, title,
-                                 QStringLiteral("テンポラリフォルダでは実行できません。\r\n"
-                                                "Zip圧縮ファイルは適切なフォルダに解凍してから実行してください。"));
-        return true;
-    }
-    return false;
+    const qsizetype at = args.indexOf(QStringLiteral("--interval"));
+    if (at < 0)
+        return std::nullopt;
+    bool ok = false;
+    const int seconds = at + 1 < args.size() ? args.at(at + 1).toInt(&ok) : 0;
+    bad = !ok || seconds < 1 || seconds > 86400;
+    return bad ? std::nullopt : std::optional<std::int32_t>(seconds);
 }
 
 } // namespace
@@ -79,16 +74,23 @@ bool refuseToStart(QLockFile& instance)
 int main(int argc, char** argv)
 {
     QApplication app(argc, argv);
+    bool badInterval = false;
+    const auto interval = intervalOption(QApplication::arguments(), badInterval);
+    if (badInterval) {
+        std::fprintf(stderr, "usage: tallivex [--home DIR] [--interval SECONDS (1..86400)]\n");
+        return 2;
+    }
     const std::filesystem::path home = tvx::platform::homeFolder(homeOverride(QApplication::arguments()));
-    QLockFile instance(tvx::ui::qtText(tvx::pathUtf8(home / "tallivex.lock")));
-    if (refuseToStart(instance))
+    tvx::ui::QtPrompter prompter;
+    const auto instance =
+        tvx::app::guardStart(home, tvx::platform::programFolder(), tvx::platform::temporaryFolder(), prompter);
+    if (!instance)
         return 1;
     tvx::platform::SystemClock clock;
     tvx::DebugLog log(home, clock);
     tvx::Settings settings = tvx::defaultSettings(tvx::pathUtf8(home));
     writeStartLines(log, tvx::programTitle(settings.SearchWindowName), home);
 
-    tvx::ui::QtPrompter prompter;
     tvx::CheckSystemFiles(tvx::platform::requiredLibraries(), tvx::platform::canLoadLibrary, prompter, log);
     const std::unique_ptr<tvx::TextCodec> codec = tvx::platform::makeTextCodec();
     tvx::ConfigFile config(settings, home, prompter, *codec, &log);
@@ -110,10 +112,15 @@ int main(int argc, char** argv)
     tvx::MeterPorts ports{clock, waiter, probe, source, sound, shell, prompter, window, &encoder, codec.get()};
     tvx::Meter meter(settings, ports, log, static_cast<std::uint32_t>(clock.tickMs()));
     config.setSecurePixels([&meter] { meter.recognizer().SecurePixels(); });
+    meter.capture().setCaptureFile(home / "Capture.bmp");
+    const std::unique_ptr<tvx::MouseButtonSource> mouse = tvx::platform::makeMouseButtonSource();
     window.setDocumentFolder(tvx::platform::programFolder());
     window.setConfigFile(&config, {&source, &waiter, &clock});
     window.setEnvironmentSource(tvx::platform::gatherEnvironment);
     window.attach(meter);
+    window.setGestureSource(mouse.get(), &prompter);
+    if (interval)
+        window.setIntervalSeconds(*interval);
     window.show();
     window.FormMain_Load();
     const int status = QApplication::exec();

@@ -1,5 +1,6 @@
 #include "FormMain.h"
 
+#include "FormDirectX.h"
 #include "GraphFrame.h"
 
 #include "QtPorts.h"
@@ -237,6 +238,7 @@ void FormMain::FormMain_Load()
         m_frmGraph->setGraphBuffer(m_meter->state().graph.get());
         m_frmGraph->GraphFrameDisplay();
         graphDataChanged();
+        followGestureSetting();
         m_log.WriteDebugLog("Program StartUp Complete ");
     } catch (const RuntimeError& error) {
         m_log.writeErrorTrap("FormMain_Load", error.number());
@@ -407,12 +409,39 @@ void FormMain::menuOption_Click()
         connect(m_formOption, &FormOption::settingsChanged, this, [this] {
             setWindowTitle(qtText(programTitle(m_meter->settings().SearchWindowName)));
             m_frmGraph->GraphFrameDisplay();
+            followGestureSetting();
         });
     } else if (capture) {
         m_formOption->setCapture(*capture);
     }
     m_formOption->show();
     m_formOption->raise();
+}
+
+void FormMain::followGestureSetting()
+{
+    if (!m_meter || !m_gestureSource || !m_gesturePrompter)
+        return;
+    if (!m_formDirectX)
+        m_formDirectX = new FormDirectX(*m_meter, *m_gestureSource, m_log, *m_gesturePrompter, this);
+    Settings& settings = m_meter->settings();
+    if (settings.Gesture && !m_formDirectX->loaded()) {
+        // A mouse that cannot be opened turns gestures off, as the player was told.
+        if (!m_formDirectX->Form_Load())
+            settings.Gesture = false;
+    } else if (!settings.Gesture && m_formDirectX->loaded()) {
+        m_formDirectX->Form_Unload();
+    }
+}
+
+void FormMain::setIntervalSeconds(std::int32_t seconds)
+{
+    if (!m_meter)
+        return;
+    m_meter->state().intervalSecondsOverride = seconds;
+    // The timer only asks whether the next capture time has come; ask often enough.
+    if (seconds > 0)
+        m_timCaptureInterval->setInterval(std::min(10000, seconds * 1000 / 2 + 1));
 }
 
 void FormMain::menuVersion_Click()
@@ -449,6 +478,8 @@ void FormMain::closeEvent(QCloseEvent* event)
             m_log.writeErrorTrap("Form_QueryUnload", error.number());
         }
         m_meter->logBox().write("\r\n        終了しています・・・\r\n");
+        if (m_formDirectX)
+            m_formDirectX->Form_Unload();
         if (m_notice)
             m_notice->close();
     }

@@ -8,6 +8,7 @@
 #include "shell/EnvironmentReport.h"
 
 #include <array>
+#include <cstdint>
 #include <functional>
 #include <filesystem>
 #include <string>
@@ -25,11 +26,14 @@ class QResizeEvent;
 namespace tvx {
 class DebugLog;
 class Meter;
+class MouseButtonSource;
+class Prompter;
 struct ResultRow;
 } // namespace tvx
 
 namespace tvx::ui {
 
+class FormDirectX;
 class FormOption;
 class GraphFrame;
 
@@ -57,6 +61,15 @@ public:
         m_config = config;
         m_patternCapture = capture;
     }
+    // Where gestures come from while Gesture is on; without one they stay off.
+    void setGestureSource(MouseButtonSource* source, Prompter* prompter)
+    {
+        m_gestureSource = source;
+        m_gesturePrompter = prompter;
+    }
+    FormDirectX* formDirectX() const { return m_formDirectX; }
+    // Demonstrations: the capture interval in seconds instead of minutes (0: the setting).
+    void setIntervalSeconds(std::int32_t seconds);
     // Where the environment report comes from.
     void setEnvironmentSource(std::function<EnvironmentFacts()> source) { m_environment = std::move(source); }
 
@@ -87,6 +100,8 @@ private:
     void menuOperatingInfo_Click();
     void menuOption_Click();
     void menuVersion_Click();
+    // Loads or unloads the gesture listener to follow the Gesture setting.
+    void followGestureSetting();
 
     DebugLog& m_log;
     std::filesystem::path m_programFolder;
@@ -96,6 +111,9 @@ private:
     PatternCaptureServices m_patternCapture;
     FormOption* m_formOption = nullptr;
     Meter* m_meter = nullptr;
+    MouseButtonSource* m_gestureSource = nullptr;
+    Prompter* m_gesturePrompter = nullptr;
+    FormDirectX* m_formDirectX = nullptr;
     QPlainTextEdit* m_txtLog = nullptr;
     std::array<QLabel*, 5> m_startRow{};
     std::array<QLabel*, 5> m_endRow{};

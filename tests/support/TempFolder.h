@@ -8,8 +8,8 @@
 
 namespace tvx::test {
 
-// A fresh folder for one test, unique per test and process (ctest runs tests in
-// parallel), removed with everything in it at the end.
+// A fresh folder for one test, unique per test, process (ctest runs tests in parallel)
+// and instance (a test may need two), removed with everything in it at the end.
 class TempFolder {
 public:
     TempFolder()
@@ -17,7 +17,7 @@ public:
         const auto* info = testing::UnitTest::GetInstance()->current_test_info();
         m_path = std::filesystem::temp_directory_path() /
                  ("tallivex-" + std::string(info->test_suite_name()) + "-" + info->name() + "-" +
-                  std::to_string(getpid()));
+                  std::to_string(getpid()) + "-" + std::to_string(++instances()));
         std::filesystem::remove_all(m_path);
         std::filesystem::create_directories(m_path);
     }
@@ -32,6 +32,12 @@ public:
     const std::filesystem::path& path() const { return m_path; }
 
 private:
+    static int& instances()
+    {
+        static int count = 0;
+        return count;
+    }
+
     std::filesystem::path m_path;
 };
 

@@ -44,6 +44,7 @@ public:
 
     Settings& settings() { return m_settings; }
     Clock& clock() { return m_ports.clock; }
+    Waiter& waiter() { return m_ports.waiter; }
     MeterState& state() { return m_state; }
     LogBox& logBox() { return m_logBox; }
     ScreenRecognizer& recognizer() { return m_recognizer; }

@@ -1,0 +1,29 @@
+#include "StartGuard.h"
+
+#include "ports/Prompter.h"
+#include "shell/StartupChecks.h"
+#include "shell/Utf8Path.h"
+
+namespace tvx::app {
+
+std::unique_ptr<platform::SingleInstance> guardStart(const std::filesystem::path& home,
+                                                     const std::filesystem::path& programFolder,
+                                                     const std::pair<std::string, std::string>& temporaryFolder,
+                                                     Prompter& prompter)
+{
+    const std::string title = "起動エラー";
+    auto instance = platform::acquireSingleInstance(home);
+    if (!instance) {
+        prompter.message("既にプログラムは起動しています。", title);
+        return nullptr;
+    }
+    if (IsTempFolder(pathUtf8(programFolder), temporaryFolder.first, temporaryFolder.second)) {
+        prompter.message("テンポラリフォルダでは実行できません。\r\n"
+                         "Zip圧縮ファイルは適切なフォルダに解凍してから実行してください。",
+                         title);
+        return nullptr;
+    }
+    return instance;
+}
+
+} // namespace tvx::app

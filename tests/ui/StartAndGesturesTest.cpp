@@ -1,0 +1,137 @@
+#include "FormDirectX.h"
+#include "FormMain.h"
+#include "StartGuard.h"
+
+#include "measurement/Meter.h"
+#include "shell/DebugLog.h"
+#include "support/FakeMachine.h"
+#include "support/ReadFile.h"
+#include "support/ScriptedPrompter.h"
+#include "support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+namespace tvx {
+namespace {
+
+TEST(StartGuard, RefusesASecondInstanceAndTheTemporaryFolder)
+{
+    test::TempFolder home;
+    test::TempFolder other;
+    test::ScriptedPrompter prompter;
+    const std::pair<std::string, std::string> noTemp{"", ""};
+
+    auto first = app::guardStart(home.path(), home.path(), noTemp, prompter);
+    ASSERT_TRUE(first);
+    EXPECT_TRUE(prompter.shown.empty());
+    EXPECT_FALSE(app::guardStart(home.path(), home.path(), noTemp, prompter));
+    ASSERT_EQ(prompter.shown.size(), 1u);
+    EXPECT_EQ(prompter.shown[0].text, "既にプログラムは起動しています。");
+    EXPECT_EQ(prompter.shown[0].title, "起動エラー");
+    EXPECT_TRUE(app::guardStart(other.path(), other.path(), noTemp, prompter)) << "another home is another meter";
+    first.reset();
+    EXPECT_TRUE(app::guardStart(home.path(), home.path(), noTemp, prompter)) << "free again once the first ended";
+
+    prompter.shown.clear();
+    const std::string temp = home.path().parent_path().string();
+    EXPECT_FALSE(app::guardStart(home.path(), home.path() / "Tallivex", {temp, ""}, prompter));
+    ASSERT_EQ(prompter.shown.size(), 1u);
+    EXPECT_EQ(prompter.shown[0].text.substr(0, prompter.shown[0].text.find("\r\n")), "テンポラリフォルダでは実行できません。");
+}
+
+// Button events as a test script gives them; start can be made to fail.
+class ScriptedMouse : public MouseButtonSource {
+public:
+    StartResult result = StartResult::Started;
+    Handler handler;
+    int stops = 0;
+
+    StartResult start(Handler onBatch) override
+    {
+        if (result == StartResult::Started)
+            handler = std::move(onBatch);
+        return result;
+    }
+    void stop() override
+    {
+        ++stops;
+        handler = nullptr;
+    }
+    void click(MouseButton button)
+    {
+        handler({{button, true}, {button, false}});
+    }
+};
+
+class GestureWindowTest : public testing::Test {
+protected:
+    GestureWindowTest()
+    {
+        settings.SaveFolder = temp.path().string();
+        settings.StartDelay = 0;
+        settings.Gesture = true;
+        window.attach(meter);
+        window.setGestureSource(&mouse, &prompter);
+    }
+
+    std::string debugText() { return test::readAll(log.path()); }
+
+    test::TempFolder temp;
+    test::FakeMachine machine;
+    test::ScriptedPrompter prompter;
+    ScriptedMouse mouse;
+    Settings settings = defaultSettings("");
+    DebugLog log{temp.path(), machine.clock};
+    ui::FormMain window{programTitle("MapleStory"), log, temp.path()};
+    MeterPorts ports{machine.clock, machine, machine, machine, machine, machine, machine, window};
+    Meter meter{settings, ports, log};
+};
+
+TEST_F(GestureWindowTest, LoadedWithTheWindowItPassesClicksToTheMeterUntilTheClose)
+{
+    window.FormMain_Load();
+    ASSERT_TRUE(window.formDirectX() && window.formDirectX()->loaded());
+    EXPECT_NE(debugText().find("DirectX Loding ･･･ "), std::string::npos);
+    EXPECT_NE(debugText().find("Mouse Events Acquire ･･･ Successfull "), std::string::npos);
+
+    for (MouseButton b : {MouseButton::Right, MouseButton::Left, MouseButton::Left, MouseButton::Left})
+        mouse.click(b);
+    EXPECT_TRUE(settings.DoHLCheckExec);
+    EXPECT_NE(meter.logBox().text().find("マウスジェスチャ：自動撮影 監視開始"), std::string::npos);
+
+    window.close();
+    EXPECT_EQ(mouse.stops, 1);
+    const std::string text = debugText();
+    EXPECT_LT(text.find("Mouse Events UnAcquire "), text.find("DirectX UnLoding ･･･ End "));
+}
+
+TEST_F(GestureWindowTest, AMouseThatCannotBeOpenedIsReportedAndGesturesStayOff)
+{
+    const struct {
+        MouseButtonSource::StartResult result;
+        const char* logLine;
+        const char* message;
+    } cases[] = {
+        {MouseButtonSource::StartResult::NoInputSystem, "It was mistake to Create DirectInput Object ",
+         "DirectInputオブジェクトが生成できません。"},
+        {MouseButtonSource::StartResult::NoMouseDevice, "It was mistake to Create DirectInputDevice Object ",
+         "Mouse用DirectInputDeviceオブジェクトが生成できません。"},
+    };
+    for (const auto& c : cases) {
+        settings.Gesture = true;
+        prompter.shown.clear();
+        mouse.result = c.result;
+        ui::FormDirectX form(meter, mouse, log, prompter);
+        EXPECT_FALSE(form.Form_Load());
+        EXPECT_FALSE(form.loaded());
+        EXPECT_NE(debugText().find(c.logLine), std::string::npos);
+        ASSERT_EQ(prompter.shown.size(), 1u);
+        EXPECT_EQ(prompter.shown[0].text, c.message);
+    }
+    mouse.result = MouseButtonSource::StartResult::NoMouseDevice;
+    window.FormMain_Load();
+    EXPECT_FALSE(settings.Gesture);
+}
+
+} // namespace
+} // namespace tvx
