@@ -234,11 +234,12 @@ void FormMain::FormMain_Load()
     try {
         m_timDoHLInterval->setInterval(m_meter->settings().DoHLInterval);
         m_frmGraph->setVisible(m_meter->settings().Graph);
+        // Gestures first: an auto start waits StartDelay, and they must work meanwhile.
+        followGestureSetting();
         m_meter->load(m_meter->clock());
         m_frmGraph->setGraphBuffer(m_meter->state().graph.get());
         m_frmGraph->GraphFrameDisplay();
         graphDataChanged();
-        followGestureSetting();
         m_log.WriteDebugLog("Program StartUp Complete ");
     } catch (const RuntimeError& error) {
         m_log.writeErrorTrap("FormMain_Load", error.number());

@@ -126,6 +126,28 @@ void GraphFrame::GraphFrameDisplay()
     redraw();
 }
 
+void GraphFrame::setSettings(const Settings& settings)
+{
+    m_settings = &settings;
+    StepTrap trap;
+    showScaleTexts(Currency(), Currency(), 1.0f, trap);
+    trap.report(m_log, "GraphDataDisplay");
+}
+
+GraphScaleTexts GraphFrame::showScaleTexts(Currency maxE, Currency maxM, float zoom, StepTrap& trap)
+{
+    const Settings& settings = *m_settings;
+    const GraphScaleTexts texts =
+        graphScaleTexts(maxE, maxM, zoom, settings.CaptureInterval, settings.GraphTimeScale, trap);
+    m_lblGraph_Tt->setText(qtText(texts.lblGraph_Tt));
+    fitToText(m_lblGraph_Tt);
+    for (std::size_t i = 0; i < 4; ++i) {
+        m_lblGraph_El[i]->setText(qtText(texts.lblGraph_El[i]));
+        m_lblGraph_Ml[i]->setText(qtText(texts.lblGraph_Ml[i]));
+    }
+    return texts;
+}
+
 void GraphFrame::GraphDataDisplay(std::int32_t shift, float zoom)
 {
     if (!graphOn())
@@ -137,14 +159,7 @@ void GraphFrame::GraphDataDisplay(std::int32_t shift, float zoom)
     StepTrap trap;
     const Currency maxE = m_buffer != nullptr ? m_buffer->MaxValueRateE() : Currency();
     const Currency maxM = m_buffer != nullptr ? m_buffer->MaxValueRateM() : Currency();
-    const GraphScaleTexts texts =
-        graphScaleTexts(maxE, maxM, zoom, settings.CaptureInterval, settings.GraphTimeScale, trap);
-    m_lblGraph_Tt->setText(qtText(texts.lblGraph_Tt));
-    fitToText(m_lblGraph_Tt);
-    for (std::size_t i = 0; i < 4; ++i) {
-        m_lblGraph_El[i]->setText(qtText(texts.lblGraph_El[i]));
-        m_lblGraph_Ml[i]->setText(qtText(texts.lblGraph_Ml[i]));
-    }
+    const GraphScaleTexts texts = showScaleTexts(maxE, maxM, zoom, trap);
     trap.report(m_log, "GraphDataDisplay");
 
     m_picGraph->clearCurves();

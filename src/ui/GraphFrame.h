@@ -12,6 +12,9 @@ class QLabel;
 namespace tvx {
 class DebugLog;
 class clsGraphBuffer;
+class Currency;
+class StepTrap;
+struct GraphScaleTexts;
 struct MeterControls;
 struct Settings;
 } // namespace tvx
@@ -35,7 +38,8 @@ public:
 
     void setGraphBuffer(const clsGraphBuffer* buffer) { m_buffer = buffer; }
     void setGraphView(GraphView& view) { m_view = &view; }
-    void setSettings(const Settings& settings) { m_settings = &settings; }
+    // Also puts the empty graph's scale texts in place of the placeholders.
+    void setSettings(const Settings& settings);
     // Drawing is allowed only while exactly one of menuRun and menuStop is enabled.
     void setMeterControls(const MeterControls* controls) { m_controls = controls; }
     void setDebugLog(DebugLog* log) { m_log = log; }
@@ -69,6 +73,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    // The scale labels for these maxima; returns the texts for the curves.
+    GraphScaleTexts showScaleTexts(Currency maxE, Currency maxM, float zoom, StepTrap& trap);
     bool graphOn() const;
     void redraw();
     void zoomBy(bool in);

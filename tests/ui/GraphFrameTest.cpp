@@ -73,6 +73,9 @@ TEST_F(GraphFrameTest, HasItsNamedControlsAndLaysThemOut)
     for (const char* name : {"lblGraph_El0", "lblGraph_El3", "lblGraph_Ml0", "lblGraph_Ml3", "lblGraph_Tt"})
         EXPECT_NE(label(name), nullptr) << name;
     EXPECT_EQ(label("lblGraph_Et")->text(), QStringLiteral(" k EXP"));
+    // Before any data the scales already read as an empty graph's.
+    for (const char* name : {"lblGraph_El0", "lblGraph_Ml3"})
+        EXPECT_EQ(label(name)->text().indexOf(QStringLiteral("98,765")), -1) << name;
     EXPECT_EQ(label("lblGraph_Mt")->text(), QString::fromUtf8(" k ﾒﾙ"));
     EXPECT_EQ(label("lblGraph_Tl0")->text(), QString::fromUtf8("現在"));
     EXPECT_EQ(label("lblGraph_Tl1")->text(), QString::fromUtf8("思ひ出"));
