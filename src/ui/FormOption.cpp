@@ -378,6 +378,26 @@ QWidget* FormOption::buildPatternsTab()
     return page;
 }
 
+QComboBox* FormOption::captureMethodBox()
+{
+    auto* box = new QComboBox;
+    box->setObjectName(QStringLiteral("cboScreenCapture"));
+    // The direct copy needs no Lag and leaves the player's clipboard alone.
+    box->addItem(QStringLiteral("直接取り込む（推奨）"), static_cast<int>(CaptureMethod::Direct));
+    box->addItem(QStringLiteral("PrintScreenキーとクリップボード"), static_cast<int>(CaptureMethod::PrintScreen));
+    connect(box, &QComboBox::currentIndexChanged, this, [this, box](int index) {
+        if (index >= 0) {
+            m_settings.ScreenCapture = static_cast<CaptureMethod>(box->itemData(index).toInt());
+            changed();
+        }
+    });
+    m_refreshers.push_back([this, box] {
+        const QSignalBlocker quiet(box);
+        box->setCurrentIndex(box->findData(static_cast<int>(m_settings.ScreenCapture)));
+    });
+    return box;
+}
+
 QWidget* FormOption::buildTimingTab()
 {
     auto* page = new QWidget;
@@ -402,6 +422,8 @@ QWidget* FormOption::buildTimingTab()
     number(QStringLiteral("キャプチャ調整時間(m秒)"),
            numberButton(QStringLiteral("cmdLag"), QStringLiteral("キャプチャ調整時間(m秒)を入力してください"), 0, 10000,
                         [](Settings& s) -> std::int32_t& { return s.Lag; }));
+    grid->addWidget(caption(QStringLiteral("画面の取り込み方法")), row, 1, Qt::AlignRight);
+    grid->addWidget(captureMethodBox(), row++, 2);
     number(QStringLiteral("起動時のゲーム起動確認遅延時間(秒)"),
            numberButton(QStringLiteral("cmdStartDelay"), QStringLiteral("起動確認遅延時間(秒)を入力してください"), 0, 3600,
                         [](Settings& s) -> std::int32_t& { return s.StartDelay; }));

@@ -77,6 +77,7 @@ private:
     QWidget* buildFilesTab();
     QPushButton* numberButton(const QString& name, const QString& prompt, int lower, int upper,
                               std::function<std::int32_t&(Settings&)> value, bool recognition = false);
+    QComboBox* captureMethodBox();
     QCheckBox* flagBox(const QString& name, const QString& caption, bool Settings::*flag);
     QLineEdit* textEdit(const QString& name, std::function<std::string&(Settings&)> text);
 

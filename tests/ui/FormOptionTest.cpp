@@ -13,6 +13,7 @@
 #include "support/TempFolder.h"
 
 #include <QLabel>
+#include <QComboBox>
 #include <QPushButton>
 #include <QTest>
 
@@ -108,14 +109,21 @@ TEST_F(FormOptionTest, NumbersAreAskedThroughThePrompterAndTheButtonsRunTheConfi
     EXPECT_EQ(m_settings.CaptureRegion[RegionExp].SizeY, 12);
     EXPECT_EQ(m_sized, 1);
 
+    auto* method = child<QComboBox>(form, "cboScreenCapture");
+    EXPECT_EQ(method->currentIndex(), 0);
+    method->setCurrentIndex(1);
+    EXPECT_EQ(m_settings.ScreenCapture, CaptureMethod::PrintScreen);
+
     click(form, "cmdSave");
     EXPECT_NE(file().find("     12 ,          キャプチャインターバル(分)\r\n"), std::string::npos);
+    EXPECT_NE(file().find("      1 ,          画面の取り込み方法"), std::string::npos);
 
     m_prompter.answers = {true, true};
     click(form, "cmdInit");
     EXPECT_EQ(m_settings.CaptureInterval, 6);
     EXPECT_EQ(interval->text(), QStringLiteral("6"));
     EXPECT_NE(file().find("      6 ,          キャプチャインターバル(分)\r\n"), std::string::npos);
+    EXPECT_EQ(method->currentIndex(), 0) << "the defaults take the direct copy again";
 }
 
 TEST_F(FormOptionTest, PatternCaptureWaitsGrabsSavesAndShowsTheRegions)
