@@ -9,6 +9,7 @@
 #include "QtText.h"
 #include "StartGuard.h"
 #include "SystemClock.h"
+#include "Termination.h"
 #include "TextCodecFactory.h"
 
 #include "config/ConfigFile.h"
@@ -23,6 +24,7 @@
 #include "shell/Utf8Path.h"
 
 #include <QApplication>
+#include <QSocketNotifier>
 #include <QMessageBox>
 #include <QStringList>
 
@@ -121,6 +123,15 @@ int main(int argc, char** argv)
     window.setGestureSource(mouse.get(), &prompter);
     if (interval)
         window.setIntervalSeconds(*interval);
+    // Asked to end by the system: close as the close button does, summary and all.
+    std::unique_ptr<QSocketNotifier> termination;
+    if (const int descriptor = tvx::platform::terminationDescriptor(); descriptor >= 0) {
+        termination = std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read);
+        QObject::connect(termination.get(), &QSocketNotifier::activated, &window, [&window] {
+            tvx::platform::acknowledgeTermination();
+            window.close();
+        });
+    }
     window.show();
     window.FormMain_Load();
     const int status = QApplication::exec();
