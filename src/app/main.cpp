@@ -134,7 +134,8 @@ int main(int argc, char** argv)
     }
     window.show();
     window.FormMain_Load();
-    const int status = QApplication::exec();
+    // A close during the load (its waits keep events flowing) leaves no window to wait for.
+    const int status = window.isVisible() ? QApplication::exec() : 0;
     try {
         log.WriteDebugLog("End of the Program ");
         tvx::WriteOperatingInformation(tvx::platform::gatherEnvironment(), log);
