@@ -15,6 +15,8 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QEvent>
+#include <QMouseEvent>
 #include <QResizeEvent>
 #include <QDialog>
 #include <QFontDatabase>
@@ -69,8 +71,18 @@ FormMain::FormMain(std::string_view title, DebugLog& log, std::filesystem::path 
     buildMenus();
 
     auto* central = new QWidget(this);
-    auto* columns = new QHBoxLayout(central);
+    auto* outer = new QVBoxLayout(central);
+    outer->setContentsMargins(0, 0, 0, 0);
+    outer->setSpacing(0);
+    // The etched separator under the menu bar.
+    auto* linMenu = new QFrame(central);
+    linMenu->setObjectName(QStringLiteral("linMenu"));
+    linMenu->setFrameShape(QFrame::HLine);
+    linMenu->setFrameShadow(QFrame::Sunken);
+    outer->addWidget(linMenu);
+    auto* columns = new QHBoxLayout;
     columns->setContentsMargins(0, 2, 0, 0);
+    outer->addLayout(columns, 1);
     auto* left = new QWidget(central);
     left->setFixedWidth(kLeftPanelWidth);
     auto* rows = new QVBoxLayout(left);
@@ -321,6 +333,26 @@ void FormMain::graphDataChanged()
 void FormMain::graphFrameChanged()
 {
     m_frmGraph->GraphFrameDisplay();
+}
+
+void FormMain::changeEvent(QEvent* event)
+{
+    QMainWindow::changeEvent(event);
+    // Form_Activate: the graph's frame is drawn again when the player comes back.
+    if (event->type() == QEvent::ActivationChange && isActiveWindow() && m_meter && m_meter->settings().Graph)
+        m_frmGraph->GraphFrameDisplay();
+}
+
+void FormMain::mousePressEvent(QMouseEvent* event)
+{
+    // Form_Click: a click on the window's background repaints everything.
+    QMainWindow::mousePressEvent(event);
+    try {
+        m_log.WriteDebugLog("Click : Window Refresh ");
+    } catch (const RuntimeError&) {
+    }
+    m_frmGraph->update();
+    update();
 }
 
 void FormMain::resizeEvent(QResizeEvent* event)
