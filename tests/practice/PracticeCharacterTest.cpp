@@ -1,0 +1,184 @@
+#include "PracticeCharacter.h"
+#include "PracticeOptions.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace tvx::practice {
+namespace {
+
+// Spans worked out by hand from the cumulative experience table.
+constexpr std::int64_t kSpan1 = 15;
+constexpr std::int64_t kSpan2 = 34;
+constexpr std::int64_t kSpan50 = 7'561'307 - 6'851'591;
+constexpr std::int64_t kSpan51 = 8'309'915 - 7'561'307;
+constexpr std::int64_t kSpan87 = 92'238'525 - 87'129'073;
+constexpr std::int64_t kSpan199 = 38'703'313'816 - 36'692'244'111;
+
+TEST(PracticeCharacter, LevelSpanFollowsTheTable)
+{
+    EXPECT_EQ(PracticeCharacter::levelSpan(1), kSpan1);
+    EXPECT_EQ(PracticeCharacter::levelSpan(2), kSpan2);
+    EXPECT_EQ(PracticeCharacter::levelSpan(50), kSpan50);
+    EXPECT_EQ(PracticeCharacter::levelSpan(199), kSpan199);
+    EXPECT_EQ(PracticeCharacter::levelSpan(200), 0);
+    EXPECT_EQ(PracticeCharacter::levelSpan(0), 0);
+}
+
+TEST(PracticeCharacter, StartValuesAreClamped)
+{
+    struct Case {
+        const char* name;
+        CharacterState start;
+        CharacterState expected;
+    };
+    const std::vector<Case> cases = {
+        {"in range", {50, 1234, 5678}, {50, 1234, 5678}},
+        {"below everything", {0, -5, -1}, {1, 0, 0}},
+        {"above the top level", {250, 5, 1}, {200, 0, 1}},
+        {"exp past the span, money past the cap", {50, 10'000'000, PracticeCharacter::kMaxMoney + 1},
+         {50, kSpan50 - 1, PracticeCharacter::kMaxMoney}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(PracticeCharacter(c.start).state(), c.expected);
+    }
+}
+
+TEST(PracticeCharacter, RisingCarriesOverLevelBoundaries)
+{
+    struct Case {
+        const char* name;
+        CharacterState start;
+        std::int64_t expGain;
+        std::int64_t moneyGain;
+        CharacterState expected;
+    };
+    constexpr std::int64_t kCap = PracticeCharacter::kMaxMoney;
+    const std::vector<Case> cases = {
+        {"within the level", {50, 100, 7}, 1000, 3, {50, 1100, 10}},
+        {"one short of the boundary", {50, kSpan50 - 1001, 0}, 1000, 0, {50, kSpan50 - 1, 0}},
+        {"exactly to the boundary", {50, kSpan50 - 1000, 0}, 1000, 0, {51, 0, 0}},
+        {"one boundary with carry", {50, 709'000, 0}, 1000, 0, {51, 710'000 - kSpan50, 0}},
+        {"two boundaries with carry", {50, 709'000, 0}, (kSpan50 - 709'000) + kSpan51 + 5, 0, {52, 5, 0}},
+        {"several small levels", {1, 10, 0}, 5 + kSpan2 + 1, 0, {3, 1, 0}},
+        {"into the top level", {199, kSpan199 - 3, 0}, 10, 0, {200, 0, 0}},
+        {"at the top level exp stays", {200, 0, 5}, 123'456, 5, {200, 0, 10}},
+        {"a huge gain stops at the top", {1, 0, 0}, INT64_MAX, 0, {200, 0, 0}},
+        {"money stops at the cap", {50, 0, kCap - 2}, 0, 10, {50, 0, kCap}},
+        {"a huge money gain stops at the cap", {50, 0, 5}, 0, INT64_MAX, {50, 0, kCap}},
+        {"negative gains count as none", {50, 100, 100}, -50, -50, {50, 100, 100}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        PracticeCharacter character(c.start);
+        character.rise(c.expGain, c.moneyGain);
+        EXPECT_EQ(character.state(), c.expected);
+    }
+}
+
+TEST(PracticeCharacter, KeysDieChangeAndLevelUp)
+{
+    enum class Key { Die, Change, LevelUp };
+    struct Case {
+        const char* name;
+        CharacterState start;
+        Key key;
+        CharacterState expected;
+    };
+    const std::vector<Case> cases = {
+        {"die drops a level", {50, 1234, 99}, Key::Die, {49, 0, 99}},
+        {"die at level 1 stays at 1", {1, 10, 99}, Key::Die, {1, 0, 99}},
+        {"die at the top level", {200, 0, 99}, Key::Die, {199, 0, 99}},
+        {"level up", {50, 500, 99}, Key::LevelUp, {51, 0, 99}},
+        {"level up into the top level", {199, 5, 99}, Key::LevelUp, {200, 0, 99}},
+        {"level up at the top level does nothing", {200, 0, 99}, Key::LevelUp, {200, 0, 99}},
+        {"change", {50, 500, 99}, Key::Change, {87, kSpan87 / 3, 87 * 123'457 + 1'000'000}},
+        {"change from level 1", {1, 0, 0}, Key::Change, {38, PracticeCharacter::levelSpan(38) / 3, 38 * 123'457 + 1'000'000}},
+        {"change wraps to the top of the range", {153, 0, 0}, Key::Change, {190, PracticeCharacter::levelSpan(190) / 3, 190 * 123'457 + 1'000'000}},
+        {"change wraps to the bottom of the range", {154, 0, 0}, Key::Change, {10, PracticeCharacter::levelSpan(10) / 3, 10 * 123'457 + 1'000'000}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        PracticeCharacter character(c.start);
+        switch (c.key) {
+        case Key::Die:
+            character.die();
+            break;
+        case Key::Change:
+            character.change();
+            break;
+        case Key::LevelUp:
+            character.levelUp();
+            break;
+        }
+        EXPECT_EQ(character.state(), c.expected);
+    }
+}
+
+TEST(PracticeCharacter, ChangeAlwaysLandsOnAnotherLevelInRange)
+{
+    for (std::int32_t level = 1; level <= 200; ++level) {
+        PracticeCharacter character({level, 0, 0});
+        character.change();
+        const CharacterState& s = character.state();
+        EXPECT_GE(s.level, 10) << "from " << level;
+        EXPECT_LE(s.level, 190) << "from " << level;
+        EXPECT_NE(s.level, level) << "from " << level;
+        EXPECT_LT(s.exp, PracticeCharacter::levelSpan(s.level)) << "from " << level;
+    }
+}
+
+TEST(PracticeCharacter, StatusTextsArePlainDigits)
+{
+    const auto texts = statusTexts({200, 0, 1'234'567'890});
+    EXPECT_EQ(texts[RegionLevel], "200");
+    EXPECT_EQ(texts[RegionExp], "0");
+    EXPECT_EQ(texts[RegionMoney], "1234567890");
+}
+
+TEST(PracticeOptions, ReadsEveryOption)
+{
+    PracticeOptions options;
+    std::string error;
+    ASSERT_TRUE(parsePracticeOptions({"--title", "メイプル", "--window-mode", "--level", "200", "--exp", "0",
+                                      "--money", "99999999999999", "--exp-per-second", "0", "--money-per-second",
+                                      "12", "--tick-ms", "50", "--state-file", "/tmp/s.txt"},
+                                     options, error))
+        << error;
+    EXPECT_EQ(options.title, "メイプル");
+    EXPECT_TRUE(options.windowMode);
+    EXPECT_EQ(options.start, (CharacterState{200, 0, 99'999'999'999'999}));
+    EXPECT_EQ(options.expPerTick, 0);
+    EXPECT_EQ(options.moneyPerTick, 12);
+    EXPECT_EQ(options.tickMs, 50);
+    EXPECT_EQ(options.stateFile, "/tmp/s.txt");
+    EXPECT_FALSE(options.help);
+
+    PracticeOptions defaults;
+    ASSERT_TRUE(parsePracticeOptions({"--help"}, defaults, error));
+    EXPECT_TRUE(defaults.help);
+    EXPECT_EQ(defaults.title, "MapleStory");
+    EXPECT_FALSE(defaults.windowMode);
+    EXPECT_GT(defaults.expPerTick, 0);
+}
+
+TEST(PracticeOptions, RejectsBadArguments)
+{
+    const std::vector<std::vector<std::string>> bad = {
+        {"--colour", "red"},     {"--level"},          {"--level", "0"},          {"--level", "201"},
+        {"--exp", "-1"},         {"--exp", "12x"},     {"--money", "100000000000000"},
+        {"--tick-ms", "0"},      {"--exp-per-second", "-5"}, {"stray"},
+    };
+    for (const auto& args : bad) {
+        PracticeOptions options;
+        std::string error;
+        EXPECT_FALSE(parsePracticeOptions(args, options, error)) << args.front();
+        EXPECT_FALSE(error.empty()) << args.front();
+    }
+}
+
+} // namespace
+} // namespace tvx::practice

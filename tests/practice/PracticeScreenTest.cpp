@@ -1,0 +1,175 @@
+#include "PracticeCharacter.h"
+#include "PracticeScene.h"
+#include "PracticeWindow.h"
+
+#include "recognition/CaptureFile.h"
+#include "recognition/ScreenRecognizer.h"
+#include "support/ReadFile.h"
+#include "support/TempFolder.h"
+
+#include <QImage>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <sstream>
+#include <vector>
+
+namespace tvx::practice {
+namespace {
+
+// What the meter reads off a screen with the default settings.
+CharacterState readBack(const Frame& frame)
+{
+    const Settings settings = defaultSettings("");
+    ScreenRecognizer recognizer(settings);
+    const CaptureBitmap bitmap = toCaptureBitmap(frame);
+    std::array<std::string, kRegionCount> digits;
+    for (int region = 0; region < kRegionCount; ++region) {
+        recognizer.fill(region, bitmap);
+        recognizer.binarize(region);
+        digits[static_cast<std::size_t>(region)] = recognizer.recognize(region).digits;
+    }
+    return {levelFromText(digits[RegionLevel]), amountFromText(digits[RegionExp]).wholePart(),
+            amountFromText(digits[RegionMoney]).wholePart()};
+}
+
+Frame toFrame(const QImage& image)
+{
+    const QImage bgr = image.convertToFormat(QImage::Format_BGR888);
+    Frame frame(bgr.width(), bgr.height());
+    for (int y = 0; y < bgr.height(); ++y)
+        std::memcpy(frame.row(y), bgr.constScanLine(y), frame.rowBytes());
+    return frame;
+}
+
+const std::vector<CharacterState>& sampleStates()
+{
+    static const std::vector<CharacterState> states = {
+        {1, 0, 0},
+        {1, 14, 5},
+        {50, 250'000, 12'345'678},
+        {100, 1, 1'000'000},
+        {10, 9, 2'147'483'647},
+        {190, 1'234'567'890, 9'876'543'210},
+        {199, 38'703'313'816 - 36'692'244'111 - 1, PracticeCharacter::kMaxMoney},
+        {200, 0, 99'999'999'999'999},
+    };
+    return states;
+}
+
+TEST(PracticeScene, PaintedStatesReadBackExactly)
+{
+    const Settings settings = defaultSettings("");
+    for (const CharacterState& state : sampleStates()) {
+        SCOPED_TRACE(testing::Message() << state.level << ' ' << state.exp << ' ' << state.money);
+        const PracticeCharacter character(state);
+        ASSERT_EQ(character.state(), state); // the sample itself must be a reachable state
+        const Frame frame = paintScene(settings, state);
+        EXPECT_EQ(frame.width(), 800);
+        EXPECT_EQ(frame.height(), 600);
+        EXPECT_EQ(readBack(frame), state);
+    }
+}
+
+TEST(PracticeScene, TextsStayOutOfTheCaptureRegions)
+{
+    for (const ScreenMode mode : {ScreenMode::FullScreen, ScreenMode::Window})
+        for (const CaptureRegionRect& region : defaultSettings("", mode).CaptureRegion)
+            for (const SceneRect& box : {kHintBox, kLevelLabel, kExpLabel, kMoneyTitle})
+                EXPECT_FALSE(overlaps(box, region)) << box.x << ',' << box.y << " and " << region.StartX << ','
+                                                    << region.StartY;
+}
+
+class PracticeWindowTest : public testing::Test {
+protected:
+    PracticeOptions options(const CharacterState& start)
+    {
+        PracticeOptions o;
+        o.start = start;
+        o.expPerTick = 1000;
+        o.moneyPerTick = 7;
+        o.tickMs = 3'600'000; // the test drives the ticks
+        o.stateFile = (m_folder.path() / "state.txt").string();
+        return o;
+    }
+
+    std::vector<std::string> stateLines() const
+    {
+        std::istringstream text(test::readAll(m_folder.path() / "state.txt"));
+        std::vector<std::string> lines;
+        for (std::string line; std::getline(text, line);) {
+            // The epoch seconds differ per run; the rest is what was drawn.
+            EXPECT_GT(std::stoll(line.substr(0, line.find(' '))), 1'600'000'000) << line;
+            lines.push_back(line.substr(line.find(' ') + 1));
+        }
+        return lines;
+    }
+
+    test::TempFolder m_folder;
+};
+
+TEST_F(PracticeWindowTest, GrabbedWindowReadsBackAsItsState)
+{
+    PracticeWindow window(options({77, 123'456, 9'876'543'210}));
+    EXPECT_EQ(window.windowTitle(), QStringLiteral("MapleStory"));
+    EXPECT_TRUE(window.windowFlags().testFlag(Qt::FramelessWindowHint));
+    window.show();
+    const QImage shot = window.grab().toImage();
+    ASSERT_EQ(shot.size(), QSize(800, 600));
+    EXPECT_EQ(readBack(toFrame(shot)), (CharacterState{77, 123'456, 9'876'543'210}));
+
+    QTest::keyClick(&window, Qt::Key_U);
+    window.tick();
+    const CharacterState risen{78, 1000, 9'876'543'217};
+    EXPECT_EQ(window.state(), risen);
+    EXPECT_EQ(readBack(toFrame(window.grab().toImage())), risen);
+}
+
+TEST_F(PracticeWindowTest, KeysChangeTheStateAndEveryChangeIsNoted)
+{
+    PracticeWindow window(options({2, 30, 100}));
+    window.show();
+    QTest::keyClick(&window, Qt::Key_Space);
+    EXPECT_TRUE(window.paused());
+    window.tick(); // paused: nothing rises, nothing is noted
+    QTest::keyClick(&window, Qt::Key_Space);
+    EXPECT_FALSE(window.paused());
+    window.tick(); // 30 + 1000 crosses levels 2 (34) and 3 (57) and more
+    const CharacterState risen = window.state();
+    QTest::keyClick(&window, Qt::Key_D);
+    QTest::keyClick(&window, Qt::Key_D);
+    QTest::keyClick(&window, Qt::Key_C);
+    const CharacterState changed = window.state();
+    EXPECT_EQ(readBack(toFrame(window.grab().toImage())), changed);
+
+    PracticeCharacter expected({2, 30, 100});
+    expected.rise(1000, 7);
+    EXPECT_EQ(risen, expected.state());
+    expected.die();
+    const CharacterState died = expected.state();
+    expected.die();
+    const CharacterState diedTwice = expected.state();
+    expected.change();
+    EXPECT_EQ(changed, expected.state());
+
+    auto line = [](const CharacterState& s) {
+        return std::to_string(s.level) + ' ' + std::to_string(s.exp) + ' ' + std::to_string(s.money);
+    };
+    const std::vector<std::string> expectedLines = {"2 30 100", line(risen), line(died), line(diedTwice),
+                                                    line(changed)};
+    EXPECT_EQ(stateLines(), expectedLines);
+}
+
+TEST_F(PracticeWindowTest, HintLineIsJapaneseAndNamesEveryKey)
+{
+    const QString hint = PracticeWindow::hintText(false);
+    for (const char* key : {"D:", "C:", "U:", "Space:"})
+        EXPECT_TRUE(hint.contains(QString::fromUtf8(key))) << key;
+    EXPECT_TRUE(hint.contains(QStringLiteral("死亡")));
+    EXPECT_NE(PracticeWindow::hintText(true), hint);
+}
+
+} // namespace
+} // namespace tvx::practice
