@@ -40,15 +40,24 @@ public:
         return inFront(*window) ? GameWindowState::Front : GameWindowState::Background;
     }
 
-    // The whole screen, or only the wanted rectangles on a blank screen-sized image, which
-    // moves a few kilobytes instead of megabytes.
+    // The whole screen, or only the wanted rectangles on a blank image, which moves a few
+    // kilobytes instead of megabytes.
     std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect> wanted) override
     {
         const std::int32_t width = m_screen->width_in_pixels;
         const std::int32_t height = m_screen->height_in_pixels;
-        Frame frame(width, height);
-        if (wanted.empty())
+        if (wanted.empty()) {
+            Frame frame(width, height);
             return copy(frame, {0, 0, width, height}) ? std::optional(toCaptureBitmap(frame)) : std::nullopt;
+        }
+        // Screen coordinates still, but the image ends where the furthest rectangle does.
+        std::int32_t right = 1;
+        std::int32_t bottom = 1;
+        for (const CaptureRegionRect& rect : wanted) {
+            right = std::max(right, std::clamp(rect.StartX + rect.SizeX, 0, width));
+            bottom = std::max(bottom, std::clamp(rect.StartY + rect.SizeY, 0, height));
+        }
+        Frame frame(right, bottom);
         for (const CaptureRegionRect& rect : wanted) {
             const std::int32_t x0 = std::clamp(rect.StartX, 0, width);
             const std::int32_t y0 = std::clamp(rect.StartY, 0, height);
