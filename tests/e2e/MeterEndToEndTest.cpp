@@ -8,6 +8,7 @@
 #include "measurement/ExpTable.h"
 #include "recognition/CaptureFile.h"
 #include "shell/Utf8Path.h"
+#include "support/CsvFields.h"
 #include "support/ReadFile.h"
 #include "support/TempFolder.h"
 
@@ -37,17 +38,7 @@ std::vector<std::string> lines(const std::string& text)
     return result;
 }
 
-std::vector<std::string> csvFields(const std::string& line)
-{
-    std::vector<std::string> fields;
-    std::stringstream in(line);
-    for (std::string field; std::getline(in, field, ',');) {
-        field.erase(0, field.find_first_not_of(' '));
-        field.erase(field.find_last_not_of(' ') + 1);
-        fields.push_back(field);
-    }
-    return fields;
-}
+using test::csvFields;
 
 std::int64_t number(std::string text)
 {
@@ -174,8 +165,9 @@ TEST_F(MeterEndToEndTest, TheMeterReadsThePracticeTargetAndAnswersGestures)
         // Each record counts from the reading before it, which the target drew too.
         EXPECT_TRUE(std::any_of(drawn.begin(), drawn.end(), [&](const auto& d) { return d.second == total - gain; }))
             << line;
-        if (previous >= 0)
+        if (previous >= 0) {
             EXPECT_EQ(total - gain, previous) << line;
+        }
         EXPECT_GT(gain, 0) << line;
         previous = total;
     }

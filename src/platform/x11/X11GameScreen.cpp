@@ -1,5 +1,7 @@
 #include "GameScreen.h"
 
+#include "XcbReply.h"
+
 #include <xcb/xcb.h>
 
 #include <algorithm>
@@ -12,15 +14,6 @@
 namespace tvx::platform {
 
 namespace {
-
-template <typename T>
-using Reply = std::unique_ptr<T, decltype(&std::free)>;
-
-template <typename T>
-Reply<T> reply(T* raw)
-{
-    return Reply<T>(raw, &std::free);
-}
 
 // xcb on one connection: window lookup by title, the active window, screen images.
 class X11GameScreen final : public GameScreen {

@@ -1,5 +1,7 @@
 #include "MouseButtons.h"
 
+#include "XcbReply.h"
+
 #include <xcb/xcb.h>
 #include <xcb/xinput.h>
 
@@ -9,15 +11,6 @@
 namespace tvx::platform {
 
 namespace {
-
-template <typename T>
-using Reply = std::unique_ptr<T, decltype(&std::free)>;
-
-template <typename T>
-Reply<T> reply(T* raw)
-{
-    return Reply<T>(raw, &std::free);
-}
 
 struct Disconnect {
     void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }

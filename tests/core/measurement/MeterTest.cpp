@@ -1,6 +1,7 @@
 #include "measurement/Meter.h"
 
 #include "shell/DebugLog.h"
+#include "support/CsvFields.h"
 #include "support/ReadFile.h"
 #include "support/FakeMachine.h"
 #include "support/GameScreen.h"
@@ -25,18 +26,7 @@ std::vector<std::string> splitLines(const std::string& text)
     return lines;
 }
 
-// The fields of a CSV record line, blanks trimmed.
-std::vector<std::string> csvFields(const std::string& line)
-{
-    std::vector<std::string> fields;
-    std::stringstream in(line);
-    for (std::string field; std::getline(in, field, ',');) {
-        field.erase(0, field.find_first_not_of(' '));
-        field.erase(field.find_last_not_of(' ') + 1);
-        fields.push_back(field);
-    }
-    return fields;
-}
+using test::csvFields;
 
 class MeterTest : public testing::Test {
 protected:
