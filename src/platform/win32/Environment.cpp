@@ -74,12 +74,30 @@ public:
 
     std::optional<std::uint64_t> number(const wchar_t* property) const
     {
-        const std::string digits = text(property);
-        if (digits.empty() || digits.find_first_not_of("0123456789") != std::string::npos)
+        Variant value;
+        if (FAILED(m_object->Get(property, 0, value.put(), nullptr, nullptr)))
             return std::nullopt;
-        try {
+        const VARIANT& v = value.get();
+        switch (v.vt) {
+        case VT_I4: // CIM uint32 travels as a signed VT_I4: 4 GB of video memory reads negative
+            return static_cast<std::uint32_t>(v.lVal);
+        case VT_INT:
+            return static_cast<std::uint32_t>(v.intVal);
+        case VT_UI4:
+            return v.ulVal;
+        case VT_I2:
+            return static_cast<std::uint16_t>(v.iVal);
+        case VT_UI2:
+            return v.uiVal;
+        case VT_UI1:
+            return v.bVal;
+        case VT_BSTR: { // CIM uint64
+            const std::string digits = v.bstrVal != nullptr ? win32::utf8(v.bstrVal) : std::string();
+            if (digits.empty() || digits.size() > 19 || digits.find_first_not_of("0123456789") != std::string::npos)
+                return std::nullopt;
             return std::stoull(digits);
-        } catch (const std::exception&) {
+        }
+        default:
             return std::nullopt;
         }
     }

@@ -98,6 +98,9 @@ class Win32GameScreen final : public GameScreen {
 public:
     GameWindowState state(std::string_view title) override
     {
+        // FindWindowW would match any untitled window; an empty name names no game.
+        if (title.empty())
+            return GameWindowState::Missing;
         HWND window = FindWindowW(nullptr, win32::wide(title).c_str());
         if (window == nullptr)
             return GameWindowState::Missing;
