@@ -74,16 +74,13 @@ std::optional<Frame> frameOfBitmap(HBITMAP bitmap, HPALETTE palette)
     WindowDC screen;
     if (!screen)
         return std::nullopt;
-    HPALETTE previous = nullptr;
-    if (palette != nullptr) {
-        previous = SelectPalette(screen.get(), palette, FALSE);
-        RealizePalette(screen.get());
-    }
     BITMAPINFO info = topDown24(width, height);
     std::vector<std::uint8_t> bits(stride24(width) * static_cast<std::size_t>(height));
-    const int rows = GetDIBits(screen.get(), bitmap, 0, static_cast<UINT>(height), bits.data(), &info, DIB_RGB_COLORS);
-    if (previous != nullptr)
-        SelectPalette(screen.get(), previous, FALSE);
+    int rows = 0;
+    {
+        const win32::PaletteSelection selected(screen.get(), palette);
+        rows = GetDIBits(screen.get(), bitmap, 0, static_cast<UINT>(height), bits.data(), &info, DIB_RGB_COLORS);
+    }
     if (rows != height)
         return std::nullopt;
     Frame frame(width, height);

@@ -79,6 +79,28 @@ private:
     HGDIOBJ m_previous;
 };
 
+// A palette selected and realised in a DC for the scope; nothing for a null palette.
+class PaletteSelection {
+public:
+    PaletteSelection(HDC dc, HPALETTE palette)
+        : m_dc(dc), m_previous(palette != nullptr ? SelectPalette(dc, palette, FALSE) : nullptr)
+    {
+        if (m_previous != nullptr)
+            RealizePalette(dc);
+    }
+    ~PaletteSelection()
+    {
+        if (m_previous != nullptr)
+            SelectPalette(m_dc, m_previous, FALSE);
+    }
+    PaletteSelection(const PaletteSelection&) = delete;
+    PaletteSelection& operator=(const PaletteSelection&) = delete;
+
+private:
+    HDC m_dc;
+    HPALETTE m_previous;
+};
+
 // The clipboard, open for the scope. Another program may hold it: check `isOpen`.
 class OpenedClipboard {
 public:
