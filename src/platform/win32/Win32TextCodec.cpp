@@ -42,8 +42,16 @@ public:
     {
         bool ok = false;
         // Broken UTF-8 becomes U+FFFD here and "?" below; no best-fit look-alikes.
-        const std::wstring wide = wideFrom(CP_UTF8, 0, utf8, ok);
-        return bytesFrom(kJapanese, WC_NO_BEST_FIT_CHARS, wide, "?");
+        std::wstring wide = wideFrom(CP_UTF8, 0, utf8, ok);
+        // CP932 has nothing beyond the BMP; one "?" per character, not per UTF-16 unit.
+        std::wstring units;
+        units.reserve(wide.size());
+        for (std::size_t i = 0; i < wide.size(); ++i) {
+            const bool pair = IS_HIGH_SURROGATE(wide[i]) && i + 1 < wide.size() && IS_LOW_SURROGATE(wide[i + 1]);
+            units.push_back(pair ? L'?' : wide[i]);
+            i += pair;
+        }
+        return bytesFrom(kJapanese, WC_NO_BEST_FIT_CHARS, units, "?");
     }
 
     std::optional<std::string> fromCp932(std::string_view bytes) override
