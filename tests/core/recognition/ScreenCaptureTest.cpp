@@ -86,14 +86,16 @@ TEST_F(ScreenCaptureTest, TheRoutesTakeWhatTheSettingAndThePlatformAllow)
         for (int twice = 0; twice < 2; ++twice) {
             std::optional<CaptureBitmap> image;
             EXPECT_EQ(fresh.take(settings.CaptureRegion, image), c.result);
-            if (c.expected != nullptr)
+            if (c.expected != nullptr) {
                 EXPECT_TRUE(image && image->pixels == c.expected->pixels);
+            }
         }
         EXPECT_EQ(count("print screen key"), c.pressed ? 2u : 0u);
         // Lag is waited only when the key was really there to press.
         EXPECT_EQ(count("wait 500"), c.pressed && c.keyExists ? 2u : 0u);
-        if (c.logLine != nullptr)
+        if (c.logLine != nullptr) {
             EXPECT_EQ(logged(c.logLine), 1u) << "said once";
+        }
     }
 }
 
