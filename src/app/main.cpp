@@ -20,12 +20,10 @@
 #include "ports/ScreenSource.h"
 #include "shell/DebugLog.h"
 #include "shell/Errors.h"
-#include "shell/StartupChecks.h"
 #include "shell/Utf8Path.h"
 
 #include <QApplication>
 #include <QSocketNotifier>
-#include <QMessageBox>
 #include <QStringList>
 
 #include <cstdio>

@@ -78,52 +78,6 @@ TEST_F(ClipboardTest, BitmapsOfEveryDepthComeBackAs24BitsBottomUp)
     }
 }
 
-TEST_F(ClipboardTest, PaletteBitmapIsReadThroughItsPalette)
-{
-    // Wine 8 keeps eight-bit device bitmaps with its default colours, whatever palette is
-    // selected, and exporting CF_PALETTE to the X selection upsets its clipboard.
-    if (test::runningUnderWine())
-        GTEST_SKIP() << "Wine does not map palette bitmaps through the clipboard palette";
-    // Four colours, eight-bit indices: the colours exist only in the palette.
-    struct {
-        LOGPALETTE header;
-        PALETTEENTRY more[3];
-    } palette{};
-    palette.header.palVersion = 0x300;
-    palette.header.palNumEntries = 4;
-    PALETTEENTRY* entries = palette.header.palPalEntry;
-    entries[0] = {200, 10, 20, 0};
-    entries[1] = {30, 180, 40, 0};
-    entries[2] = {50, 60, 170, 0};
-    entries[3] = {255, 255, 255, 0};
-    HPALETTE colours = CreatePalette(&palette.header);
-    ASSERT_NE(colours, nullptr);
-    std::uint8_t indices[4][8];
-    for (int y = 0; y < 4; ++y)
-        for (int x = 0; x < 8; ++x)
-            indices[y][x] = static_cast<std::uint8_t>((x + y) % 4);
-    HBITMAP bitmap = CreateBitmap(8, 4, 1, 8, indices);
-    ASSERT_NE(bitmap, nullptr);
-    ASSERT_TRUE(OpenClipboard(nullptr));
-    EmptyClipboard();
-    const bool placed = SetClipboardData(CF_BITMAP, bitmap) != nullptr && SetClipboardData(CF_PALETTE, colours) != nullptr;
-    CloseClipboard();
-    ASSERT_TRUE(placed);
-
-    const auto taken = screen->clipboardPicture();
-    ASSERT_TRUE(taken.has_value());
-    const Frame frame = toFrame(*taken);
-    ASSERT_EQ(frame.width(), 8);
-    ASSERT_EQ(frame.height(), 4);
-    for (int y = 0; y < 4; ++y)
-        for (int x = 0; x < 8; ++x) {
-            const PALETTEENTRY& e = entries[(x + y) % 4];
-            const std::uint8_t* p = frame.row(y) + 3 * x;
-            EXPECT_EQ((std::array<int, 3>{p[2], p[1], p[0]}), (std::array<int, 3>{e.peRed, e.peGreen, e.peBlue}))
-                << x << "," << y;
-        }
-}
-
 TEST_F(ClipboardTest, TakingThePictureLeavesItOnTheClipboard)
 {
     const Frame picture = test::noiseFrame(16, 16, 8);
