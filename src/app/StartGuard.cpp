@@ -2,7 +2,7 @@
 
 #include "ports/Prompter.h"
 #include "shell/StartupChecks.h"
-#include "shell/Utf8Path.h"
+#include "base/Utf8Path.h"
 
 namespace tvx::app {
 

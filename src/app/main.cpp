@@ -14,13 +14,13 @@
 
 #include "config/ConfigFile.h"
 #include "config/Settings.h"
-#include "measurement/Meter.h"
+#include "meter/Meter.h"
 #include "ports/GameWindowProbe.h"
 #include "ports/Prompter.h"
 #include "ports/ScreenSource.h"
 #include "shell/DebugLog.h"
-#include "shell/Errors.h"
-#include "shell/Utf8Path.h"
+#include "base/Errors.h"
+#include "base/Utf8Path.h"
 
 #include <QApplication>
 #include <QSocketNotifier>

@@ -5,7 +5,7 @@
 
 #include "config/ConfigFile.h"
 #include "shell/DebugLog.h"
-#include "shell/Utf8Path.h"
+#include "base/Utf8Path.h"
 
 #include <ostream>
 

@@ -6,8 +6,8 @@
 
 #include "recognition/CaptureFile.h"
 #include "recognition/ScreenRecognizer.h"
-#include "shell/Errors.h"
-#include "shell/Utf8Path.h"
+#include "base/Errors.h"
+#include "base/Utf8Path.h"
 
 #include <array>
 #include <optional>

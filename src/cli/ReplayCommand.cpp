@@ -4,7 +4,7 @@
 #include "SystemClock.h"
 #include "TextCodecFactory.h"
 
-#include "measurement/Meter.h"
+#include "meter/Meter.h"
 #include "ports/Clock.h"
 #include "ports/GameWindowProbe.h"
 #include "ports/MeterView.h"
@@ -14,8 +14,8 @@
 #include "ports/Sound.h"
 #include "ports/Waiter.h"
 #include "shell/DebugLog.h"
-#include "shell/Errors.h"
-#include "shell/Utf8Path.h"
+#include "base/Errors.h"
+#include "base/Utf8Path.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -4,7 +4,7 @@
 #include "config/ConfigFile.h"
 #include "recognition/CaptureFile.h"
 #include "recognition/GlyphPainter.h"
-#include "shell/Utf8Path.h"
+#include "base/Utf8Path.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>

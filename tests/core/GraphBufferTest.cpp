@@ -1,7 +1,7 @@
 #include "graph/clsGraphBuffer.h"
 
-#include "shell/DateTime.h"
-#include "shell/Errors.h"
+#include "base/DateTime.h"
+#include "base/Errors.h"
 #include "support/FakeClock.h"
 
 #include <gtest/gtest.h>

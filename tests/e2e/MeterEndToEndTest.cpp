@@ -7,7 +7,7 @@
 #include "config/Settings.h"
 #include "measurement/ExpTable.h"
 #include "recognition/CaptureFile.h"
-#include "shell/Utf8Path.h"
+#include "base/Utf8Path.h"
 #include "support/CsvFields.h"
 #include "support/ReadFile.h"
 #include "support/TempFolder.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ports/Clock.h"
-#include "shell/DateTime.h"
+#include "base/DateTime.h"
 
 #include <cstdint>
 

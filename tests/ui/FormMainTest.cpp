@@ -1,6 +1,6 @@
 #include "FormMain.h"
 
-#include "measurement/Meter.h"
+#include "meter/Meter.h"
 #include "shell/DebugLog.h"
 #include "support/FakeMachine.h"
 #include "support/GameScreen.h"

@@ -7,7 +7,7 @@
 #include "ports/ScreenSource.h"
 #include "ports/Waiter.h"
 #include "recognition/GlyphPainter.h"
-#include "shell/Utf8Path.h"
+#include "base/Utf8Path.h"
 #include "support/FakeClock.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TempFolder.h"

@@ -3,7 +3,7 @@
 
 #include "config/Settings.h"
 #include "graph/clsGraphBuffer.h"
-#include "measurement/MeterState.h"
+#include "meter/MeterState.h"
 #include "shell/DebugLog.h"
 #include "support/FakeClock.h"
 #include "support/TempFolder.h"

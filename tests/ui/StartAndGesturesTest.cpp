@@ -2,7 +2,7 @@
 #include "FormMain.h"
 #include "StartGuard.h"
 
-#include "measurement/Meter.h"
+#include "meter/Meter.h"
 #include "shell/DebugLog.h"
 #include "support/FakeMachine.h"
 #include "support/ReadFile.h"

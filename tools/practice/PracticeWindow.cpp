@@ -2,7 +2,7 @@
 
 #include "PracticeScene.h"
 
-#include "shell/Utf8Path.h"
+#include "base/Utf8Path.h"
 
 #include <QFont>
 #include <QKeyEvent>

@@ -1,6 +1,6 @@
 #include "config/ConfigFile.h"
 
-#include "shell/Utf8Path.h"
+#include "base/Utf8Path.h"
 #include "shell/TextWidth.h"
 
 #include <array>

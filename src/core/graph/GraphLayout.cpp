@@ -1,7 +1,7 @@
 #include "graph/GraphLayout.h"
 
 #include "graph/StepTrap.h"
-#include "shell/Errors.h"
+#include "base/Errors.h"
 
 
 namespace tvx {

@@ -2,7 +2,7 @@
 
 #include "graph/StepTrap.h"
 #include "graph/clsGraphBuffer.h"
-#include "shell/Errors.h"
+#include "base/Errors.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "measurement/Currency.h"
+#include "base/Currency.h"
 
 #include <array>
 #include <cstdint>

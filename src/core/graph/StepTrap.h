@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/Errors.h"
+#include "base/Errors.h"
 
 #include <new>
 #include <optional>

@@ -1,8 +1,8 @@
 #include "graph/clsGraphBuffer.h"
 
 #include "ports/Clock.h"
-#include "shell/DateTime.h"
-#include "shell/Errors.h"
+#include "base/DateTime.h"
+#include "base/Errors.h"
 
 #include <algorithm>
 #include <cmath>

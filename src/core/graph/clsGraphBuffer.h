@@ -1,7 +1,7 @@
 #pragma once
 
 #include "graph/clsGraphFormat.h"
-#include "measurement/Currency.h"
+#include "base/Currency.h"
 
 #include <cstdint>
 #include <deque>

@@ -4,11 +4,11 @@
 #include "ports/Clock.h"
 #include "ports/GameWindowProbe.h"
 #include "ports/Waiter.h"
-#include "recognition/RecognitionCycle.h"
-#include "recognition/ScreenImages.h"
+#include "meter/RecognitionCycle.h"
+#include "meter/ScreenImages.h"
 #include "recognition/ScreenRecognizer.h"
 #include "shell/DebugLog.h"
-#include "shell/Errors.h"
+#include "base/Errors.h"
 #include "shell/LogBox.h"
 
 namespace tvx {

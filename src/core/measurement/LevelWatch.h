@@ -1,9 +1,9 @@
 #pragma once
 
 #include "config/Settings.h"
-#include "measurement/Currency.h"
-#include "measurement/MeterPorts.h"
-#include "measurement/MeterState.h"
+#include "base/Currency.h"
+#include "meter/MeterPorts.h"
+#include "meter/MeterState.h"
 
 namespace tvx {
 

@@ -7,7 +7,7 @@
 #include "ports/MeterView.h"
 #include "ports/Waiter.h"
 #include "shell/DebugLog.h"
-#include "shell/Errors.h"
+#include "base/Errors.h"
 #include "shell/Launcher.h"
 #include "shell/LogBox.h"
 

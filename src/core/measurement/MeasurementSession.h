@@ -1,10 +1,10 @@
 #pragma once
 
 #include "config/Settings.h"
-#include "measurement/Currency.h"
-#include "measurement/MeterPorts.h"
-#include "measurement/MeterState.h"
-#include "shell/DateTime.h"
+#include "base/Currency.h"
+#include "meter/MeterPorts.h"
+#include "meter/MeterState.h"
+#include "base/DateTime.h"
 
 #include <cstdint>
 #include <functional>

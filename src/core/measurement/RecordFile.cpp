@@ -1,8 +1,8 @@
 #include "measurement/RecordFile.h"
 
 #include "ports/TextCodec.h"
-#include "shell/Errors.h"
-#include "shell/Utf8Path.h"
+#include "base/Errors.h"
+#include "base/Utf8Path.h"
 
 #include <fstream>
 #include <system_error>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "measurement/Currency.h"
-#include "shell/DateTime.h"
+#include "base/Currency.h"
+#include "base/DateTime.h"
 
 #include <cstdint>
 #include <string>

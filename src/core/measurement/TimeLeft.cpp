@@ -4,7 +4,7 @@
 #include "measurement/RecordFormat.h"
 #include "ports/Prompter.h"
 #include "shell/DebugLog.h"
-#include "shell/Errors.h"
+#include "base/Errors.h"
 #include "shell/LogBox.h"
 
 #include <cmath>

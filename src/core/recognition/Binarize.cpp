@@ -1,6 +1,6 @@
 #include "recognition/Binarize.h"
 
-#include "shell/Errors.h"
+#include "base/Errors.h"
 
 #include <algorithm>
 #include <array>

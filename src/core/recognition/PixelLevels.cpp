@@ -1,6 +1,6 @@
 #include "recognition/PixelLevels.h"
 
-#include "shell/Errors.h"
+#include "base/Errors.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #include "recognition/ScreenRecognizer.h"
 
 #include "recognition/Binarize.h"
-#include "shell/Errors.h"
+#include "base/Errors.h"
 
 #include <charconv>
 

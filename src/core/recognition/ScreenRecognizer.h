@@ -1,7 +1,7 @@
 #pragma once
 
 #include "config/Settings.h"
-#include "measurement/Currency.h"
+#include "base/Currency.h"
 #include "recognition/CaptureFile.h"
 #include "recognition/PixelLevels.h"
 #include "recognition/Recognizer.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ports/Clock.h"
-#include "shell/Errors.h"
+#include "base/Errors.h"
 
 #include <filesystem>
 #include <string_view>

@@ -1,7 +1,7 @@
 #include "config/ConfigFile.h"
 
 #include "TextCodecFactory.h"
-#include "shell/Utf8Path.h"
+#include "base/Utf8Path.h"
 #include "support/ReadFile.h"
 #include "support/FakeClock.h"
 #include "support/ScriptedPrompter.h"

@@ -1,5 +1,5 @@
 #include "measurement/RecordFile.h"
-#include "shell/Errors.h"
+#include "base/Errors.h"
 
 #include "support/ReadFile.h"
 #include "support/FakeMachine.h"

@@ -1,5 +1,5 @@
 #include "recognition/Binarize.h"
-#include "shell/Errors.h"
+#include "base/Errors.h"
 
 #include <gtest/gtest.h>
 

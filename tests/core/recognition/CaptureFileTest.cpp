@@ -1,6 +1,6 @@
 #include "recognition/CaptureFile.h"
 #include "recognition/PixelLevels.h"
-#include "shell/Errors.h"
+#include "base/Errors.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>

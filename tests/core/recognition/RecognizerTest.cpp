@@ -1,6 +1,6 @@
 #include "recognition/GlyphPainter.h"
 #include "recognition/Recognizer.h"
-#include "shell/Errors.h"
+#include "base/Errors.h"
 
 #include <gtest/gtest.h>
 

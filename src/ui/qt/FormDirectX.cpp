@@ -1,6 +1,6 @@
 #include "FormDirectX.h"
 
-#include "measurement/Meter.h"
+#include "meter/Meter.h"
 #include "ports/Prompter.h"
 #include "ports/Waiter.h"
 #include "shell/DebugLog.h"

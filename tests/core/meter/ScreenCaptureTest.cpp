@@ -1,4 +1,4 @@
-#include "recognition/ScreenCapture.h"
+#include "meter/ScreenCapture.h"
 
 #include "shell/DebugLog.h"
 #include "support/FakeMachine.h"

@@ -7,11 +7,11 @@
 #include "QtText.h"
 
 #include "graph/GraphLayout.h"
-#include "measurement/Meter.h"
+#include "meter/Meter.h"
 #include "recognition/CaptureFile.h"
 #include "shell/DebugLog.h"
-#include "shell/Errors.h"
-#include "shell/Utf8Path.h"
+#include "base/Errors.h"
+#include "base/Utf8Path.h"
 
 #include <QAction>
 #include <QCloseEvent>

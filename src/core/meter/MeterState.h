@@ -2,8 +2,8 @@
 
 #include "graph/GraphView.h"
 #include "graph/clsGraphBuffer.h"
-#include "measurement/Currency.h"
-#include "shell/DateTime.h"
+#include "base/Currency.h"
+#include "base/DateTime.h"
 
 #include <array>
 #include <cstdint>

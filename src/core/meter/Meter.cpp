@@ -1,4 +1,4 @@
-#include "measurement/Meter.h"
+#include "meter/Meter.h"
 
 #include "measurement/TimeLeft.h"
 #include "ports/Clock.h"
@@ -6,7 +6,7 @@
 #include "ports/Sound.h"
 #include "ports/Waiter.h"
 #include "shell/DebugLog.h"
-#include "shell/Errors.h"
+#include "base/Errors.h"
 
 namespace tvx {
 

@@ -1,10 +1,10 @@
-#include "recognition/ScreenImages.h"
+#include "meter/ScreenImages.h"
 
 #include "ports/ImageEncoder.h"
-#include "recognition/ScreenCapture.h"
+#include "meter/ScreenCapture.h"
 #include "shell/DebugLog.h"
-#include "shell/Errors.h"
-#include "shell/Utf8Path.h"
+#include "base/Errors.h"
+#include "base/Utf8Path.h"
 
 namespace tvx {
 

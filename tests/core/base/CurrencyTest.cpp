@@ -1,5 +1,5 @@
-#include "measurement/Currency.h"
-#include "shell/Errors.h"
+#include "base/Currency.h"
+#include "base/Errors.h"
 
 #include <gtest/gtest.h>
 

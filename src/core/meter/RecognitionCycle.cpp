@@ -1,4 +1,4 @@
-#include "recognition/RecognitionCycle.h"
+#include "meter/RecognitionCycle.h"
 
 #include "measurement/MeasurementSession.h"
 #include "ports/Clock.h"
@@ -7,10 +7,10 @@
 #include "ports/ScreenSource.h"
 #include "ports/Sound.h"
 #include "ports/Waiter.h"
-#include "recognition/ScreenCapture.h"
+#include "meter/ScreenCapture.h"
 #include "recognition/ScreenRecognizer.h"
 #include "shell/DebugLog.h"
-#include "shell/Errors.h"
+#include "base/Errors.h"
 
 #include <cstdio>
 #include <vector>

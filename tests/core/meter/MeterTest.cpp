@@ -1,4 +1,4 @@
-#include "measurement/Meter.h"
+#include "meter/Meter.h"
 
 #include "shell/DebugLog.h"
 #include "support/CsvFields.h"

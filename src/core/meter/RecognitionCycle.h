@@ -1,8 +1,8 @@
 #pragma once
 
 #include "config/Settings.h"
-#include "measurement/MeterPorts.h"
-#include "measurement/MeterState.h"
+#include "meter/MeterPorts.h"
+#include "meter/MeterState.h"
 #include "recognition/CaptureFile.h"
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "recognition/GestureMatcher.h"
+#include "meter/GestureMatcher.h"
 
 #include <array>
 #include <utility>

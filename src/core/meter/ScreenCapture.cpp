@@ -1,4 +1,4 @@
-#include "recognition/ScreenCapture.h"
+#include "meter/ScreenCapture.h"
 
 #include "ports/ScreenSource.h"
 #include "ports/Waiter.h"

@@ -1,6 +1,6 @@
-#include "measurement/Currency.h"
+#include "base/Currency.h"
 
-#include "shell/Errors.h"
+#include "base/Errors.h"
 
 #include <cmath>
 #include <limits>

@@ -2,7 +2,7 @@
 
 #include "QtText.h"
 
-#include "shell/Utf8Path.h"
+#include "base/Utf8Path.h"
 
 #include <QApplication>
 #include <QDesktopServices>

@@ -11,7 +11,7 @@
 #include "ports/ScreenSource.h"
 #include "ports/Waiter.h"
 #include "recognition/ScreenRecognizer.h"
-#include "shell/Utf8Path.h"
+#include "base/Utf8Path.h"
 
 #include <QCheckBox>
 #include <QComboBox>

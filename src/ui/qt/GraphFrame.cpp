@@ -11,7 +11,7 @@
 #include "graph/GraphScale.h"
 #include "graph/StepTrap.h"
 #include "graph/clsGraphBuffer.h"
-#include "measurement/MeterState.h"
+#include "meter/MeterState.h"
 #include "shell/DebugLog.h"
 
 #include <QEvent>
