@@ -1,0 +1,34 @@
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+
+namespace tvx {
+class Clock;
+class ConfigFile;
+class Prompter;
+class ScreenSource;
+class Waiter;
+struct CaptureBitmap;
+} // namespace tvx
+
+namespace tvx::win32ui {
+
+// What the options window works with. The pattern capture needs screen, waiter and clock;
+// without all three its button is disabled.
+struct OptionsContext {
+    ConfigFile* config = nullptr;
+    const CaptureBitmap* lastCapture = nullptr;
+    ScreenSource* screen = nullptr;
+    Waiter* waiter = nullptr;
+    Clock* clock = nullptr;
+    Prompter* prompter = nullptr;
+    // A load, reset or edit changed settings that others show (the target name, the graph).
+    std::function<void()> settingsChanged;
+};
+
+// The options window, modal over owner; returns when the player closes it.
+void ShowFormOption(HWND owner, const OptionsContext& context);
+
+} // namespace tvx::win32ui
