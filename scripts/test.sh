@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Builds and runs every test: the debug build (warnings are errors), the unit tests again
 # under AddressSanitizer + UndefinedBehaviorSanitizer, and the Windows cross build with
-# its Win32 back-end tests under wine on a virtual X screen.
+# the core unit tests and the Win32 back-end tests under wine on a virtual X screen; last,
+# the Linux and the Windows command line replay one session and must agree byte for byte.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -21,7 +22,8 @@ echo "== Windows cross build (MinGW-w64)"
 cmake --preset mingw
 cmake --build --preset mingw
 
-echo "== Win32 back-end tests under wine"
+echo "== core unit tests and Win32 back-end tests under wine"
+wineStarted=$SECONDS
 # Debian's wine64 package alone installs no "wine" on the PATH.
 wine=$(command -v wine || command -v wine64 || echo /usr/lib/wine/wine64)
 wineserver=$(command -v wineserver || echo /usr/lib/wine/wineserver)
@@ -55,6 +57,13 @@ if [ ! -f "$WINEPREFIX/system.reg" ]; then
   "$wineserver" -w
 fi
 [ -f "$WINEPREFIX/system.reg" ] || { echo "wine prefix could not be created"; exit 1; }
+# One wine server for every test program: starting one for each costs seconds.
+"$wineserver" -p
 ctest --preset mingw
+
+echo "== replay comparison: the Linux and the Windows command line on one session"
+TALLIVEX_WINDOWS_CLI="$PWD/build/mingw/src/cli/tallivex-cli.exe" TALLIVEX_WINE="$wine" \
+  build/ci/tests/replay/tallivex_replay_comparison
+echo "wine part: $((SECONDS - wineStarted)) s"
 
 echo "All tests passed."

@@ -1,4 +1,5 @@
 // tallivex: the desktop meter.
+#include "CommandLine.h"
 #include "Environment.h"
 #include "FormMain.h"
 #include "GameScreen.h"
@@ -24,18 +25,33 @@
 
 #include <QApplication>
 #include <QSocketNotifier>
-#include <QStringList>
 
+#include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace {
 
-std::optional<std::filesystem::path> homeOverride(const QStringList& args)
+using Arguments = std::vector<std::string>;
+
+// The value after an option, or nullopt when the option is not given; an option without
+// its value gives "".
+std::optional<std::string> optionValue(const Arguments& args, std::string_view option)
 {
-    const qsizetype at = args.indexOf(QStringLiteral("--home"));
-    if (at >= 0 && at + 1 < args.size())
-        return tvx::utf8Path(args.at(at + 1).toStdString());
+    const auto at = std::find(args.begin(), args.end(), option);
+    if (at == args.end())
+        return std::nullopt;
+    return at + 1 == args.end() ? std::string() : *(at + 1);
+}
+
+std::optional<std::filesystem::path> homeOverride(const Arguments& args)
+{
+    const auto value = optionValue(args, "--home");
+    if (value && !value->empty())
+        return tvx::utf8Path(*value);
     return std::nullopt;
 }
 
@@ -58,14 +74,15 @@ void writeStartLines(tvx::DebugLog& log, const std::string& title, const std::fi
 
 // --interval SECONDS: captures that often instead of every CaptureInterval minutes, so a
 // newcomer sees the meter at work against the practice target within a minute.
-std::optional<std::int32_t> intervalOption(const QStringList& args, bool& bad)
+std::optional<std::int32_t> intervalOption(const Arguments& args, bool& bad)
 {
-    const qsizetype at = args.indexOf(QStringLiteral("--interval"));
-    if (at < 0)
+    const auto value = optionValue(args, "--interval");
+    if (!value)
         return std::nullopt;
-    bool ok = false;
-    const int seconds = at + 1 < args.size() ? args.at(at + 1).toInt(&ok) : 0;
-    bad = !ok || seconds < 1 || seconds > 86400;
+    int seconds = 0;
+    const char* end = value->data() + value->size();
+    const auto [stop, error] = std::from_chars(value->data(), end, seconds);
+    bad = error != std::errc() || stop != end || seconds < 1 || seconds > 86400;
     return bad ? std::nullopt : std::optional<std::int32_t>(seconds);
 }
 
@@ -73,14 +90,15 @@ std::optional<std::int32_t> intervalOption(const QStringList& args, bool& bad)
 
 int main(int argc, char** argv)
 {
+    const Arguments args = tvx::platform::commandLineUtf8(argc, argv);
     QApplication app(argc, argv);
     bool badInterval = false;
-    const auto interval = intervalOption(QApplication::arguments(), badInterval);
+    const auto interval = intervalOption(args, badInterval);
     if (badInterval) {
         std::fprintf(stderr, "usage: tallivex [--home DIR] [--interval SECONDS (1..86400)]\n");
         return 2;
     }
-    const std::filesystem::path home = tvx::platform::homeFolder(homeOverride(QApplication::arguments()));
+    const std::filesystem::path home = tvx::platform::homeFolder(homeOverride(args));
     tvx::ui::QtPrompter prompter;
     const auto instance =
         tvx::app::guardStart(home, tvx::platform::programFolder(), tvx::platform::temporaryFolder(), prompter);

@@ -58,7 +58,7 @@ bool recognizeImage(const std::string& image, const Options& options, ScreenReco
                     std::ostream& out, std::ostream& err)
 {
     CaptureBitmap bitmap;
-    const CaptureLoadResult loaded = LoadCaptureBitmap(image, bitmap);
+    const CaptureLoadResult loaded = LoadCaptureBitmap(utf8Path(image), bitmap);
     if (loaded != CaptureLoadResult::Read) {
         err << image << ": cannot read the image (result " << static_cast<int>(loaded) << ": " << describe(loaded)
             << ")\n";

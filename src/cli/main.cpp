@@ -3,6 +3,9 @@
 #include "RecognizeCommand.h"
 #include "ReplayCommand.h"
 
+#include "CommandLine.h"
+#include "StandardStreams.h"
+
 #include <iostream>
 #include <string>
 #include <vector>
@@ -37,8 +40,10 @@ void printUsage(std::ostream& out)
 int main(int argc, char** argv)
 {
     std::ios::sync_with_stdio(false);
-    const std::vector<std::string> args(argv + (argc > 1 ? 2 : 1), argv + argc);
-    const std::string command = argc > 1 ? argv[1] : "";
+    const tvx::platform::Utf8StandardStreams streams;
+    const std::vector<std::string> all = tvx::platform::commandLineUtf8(argc, argv);
+    const std::string command = all.size() > 1 ? all[1] : "";
+    const std::vector<std::string> args(all.size() > 2 ? all.begin() + 2 : all.end(), all.end());
     if (command == "recognize")
         return tvx::cli::runRecognize(args, std::cout, std::cerr);
     if (command == "replay")

@@ -5,6 +5,7 @@
 #include "recognition/CaptureFile.h"
 #include "recognition/GlyphPainter.h"
 #include "base/Utf8Path.h"
+#include "support/JsonPath.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -57,7 +58,7 @@ TEST_F(ConfigCommandTest, ShowCreatesAMissingFileWithTheAnsweredScreenMode)
     const std::string json = m_out.str();
     EXPECT_TRUE(json.starts_with("{\"CaptureRegion\":[{\"StartX\":38,\"StartY\":600,\"SizeX\":50,\"SizeY\":9},"))
         << json;
-    EXPECT_TRUE(has(json, ",\"SaveFolder\":\"" + pathUtf8(m_home) + "\",\"SaveFile\":\"給与明細\","));
+    EXPECT_TRUE(has(json, ",\"SaveFolder\":\"" + test::jsonPath(m_home) + "\",\"SaveFile\":\"給与明細\","));
     EXPECT_TRUE(json.ends_with(",\"SearchWindowName\":\"MapleStory\"}\n")) << json;
     EXPECT_TRUE(has(m_err.str(), "を選択してください。 -> いいえ\n")) << m_err.str();
     EXPECT_TRUE(has(file(), "     38 ,    600 ,     50 ,      9 , "));

@@ -1,8 +1,10 @@
 #include "RecognizeCommand.h"
+#include "base/Utf8Path.h"
 
 #include "config/Settings.h"
 #include "recognition/CaptureFile.h"
 #include "support/GameScreen.h"
+#include "support/JsonPath.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -25,9 +27,8 @@ protected:
         for (std::size_t i = 0; i < texts.size(); ++i)
             texts[i] = numbers[i] != nullptr ? numbers[i] : "";
         const Frame frame = test::gameScreen(texts, mode, seed);
-        const auto path = (m_folder / name).string();
-        EXPECT_TRUE(writeBitmap24(path, frame));
-        return path;
+        EXPECT_TRUE(writeBitmap24(m_folder / name, frame));
+        return pathUtf8(m_folder / name);
     }
 
     int run(std::vector<std::string> args)
@@ -48,8 +49,9 @@ TEST_F(RecognizeCommandTest, PrintsOneJsonLinePerImage)
     const auto first = screen("a.bmp", {"137", "4567890", "1234567890"});
     const auto second = screen("b.bmp", {"8", nullptr, "0"}, ScreenMode::FullScreen, 2);
     EXPECT_EQ(run({first, second}), 0);
-    EXPECT_EQ(m_out.str(), "{\"file\":\"" + first + "\",\"level\":137,\"exp\":4567890,\"money\":1234567890}\n" +
-                               "{\"file\":\"" + second + "\",\"level\":8,\"exp\":-1,\"money\":0}\n");
+    EXPECT_EQ(m_out.str(), "{\"file\":\"" + test::jsonPath(m_folder / "a.bmp") +
+                               "\",\"level\":137,\"exp\":4567890,\"money\":1234567890}\n" + "{\"file\":\"" +
+                               test::jsonPath(m_folder / "b.bmp") + "\",\"level\":8,\"exp\":-1,\"money\":0}\n");
     EXPECT_EQ(m_err.str(), "");
 }
 
@@ -75,12 +77,11 @@ TEST_F(RecognizeCommandTest, UnreadableImagesAreNamedAndTheRestStillRead)
 {
     const auto good = screen("good.bmp", {"9", "9", "9"});
     std::ofstream(m_folder / "broken.bmp", std::ios::binary) << "PK\x03\x04";
-    const auto broken = (m_folder / "broken.bmp").string();
-    const auto missing = (m_folder / "missing.bmp").string();
-    const auto png = (m_folder / "shot.png").string();
-    Frame tiny(20, 20);
-    const auto small = (m_folder / "small.bmp").string();
-    ASSERT_TRUE(writeBitmap24(small, tiny));
+    const auto broken = pathUtf8(m_folder / "broken.bmp");
+    const auto missing = pathUtf8(m_folder / "missing.bmp");
+    const auto png = pathUtf8(m_folder / "shot.png");
+    const auto small = pathUtf8(m_folder / "small.bmp");
+    ASSERT_TRUE(writeBitmap24(m_folder / "small.bmp", Frame(20, 20)));
 
     EXPECT_EQ(run({broken, missing, png, small, good}), 2);
     const std::string err = m_err.str();

@@ -1,4 +1,5 @@
 #include "ReplayCommand.h"
+#include "base/Utf8Path.h"
 
 #include "support/ReadFile.h"
 #include "support/GameScreen.h"
@@ -22,7 +23,7 @@ protected:
 
     int run(std::vector<std::string> extra)
     {
-        std::vector<std::string> args{frames.string(), "--save-folder", saves.string(), "--start", "2024-01-31 23:50"};
+        std::vector<std::string> args{pathUtf8(frames), "--save-folder", pathUtf8(saves), "--start", "2024-01-31 23:50"};
         args.insert(args.end(), extra.begin(), extra.end());
         out.str("");
         err.str("");
@@ -44,7 +45,7 @@ TEST_F(ReplayCommandTest, WritesTheRecordFileAndTheLogBox)
     frame("notes.txt.bmp", "1", "1", "1");    // not named by a second: ignored
     ASSERT_EQ(run({"--per-session", "--money-scan"}), 0) << err.str();
 
-    EXPECT_EQ(test::readAll(saves / "log" / "給与明細202401312350.txt"),
+    EXPECT_EQ(test::readAll(saves / "log" / utf8Path("給与明細202401312350.txt")),
               "\xEF\xBB\xBF 月日 時刻      Lv          Exp              メル           獲得Exp           獲得メル     "
               "Exp経過(分)   Exp時給(k/h)   メル経過(分)   メル時給(k/h)\r\n"
               "01/31 23:56    137    1,336,967,353            5,000            3,600                  0           6.0"
@@ -66,10 +67,10 @@ TEST_F(ReplayCommandTest, WritesTheRecordFileAndTheLogBox)
 TEST_F(ReplayCommandTest, RefusesBadArguments)
 {
     frame("0.bmp", "1", "2", "3");
-    EXPECT_EQ(cli::runReplay({frames.string()}, out, err), 1);
+    EXPECT_EQ(cli::runReplay({pathUtf8(frames)}, out, err), 1);
     EXPECT_EQ(run({"--start"}), 1);
-    EXPECT_EQ(cli::runReplay({frames.string(), "--save-folder", "x", "--start", "2024-02-30 10:00"}, out, err), 1);
-    EXPECT_EQ(cli::runReplay({(temp.path() / "none").string(), "--save-folder", "x"}, out, err), 1);
+    EXPECT_EQ(cli::runReplay({pathUtf8(frames), "--save-folder", "x", "--start", "2024-02-30 10:00"}, out, err), 1);
+    EXPECT_EQ(cli::runReplay({pathUtf8(temp.path() / "none"), "--save-folder", "x"}, out, err), 1);
     EXPECT_EQ(run({"--fast"}), 1);
     EXPECT_NE(err.str().find("unknown option --fast"), std::string::npos);
 }

@@ -51,7 +51,7 @@ std::vector<std::string> filesIn(const fs::path& folder)
     std::vector<std::string> names;
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(folder, error))
-        names.push_back(entry.path().filename().string());
+        names.push_back(pathUtf8(entry.path().filename()));
     std::sort(names.begin(), names.end());
     return names;
 }
@@ -134,7 +134,7 @@ protected:
 
 TEST_F(MeterEndToEndTest, TheMeterReadsThePracticeTargetAndAnswersGestures)
 {
-    test::Child practice({TALLIVEX_PRACTICE, "--state-file", state.string(), "--level", "50", "--exp-per-second",
+    test::Child practice({TALLIVEX_PRACTICE, "--state-file", pathUtf8(state), "--level", "50", "--exp-per-second",
                           "1234", "--money-per-second", "567"});
     ASSERT_TRUE(practice.started());
     std::string game;
@@ -142,7 +142,7 @@ TEST_F(MeterEndToEndTest, TheMeterReadsThePracticeTargetAndAnswersGestures)
     game = lines(game).front();
 
     // Beside the game, as a player would place it.
-    test::Child meter({TALLIVEX_METER, "--home", home.path().string(), "--interval", "2", "-qwindowgeometry",
+    test::Child meter({TALLIVEX_METER, "--home", pathUtf8(home.path()), "--interval", "2", "-qwindowgeometry",
                        "900x560+820+0"});
     ASSERT_TRUE(meter.started());
     ASSERT_TRUE(test::eventually([&] { return debugLog().find("Mouse Events Acquire") != std::string::npos; }, 20s))
@@ -202,7 +202,7 @@ TEST_F(MeterEndToEndTest, TheMeterReadsThePracticeTargetAndAnswersGestures)
     // The graph shows the rates: coloured curves in the right half of the meter's window
     // (everything else there is grey, black or white).
     const fs::path picture = home.path() / "screen.bmp";
-    test::output("import -window root BMP3:" + picture.string());
+    test::output("import -window root 'BMP3:" + pathUtf8(picture) + "'");
     CaptureBitmap screen;
     ASSERT_EQ(LoadCaptureBitmap(picture, screen), CaptureLoadResult::Read);
     const Frame frame = toFrame(screen);

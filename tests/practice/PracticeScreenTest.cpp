@@ -1,4 +1,5 @@
 #include "PracticeCharacter.h"
+#include "base/Utf8Path.h"
 #include "PracticeScene.h"
 #include "PracticeWindow.h"
 
@@ -91,7 +92,7 @@ protected:
         o.expPerTick = 1000;
         o.moneyPerTick = 7;
         o.tickMs = 3'600'000; // the test drives the ticks
-        o.stateFile = (m_folder.path() / "state.txt").string();
+        o.stateFile = pathUtf8(m_folder.path() / "state.txt");
         return o;
     }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Utf8Path.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -9,15 +11,17 @@
 namespace tvx::test {
 
 // A fresh folder for one test, unique per test, process (ctest runs tests in parallel)
-// and instance (a test may need two), removed with everything in it at the end.
+// and instance (a test may need two), removed with everything in it at the end. Its name
+// holds Japanese and blanks, as players' folders do, so every file test also checks that
+// paths go through UTF-8 correctly (Windows reads narrow strings in the ANSI code page).
 class TempFolder {
 public:
     TempFolder()
     {
         const auto* info = testing::UnitTest::GetInstance()->current_test_info();
         m_path = std::filesystem::temp_directory_path() /
-                 ("tallivex-" + std::string(info->test_suite_name()) + "-" + info->name() + "-" +
-                  std::to_string(getpid()) + "-" + std::to_string(++instances()));
+                 utf8Path("tallivex 試験 " + std::string(info->test_suite_name()) + "-" + info->name() + "-" +
+                          std::to_string(getpid()) + "-" + std::to_string(++instances()));
         std::filesystem::remove_all(m_path);
         std::filesystem::create_directories(m_path);
     }

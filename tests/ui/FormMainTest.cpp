@@ -1,4 +1,5 @@
 #include "FormMain.h"
+#include "base/Utf8Path.h"
 
 #include "meter/Meter.h"
 #include "shell/DebugLog.h"
@@ -21,7 +22,7 @@ class FormMainTest : public testing::Test {
 protected:
     FormMainTest()
     {
-        settings.SaveFolder = temp.path().string();
+        settings.SaveFolder = pathUtf8(temp.path());
         settings.StartDelay = 0;
         window.attach(meter);
     }

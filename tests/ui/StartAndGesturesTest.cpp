@@ -1,4 +1,5 @@
 #include "FormDirectX.h"
+#include "base/Utf8Path.h"
 #include "FormMain.h"
 #include "StartGuard.h"
 
@@ -33,7 +34,7 @@ TEST(StartGuard, RefusesASecondInstanceAndTheTemporaryFolder)
     EXPECT_TRUE(app::guardStart(home.path(), home.path(), noTemp, prompter)) << "free again once the first ended";
 
     prompter.shown.clear();
-    const std::string temp = home.path().parent_path().string();
+    const std::string temp = pathUtf8(home.path().parent_path());
     EXPECT_FALSE(app::guardStart(home.path(), home.path() / "Tallivex", {temp, ""}, prompter));
     ASSERT_EQ(prompter.shown.size(), 1u);
     EXPECT_EQ(prompter.shown[0].text.substr(0, prompter.shown[0].text.find("\r\n")), "テンポラリフォルダでは実行できません。");
@@ -67,7 +68,7 @@ class GestureWindowTest : public testing::Test {
 protected:
     GestureWindowTest()
     {
-        settings.SaveFolder = temp.path().string();
+        settings.SaveFolder = pathUtf8(temp.path());
         settings.StartDelay = 0;
         settings.Gesture = true;
         window.attach(meter);

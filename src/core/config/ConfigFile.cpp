@@ -1,5 +1,6 @@
 #include "config/ConfigFile.h"
 
+#include "base/CopyOver.h"
 #include "base/Utf8Path.h"
 #include "shell/TextWidth.h"
 
@@ -443,11 +444,11 @@ void ConfigFile::load()
             m_prompter.message(std::string(kUnreadable) + std::string(kCrLf) + std::string(kRecreate) +
                                    std::string(kCrLf) + std::string(kBackedUp),
                                std::string(kReadTitle));
-            std::filesystem::copy_file(path(), backupPath(), std::filesystem::copy_options::overwrite_existing, ec);
+            const std::error_code copyError = copyOver(path(), backupPath());
             restoreDefaults();
             write();
             logError("ConfigFile", *error);
-            if (ec)
+            if (copyError)
                 logError("ConfigFile", ErrorNumber::PathFileAccessError);
             return;
         }

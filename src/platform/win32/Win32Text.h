@@ -33,4 +33,19 @@ inline std::string utf8(std::wstring_view text)
     return result;
 }
 
+// The length of the longest prefix that does not end inside a UTF-8 sequence: text written
+// in pieces may split a character, whose first bytes must wait for the rest.
+inline std::size_t completeUtf8Length(std::string_view text)
+{
+    const std::size_t size = text.size();
+    for (std::size_t back = 1; back <= 3 && back <= size; ++back) {
+        const auto byte = static_cast<unsigned char>(text[size - back]);
+        if ((byte & 0xC0) == 0x80)
+            continue; // a continuation byte: look further back for its lead
+        const std::size_t length = byte >= 0xF8 ? 1 : byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : byte >= 0xC0 ? 2 : 1;
+        return length > back ? size - back : size;
+    }
+    return size;
+}
+
 } // namespace tvx::platform::win32

@@ -1,4 +1,5 @@
 #include "measurement/RecordFile.h"
+#include "base/Utf8Path.h"
 #include "base/Errors.h"
 
 #include "support/ReadFile.h"
@@ -19,7 +20,7 @@ TEST(RecordFilePathTest, NamesByMonthOrBySession)
     settings.SaveFolder = "/rec";
     settings.SaveFile = "exp_";
     settings.SaveCsv = true;
-    EXPECT_EQ(recordFilePath(settings, "200904011305"), std::filesystem::path("/rec/log/exp_200904月.csv"));
+    EXPECT_EQ(recordFilePath(settings, "200904011305"), utf8Path("/rec/log/exp_200904月.csv"));
     settings.SaveFile.clear();
     settings.SaveCsv = false;
     settings.SaveMonthly = false;
@@ -28,7 +29,7 @@ TEST(RecordFilePathTest, NamesByMonthOrBySession)
 
 class RecordFileTest : public testing::Test {
 protected:
-    RecordFileTest() { settings.SaveFolder = temp.path().string(); }
+    RecordFileTest() { settings.SaveFolder = pathUtf8(temp.path()); }
 
     std::string file() { return test::readAll(recordFilePath(settings, kStamp)); }
 

@@ -1,4 +1,5 @@
 #include "meter/Meter.h"
+#include "base/Utf8Path.h"
 
 #include "shell/DebugLog.h"
 #include "support/CsvFields.h"
@@ -32,7 +33,7 @@ class MeterTest : public testing::Test {
 protected:
     MeterTest()
     {
-        settings.SaveFolder = temp.path().string();
+        settings.SaveFolder = pathUtf8(temp.path());
         settings.StartDelay = 0;
         machine.clock.setNow(kStart);
     }
@@ -93,7 +94,7 @@ TEST_F(MeterTest, WholeSessionMakesTheRecordsOfEveryCase)
     cycle(3700, "8", "80", "150");
     meter().menuStop_Click();
 
-    const auto lines = splitLines(test::readAll(temp.path() / "log" / "給与明細200904月.csv"));
+    const auto lines = splitLines(test::readAll(temp.path() / "log" / utf8Path("給与明細200904月.csv")));
     ASSERT_EQ(lines.size(), 6u);
     EXPECT_EQ(lines[0], "\xEF\xBB\xBF" + recordHeader(true));
     const std::vector<std::vector<std::string>> expected{
@@ -190,7 +191,7 @@ TEST_F(MeterTest, MoneyIsReadAgainOnlyWhenItWasMissedAndScanned)
         Settings s = defaultSettings("");
         s.MoneyScan = k.scan;
         s.CaptureBeep = 2;
-        s.SaveFolder = temp.path().string();
+        s.SaveFolder = pathUtf8(temp.path());
         MeterPorts ports{fresh.clock, fresh, fresh, fresh, fresh, fresh, fresh, fresh};
         Meter m(s, ports, log);
         m.cycle().runCycle();
@@ -307,7 +308,7 @@ TEST_F(MeterTest, LevelUpBurstWritesFourShots)
     meter().watch().timDoHLInterval_Timer();
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(temp.path() / "ss"))
-        names.push_back(entry.path().filename().string());
+        names.push_back(pathUtf8(entry.path().filename()));
     std::sort(names.begin(), names.end());
     ASSERT_EQ(names.size(), 4u);
     EXPECT_EQ(names[0], "LvUP_20090401130500_a.jpg");
