@@ -28,6 +28,8 @@ wineStarted=$SECONDS
 wine=$(command -v wine || command -v wine64 || echo /usr/lib/wine/wine64)
 wineserver=$(command -v wineserver || echo /usr/lib/wine/wineserver)
 export WINEPREFIX="$PWD/build/mingw/wineprefix" WINEDEBUG=-all WINEARCH=win64
+# Wine reads the Linux arguments (Japanese folder names) in the locale's character set.
+export LC_ALL=C.UTF-8
 # A wine server left from an earlier run on this prefix would keep its old display.
 "$wineserver" -k 2>/dev/null || true
 
