@@ -59,8 +59,10 @@ if [ ! -f "$WINEPREFIX/system.reg" ]; then
   "$wineserver" -w
 fi
 [ -f "$WINEPREFIX/system.reg" ] || { echo "wine prefix could not be created"; exit 1; }
-# One wine server for every test program: starting one for each costs seconds.
+# One wine server for every test program: starting one for each costs seconds. Its system
+# processes start now, with no output to hold open, or ctest would wait for them forever.
 "$wineserver" -p
+"$wine" cmd /c exit >/dev/null 2>&1 </dev/null || true
 ctest --preset mingw
 
 echo "== replay comparison: the Linux and the Windows command line on one session"
