@@ -5,6 +5,10 @@
 #include "ports/Sound.h"
 #include "ports/Waiter.h"
 
+#include <cstdint>
+#include <vector>
+
+class QEventLoop;
 class QImage;
 
 namespace tvx::ui {
@@ -13,6 +17,11 @@ namespace tvx::ui {
 class QtWaiter final : public Waiter {
 public:
     void WaitMs(std::int32_t ms) override;
+    void endWaits() override;
+
+private:
+    std::vector<QEventLoop*> m_loops; // the waits in progress, innermost last
+    std::uint64_t m_endings = 0;
 };
 
 // Qt has only the system beep; a tone of a given pitch comes from the platform back end.
