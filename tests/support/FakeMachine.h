@@ -99,6 +99,12 @@ public:
         events.push_back("notice " + title + ": " + text);
     }
     void hideNotice() override { events.push_back("notice hidden"); }
+    void captureCaption(int region, const std::string& caption) override
+    {
+        events.push_back("caption " + std::to_string(region) + " " + caption);
+    }
+    void recognizeElapsed(const std::string& text) override { events.push_back("elapsed " + text); }
+    void debugModeChanged() override { events.push_back("debug area"); }
     bool writePng(const Frame&, const std::filesystem::path& path) override { return touch(path); }
     bool writeJpeg(const Frame&, const std::filesystem::path& path, int quality) override
     {
