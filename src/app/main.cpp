@@ -115,7 +115,7 @@ int main(int argc, char** argv)
     meter.capture().setCaptureFile(home / "Capture.bmp");
     const std::unique_ptr<tvx::MouseButtonSource> mouse = tvx::platform::makeMouseButtonSource();
     window.setDocumentFolder(tvx::platform::programFolder());
-    window.setConfigFile(&config, {&source, &waiter, &clock});
+    window.setConfigFile(&config, {&source, &waiter, &clock, &meter.state().cycleSkip});
     window.setEnvironmentSource(tvx::platform::gatherEnvironment);
     window.attach(meter);
     window.setGestureSource(mouse.get(), &prompter);

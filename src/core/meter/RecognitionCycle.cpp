@@ -192,10 +192,12 @@ void RecognitionCycle::recognizeInto(int region)
 
 int RecognitionCycle::GetPictForClip(int region)
 {
+    // A whole reading takes the whole screen, once a cycle: it is the picture the pattern
+    // save and the options window show. The level watch and the money re-read take only
+    // their region, and leave that picture alone.
     std::vector<CaptureRegionRect> wanted;
-    for (int r = 0; r < kRegionCount; ++r)
-        if (region < 0 || region == r)
-            wanted.push_back(m_settings.CaptureRegion[static_cast<std::size_t>(r)]);
+    if (region >= 0)
+        wanted.push_back(m_settings.CaptureRegion[static_cast<std::size_t>(region)]);
     std::optional<CaptureBitmap> screen;
     ScreenCapture::Result taken = ScreenCapture::Result::NoPicture;
     if (!trapErrors(m_log, "GetPictForClip", [&] { taken = m_capture.take(wanted, screen); })) {
@@ -212,13 +214,14 @@ int RecognitionCycle::GetPictForClip(int region)
         securePixels();
         return -1;
     }
-    m_lastCapture = std::move(*screen);
-    m_ports.view.captureTaken(*m_lastCapture);
+    m_ports.view.captureTaken(*screen);
     const bool filled = trapErrors(m_log, "GetPictForClip2", [&] {
         for (int r = 0; r < kRegionCount; ++r)
             if (region < 0 || region == r)
-                m_recognizer.fill(r, *m_lastCapture);
+                m_recognizer.fill(r, *screen);
     });
+    if (region < 0)
+        m_lastCapture = std::move(*screen);
     if (!filled) {
         securePixels();
         return -2;
