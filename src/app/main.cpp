@@ -8,6 +8,7 @@
 #include "QtPrompter.h"
 #include "QtText.h"
 #include "StartGuard.h"
+#include "SoundFactory.h"
 #include "SystemClock.h"
 #include "Termination.h"
 #include "TextCodecFactory.h"
@@ -102,14 +103,14 @@ int main(int argc, char** argv)
 
     tvx::ui::FormMain window(tvx::programTitle(settings.SearchWindowName), log, home);
     tvx::ui::QtWaiter waiter;
-    tvx::ui::QtSound sound;
+    const std::unique_ptr<tvx::Sound> sound = tvx::platform::makeSound();
     tvx::ui::QtShellLauncher shell;
     tvx::ui::QtImageEncoder encoder;
     NoGame noGame;
     const std::unique_ptr<tvx::platform::GameScreen> screen = tvx::platform::makeGameScreen();
     tvx::GameWindowProbe& probe = screen ? static_cast<tvx::GameWindowProbe&>(*screen) : noGame;
     tvx::ScreenSource& source = screen ? static_cast<tvx::ScreenSource&>(*screen) : noGame;
-    tvx::MeterPorts ports{clock, waiter, probe, source, sound, shell, prompter, window, &encoder, codec.get()};
+    tvx::MeterPorts ports{clock, waiter, probe, source, *sound, shell, prompter, window, &encoder, codec.get()};
     tvx::Meter meter(settings, ports, log, static_cast<std::uint32_t>(clock.tickMs()));
     config.setSecurePixels([&meter] { meter.recognizer().SecurePixels(); });
     meter.capture().setCaptureFile(home / "Capture.bmp");

@@ -39,16 +39,6 @@ void QtWaiter::endWaits()
         loop->quit();
 }
 
-void QtSound::systemBeep()
-{
-    QApplication::beep();
-}
-
-void QtSound::beep(std::int32_t, std::int32_t)
-{
-    QApplication::beep();
-}
-
 bool QtShellLauncher::fileExists(const std::string& path)
 {
     return QFileInfo::exists(qtText(path));

@@ -2,7 +2,6 @@
 
 #include "ports/ImageEncoder.h"
 #include "ports/ShellLauncher.h"
-#include "ports/Sound.h"
 #include "ports/Waiter.h"
 
 #include <cstdint>
@@ -22,13 +21,6 @@ public:
 private:
     std::vector<QEventLoop*> m_loops; // the waits in progress, innermost last
     std::uint64_t m_endings = 0;
-};
-
-// Qt has only the system beep; a tone of a given pitch comes from the platform back end.
-class QtSound final : public Sound {
-public:
-    void systemBeep() override;
-    void beep(std::int32_t frequencyHz, std::int32_t durationMs) override;
 };
 
 class QtShellLauncher final : public ShellLauncher {
