@@ -476,6 +476,7 @@ void FormMain::setIntervalSeconds(std::int32_t seconds)
     if (!m_meter)
         return;
     m_meter->state().intervalSecondsOverride = seconds;
+    m_frmGraph->setIntervalSeconds(seconds);
     // The timer only asks whether the next capture time has come; ask often enough.
     if (seconds > 0)
         m_timCaptureInterval->setInterval(std::min(10000, seconds * 1000 / 2 + 1));
