@@ -790,12 +790,13 @@ void FormOption::cmdCapture_Click()
         m_config.sizeBuffers();
         m_lblCaptureStatus->setText(QStringLiteral("保存しました： ") + qtText(pathUtf8(file)));
         write("Pattern Capture and Save ･･･ End ");
-    } catch (const RuntimeError& e) {
+    } catch (const std::exception& e) {
         if (!alive)
             return;
+        const ErrorNumber number = errorNumberOf(e);
         m_lblCaptureStatus->setText(QStringLiteral("キャプチャできませんでした。"));
-        write("Error Trap : cmdCapture_Click: :CODE" + std::to_string(static_cast<int>(e.number())) + "  " +
-              std::string(errorDescription(e.number())));
+        write("Error Trap : cmdCapture_Click: :CODE" + std::to_string(static_cast<int>(number)) + "  " +
+              std::string(errorDescription(number)));
     }
     m_cmdCapture->setEnabled(true);
 }
