@@ -9,6 +9,7 @@
 #include "QtPrompter.h"
 #include "QtText.h"
 #include "StartGuard.h"
+#include "SoundFactory.h"
 #include "SystemClock.h"
 #include "Termination.h"
 #include "TextCodecFactory.h"
@@ -120,20 +121,20 @@ int main(int argc, char** argv)
 
     tvx::ui::FormMain window(tvx::programTitle(settings.SearchWindowName), log, home);
     tvx::ui::QtWaiter waiter;
-    tvx::ui::QtSound sound;
+    const std::unique_ptr<tvx::Sound> sound = tvx::platform::makeSound();
     tvx::ui::QtShellLauncher shell;
     tvx::ui::QtImageEncoder encoder;
     NoGame noGame;
     const std::unique_ptr<tvx::platform::GameScreen> screen = tvx::platform::makeGameScreen();
     tvx::GameWindowProbe& probe = screen ? static_cast<tvx::GameWindowProbe&>(*screen) : noGame;
     tvx::ScreenSource& source = screen ? static_cast<tvx::ScreenSource&>(*screen) : noGame;
-    tvx::MeterPorts ports{clock, waiter, probe, source, sound, shell, prompter, window, &encoder, codec.get()};
+    tvx::MeterPorts ports{clock, waiter, probe, source, *sound, shell, prompter, window, &encoder, codec.get()};
     tvx::Meter meter(settings, ports, log, static_cast<std::uint32_t>(clock.tickMs()));
     config.setSecurePixels([&meter] { meter.recognizer().SecurePixels(); });
     meter.capture().setCaptureFile(home / "Capture.bmp");
     const std::unique_ptr<tvx::MouseButtonSource> mouse = tvx::platform::makeMouseButtonSource();
     window.setDocumentFolder(tvx::platform::programFolder());
-    window.setConfigFile(&config, {&source, &waiter, &clock});
+    window.setConfigFile(&config, {&source, &waiter, &clock, &meter.state().cycleSkip});
     window.setEnvironmentSource(tvx::platform::gatherEnvironment);
     window.attach(meter);
     window.setGestureSource(mouse.get(), &prompter);

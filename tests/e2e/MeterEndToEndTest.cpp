@@ -199,6 +199,26 @@ TEST_F(MeterEndToEndTest, TheMeterReadsThePracticeTargetAndAnswersGestures)
             return n.starts_with("LvUP_") && n.ends_with(suffix);
         })) << suffix;
 
+    // Debug mode from the options window (設定 → 動作), then the test recognition of the
+    // debug area under the log box; the recogniser's trace reaches the debug log.
+    x("mousemove 904 10 click 1"); // the meter's window is at 820,0
+
+    std::string options;
+    ASSERT_TRUE(test::eventually([&] { return !(options = x("search --name '^設定$'")).empty(); }, 10s));
+    options = tvx::lines(options).front();
+    std::this_thread::sleep_for(500ms);
+    x("mousemove --window " + options + " 240 24 click 1");
+    std::this_thread::sleep_for(300ms);
+    x("mousemove --window " + options + " 30 404 click 1");
+    ASSERT_TRUE(test::eventually([&] { return debugLog().find("Change DebugMode ･･･ End ") != std::string::npos; }, 5s));
+    x("mousemove --window " + options + " 681 731 click 1");
+    std::this_thread::sleep_for(500ms);
+    x("mousemove 1063 528 click 1");
+    ASSERT_TRUE(test::eventually([&] { return debugLog().find("Single Recognize(") != std::string::npos; }, 5s))
+        << debugLog();
+    EXPECT_NE(debugLog().find(" 変換データ : "), std::string::npos);
+    x("windowfocus " + game);
+
     // The graph shows the rates: coloured curves in the right half of the meter's window
     // (everything else there is grey, black or white).
     const fs::path picture = home.path() / "screen.bmp";

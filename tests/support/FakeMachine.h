@@ -39,6 +39,7 @@ public:
     std::vector<std::string> events;
     std::function<void(std::int32_t)> onWait;
     int grabs = 0;
+    std::vector<std::size_t> grabbedRegions; // per grab; 0 is the whole screen
 
     void WaitMs(std::int32_t ms) override
     {
@@ -48,9 +49,10 @@ public:
             onWait(ms);
     }
     GameWindowState state(std::string_view) override { return next(windows); }
-    std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect>) override
+    std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect> wanted) override
     {
         ++grabs;
+        grabbedRegions.push_back(wanted.size());
         return screens.empty() ? std::nullopt : next(screens);
     }
     bool pressPrintScreen() override
@@ -99,6 +101,12 @@ public:
         events.push_back("notice " + title + ": " + text);
     }
     void hideNotice() override { events.push_back("notice hidden"); }
+    void captureCaption(int region, const std::string& caption) override
+    {
+        events.push_back("caption " + std::to_string(region) + " " + caption);
+    }
+    void recognizeElapsed(const std::string& text) override { events.push_back("elapsed " + text); }
+    void debugModeChanged() override { events.push_back("debug area"); }
     bool writePng(const Frame&, const std::filesystem::path& path) override { return touch(path); }
     bool writeJpeg(const Frame&, const std::filesystem::path& path, int quality) override
     {

@@ -5,9 +5,17 @@
 #include "shell/DebugLog.h"
 #include "support/FakeMachine.h"
 #include "support/GameScreen.h"
+#include "support/ReadFile.h"
+#include "support/ScriptedPrompter.h"
 #include "support/TempFolder.h"
 
+#include "TextCodecFactory.h"
+#include "config/ConfigFile.h"
+
 #include <QAction>
+#include <QCheckBox>
+#include <QFrame>
+#include <QPushButton>
 #include <QLabel>
 #include <QMenuBar>
 #include <QPlainTextEdit>
@@ -34,6 +42,7 @@ protected:
 
     test::TempFolder temp;
     test::FakeMachine machine;
+    test::MarkingCodec codec;
     Settings settings = defaultSettings("");
     DebugLog log{temp.path(), machine.clock};
     ui::FormMain window{programTitle("MapleStory"), log, temp.path()};
@@ -78,6 +87,44 @@ TEST_F(FormMainTest, AutoStartRunsTheSessionUntilStop)
 
     window.close();
     EXPECT_TRUE(window.txtLog()->toPlainText().endsWith(QStringLiteral("        終了しています・・・\n")));
+}
+
+TEST_F(FormMainTest, TheOptionsSwitchDebugModeAndTheLevelWatchAtOnce)
+{
+    test::ScriptedPrompter prompter;
+    ConfigFile config(settings, temp.path(), prompter, codec, &log);
+    window.setConfigFile(&config, {});
+    settings.AutoStart = false;
+    window.FormMain_Load();
+    window.show();
+    window.action("menuOption")->trigger();
+    auto* options = window.findChild<ui::FormOption*>();
+    ASSERT_NE(options, nullptr);
+    auto* debugMode = options->findChild<QCheckBox*>(QStringLiteral("chkDebugMode"));
+    auto* frmDebug = window.findChild<QFrame*>(QStringLiteral("frmDebug"));
+    ASSERT_TRUE(debugMode && frmDebug);
+    EXPECT_FALSE(frmDebug->isVisible());
+
+    debugMode->click();
+    EXPECT_TRUE(meter.state().DebugMode);
+    EXPECT_TRUE(frmDebug->isVisible());
+    machine.screens = {test::gameCapture({"50", "1000", "0"})};
+    meter.cycle().GetPictForClip(-1);
+    window.findChild<QPushButton*>(QStringLiteral("cmdRecognize"))->click();
+    EXPECT_TRUE(labelText("lblElapse").endsWith(QStringLiteral("秒")));
+    EXPECT_EQ(labelText("lblCapture0"), QStringLiteral("50"));
+    const std::string debug = test::readAll(log.path());
+    EXPECT_NE(debug.find("Change DebugMode ･･･ End "), std::string::npos);
+    EXPECT_NE(debug.find("Single Recognize("), std::string::npos);
+
+    auto* timDoHL = window.findChild<QTimer*>(QStringLiteral("timDoHLInterval"));
+    EXPECT_FALSE(timDoHL->isActive());
+    options->findChild<QCheckBox*>(QStringLiteral("chkDoHLCheckExec"))->click();
+    EXPECT_TRUE(timDoHL->isActive()) << "no restart needed";
+
+    debugMode->click();
+    EXPECT_FALSE(frmDebug->isVisible());
+    window.close();
 }
 
 } // namespace

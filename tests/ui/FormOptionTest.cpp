@@ -20,6 +20,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <functional>
 #include <sstream>
 
 namespace tvx::ui {
@@ -27,8 +28,14 @@ namespace {
 
 class FakeWaiter : public Waiter {
 public:
-    void WaitMs(std::int32_t ms) override { waited.push_back(ms); }
+    void WaitMs(std::int32_t ms) override
+    {
+        waited.push_back(ms);
+        if (during)
+            during();
+    }
     std::vector<std::int32_t> waited;
+    std::function<void()> during;
 };
 
 class FakeScreen : public ScreenSource {
@@ -131,11 +138,16 @@ TEST_F(FormOptionTest, PatternCaptureWaitsGrabsSavesAndShowsTheRegions)
     FakeWaiter waiter;
     FakeScreen screen;
     screen.image = screenWithLevel("137");
-    FormOption form(m_config, nullptr, {&screen, &waiter, &m_clock});
+    bool cycleSkip = false;
+    bool heldWhileWaiting = false;
+    waiter.during = [&] { heldWhileWaiting = cycleSkip; };
+    FormOption form(m_config, nullptr, {&screen, &waiter, &m_clock, &cycleSkip});
     EXPECT_EQ(child<QLabel>(form, "lblResult0")->text(), QStringLiteral("認識結果： キャプチャ画像がありません"));
 
     click(form, "cmdCapture");
     EXPECT_EQ(waiter.waited, std::vector<std::int32_t>{10000});
+    EXPECT_TRUE(heldWhileWaiting) << "no reading meanwhile";
+    EXPECT_FALSE(cycleSkip) << "and readings go on afterwards";
     EXPECT_TRUE(std::filesystem::exists(m_home / "Capture_0309070502.bmp"));
     EXPECT_EQ(m_sized, 1);
     EXPECT_EQ(child<QLabel>(form, "lblResult0")->text(), QStringLiteral("認識結果： 137"));

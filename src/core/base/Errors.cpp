@@ -1,5 +1,9 @@
 #include "base/Errors.h"
 
+#include <filesystem>
+#include <ios>
+#include <new>
+
 namespace tvx {
 
 std::string_view errorDescription(ErrorNumber number)
@@ -18,6 +22,7 @@ std::string_view errorDescription(ErrorNumber number)
     case ErrorNumber::PermissionDenied: return "Permission denied";
     case ErrorNumber::PathFileAccessError: return "Path/File access error";
     case ErrorNumber::PathNotFound: return "Path not found";
+    case ErrorNumber::ApplicationDefined: break;
     }
     return "Application-defined or object-defined error";
 }
@@ -30,6 +35,23 @@ RuntimeError::RuntimeError(ErrorNumber number)
 RuntimeError::RuntimeError(ErrorNumber number, const std::string& detail)
     : std::runtime_error(std::string(errorDescription(number)) + ": " + detail), m_number(number)
 {
+}
+
+ErrorNumber errorNumberOf(const std::exception& error) noexcept
+{
+    if (const auto* own = dynamic_cast<const RuntimeError*>(&error))
+        return own->number();
+    if (dynamic_cast<const std::bad_alloc*>(&error))
+        return ErrorNumber::OutOfMemory;
+    if (dynamic_cast<const std::filesystem::filesystem_error*>(&error) || dynamic_cast<const std::ios_base::failure*>(&error))
+        return ErrorNumber::PathFileAccessError;
+    if (dynamic_cast<const std::out_of_range*>(&error) || dynamic_cast<const std::length_error*>(&error))
+        return ErrorNumber::SubscriptOutOfRange;
+    if (dynamic_cast<const std::overflow_error*>(&error) || dynamic_cast<const std::range_error*>(&error))
+        return ErrorNumber::Overflow;
+    if (dynamic_cast<const std::invalid_argument*>(&error))
+        return ErrorNumber::TypeMismatch;
+    return ErrorNumber::ApplicationDefined;
 }
 
 std::string errorTrapLine(std::string_view procedure, ErrorNumber number)

@@ -22,6 +22,7 @@ enum class ErrorNumber : int {
     PermissionDenied = 70,
     PathFileAccessError = 75,
     PathNotFound = 76,
+    ApplicationDefined = 1004,
 };
 
 std::string_view errorDescription(ErrorNumber number);
@@ -37,6 +38,10 @@ public:
 private:
     ErrorNumber m_number;
 };
+
+// The number a trap logs for anything thrown: a RuntimeError keeps its own, the standard
+// library's failures map onto the nearest entry of the table.
+ErrorNumber errorNumberOf(const std::exception& error) noexcept;
 
 // "Error Trap : NAME : CODE" + number + two blanks + description.
 std::string errorTrapLine(std::string_view procedure, ErrorNumber number);

@@ -69,12 +69,23 @@ std::string timeAxisTitle(std::int32_t captureInterval, std::int32_t timeScale)
     return "経過時間(" + std::to_string(minutes / 4) + "分間隔)";
 }
 
+std::string timeAxisTitleSeconds(std::int32_t captureSeconds, std::int32_t timeScale)
+{
+    const std::int32_t seconds = toInt32(std::int64_t{captureSeconds} * timeScale) / 4;
+    if (seconds % 60 == 0)
+        return "経過時間(" + std::to_string(seconds / 60) + "分間隔)";
+    return "経過時間(" + std::to_string(seconds) + "秒間隔)";
+}
+
 GraphScaleTexts graphScaleTexts(Currency maxRateE, Currency maxRateM, float zoom, std::int32_t captureInterval,
-                                std::int32_t timeScale, StepTrap& trap)
+                                std::int32_t timeScale, StepTrap& trap, std::int32_t captureSeconds)
 {
     GraphScaleTexts texts;
     // Minutes that do not fit leave the title at 0, as the failed step leaves them.
-    if (!trap.run([&] { texts.lblGraph_Tt = timeAxisTitle(captureInterval, timeScale); }))
+    if (!trap.run([&] {
+            texts.lblGraph_Tt = captureSeconds > 0 ? timeAxisTitleSeconds(captureSeconds, timeScale)
+                                                   : timeAxisTitle(captureInterval, timeScale);
+        }))
         texts.lblGraph_Tt = timeAxisTitle(0, 0);
     trap.run([&] { texts.maxE = ScaleStep(Currency::fromDouble(maxRateE.toDouble() * zoom)); });
     trap.run([&] { texts.maxM = ScaleStep(Currency::fromDouble(maxRateM.toDouble() * zoom)); });

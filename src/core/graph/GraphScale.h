@@ -25,6 +25,9 @@ std::string moneyScaleLabel(Currency value);
 // "経過時間(N分間隔)" with N the minutes per vertical grid division (a quarter of the
 // graph). Throws RuntimeError(Overflow) when the minutes leave 32 bits.
 std::string timeAxisTitle(std::int32_t captureInterval, std::int32_t timeScale);
+// The same for captures every few seconds (a demonstration's interval): "経過時間(N秒間隔)",
+// or the minutes form when a division is whole minutes.
+std::string timeAxisTitleSeconds(std::int32_t captureSeconds, std::int32_t timeScale);
 
 // Texts and scales of one redraw. A failing step leaves its defaults (0, empty).
 struct GraphScaleTexts {
@@ -35,8 +38,9 @@ struct GraphScaleTexts {
     std::array<std::string, 4> lblGraph_Ml;
 };
 
+// captureSeconds, when above 0, stands for the interval in place of captureInterval minutes.
 GraphScaleTexts graphScaleTexts(Currency maxRateE, Currency maxRateM, float zoom, std::int32_t captureInterval,
-                                std::int32_t timeScale, StepTrap& trap);
+                                std::int32_t timeScale, StepTrap& trap, std::int32_t captureSeconds = 0);
 
 // Zoom clicks: one tenth per click, computed in double and kept in single precision,
 // within 0.2 .. 2.0.

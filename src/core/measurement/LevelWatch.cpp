@@ -3,6 +3,7 @@
 #include "measurement/MeasurementSession.h"
 #include "ports/Clock.h"
 #include "ports/GameWindowProbe.h"
+#include "ports/MeterView.h"
 #include "ports/Waiter.h"
 #include "meter/RecognitionCycle.h"
 #include "meter/ScreenImages.h"
@@ -30,13 +31,9 @@ void LevelWatch::reset()
 
 void LevelWatch::timDoHLInterval_Timer()
 {
-    if (!m_session.running() || m_state.busy)
+    if (!m_session.running() || m_state.busy || m_state.cycleSkip)
         return;
-    try {
-        CheckLevelChange();
-    } catch (const RuntimeError& error) {
-        m_log.writeErrorTrap("timDoHLInterval_Timer", error.number());
-    }
+    trapErrors(m_log, "timDoHLInterval_Timer", [this] { CheckLevelChange(); });
 }
 
 void LevelWatch::CheckLevelChange()
@@ -47,7 +44,9 @@ void LevelWatch::CheckLevelChange()
         return;
     m_cycle.GetPictForClip(RegionLevel);
     m_recognizer.binarize(RegionLevel);
-    DoHLReading = amountFromText(m_recognizer.recognize(RegionLevel).digits);
+    const RecognitionResult result = m_recognizer.recognize(RegionLevel);
+    m_ports.view.captureCaption(RegionLevel, result.caption);
+    DoHLReading = amountFromText(result.digits);
     CaptureLevelChange();
 }
 

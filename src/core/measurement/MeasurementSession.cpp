@@ -10,6 +10,8 @@
 #include "base/Errors.h"
 #include "shell/Launcher.h"
 #include "shell/LogBox.h"
+#include "base/Utf8Path.h"
+#include "ports/Prompter.h"
 
 #include <cmath>
 #include <cstdio>
@@ -105,6 +107,12 @@ void MeasurementSession::ChangeLogging(int mode)
         const LocalDateTime now = m_ports.clock.now();
         NextCaptureTime = addSeconds(now, 15);
         SessionStamp = formatSessionStamp(now);
+        ++m_sessionNumber;
+        m_toldRecordFailure = false;
+        // Nothing of an earlier session shows in this one's labels, summary or tools.
+        clearReading();
+        m_latestExpRate = Currency{};
+        DisplayResult(kReset);
         m_logBox.write(std::string(kLogHeader) + std::string(kLineBreak));
         m_ports.waiter.WaitMs(m_settings.StartDelay * 1000);
     } else if (mode == kStopLogging) {
@@ -176,11 +184,18 @@ void MeasurementSession::reportFailure()
     m_log.WriteDebugLog("ImageRecognition misstep :" + text);
 }
 
-void MeasurementSession::evaluateReading()
+void MeasurementSession::clearReading()
 {
-    if (CurrentExp.raw() < 0 || CurrentLv < 0) {
+    CurrentLv = -1;
+    CurrentExp = kMinusOne;
+    CurrentMoney = kMinusOne;
+}
+
+bool MeasurementSession::evaluateReading()
+{
+    if (!readingValid()) {
         reportFailure();
-        return;
+        return false;
     }
     const std::int32_t present = presentSeconds();
     m_expTime.present = present;
@@ -194,15 +209,15 @@ void MeasurementSession::evaluateReading()
     const std::int32_t levelDifference = m_level - m_previousLevel;
     if (m_previousLevel != 0 && (levelDifference < 0 || levelDifference >= 4)) {
         detectCharacterChange();
-        return;
+        return true;
     }
     if (moneyRead && m_moneyTime.base == 0) {
         m_money.base = m_money.current;
         m_moneyTime.base = present;
     }
     if (m_expTime.base == 0) {
-        setBases(present);
-        return;
+        setBases(present, moneyRead);
+        return true;
     }
     m_previousLevel = m_level;
     const bool expMoved = m_exp.current != m_exp.base;
@@ -222,6 +237,7 @@ void MeasurementSession::evaluateReading()
             m_expTime.base = present;
         makeRecord();
     }
+    return true;
 }
 
 void MeasurementSession::detectCharacterChange()
@@ -244,16 +260,20 @@ void MeasurementSession::detectCharacterChange()
     DisplayResult(kStartRow);
 }
 
-void MeasurementSession::setBases(std::int32_t present)
+void MeasurementSession::setBases(std::int32_t present, bool moneyRead)
 {
     m_exp.base = m_exp.current;
     m_expTime.base = present;
-    m_money.base = m_money.current;
-    m_moneyTime.base = present;
+    // Money that was not read is no base: its time starts at its first reading.
+    if (moneyRead) {
+        m_money.base = m_money.current;
+        m_moneyTime.base = present;
+    }
     m_previousLevel = m_level;
-    m_recordFile.WriteRecordLine(SessionStamp, "", RecordFile::kStart);
+    writeRecord("", RecordFile::kStart);
     m_logBox.write(std::string(kLineBreak) + FormatField(std::int64_t{m_level}, 6, 1, 0, false) +
-                   FormatField(m_exp.current, 13, 1, 0, false) + FormatField(m_money.current, 14, 1, 0, false) +
+                   FormatField(m_exp.current, 13, 1, 0, false) +
+                   (moneyBased() ? FormatField(m_money.current, 14, 1, 0, false) : std::string()) +
                    std::string(kLineBreak));
     DisplayResult(kStartRow);
     m_log.WriteDebugLog("Fast ImageRecognition ");
@@ -261,10 +281,12 @@ void MeasurementSession::setBases(std::int32_t present)
 
 void MeasurementSession::makeRecord()
 {
+    // Money never read since the bases were set has no gain, no time and no rate.
+    const bool money = moneyBased();
     m_exp.gain = m_exp.current - m_exp.base;
-    m_money.gain = m_money.current - m_money.base;
+    m_money.gain = money ? m_money.current - m_money.base : Currency{};
     m_expTime.elapsed = m_expTime.present - m_expTime.base;
-    m_moneyTime.elapsed = m_moneyTime.present - m_moneyTime.base;
+    m_moneyTime.elapsed = money ? m_moneyTime.present - m_moneyTime.base : 0;
     const Currency minutesE = elapsedMinutes(m_expTime.elapsed);
     const Currency minutesM = elapsedMinutes(m_moneyTime.elapsed);
     const Currency rateE = hourlyRate(m_exp.gain, m_expTime.elapsed);
@@ -272,38 +294,60 @@ void MeasurementSession::makeRecord()
     m_latestExpRate = rateE;
 
     const std::string stamp = formatMonthDayTime(m_ports.clock.now());
-    const std::int64_t level = m_level;
-    std::string screen = stamp + FormatField(level, 6, 1, 0, false) + FormatField(m_exp.gain, 13, 1, 0, false);
-    if (m_settings.MoneyScan) {
-        screen += FormatField(m_money.gain, 14, 1, 0, false) + FormatField(minutesE, 6, 1, 1, true) +
-                  FormatField(rateE, 10, 1, 0, false);
-        if (m_moneyTime.elapsed == 0)
-            screen += CurrentMoney < Currency{} ? "     未認識 " : "            ";
-        else
-            screen += FormatField(rateM, 12, 1, 0, false);
-    } else {
-        screen += FormatField(minutesE, 6, 1, 1, true) + FormatField(rateE, 10, 1, 0, false);
-    }
-    m_logBox.write(screen + std::string(kLineBreak));
-
-    const bool plain = m_settings.SaveCsv;
-    const std::string separator = plain ? " ," : "  ";
-    const std::string line = stamp + separator + FormatField(level, 6, 1, 0, plain) + separator +
-                             FormatField(m_exp.current, 14, 1, 0, plain) + separator +
-                             FormatField(m_money.current, 15, 1, 0, plain) + separator +
-                             FormatField(m_exp.gain, 15, 1, 0, plain) + separator +
-                             FormatField(m_money.gain, 17, 1, 0, plain) + separator +
-                             FormatField(minutesE, 12, 1, 1, plain) + separator + FormatField(rateE, 13, 1, 0, plain) +
-                             separator + FormatField(minutesM, 13, 1, 1, plain) + separator +
-                             FormatField(rateM, 14, 1, 0, plain);
-    m_recordFile.WriteRecordLine(SessionStamp, line, RecordFile::kAppend);
+    m_logBox.write(screenLine(stamp, minutesE, rateE, rateM) + std::string(kLineBreak));
+    writeRecord(fileLine(stamp, minutesE, rateE, minutesM, rateM), RecordFile::kAppend);
 
     // No money rate to give: the graph leaves a gap.
     addGraphPoint(rateE, m_moneyTime.elapsed == 0 ? kMinusOne : rateM);
     m_exp.base = m_exp.current;
     m_expTime.base = m_expTime.present;
-    m_money.base = m_money.current;
-    m_moneyTime.base = m_moneyTime.present;
+    if (money) {
+        m_money.base = m_money.current;
+        m_moneyTime.base = m_moneyTime.present;
+    }
+}
+
+std::string MeasurementSession::screenLine(const std::string& stamp, Currency minutesE, Currency rateE,
+                                           Currency rateM) const
+{
+    std::string line = stamp + FormatField(std::int64_t{m_level}, 6, 1, 0, false) + FormatField(m_exp.gain, 13, 1, 0, false);
+    if (!m_settings.MoneyScan)
+        return line + FormatField(minutesE, 6, 1, 1, true) + FormatField(rateE, 10, 1, 0, false);
+    line += (moneyBased() ? FormatField(m_money.gain, 14, 1, 0, false) : FormatField(std::string(), 14, 1, 0, false)) +
+            FormatField(minutesE, 6, 1, 1, true) + FormatField(rateE, 10, 1, 0, false);
+    if (m_moneyTime.elapsed != 0)
+        return line + FormatField(rateM, 12, 1, 0, false);
+    return line + (CurrentMoney < Currency{} ? "     未認識 " : "            ");
+}
+
+std::string MeasurementSession::fileLine(const std::string& stamp, Currency minutesE, Currency rateE, Currency minutesM,
+                                         Currency rateM) const
+{
+    const bool plain = m_settings.SaveCsv;
+    const bool money = moneyBased();
+    const auto moneyField = [&](Currency value, std::int32_t width, std::int32_t decimals) {
+        return money ? FormatField(value, width, 1, decimals, plain) : FormatField(std::string(), width, 1, 0, plain);
+    };
+    const std::string separator = plain ? " ," : "  ";
+    return stamp + separator + FormatField(std::int64_t{m_level}, 6, 1, 0, plain) + separator +
+           FormatField(m_exp.current, 14, 1, 0, plain) + separator + moneyField(m_money.current, 15, 0) + separator +
+           FormatField(m_exp.gain, 15, 1, 0, plain) + separator + moneyField(m_money.gain, 17, 0) + separator +
+           FormatField(minutesE, 12, 1, 1, plain) + separator + FormatField(rateE, 13, 1, 0, plain) + separator +
+           moneyField(minutesM, 13, 1) + separator + moneyField(rateM, 14, 0);
+}
+
+void MeasurementSession::writeRecord(std::string_view line, int mode)
+{
+    if (trapErrors(m_log, "WriteRecordLine", [&] { m_recordFile.WriteRecordLine(SessionStamp, line, mode); }))
+        return;
+    if (m_toldRecordFailure)
+        return;
+    m_toldRecordFailure = true;
+    std::string path;
+    trapErrors(m_log, "WriteRecordLine", [&] { path = pathUtf8(recordFilePath(m_settings, SessionStamp)); });
+    m_ports.prompter.message("時給記録ファイルに書き込めません。" + std::string(kLineBreak) + path +
+                                 std::string(kLineBreak) + "保存場所を確かめてください。計測はこのまま続けます。",
+                             "エラー");
 }
 
 void MeasurementSession::addZeroPoint()
@@ -351,6 +395,9 @@ void MeasurementSession::DisplayResult(int mode)
             m_log.WriteDebugLog("Measure Result Data Display Complete ");
             return;
         default:
+            // A failed reading is never shown, not as a start and not as a gain.
+            if (!readingValid())
+                return;
             if (m_state.labels.Start.Time.empty()) {
                 showStartRow();
                 break;

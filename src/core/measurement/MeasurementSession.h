@@ -57,10 +57,15 @@ public:
     void ChangeLogging(int mode);
     void ChangeSuspend(std::int32_t delaySeconds);
     void DisplayResult(int mode);
-    // Evaluates CurrentLv, CurrentExp and CurrentMoney as the cycle stored them.
-    void evaluateReading();
+    // Evaluates CurrentLv, CurrentExp and CurrentMoney as the cycle stored them. False for
+    // a failed reading, which leaves bases, records and labels as they were.
+    bool evaluateReading();
 
     bool running() const { return !SessionStamp.empty(); }
+    // Counts the sessions started; a cycle that waited compares it with the one it began in.
+    std::uint64_t sessionNumber() const { return m_sessionNumber; }
+    // A reading that did not fail: level and experience both read.
+    bool readingValid() const { return CurrentLv >= 0 && CurrentExp.raw() >= 0; }
     // The experience rate of the latest record (0 before the first).
     Currency latestExpRate() const { return m_latestExpRate; }
     Currency totalExp() const { return m_exp.current; }
@@ -76,8 +81,16 @@ private:
     std::int32_t presentSeconds();
     void reportFailure();
     void detectCharacterChange();
-    void setBases(std::int32_t present);
+    void setBases(std::int32_t present, bool moneyRead);
     void makeRecord();
+    std::string screenLine(const std::string& stamp, Currency minutesE, Currency rateE, Currency rateM) const;
+    std::string fileLine(const std::string& stamp, Currency minutesE, Currency rateE, Currency minutesM,
+                         Currency rateM) const;
+    // The record file's line; a file that cannot be written is logged, told once, and the
+    // session goes on.
+    void writeRecord(std::string_view line, int mode);
+    bool moneyBased() const { return m_moneyTime.base != 0; }
+    void clearReading();
     void addZeroPoint();
     void addGraphPoint(Currency rateE, Currency rateM);
     std::string summaryText() const;
@@ -104,6 +117,8 @@ private:
     TimeRecord m_expTime;
     TimeRecord m_moneyTime;
     Currency m_latestExpRate;
+    std::uint64_t m_sessionNumber = 0;
+    bool m_toldRecordFailure = false;
 
     // What the start row shows, for the end and increase rows.
     LocalDateTime m_startTime;

@@ -7,6 +7,7 @@
 #include "base/Errors.h"
 #include "shell/LogBox.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 
@@ -43,12 +44,16 @@ void menuTimeLeft_Click(std::int32_t currentLevel, Currency totalExp, Currency l
             return;
         }
         const std::string title = "あと何時間？";
-        const double target = prompter.askNumber("1", "200", currentLevel + 1, "1",
-                                                 "目標Lvを入力してください  (現在:" + std::to_string(currentLevel) + ")", title);
+        // Before the first reading there is no level to name, and no proposal may lie
+        // outside the dialog's own bounds.
+        const bool read = currentLevel > 0;
+        const std::string now = read ? std::to_string(currentLevel) : std::string("未認識");
+        const double target = prompter.askNumber("1", "200", read ? currentLevel + 1 : 1, "1",
+                                                 "目標Lvを入力してください  (現在:" + now + ")", title);
         if (target == Prompter::kCancelled)
             return;
-        const double rate =
-            prompter.askNumber("0.1", "100000", latestRate.toDouble(), "500", "時給Exp(k)を入力してください", title);
+        const double rate = prompter.askNumber("0.1", "100000", std::clamp(latestRate.toDouble(), 0.1, 100000.0), "500",
+                                               "時給Exp(k)を入力してください", title);
         if (rate == Prompter::kCancelled)
             return;
         logBox.write(timeLeftLine(currentLevel, totalExp, static_cast<std::int32_t>(std::lround(target)), rate));

@@ -21,7 +21,8 @@ class DebugLog;
 
 // The meter without its windows: the session, the recognition cycle, the level watch and
 // the commands of the main window, over one settings record and the machine's ports.
-// The main window and tallivex-cli each drive one.
+// The main window and tallivex-cli each drive one. Every public command is an entry point
+// with its own error trap: nothing it calls throws past it into a window's event loop.
 class Meter {
 public:
     Meter(Settings& settings, MeterPorts ports, DebugLog& log, std::uint32_t randomSeed = 1);
@@ -39,8 +40,14 @@ public:
     // A batch of background mouse-button events; runs the command of a finished gesture.
     void mouseButtons(const std::vector<MouseButtonEvent>& batch);
     void runGesture(Gesture gesture);
-    // The engine's part of closing: flag, timers off, the summary.
+    // The engine's part of closing: flag, timers off, the summary, and every wait in
+    // progress ends at once.
     void close();
+    // The options changed settings the engine follows while it runs: the level watch and
+    // its period.
+    void settingsChanged();
+    // Shows or hides the debug area and its trace.
+    void setDebugMode(bool on);
 
     Settings& settings() { return m_settings; }
     Clock& clock() { return m_ports.clock; }
@@ -56,6 +63,11 @@ public:
     ScreenCapture& capture() { return m_capture; }
 
 private:
+    // Switches the level watch; switched on, it starts again from the next reading, so a
+    // level change while it was off is not taken for a rise.
+    void followWatch(bool on);
+    void printScreen(const char* procedure);
+
     Settings& m_settings;
     MeterPorts m_ports;
     DebugLog& m_log;

@@ -35,6 +35,7 @@ struct MeterControls {
     std::string runCaption = "開始";
     bool captureTimerEnabled = false; // timCaptureInterval
     bool doHLTimerEnabled = false;    // timDoHLInterval
+    std::int32_t doHLIntervalMs = 1000; // its period
     bool tempStopRed = false;         // cmdTempStop's back colour
     bool testButtonsEnabled = true;   // cmdCapture, cmdRecognize
 };

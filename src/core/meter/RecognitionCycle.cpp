@@ -59,13 +59,9 @@ void RecognitionCycle::timCaptureInterval_Timer()
         m_ports.view.controlsChanged();
         return;
     }
-    try {
-        m_state.busy = true;
-        runCycle();
-    } catch (const RuntimeError& error) {
-        // A text too long for its number, for one.
-        m_log.writeErrorTrap("timCaptureInterval_Timer", error.number());
-    }
+    m_state.busy = true;
+    // A text too long for its number, for one, ends this cycle and no more.
+    trapErrors(m_log, "timCaptureInterval_Timer", [this] { runCycle(); });
     m_state.busy = false;
 }
 
@@ -92,10 +88,16 @@ void RecognitionCycle::countMiss()
     }
 }
 
+bool RecognitionCycle::stillWanted(std::uint64_t session) const
+{
+    return !m_state.closing && m_session.running() && m_session.sessionNumber() == session;
+}
+
 void RecognitionCycle::runCycle()
 {
     if (m_state.cycleSkip)
         return;
+    const std::uint64_t session = m_session.sessionNumber();
     const std::int64_t intervalSeconds = m_state.intervalSecondsOverride > 0 ? m_state.intervalSecondsOverride
                                                                               : std::int64_t{m_settings.CaptureInterval} * 60;
     m_session.NextCaptureTime = addSeconds(m_ports.clock.now(), intervalSeconds);
@@ -109,10 +111,7 @@ void RecognitionCycle::runCycle()
             m_log.WriteDebugLog("Lost " + m_settings.SearchWindowName + " Then Capture Stop ");
         return;
     }
-    if (m_noticeShown) {
-        m_ports.view.hideNotice();
-        m_noticeShown = false;
-    }
+    hideNotice();
     if (game != GameWindowState::Front) {
         retryLater();
         countMiss();
@@ -122,18 +121,23 @@ void RecognitionCycle::runCycle()
     readRegions();
     const bool moneyMissed = m_session.CurrentMoney < Currency{};
     if (moneyMissed && m_settings.MoneyScan && m_session.CurrentExp >= Currency{} && m_session.CurrentLv > 0) {
-        if (!rereadMoney()) {
+        if (!rereadMoney(session)) {
             retryLater();
             return;
         }
+        // A stop, a close or a new session during the waits: this reading belongs to none.
+        if (!stillWanted(session))
+            return;
     }
     handOver();
 }
 
 void RecognitionCycle::handOver()
 {
-    m_session.evaluateReading();
-    if (m_session.running())
+    // Only a running session evaluates; a test capture without one only shows what it read.
+    if (!m_session.running())
+        return;
+    if (m_session.evaluateReading())
         m_session.DisplayResult(MeasurementSession::kUpdate);
 }
 
@@ -148,13 +152,15 @@ void RecognitionCycle::readRegions()
     m_state.busy = false;
 }
 
-bool RecognitionCycle::rereadMoney()
+bool RecognitionCycle::rereadMoney(std::uint64_t session)
 {
     PlayCaptureBeep(m_ports.sound, m_settings.CaptureBeep);
     m_ports.waiter.WaitMs(m_settings.MoneyWait);
     for (int attempt = 0; attempt < 2; ++attempt) {
         if (attempt == 1)
             m_ports.waiter.WaitMs(1000);
+        if (!stillWanted(session))
+            return true;
         if (!gameInFront())
             return false;
         m_state.busy = true;
@@ -186,92 +192,112 @@ void RecognitionCycle::recognizeInto(int region)
 
 int RecognitionCycle::GetPictForClip(int region)
 {
+    // A whole reading takes the whole screen, once a cycle: it is the picture the pattern
+    // save and the options window show. The level watch and the money re-read take only
+    // their region, and leave that picture alone.
     std::vector<CaptureRegionRect> wanted;
-    for (int r = 0; r < kRegionCount; ++r)
-        if (region < 0 || region == r)
-            wanted.push_back(m_settings.CaptureRegion[static_cast<std::size_t>(r)]);
+    if (region >= 0)
+        wanted.push_back(m_settings.CaptureRegion[static_cast<std::size_t>(region)]);
     std::optional<CaptureBitmap> screen;
-    const ScreenCapture::Result taken = m_capture.take(wanted, screen);
+    ScreenCapture::Result taken = ScreenCapture::Result::NoPicture;
+    if (!trapErrors(m_log, "GetPictForClip", [&] { taken = m_capture.take(wanted, screen); })) {
+        securePixels();
+        return -1;
+    }
     if (taken == ScreenCapture::Result::FileUnreadable) {
         m_log.WriteDebugLog("CaptureFile Load Misstake ");
-        m_recognizer.SecurePixels();
+        securePixels();
         return -2;
     }
     if (taken != ScreenCapture::Result::Taken || !screen) {
         m_log.WriteDebugLog("PrintScreen MissTake ");
-        m_recognizer.SecurePixels();
+        securePixels();
         return -1;
     }
-    m_lastCapture = std::move(*screen);
-    m_ports.view.captureTaken(*m_lastCapture);
-    try {
+    m_ports.view.captureTaken(*screen);
+    const bool filled = trapErrors(m_log, "GetPictForClip2", [&] {
         for (int r = 0; r < kRegionCount; ++r)
             if (region < 0 || region == r)
-                m_recognizer.fill(r, *m_lastCapture);
-    } catch (const RuntimeError& error) {
-        m_log.writeErrorTrap("GetPictForClip2", error.number());
-        m_recognizer.SecurePixels();
+                m_recognizer.fill(r, *screen);
+    });
+    if (region < 0)
+        m_lastCapture = std::move(*screen);
+    if (!filled) {
+        securePixels();
         return -2;
     }
     return 0;
 }
 
+void RecognitionCycle::securePixels()
+{
+    trapErrors(m_log, "SecurePixels", [this] { m_recognizer.SecurePixels(); });
+}
+
+void RecognitionCycle::setTestButtons(bool enabled)
+{
+    m_state.controls.testButtonsEnabled = enabled;
+    m_ports.view.controlsChanged();
+}
+
 void RecognitionCycle::cmdCapture_Click()
 {
-    m_log.WriteDebugLog("Click : Test Capture ");
-    m_state.controls.testButtonsEnabled = false;
-    m_ports.view.controlsChanged();
-    m_ports.waiter.WaitMs(10000);
-    try {
+    trapErrors(m_log, "cmdCapture_Click", [this] {
+        m_log.WriteDebugLog("Click : Test Capture ");
+        setTestButtons(false);
+        m_ports.waiter.WaitMs(10000);
         if (!m_state.closing)
             runCycle();
-    } catch (const RuntimeError& error) {
-        m_log.writeErrorTrap("cmdCapture_Click", error.number());
-    }
+    });
     m_state.busy = false;
-    m_state.controls.testButtonsEnabled = true;
-    m_ports.view.controlsChanged();
-    m_log.WriteDebugLog("Single Capture ･･･ End ");
+    setTestButtons(true);
+    trapErrors(m_log, "cmdCapture_Click", [this] { m_log.WriteDebugLog("Single Capture ･･･ End "); });
 }
 
 void RecognitionCycle::cmdRecognize_Click()
 {
-    m_log.WriteDebugLog("Click : Test Recognize ");
-    m_state.controls.testButtonsEnabled = false;
-    m_ports.view.controlsChanged();
     const std::uint32_t start = m_ports.clock.tickMs();
-    try {
+    trapErrors(m_log, "cmdRecognize_Click", [this] {
+        m_log.WriteDebugLog("Click : Test Recognize ");
+        setTestButtons(false);
         for (int region = 0; region < kRegionCount; ++region)
             m_recognizer.binarize(region);
         for (int region = 0; region < kRegionCount; ++region)
             recognizeInto(region);
-    } catch (const RuntimeError& error) {
-        m_log.writeErrorTrap("cmdRecognize_Click", error.number());
-    }
+    });
     char seconds[32];
     std::snprintf(seconds, sizeof seconds, "%.3f", (m_ports.clock.tickMs() - start) / 1000.0);
     m_ports.view.recognizeElapsed(std::string(seconds) + "秒");
-    m_state.controls.testButtonsEnabled = true;
-    m_ports.view.controlsChanged();
-    m_log.WriteDebugLog("Single Recognize(" + std::string(seconds) + ") ･･･ End ");
+    setTestButtons(true);
+    trapErrors(m_log, "cmdRecognize_Click",
+               [&] { m_log.WriteDebugLog("Single Recognize(" + std::string(seconds) + ") ･･･ End "); });
 }
 
 void RecognitionCycle::cmdTempStop_Click(std::int32_t resumeDelaySeconds)
 {
-    m_log.WriteDebugLog("Click : Temporarily Stop ");
-    m_session.ChangeSuspend(resumeDelaySeconds);
-    if (m_noticeShown) {
-        m_ports.view.hideNotice();
-        m_noticeShown = false;
-    }
-    if (m_settings.Graph)
-        m_ports.view.graphFrameChanged();
+    trapErrors(m_log, "cmdTempStop_Click", [&] {
+        m_log.WriteDebugLog("Click : Temporarily Stop ");
+        m_session.ChangeSuspend(resumeDelaySeconds);
+        hideNotice();
+        if (m_settings.Graph)
+            m_ports.view.graphFrameChanged();
+    });
+}
+
+void RecognitionCycle::hideNotice()
+{
+    if (!m_noticeShown)
+        return;
+    m_ports.view.hideNotice();
+    m_noticeShown = false;
 }
 
 void RecognitionCycle::clearCarryOver()
 {
     m_missCount = 0;
     m_state.busy = false;
+    // The next session tells again that the game is not running.
+    hideNotice();
 }
 
 } // namespace tvx

@@ -57,7 +57,12 @@ private:
     void readRegions();
     void recognizeInto(int region);
     // The money re-read; false when the game left the front and the cycle must retry.
-    bool rereadMoney();
+    bool rereadMoney(std::uint64_t session);
+    // The session a cycle began in still runs and the program is not closing.
+    bool stillWanted(std::uint64_t session) const;
+    void securePixels();
+    void setTestButtons(bool enabled);
+    void hideNotice();
     bool gameInFront();
     // The reading goes to the session, and the result labels follow it.
     void handOver();

@@ -28,6 +28,8 @@ public:
     virtual void recognizeElapsed(const std::string& /*text*/) {}
     // The main window's reset at the end of a session.
     virtual void sessionReset() {}
+    // DebugMode was switched: the debug area shows or hides.
+    virtual void debugModeChanged() {}
 };
 
 } // namespace tvx

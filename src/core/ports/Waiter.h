@@ -10,6 +10,9 @@ class Waiter {
 public:
     virtual ~Waiter() = default;
     virtual void WaitMs(std::int32_t ms) = 0;
+    // The program is closing: every wait in progress returns now, so the window closes at
+    // once. Waits begun afterwards wait as usual.
+    virtual void endWaits() {}
 };
 
 } // namespace tvx

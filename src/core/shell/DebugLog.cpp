@@ -34,9 +34,12 @@ void DebugLog::WriteDebugLog(std::string_view text, int mode)
         throw RuntimeError(ErrorNumber::DiskFull, pathUtf8(m_path));
 }
 
-void DebugLog::writeErrorTrap(std::string_view procedure, ErrorNumber number)
+void DebugLog::writeErrorTrap(std::string_view procedure, ErrorNumber number) noexcept
 {
-    WriteDebugLog(errorTrapLine(procedure, number));
+    try {
+        WriteDebugLog(errorTrapLine(procedure, number));
+    } catch (...) {
+    }
 }
 
 } // namespace tvx

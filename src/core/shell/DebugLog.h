@@ -23,8 +23,9 @@ public:
     // File errors throw RuntimeError for the caller's trap.
     void WriteDebugLog(std::string_view text, int mode = kAppend);
 
-    // Writes the error-trap line of a procedure ("Error Trap : NAME : CODE9  ...").
-    void writeErrorTrap(std::string_view procedure, ErrorNumber number);
+    // Writes the error-trap line of a procedure ("Error Trap : NAME : CODE9  ..."). A log
+    // that cannot be written loses the line: a trap never throws.
+    void writeErrorTrap(std::string_view procedure, ErrorNumber number) noexcept;
 
     const std::filesystem::path& path() const { return m_path; }
     const std::filesystem::path& backupPath() const { return m_backupPath; }
@@ -34,5 +35,22 @@ private:
     std::filesystem::path m_backupPath;
     Clock& m_clock;
 };
+
+// The error trap of an entry point (a timer tick, a command, a gesture): runs `body`, and
+// whatever it throws becomes the procedure's error-trap line and goes no further. False
+// when something was trapped.
+template <typename Body>
+bool trapErrors(DebugLog& log, std::string_view procedure, Body&& body) noexcept
+{
+    try {
+        body();
+        return true;
+    } catch (const std::exception& error) {
+        log.writeErrorTrap(procedure, errorNumberOf(error));
+    } catch (...) {
+        log.writeErrorTrap(procedure, ErrorNumber::ApplicationDefined);
+    }
+    return false;
+}
 
 } // namespace tvx

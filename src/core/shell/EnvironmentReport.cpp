@@ -17,8 +17,11 @@ struct Label {
     const char* japanese;
 };
 
+// An item the system says nothing about is left out rather than shown empty.
 std::string item(std::string_view indent, const Label& label, bool japanese, const std::string& value)
 {
+    if (value.empty())
+        return "";
     return std::string(indent) + (japanese ? label.japanese : label.english) + value + "\r\n";
 }
 

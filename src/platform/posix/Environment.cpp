@@ -94,6 +94,16 @@ void addCaches(EnvironmentFacts& facts)
     }
 }
 
+// The makers of most graphics adapters by PCI vendor number; others keep the number.
+std::string pciVendor(const std::string& id)
+{
+    static const std::map<std::string, std::string> names{
+        {"0x8086", "Intel"}, {"0x10de", "NVIDIA"}, {"0x1002", "AMD"}, {"0x1af4", "Virtio"}, {"0x15ad", "VMware"},
+        {"0x1234", "QEMU"}, {"0x80ee", "VirtualBox"}};
+    const auto it = names.find(id);
+    return it == names.end() ? id : it->second;
+}
+
 void addGraphics(EnvironmentFacts& facts)
 {
     std::error_code error;
@@ -102,7 +112,7 @@ void addGraphics(EnvironmentFacts& facts)
         const std::string driver = std::filesystem::read_symlink(device / "driver", error).filename().string();
         if (error || driver.empty())
             continue;
-        facts.graphicAdapter = firstLine(device / "vendor") + ":" + firstLine(device / "device") + " (" + driver + ")";
+        facts.graphicAdapter = pciVendor(firstLine(device / "vendor")) + " " + firstLine(device / "device") + " (" + driver + ")";
         facts.driverVersion = firstLine("/sys/module/" + driver + "/version");
         break;
     }
@@ -122,7 +132,7 @@ EnvironmentFacts gatherEnvironment()
         facts.version = std::string(names.sysname) + " " + names.release;
         facts.processorUse = names.machine;
     }
-    facts.servicePack = release.contains("VERSION_ID") ? release.at("VERSION_ID") : "";
+    // Linux has no service packs; the distribution's version is in its name already.
     const std::time_t now = std::time(nullptr);
     facts.localTime = timeText(now);
     struct sysinfo info {};
@@ -139,8 +149,15 @@ EnvironmentFacts gatherEnvironment()
     facts.revision = cpu.contains("stepping") ? "Stepping " + cpu.at("stepping") : "";
     addCaches(facts);
     addGraphics(facts);
-    facts.manufacturer = firstLine("/sys/class/dmi/id/sys_vendor");
-    facts.model = firstLine("/sys/class/dmi/id/product_name");
+    // DMI where the firmware offers it (not in most containers); the board when the
+    // system fields are empty, as on self-built machines.
+    const std::filesystem::path dmi = "/sys/class/dmi/id";
+    facts.manufacturer = firstLine(dmi / "sys_vendor");
+    if (facts.manufacturer.empty())
+        facts.manufacturer = firstLine(dmi / "board_vendor");
+    facts.model = firstLine(dmi / "product_name");
+    if (facts.model.empty())
+        facts.model = firstLine(dmi / "board_name");
     return facts;
 }
 

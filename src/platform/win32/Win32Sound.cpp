@@ -1,3 +1,4 @@
+#include "SoundFactory.h"
 #include "Win32Ports.h"
 
 #include <windows.h>
@@ -22,6 +23,11 @@ public:
 std::unique_ptr<Sound> makeWin32Sound()
 {
     return std::make_unique<Win32Sound>();
+}
+
+std::unique_ptr<Sound> makeSound()
+{
+    return makeWin32Sound();
 }
 
 } // namespace tvx::platform

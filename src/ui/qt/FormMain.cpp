@@ -122,13 +122,7 @@ void FormMain::buildMenus()
         auto* item = new QAction(QString::fromUtf8(caption), this);
         item->setObjectName(QString::fromLatin1(name));
         menu->addAction(item);
-        connect(item, &QAction::triggered, this, [this, name, handler] {
-            try {
-                handler();
-            } catch (const RuntimeError& error) {
-                m_log.writeErrorTrap(name, error.number());
-            }
-        });
+        connect(item, &QAction::triggered, this, [this, name, handler] { trapErrors(m_log, name, handler); });
         return item;
     };
     auto submenu = [this](const char* name, const char* caption) {
@@ -243,19 +237,19 @@ void FormMain::attach(Meter& meter)
 
 void FormMain::FormMain_Load()
 {
-    try {
+    trapErrors(m_log, "FormMain_Load", [this] {
         m_timDoHLInterval->setInterval(m_meter->settings().DoHLInterval);
         m_frmGraph->setVisible(m_meter->settings().Graph);
         // Gestures first: an auto start waits StartDelay, and they must work meanwhile.
         followGestureSetting();
         m_meter->load(m_meter->clock());
+        if (m_closing)
+            return; // closed during the start-up wait
         m_frmGraph->setGraphBuffer(m_meter->state().graph.get());
         m_frmGraph->GraphFrameDisplay();
         graphDataChanged();
         m_log.WriteDebugLog("Program StartUp Complete ");
-    } catch (const RuntimeError& error) {
-        m_log.writeErrorTrap("FormMain_Load", error.number());
-    }
+    });
 }
 
 void FormMain::showLogBox()
@@ -301,6 +295,8 @@ void FormMain::controlsChanged()
         else if (!on && timer->isActive())
             timer->stop();
     };
+    if (m_timDoHLInterval->interval() != controls.doHLIntervalMs)
+        m_timDoHLInterval->setInterval(controls.doHLIntervalMs);
     run(m_timCaptureInterval, controls.captureTimerEnabled);
     run(m_timDoHLInterval, controls.doHLTimerEnabled);
 }
@@ -403,6 +399,11 @@ void FormMain::sessionReset()
     hideNotice();
 }
 
+void FormMain::debugModeChanged()
+{
+    m_frmDebug->setVisible(m_meter->state().DebugMode);
+}
+
 void FormMain::runFileBeside(const char* logLine, const char* document)
 {
     m_log.WriteDebugLog(logLine);
@@ -439,10 +440,13 @@ void FormMain::menuOption_Click()
     if (!m_formOption) {
         m_formOption = new FormOption(*m_config, capture ? &*capture : nullptr, m_patternCapture, this);
         m_formOption->setWindowFlag(Qt::Window);
+        m_formOption->setDebugSwitch({[this] { return m_meter->state().DebugMode; },
+                                      [this](bool on) { m_meter->setDebugMode(on); }});
         connect(m_formOption, &FormOption::settingsChanged, this, [this] {
             setWindowTitle(qtText(programTitle(m_meter->settings().SearchWindowName)));
             m_frmGraph->GraphFrameDisplay();
             followGestureSetting();
+            m_meter->settingsChanged();
         });
     } else if (capture) {
         m_formOption->setCapture(*capture);
@@ -472,6 +476,7 @@ void FormMain::setIntervalSeconds(std::int32_t seconds)
     if (!m_meter)
         return;
     m_meter->state().intervalSecondsOverride = seconds;
+    m_frmGraph->setIntervalSeconds(seconds);
     // The timer only asks whether the next capture time has come; ask often enough.
     if (seconds > 0)
         m_timCaptureInterval->setInterval(std::min(10000, seconds * 1000 / 2 + 1));
@@ -505,11 +510,7 @@ void FormMain::closeEvent(QCloseEvent* event)
 {
     if (!m_closing && m_meter) {
         m_closing = true;
-        try {
-            m_meter->close();
-        } catch (const RuntimeError& error) {
-            m_log.writeErrorTrap("Form_QueryUnload", error.number());
-        }
+        m_meter->close();
         m_meter->logBox().write("\r\n        終了しています・・・\r\n");
         if (m_formDirectX)
             m_formDirectX->Form_Unload();

@@ -84,6 +84,7 @@ public:
     void captureCaption(int region, const std::string& caption) override;
     void recognizeElapsed(const std::string& text) override;
     void sessionReset() override;
+    void debugModeChanged() override;
 
 protected:
     void closeEvent(QCloseEvent* event) override;

@@ -33,6 +33,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <memory>
 
 namespace tvx::ui {
 namespace {
@@ -160,6 +161,29 @@ QCheckBox* FormOption::flagBox(const QString& name, const QString& text, bool Se
         box->setChecked(m_settings.*flag);
     });
     return box;
+}
+
+QCheckBox* FormOption::debugModeBox()
+{
+    m_chkDebugMode = new QCheckBox(QStringLiteral("デバッグモード（テスト用ボタンと詳しいログ）"));
+    m_chkDebugMode->setObjectName(QStringLiteral("chkDebugMode"));
+    m_chkDebugMode->setEnabled(false);
+    connect(m_chkDebugMode, &QCheckBox::toggled, this, [this](bool on) {
+        if (m_debugSwitch.set)
+            m_debugSwitch.set(on);
+    });
+    m_refreshers.push_back([this] {
+        const QSignalBlocker quiet(m_chkDebugMode);
+        m_chkDebugMode->setChecked(m_debugSwitch.isOn && m_debugSwitch.isOn());
+    });
+    return m_chkDebugMode;
+}
+
+void FormOption::setDebugSwitch(DebugSwitch debugSwitch)
+{
+    m_debugSwitch = std::move(debugSwitch);
+    m_chkDebugMode->setEnabled(m_debugSwitch.isOn && m_debugSwitch.set);
+    refresh();
 }
 
 QLineEdit* FormOption::textEdit(const QString& name, std::function<std::string&(Settings&)> text)
@@ -451,6 +475,7 @@ QWidget* FormOption::buildTimingTab()
     grid->addWidget(textEdit(QStringLiteral("txtSearchWindowName"),
                              [](Settings& s) -> std::string& { return s.SearchWindowName; }),
                     row++, 1, 1, 2);
+    grid->addWidget(debugModeBox(), row++, 0, 1, 3);
     grid->setRowStretch(row, 1);
     grid->setColumnStretch(3, 1);
     return page;
@@ -736,6 +761,12 @@ void FormOption::cmdCapture_Click()
     };
     write("Click : Pattern Capture ");
     QPointer<FormOption> alive(this);
+    // No reading may replace the pixels or the clipboard meanwhile; restored however this ends.
+    bool* const skip = m_captureServices.cycleSkip;
+    const bool skipBefore = skip && *skip;
+    const std::unique_ptr<bool, std::function<void(bool*)>> holdCycles(skip, [skipBefore](bool* flag) { *flag = skipBefore; });
+    if (skip)
+        *skip = true;
     m_cmdCapture->setEnabled(false);
     m_lblCaptureStatus->setText(QStringLiteral("10秒後にキャプチャします。ゲームを前面に出してください…"));
     try {
@@ -759,12 +790,13 @@ void FormOption::cmdCapture_Click()
         m_config.sizeBuffers();
         m_lblCaptureStatus->setText(QStringLiteral("保存しました： ") + qtText(pathUtf8(file)));
         write("Pattern Capture and Save ･･･ End ");
-    } catch (const RuntimeError& e) {
+    } catch (const std::exception& e) {
         if (!alive)
             return;
+        const ErrorNumber number = errorNumberOf(e);
         m_lblCaptureStatus->setText(QStringLiteral("キャプチャできませんでした。"));
-        write("Error Trap : cmdCapture_Click: :CODE" + std::to_string(static_cast<int>(e.number())) + "  " +
-              std::string(errorDescription(e.number())));
+        write("Error Trap : cmdCapture_Click: :CODE" + std::to_string(static_cast<int>(number)) + "  " +
+              std::string(errorDescription(number)));
     }
     m_cmdCapture->setEnabled(true);
 }

@@ -35,6 +35,14 @@ struct PatternCaptureServices {
     ScreenSource* screen = nullptr;
     Waiter* waiter = nullptr;
     Clock* clock = nullptr;
+    // Set while the capture runs, so that no reading disturbs it; may be null.
+    bool* cycleSkip = nullptr;
+};
+
+// DebugMode belongs to the running meter, not to the settings file.
+struct DebugSwitch {
+    std::function<bool()> isOn;
+    std::function<void(bool)> set;
 };
 
 // The options window: every field of the settings, edited in place. Numbers are asked
@@ -56,6 +64,8 @@ public:
 
     // Every control anew from the settings (after a load or reset).
     void refresh();
+    // Connects the debug mode box; without a switch it stays disabled.
+    void setDebugSwitch(DebugSwitch debugSwitch);
 
 signals:
     // A load, reset or edit changed settings that others show (the target name, the graph).
@@ -79,6 +89,7 @@ private:
                               std::function<std::int32_t&(Settings&)> value, bool recognition = false);
     QComboBox* captureMethodBox();
     QCheckBox* flagBox(const QString& name, const QString& caption, bool Settings::*flag);
+    QCheckBox* debugModeBox();
     QLineEdit* textEdit(const QString& name, std::function<std::string&(Settings&)> text);
 
     void askNumber(const NumberField& field);
@@ -97,6 +108,8 @@ private:
     ConfigFile& m_config;
     Settings& m_settings;
     PatternCaptureServices m_captureServices;
+    DebugSwitch m_debugSwitch;
+    QCheckBox* m_chkDebugMode = nullptr;
     std::optional<CaptureBitmap> m_capture;
     std::array<std::string, kRegionCount> m_columnStrings;
 

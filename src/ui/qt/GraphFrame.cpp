@@ -138,7 +138,7 @@ GraphScaleTexts GraphFrame::showScaleTexts(Currency maxE, Currency maxM, float z
 {
     const Settings& settings = *m_settings;
     const GraphScaleTexts texts =
-        graphScaleTexts(maxE, maxM, zoom, settings.CaptureInterval, settings.GraphTimeScale, trap);
+        graphScaleTexts(maxE, maxM, zoom, settings.CaptureInterval, settings.GraphTimeScale, trap, m_intervalSeconds);
     m_lblGraph_Tt->setText(qtText(texts.lblGraph_Tt));
     fitToText(m_lblGraph_Tt);
     for (std::size_t i = 0; i < 4; ++i) {

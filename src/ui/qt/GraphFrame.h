@@ -43,6 +43,8 @@ public:
     // Drawing is allowed only while exactly one of menuRun and menuStop is enabled.
     void setMeterControls(const MeterControls* controls) { m_controls = controls; }
     void setDebugLog(DebugLog* log) { m_log = log; }
+    // Captures every few seconds instead of CaptureInterval minutes (0: the setting).
+    void setIntervalSeconds(std::int32_t seconds) { m_intervalSeconds = seconds; }
 
     // Places the picture, labels and grid for the frame's present size, then redraws
     // with the current view. Call it after every change of the frame's size.
@@ -85,6 +87,7 @@ private:
     GraphView m_ownView;
     GraphView* m_view = &m_ownView;
     const Settings* m_settings = nullptr;
+    std::int32_t m_intervalSeconds = 0;
     const MeterControls* m_controls = nullptr;
     DebugLog* m_log = nullptr;
 

@@ -21,22 +21,22 @@ void QtWaiter::WaitMs(std::int32_t ms)
         ms = 1;
     QElapsedTimer clock;
     clock.start();
+    const std::uint64_t endings = m_endings;
     QEventLoop loop;
     QTimer::singleShot(ms, &loop, &QEventLoop::quit);
+    m_loops.push_back(&loop);
     loop.exec();
+    m_loops.pop_back();
     // A nested quit can end the loop early; finish the wait without blocking events.
-    while (clock.elapsed() < ms)
+    while (clock.elapsed() < ms && endings == m_endings)
         QCoreApplication::processEvents(QEventLoop::AllEvents, static_cast<int>(ms - clock.elapsed()));
 }
 
-void QtSound::systemBeep()
+void QtWaiter::endWaits()
 {
-    QApplication::beep();
-}
-
-void QtSound::beep(std::int32_t, std::int32_t)
-{
-    QApplication::beep();
+    ++m_endings;
+    for (QEventLoop* loop : m_loops)
+        loop->quit();
 }
 
 bool QtShellLauncher::fileExists(const std::string& path)

@@ -2,9 +2,12 @@
 
 #include "ports/ImageEncoder.h"
 #include "ports/ShellLauncher.h"
-#include "ports/Sound.h"
 #include "ports/Waiter.h"
 
+#include <cstdint>
+#include <vector>
+
+class QEventLoop;
 class QImage;
 
 namespace tvx::ui {
@@ -13,13 +16,11 @@ namespace tvx::ui {
 class QtWaiter final : public Waiter {
 public:
     void WaitMs(std::int32_t ms) override;
-};
+    void endWaits() override;
 
-// Qt has only the system beep; a tone of a given pitch comes from the platform back end.
-class QtSound final : public Sound {
-public:
-    void systemBeep() override;
-    void beep(std::int32_t frequencyHz, std::int32_t durationMs) override;
+private:
+    std::vector<QEventLoop*> m_loops; // the waits in progress, innermost last
+    std::uint64_t m_endings = 0;
 };
 
 class QtShellLauncher final : public ShellLauncher {

@@ -63,6 +63,11 @@ TEST(GraphScaleTexts, TimeAxisTitleGivesMinutesPerGridDivision)
     EXPECT_EQ(timeAxisTitle(6, 20), "経過時間(30分間隔)");
     EXPECT_EQ(timeAxisTitle(6, 60), "経過時間(90分間隔)");
     EXPECT_EQ(timeAxisTitle(1, 7), "経過時間(1分間隔)");
+    // A demonstration's interval in seconds names seconds, or minutes when they are whole.
+    EXPECT_EQ(timeAxisTitleSeconds(2, 20), "経過時間(10秒間隔)");
+    EXPECT_EQ(timeAxisTitleSeconds(12, 20), "経過時間(1分間隔)");
+    StepTrap demo;
+    EXPECT_EQ(graphScaleTexts(Currency{}, Currency{}, 1.0f, 6, 20, demo, 10).lblGraph_Tt, "経過時間(50秒間隔)");
 
     StepTrap trap;
     const GraphScaleTexts texts = graphScaleTexts(amount(0), amount(0), 1.0f, INT_MAX, 2, trap);

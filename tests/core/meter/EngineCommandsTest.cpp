@@ -1,0 +1,211 @@
+// The engine's entry points: their error traps, the debug switch and its commands, the
+// level watch following its settings, and the cycle-skip flag.
+#include "support/MeterFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+#include <new>
+#include <stdexcept>
+
+namespace tvx {
+namespace {
+
+// A machine whose game-window probe or waits can be made to throw.
+class ThrowingMachine : public test::FakeMachine {
+public:
+    std::function<void()> onProbe;
+    GameWindowState state(std::string_view title) override
+    {
+        if (onProbe)
+            onProbe();
+        return FakeMachine::state(title);
+    }
+};
+
+class EngineCommandsTest : public test::MeterFixture {
+protected:
+    // A fresh engine over a machine that throws where `arm` tells it to.
+    struct Rig {
+        ThrowingMachine machine;
+        Settings settings = defaultSettings("");
+        std::unique_ptr<Meter> meter;
+    };
+    std::unique_ptr<Rig> rig()
+    {
+        auto r = std::make_unique<Rig>();
+        r->settings.SaveFolder = temp.path().string();
+        r->settings.StartDelay = 0;
+        r->machine.clock.setNow(test::kStart);
+        r->machine.screens = {test::gameCapture({"10", "100", "5"})};
+        MeterPorts ports{r->machine.clock, r->machine, r->machine, r->machine, r->machine,
+                         r->machine,       r->machine, r->machine, &r->machine};
+        r->meter = std::make_unique<Meter>(r->settings, ports, log);
+        return r;
+    }
+};
+
+TEST_F(EngineCommandsTest, EveryEntryPointTrapsWhatItCallsAndTheSessionGoesOn)
+{
+    using Thrower = std::function<void()>;
+    const Thrower badAlloc = [] { throw std::bad_alloc(); };
+    const Thrower outOfRange = [] { throw std::out_of_range("index"); };
+    const Thrower fileError = [] {
+        throw std::filesystem::filesystem_error("exists", std::make_error_code(std::errc::filename_too_long));
+    };
+    const Thrower conversion = [] { throw std::invalid_argument("stoll"); };
+    const Thrower unknown = [] { throw 42; };
+    struct Case {
+        const char* line;
+        bool onProbe; // else on the next wait
+        Thrower thrower;
+        std::function<void(Meter&)> command;
+    };
+    const std::vector<Case> cases{
+        {"Error Trap : timCaptureInterval_Timer : CODE9  Subscript out of range", true, outOfRange,
+         [](Meter& m) { m.cycle().timCaptureInterval_Timer(); }},
+        {"Error Trap : timDoHLInterval_Timer : CODE7  Out of memory", true, badAlloc,
+         [](Meter& m) { m.watch().timDoHLInterval_Timer(); }},
+        {"Error Trap : MouseGesture : CODE75  Path/File access error", true, fileError,
+         [](Meter& m) { m.runGesture(Gesture::CycleReset); }},
+        {"Error Trap : cmdCapture_Click : CODE13  Type mismatch", false, conversion,
+         [](Meter& m) { m.cycle().cmdCapture_Click(); }},
+        {"Error Trap : menuPrtScr_Click : CODE1004  Application-defined or object-defined error", false, unknown,
+         [](Meter& m) { m.menuPrtScr_Click(); }},
+        {"Error Trap : cmdTempStop_Click : CODE7  Out of memory", false, badAlloc, [](Meter& m) {
+             m.cycle().cmdTempStop_Click(1);
+             m.cycle().cmdTempStop_Click(1); // the resume waits
+         }},
+    };
+    for (const Case& k : cases) {
+        SCOPED_TRACE(k.line);
+        std::filesystem::remove(log.path());
+        auto r = rig();
+        r->meter->menuRun_Click();
+        r->machine.clock.advanceMs(20000);
+        if (k.onProbe)
+            r->machine.onProbe = k.thrower;
+        else
+            r->machine.onWait = [&k](std::int32_t) { k.thrower(); };
+        EXPECT_NO_THROW(k.command(*r->meter));
+        EXPECT_NE(debugText().find(k.line), std::string::npos) << debugText();
+        EXPECT_FALSE(r->meter->state().busy);
+        EXPECT_TRUE(r->meter->state().controls.testButtonsEnabled);
+    }
+}
+
+TEST_F(EngineCommandsTest, StopEndsTheSessionEvenWhenItsSummaryFails)
+{
+    auto r = rig();
+    r->meter->menuRun_Click();
+    r->meter->session().CurrentLv = 10;
+    // The log box's window fails to show the summary.
+    r->meter->logBox().setListener([](std::string_view) { throw std::bad_alloc(); });
+    r->meter->menuStop_Click();
+    EXPECT_FALSE(r->meter->session().running());
+    EXPECT_TRUE(r->meter->state().controls.runEnabled);
+    EXPECT_NE(debugText().find("Error Trap : menuStop_Click : CODE7  Out of memory"), std::string::npos);
+}
+
+TEST_F(EngineCommandsTest, ATrapThatCannotWriteItsLineStillHoldsTheError)
+{
+    DebugLog nowhere(temp.path() / "no" / "folder", machine.clock);
+    EXPECT_NO_THROW(nowhere.writeErrorTrap("Main", ErrorNumber::Overflow));
+    EXPECT_FALSE(trapErrors(nowhere, "Main", [] { throw std::overflow_error("x"); }));
+    EXPECT_TRUE(trapErrors(nowhere, "Main", [] {}));
+}
+
+TEST_F(EngineCommandsTest, DebugModeShowsTheDebugAreaAndItsCommandsWork)
+{
+    show("10", "100", "5");
+    meter().setDebugMode(true);
+    EXPECT_TRUE(meter().state().DebugMode);
+    EXPECT_EQ(machine.count("debug area"), 1u);
+    EXPECT_NE(debugText().find("Change DebugMode ･･･ End "), std::string::npos);
+
+    meter().cycle().cmdCapture_Click();
+    EXPECT_EQ(machine.count("wait 10000"), 1u);
+    EXPECT_EQ(machine.grabs, 1);
+    EXPECT_GE(machine.count("caption 0 認識中…"), 1u) << "progress captions while tracing";
+    EXPECT_EQ(std::count(machine.events.begin(), machine.events.end(), "caption 1 100"), 1);
+    const std::string afterCapture = debugText();
+    EXPECT_NE(afterCapture.find("Single Capture ･･･ End "), std::string::npos);
+    EXPECT_NE(afterCapture.find(" 変換データ : "), std::string::npos) << "the recogniser's trace";
+
+    meter().cycle().cmdRecognize_Click();
+    EXPECT_EQ(machine.count("elapsed 0.000秒"), 1u);
+    EXPECT_NE(debugText().find("Single Recognize(0.000) ･･･ End "), std::string::npos);
+    EXPECT_EQ(meter().session().CurrentLv, 10);
+    EXPECT_EQ(meter().session().CurrentExp, Currency::fromInt(100));
+
+    meter().setDebugMode(false);
+    const std::size_t captions = machine.count("caption 0 認識中…");
+    meter().cycle().cmdRecognize_Click();
+    EXPECT_EQ(machine.count("caption 0 認識中…"), captions) << "no trace with the switch off";
+    EXPECT_EQ(machine.count("debug area"), 2u);
+}
+
+TEST_F(EngineCommandsTest, LevelWatchFollowsItsSettingsAndStartsAfreshWhenSwitchedOn)
+{
+    show("50", "1", "1");
+    settings.DoHLCheckExec = true;
+    settings.DoHLInterval = 250;
+    meter().settingsChanged();
+    EXPECT_TRUE(meter().state().controls.doHLTimerEnabled);
+    EXPECT_EQ(meter().state().controls.doHLIntervalMs, 250);
+
+    meter().menuRun_Click();
+    meter().watch().timDoHLInterval_Timer(); // primes at 50
+    EXPECT_EQ(machine.count("caption 0 50"), 1u) << "the check shows what it read";
+    meter().runGesture(Gesture::WatchOff);
+    show("51", "1", "1"); // a level-up while the watch was off
+    meter().runGesture(Gesture::WatchOn);
+    meter().watch().timDoHLInterval_Timer();
+    EXPECT_EQ(meter().logBox().text().find("LvUP or Dead 検出"), std::string::npos) << "no burst for the jump";
+    show("52", "1", "1");
+    meter().watch().timDoHLInterval_Timer();
+    EXPECT_NE(meter().logBox().text().find("LvUP or Dead 検出"), std::string::npos) << "the next rise is captured";
+
+    settings.DoHLCheckExec = false;
+    meter().settingsChanged();
+    EXPECT_FALSE(meter().state().controls.doHLTimerEnabled);
+}
+
+TEST_F(EngineCommandsTest, CycleSkipHoldsTheCycleAndTheWatch)
+{
+    show("50", "1", "1");
+    meter().menuRun_Click();
+    machine.clock.advanceMs(20000);
+    meter().state().cycleSkip = true;
+    meter().cycle().timCaptureInterval_Timer();
+    meter().watch().timDoHLInterval_Timer();
+    EXPECT_EQ(machine.grabs, 0);
+    meter().state().cycleSkip = false;
+    meter().cycle().timCaptureInterval_Timer();
+    EXPECT_EQ(machine.grabs, 1) << "the held cycle runs at the next tick";
+}
+
+TEST_F(EngineCommandsTest, TheCycleKeepsAWholeScreenForThePatternSave)
+{
+    settings.MoneyScan = true;
+    show("50", "1", "");
+    meter().menuRun_Click();
+    meter().cycle().runCycle(); // the whole screen, then money twice
+    const CaptureBitmap whole = *meter().cycle().lastCapture();
+    show("51", "1", "1");
+    meter().watch().timDoHLInterval_Timer();
+    EXPECT_EQ(machine.grabbedRegions, (std::vector<std::size_t>{0, 1, 1, 1}));
+    EXPECT_EQ(meter().cycle().lastCapture()->pixels, whole.pixels) << "a region capture is no picture to save";
+}
+
+TEST_F(EngineCommandsTest, TimeLeftBeforeAnyReadingProposesWithinItsBounds)
+{
+    meter().menuRun_Click();
+    meter().menuTimeLeft_Click();
+    EXPECT_EQ(machine.count("ask あと何時間？ | 目標Lvを入力してください  (現在:未認識) | 1 200 1.000000 1"), 1u);
+}
+
+} // namespace
+} // namespace tvx
