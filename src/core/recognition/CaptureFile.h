@@ -55,17 +55,21 @@ enum class CaptureLoadResult : int {
     EmptyPath = -2,
     NotBmpName = -3,
     NotBitmapType = -4,
-    // Beyond the classic codes: the file could not be opened, or its header describes a
-    // pixel array that cannot exist (no columns, no rows, or absurdly large).
+    // Beyond the classic codes: the file could not be opened or read, its header describes
+    // a pixel array that cannot exist (no columns, no rows, or absurdly large), the path is
+    // a folder (or another thing that is no file), or the file ends before its pixels do.
     CannotOpen = -5,
     BadDimensions = -6,
+    NotAFile = -7,
+    Truncated = -8,
 };
 
 std::string_view describe(CaptureLoadResult result);
 
 // Reads a capture file. The pixel rows are read right after the information header (and
-// four more bytes when the pixel offset is not 54), whatever the offset says; bytes past
-// the end of a short file read as zero.
+// four more bytes when the pixel offset is not 54), whatever the offset says. The pixels
+// come in one read straight into `bitmap`, whose buffer is reused: a caller reading many
+// files keeps one CaptureBitmap. After a failure the pixels are empty.
 CaptureLoadResult LoadCaptureBitmap(const std::filesystem::path& path, CaptureBitmap& bitmap);
 CaptureLoadResult parseCaptureBitmap(std::span<const std::uint8_t> bytes, CaptureBitmap& bitmap);
 
