@@ -119,15 +119,15 @@ void putU32(std::vector<std::uint8_t>& out, std::uint32_t value)
     putU16(out, value >> 16);
 }
 
-std::size_t stride24(const Frame& frame)
+std::size_t stride24(std::int32_t width)
 {
-    return (24u * static_cast<std::size_t>(frame.width()) + 31u) / 32u * 4u;
+    return (24u * static_cast<std::size_t>(width) + 31u) / 32u * 4u;
 }
 
-// The two headers of a 24-bit bottom-up file of the frame, pixel data at offset 54.
-std::vector<std::uint8_t> header24(const Frame& frame, std::size_t stride)
+// The two headers of a 24-bit bottom-up file, pixel data at offset 54.
+std::vector<std::uint8_t> header24(std::int32_t width, std::int32_t height)
 {
-    const auto imageBytes = static_cast<std::uint32_t>(stride * static_cast<std::size_t>(frame.height()));
+    const auto imageBytes = static_cast<std::uint32_t>(stride24(width) * static_cast<std::size_t>(height));
     std::vector<std::uint8_t> out;
     out.reserve(kPlainPixelOffset);
     putU16(out, kBitmapType);
@@ -135,8 +135,8 @@ std::vector<std::uint8_t> header24(const Frame& frame, std::size_t stride)
     putU32(out, 0); // both reserved words
     putU32(out, kPlainPixelOffset);
     putU32(out, kInfoHeaderBytes);
-    putU32(out, static_cast<std::uint32_t>(frame.width()));
-    putU32(out, static_cast<std::uint32_t>(frame.height()));
+    putU32(out, static_cast<std::uint32_t>(width));
+    putU32(out, static_cast<std::uint32_t>(height));
     putU16(out, 1);  // planes
     putU16(out, 24); // bits per pixel
     putU32(out, 0);  // no compression
@@ -230,8 +230,8 @@ CaptureLoadResult LoadCaptureBitmap(const std::filesystem::path& path, CaptureBi
 
 std::vector<std::uint8_t> encodeBitmap24(const Frame& frame)
 {
-    const std::size_t stride = stride24(frame);
-    std::vector<std::uint8_t> out = header24(frame, stride);
+    const std::size_t stride = stride24(frame.width());
+    std::vector<std::uint8_t> out = header24(frame.width(), frame.height());
     out.resize(kPlainPixelOffset + stride * static_cast<std::size_t>(frame.height()));
     putRowsBottomUp(frame, stride, out.data() + kPlainPixelOffset);
     return out;
@@ -256,15 +256,20 @@ bool writeBitmap24(const std::filesystem::path& path, const Frame& frame)
     return false;
 }
 
-CaptureBitmap toCaptureBitmap(const Frame& frame)
+CaptureBitmap blankCapture(std::int32_t width, std::int32_t height)
 {
     CaptureBitmap bitmap;
-    const std::size_t stride = stride24(frame);
     std::size_t pixelStart = 0;
-    if (readHeaders(header24(frame, stride), bitmap, pixelStart) != CaptureLoadResult::Read)
-        return bitmap;
-    bitmap.pixels.resize(pixelBytes(bitmap));
-    putRowsBottomUp(frame, stride, bitmap.pixels.data());
+    if (readHeaders(header24(width, height), bitmap, pixelStart) == CaptureLoadResult::Read)
+        bitmap.pixels.assign(pixelBytes(bitmap), 0);
+    return bitmap;
+}
+
+CaptureBitmap toCaptureBitmap(const Frame& frame)
+{
+    CaptureBitmap bitmap = blankCapture(frame.width(), frame.height());
+    if (!bitmap.pixels.empty())
+        putRowsBottomUp(frame, stride24(frame.width()), bitmap.pixels.data());
     return bitmap;
 }
 

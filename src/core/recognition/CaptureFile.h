@@ -48,6 +48,8 @@ struct CaptureBitmap {
     {
         return pixels[static_cast<std::size_t>(row * stride + byteIndex)];
     }
+    // Screen row y (0 at the top) of a bottom-up bitmap, for writers.
+    std::uint8_t* screenRow(std::int64_t y) { return pixels.data() + (rows - 1 - y) * stride; }
 };
 
 enum class CaptureLoadResult : int {
@@ -79,6 +81,9 @@ std::vector<std::uint8_t> encodeBitmap24(const Frame& frame);
 bool writeBitmap24(const std::filesystem::path& path, const Frame& frame);
 // The frame as the capture file reader would give it back.
 CaptureBitmap toCaptureBitmap(const Frame& frame);
+// A black 24-bit bottom-up capture of that size, for a screen source to fill in place
+// (empty pixels when the size is impossible).
+CaptureBitmap blankCapture(std::int32_t width, std::int32_t height);
 // The picture of a 24-bit capture, top row first (other depths give an empty frame).
 Frame toFrame(const CaptureBitmap& bitmap);
 
