@@ -74,6 +74,7 @@ TEST(CaptureFile, StrideFollowsTheBitDepthAndWidth)
         BitmapBuilder builder;
         builder.bits = c.bits;
         builder.width = c.width;
+        builder.pixels = sequence(static_cast<std::size_t>(c.stride) * 3);
         CaptureBitmap bitmap;
         ASSERT_EQ(parse(builder, bitmap), CaptureLoadResult::Read);
         EXPECT_EQ(bitmap.stride, c.stride) << c.bits << " bits, width " << c.width;
