@@ -1,5 +1,6 @@
 // tallivex: the desktop meter.
 #include "Environment.h"
+#include "Fonts.h"
 #include "FormMain.h"
 #include "GameScreen.h"
 #include "HomeFolder.h"
@@ -74,6 +75,7 @@ std::optional<std::int32_t> intervalOption(const QStringList& args, bool& bad)
 int main(int argc, char** argv)
 {
     QApplication app(argc, argv);
+    tvx::ui::shareJapaneseFace();
     bool badInterval = false;
     const auto interval = intervalOption(QApplication::arguments(), badInterval);
     if (badInterval) {
