@@ -3,7 +3,7 @@
 # Usage: scripts/deps.sh run|test
 set -euo pipefail
 
-packages=(cmake ninja-build g++ pkg-config qt6-base-dev libxcb1-dev libxcb-xinput-dev libasound2-dev fonts-noto-cjk)
+packages=(cmake ninja-build g++ pkg-config qt6-base-dev libxcb1-dev libxcb-xinput-dev libxcb-shm0-dev libasound2-dev fonts-noto-cjk)
 if [ "${1:-run}" = test ]; then
   packages+=(libgtest-dev g++-mingw-w64-x86-64-posix xvfb xauth xdotool imagemagick wine64)
 else

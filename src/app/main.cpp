@@ -1,6 +1,7 @@
 // tallivex: the desktop meter.
 #include "CommandLine.h"
 #include "Environment.h"
+#include "Fonts.h"
 #include "FormMain.h"
 #include "GameScreen.h"
 #include "HomeFolder.h"
@@ -93,6 +94,7 @@ int main(int argc, char** argv)
 {
     const Arguments args = tvx::platform::commandLineUtf8(argc, argv);
     QApplication app(argc, argv);
+    tvx::ui::shareJapaneseFace();
     bool badInterval = false;
     const auto interval = intervalOption(args, badInterval);
     if (badInterval) {

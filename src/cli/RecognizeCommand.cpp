@@ -53,11 +53,11 @@ bool parseOptions(const std::vector<std::string>& args, Options& options, std::o
     return true;
 }
 
-// Reads one image; false when the file itself could not be used.
+// Reads one image into `bitmap`, whose buffer serves every image; false when the file
+// itself could not be used.
 bool recognizeImage(const std::string& image, const Options& options, ScreenRecognizer& recognizer,
-                    std::ostream& out, std::ostream& err)
+                    CaptureBitmap& bitmap, std::ostream& out, std::ostream& err)
 {
-    CaptureBitmap bitmap;
     const CaptureLoadResult loaded = LoadCaptureBitmap(utf8Path(image), bitmap);
     if (loaded != CaptureLoadResult::Read) {
         err << image << ": cannot read the image (result " << static_cast<int>(loaded) << ": " << describe(loaded)
@@ -103,9 +103,10 @@ int runRecognize(const std::vector<std::string>& args, std::ostream& out, std::o
                                   ? loadCliSettings(platform::homeFolder(options.home), options.answers, err)
                                   : defaultSettings("", options.answers.screen);
     ScreenRecognizer recognizer(settings);
+    CaptureBitmap bitmap;
     int status = 0;
     for (const std::string& image : options.images) {
-        if (!recognizeImage(image, options, recognizer, out, err))
+        if (!recognizeImage(image, options, recognizer, bitmap, out, err))
             status = 2;
     }
     return status;

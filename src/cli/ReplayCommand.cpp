@@ -155,12 +155,21 @@ private:
 // The game is always there and in front, and every capture gives the current image.
 class ReplayScreen final : public ScreenSource, public GameWindowProbe {
 public:
-    void show(std::optional<CaptureBitmap> image) { m_image = std::move(image); }
-    std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect>) override { return m_image; }
+    // Reads the next image into the one buffer kept for all of them.
+    CaptureLoadResult show(const std::filesystem::path& path)
+    {
+        m_loaded = LoadCaptureBitmap(path, m_image);
+        return m_loaded;
+    }
+    std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect>) override
+    {
+        return m_loaded == CaptureLoadResult::Read ? std::optional(m_image) : std::nullopt;
+    }
     GameWindowState state(std::string_view) override { return GameWindowState::Front; }
 
 private:
-    std::optional<CaptureBitmap> m_image;
+    CaptureBitmap m_image;
+    CaptureLoadResult m_loaded = CaptureLoadResult::EmptyPath;
 };
 
 // Nothing waits, sounds, launches or asks in a replay.
@@ -216,14 +225,12 @@ int runReplay(const std::vector<std::string>& args, std::ostream& out, std::ostr
         meter.session().ChangeLogging(MeasurementSession::kStartLogging);
         for (const auto& [second, path] : *frames) {
             clock.setSeconds(second);
-            CaptureBitmap bitmap;
-            const CaptureLoadResult loaded = LoadCaptureBitmap(path, bitmap);
+            const CaptureLoadResult loaded = screen.show(path);
             if (loaded != CaptureLoadResult::Read) {
                 err << pathUtf8(path) << ": cannot read the image (result " << static_cast<int>(loaded) << ": "
                     << describe(loaded) << ")\n";
                 status = 2;
             }
-            screen.show(loaded == CaptureLoadResult::Read ? std::optional<CaptureBitmap>(std::move(bitmap)) : std::nullopt);
             try {
                 meter.cycle().runCycle();
             } catch (const RuntimeError& error) {

@@ -1,8 +1,8 @@
 #include "recognition/CaptureFile.h"
 
 #include <algorithm>
+#include <array>
 #include <fstream>
-#include <iterator>
 
 namespace tvx {
 namespace {
@@ -10,10 +10,12 @@ namespace {
 constexpr std::size_t kFileHeaderBytes = 14;
 constexpr std::size_t kInfoHeaderBytes = 40;
 constexpr std::uint32_t kPlainPixelOffset = 54;
+// Any other pixel offset means four more header bytes (a colour mask) before the rows.
+constexpr std::size_t kLongestHeader = kPlainPixelOffset + 4;
 // No screen needs more; a larger header is a damaged or hostile file.
 constexpr std::int64_t kMaxPixelBytes = std::int64_t{256} << 20;
 
-// Little-endian reads that yield zero past the end, as reading a short file does.
+// Little-endian header reads that yield zero past the end of a short file.
 class ByteReader {
 public:
     explicit ByteReader(std::span<const std::uint8_t> bytes) : m_bytes(bytes) {}
@@ -26,16 +28,6 @@ public:
         return low | (static_cast<std::uint32_t>(u16()) << 16);
     }
     std::int32_t i32() { return static_cast<std::int32_t>(u32()); }
-    void skip(std::size_t count) { m_pos += count; }
-
-    // Copies `count` bytes from the current position, zero-filling past the end.
-    void copyTo(std::uint8_t* out, std::size_t count)
-    {
-        const std::size_t available = m_pos < m_bytes.size() ? std::min(count, m_bytes.size() - m_pos) : 0;
-        std::copy_n(m_bytes.data() + m_pos, available, out);
-        std::fill(out + available, out + count, std::uint8_t{0});
-        m_pos += count;
-    }
 
 private:
     std::span<const std::uint8_t> m_bytes;
@@ -58,36 +50,10 @@ bool endsInBmp(const std::basic_string<Char>& name)
     return true;
 }
 
-void putU16(std::vector<std::uint8_t>& out, std::uint32_t value)
+// Both headers from the first bytes of the file; `pixelStart` is where the rows begin.
+CaptureLoadResult readHeaders(std::span<const std::uint8_t> head, CaptureBitmap& bitmap, std::size_t& pixelStart)
 {
-    out.push_back(static_cast<std::uint8_t>(value & 0xFF));
-    out.push_back(static_cast<std::uint8_t>((value >> 8) & 0xFF));
-}
-
-void putU32(std::vector<std::uint8_t>& out, std::uint32_t value)
-{
-    putU16(out, value & 0xFFFF);
-    putU16(out, value >> 16);
-}
-
-} // namespace
-
-std::string_view describe(CaptureLoadResult result)
-{
-    switch (result) {
-    case CaptureLoadResult::Read: return "read";
-    case CaptureLoadResult::EmptyPath: return "empty path";
-    case CaptureLoadResult::NotBmpName: return "the name does not end in bmp";
-    case CaptureLoadResult::NotBitmapType: return "not a bitmap file (type is not BM)";
-    case CaptureLoadResult::CannotOpen: return "the file cannot be opened";
-    case CaptureLoadResult::BadDimensions: return "the bitmap header gives an impossible size";
-    }
-    return "unknown";
-}
-
-CaptureLoadResult parseCaptureBitmap(std::span<const std::uint8_t> bytes, CaptureBitmap& bitmap)
-{
-    ByteReader in(bytes);
+    ByteReader in(head);
     BitmapFileHeader& fh = bitmap.fileHeader;
     fh.bfType = in.u16();
     fh.bfSize = in.u32();
@@ -109,8 +75,7 @@ CaptureLoadResult parseCaptureBitmap(std::span<const std::uint8_t> bytes, Captur
     ih.biYPelsPerMeter = in.i32();
     ih.biClrUsed = in.u32();
     ih.biClrImportant = in.u32();
-    if (fh.bfOffBits != kPlainPixelOffset)
-        in.skip(4);
+    pixelStart = fh.bfOffBits == kPlainPixelOffset ? kPlainPixelOffset : kLongestHeader;
 
     const std::int64_t stride = (std::int64_t{ih.biBitCount} * ih.biWidth + 31) / 32 * 4;
     const std::int64_t rows = ih.biHeight < 0 ? -std::int64_t{ih.biHeight} : ih.biHeight;
@@ -119,39 +84,59 @@ CaptureLoadResult parseCaptureBitmap(std::span<const std::uint8_t> bytes, Captur
         return CaptureLoadResult::BadDimensions;
     bitmap.stride = stride;
     bitmap.rows = rows;
-    bitmap.pixels.resize(static_cast<std::size_t>(stride * rows));
-    in.copyTo(bitmap.pixels.data(), bitmap.pixels.size());
     return CaptureLoadResult::Read;
 }
 
-CaptureLoadResult LoadCaptureBitmap(const std::filesystem::path& path, CaptureBitmap& bitmap)
+std::size_t pixelBytes(const CaptureBitmap& bitmap)
 {
-    if (path.empty())
-        return CaptureLoadResult::EmptyPath;
-    if (!endsInBmp(path.native()))
-        return CaptureLoadResult::NotBmpName;
-    std::ifstream file(path, std::ios::binary);
-    if (!file)
-        return CaptureLoadResult::CannotOpen;
-    const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    if (file.bad())
-        return CaptureLoadResult::CannotOpen;
-    return parseCaptureBitmap(bytes, bitmap);
+    return static_cast<std::size_t>(bitmap.stride * bitmap.rows);
 }
 
-std::vector<std::uint8_t> encodeBitmap24(const Frame& frame)
+// Leaves no half-read picture behind; the buffer's memory is kept for the next read.
+CaptureLoadResult failed(CaptureBitmap& bitmap, CaptureLoadResult result)
 {
-    const std::uint32_t stride = (24u * static_cast<std::uint32_t>(frame.width()) + 31u) / 32u * 4u;
-    const std::uint32_t imageBytes = stride * static_cast<std::uint32_t>(frame.height());
+    bitmap.pixels.clear();
+    bitmap.stride = 0;
+    bitmap.rows = 0;
+    return result;
+}
+
+std::size_t readUpTo(std::istream& in, std::uint8_t* out, std::size_t count)
+{
+    in.read(reinterpret_cast<char*>(out), static_cast<std::streamsize>(count));
+    return static_cast<std::size_t>(in.gcount());
+}
+
+void putU16(std::vector<std::uint8_t>& out, std::uint32_t value)
+{
+    out.push_back(static_cast<std::uint8_t>(value & 0xFF));
+    out.push_back(static_cast<std::uint8_t>((value >> 8) & 0xFF));
+}
+
+void putU32(std::vector<std::uint8_t>& out, std::uint32_t value)
+{
+    putU16(out, value & 0xFFFF);
+    putU16(out, value >> 16);
+}
+
+std::size_t stride24(std::int32_t width)
+{
+    return (24u * static_cast<std::size_t>(width) + 31u) / 32u * 4u;
+}
+
+// The two headers of a 24-bit bottom-up file, pixel data at offset 54.
+std::vector<std::uint8_t> header24(std::int32_t width, std::int32_t height)
+{
+    const auto imageBytes = static_cast<std::uint32_t>(stride24(width) * static_cast<std::size_t>(height));
     std::vector<std::uint8_t> out;
-    out.reserve(kPlainPixelOffset + imageBytes);
+    out.reserve(kPlainPixelOffset);
     putU16(out, kBitmapType);
     putU32(out, kPlainPixelOffset + imageBytes);
     putU32(out, 0); // both reserved words
     putU32(out, kPlainPixelOffset);
     putU32(out, kInfoHeaderBytes);
-    putU32(out, static_cast<std::uint32_t>(frame.width()));
-    putU32(out, static_cast<std::uint32_t>(frame.height()));
+    putU32(out, static_cast<std::uint32_t>(width));
+    putU32(out, static_cast<std::uint32_t>(height));
     putU16(out, 1);  // planes
     putU16(out, 24); // bits per pixel
     putU32(out, 0);  // no compression
@@ -160,12 +145,95 @@ std::vector<std::uint8_t> encodeBitmap24(const Frame& frame)
     putU32(out, 3780);
     putU32(out, 0);
     putU32(out, 0);
-    const std::size_t padding = stride - frame.rowBytes();
-    for (std::int32_t y = frame.height() - 1; y >= 0; --y) {
-        out.insert(out.end(), frame.row(y), frame.row(y) + frame.rowBytes());
-        out.insert(out.end(), padding, 0);
-    }
     static_assert(kFileHeaderBytes + kInfoHeaderBytes == kPlainPixelOffset);
+    return out;
+}
+
+// The frame's rows as the file stores them: bottom row first, each padded to the stride.
+void putRowsBottomUp(const Frame& frame, std::size_t stride, std::uint8_t* out)
+{
+    for (std::int32_t y = frame.height() - 1; y >= 0; --y, out += stride) {
+        std::copy_n(frame.row(y), frame.rowBytes(), out);
+        std::fill(out + frame.rowBytes(), out + stride, std::uint8_t{0});
+    }
+}
+
+} // namespace
+
+std::string_view describe(CaptureLoadResult result)
+{
+    switch (result) {
+    case CaptureLoadResult::Read: return "read";
+    case CaptureLoadResult::EmptyPath: return "empty path";
+    case CaptureLoadResult::NotBmpName: return "the name does not end in bmp";
+    case CaptureLoadResult::NotBitmapType: return "not a bitmap file (type is not BM)";
+    case CaptureLoadResult::CannotOpen: return "the file cannot be opened or read";
+    case CaptureLoadResult::BadDimensions: return "the bitmap header gives an impossible size";
+    case CaptureLoadResult::NotAFile: return "the path is a folder or a device, not a file";
+    case CaptureLoadResult::Truncated: return "the file is shorter than its header says";
+    }
+    return "unknown";
+}
+
+CaptureLoadResult parseCaptureBitmap(std::span<const std::uint8_t> bytes, CaptureBitmap& bitmap)
+{
+    std::size_t pixelStart = 0;
+    const CaptureLoadResult result = readHeaders(bytes, bitmap, pixelStart);
+    if (result != CaptureLoadResult::Read)
+        return failed(bitmap, result);
+    const std::size_t size = pixelBytes(bitmap);
+    if (bytes.size() < pixelStart || bytes.size() - pixelStart < size)
+        return failed(bitmap, CaptureLoadResult::Truncated);
+    bitmap.pixels.assign(bytes.begin() + static_cast<std::ptrdiff_t>(pixelStart),
+                         bytes.begin() + static_cast<std::ptrdiff_t>(pixelStart + size));
+    return CaptureLoadResult::Read;
+}
+
+CaptureLoadResult LoadCaptureBitmap(const std::filesystem::path& path, CaptureBitmap& bitmap)
+{
+    if (path.empty())
+        return failed(bitmap, CaptureLoadResult::EmptyPath);
+    if (!endsInBmp(path.native()))
+        return failed(bitmap, CaptureLoadResult::NotBmpName);
+    // A folder or a pipe is refused before opening: a pipe would block, a folder opens
+    // on some systems and then fails to read.
+    std::error_code ec;
+    const std::filesystem::file_status status = std::filesystem::status(path, ec);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+        return failed(bitmap, CaptureLoadResult::NotAFile);
+    std::ifstream file(path, std::ios::binary);
+    if (!file)
+        return failed(bitmap, CaptureLoadResult::CannotOpen);
+
+    std::array<std::uint8_t, kLongestHeader> head{};
+    const std::size_t headBytes = readUpTo(file, head.data(), head.size());
+    std::size_t pixelStart = 0;
+    const CaptureLoadResult result = readHeaders({head.data(), headBytes}, bitmap, pixelStart);
+    if (file.bad())
+        return failed(bitmap, CaptureLoadResult::CannotOpen);
+    if (result != CaptureLoadResult::Read)
+        return failed(bitmap, result);
+
+    // The header read may already hold the first pixel bytes; the rest comes in one read.
+    const std::size_t size = pixelBytes(bitmap);
+    bitmap.pixels.resize(size);
+    std::size_t have = headBytes > pixelStart ? std::min(headBytes - pixelStart, size) : 0;
+    std::copy_n(head.data() + pixelStart, have, bitmap.pixels.data());
+    if (have < size && file)
+        have += readUpTo(file, bitmap.pixels.data() + have, size - have);
+    if (file.bad())
+        return failed(bitmap, CaptureLoadResult::CannotOpen);
+    if (have < size)
+        return failed(bitmap, CaptureLoadResult::Truncated);
+    return CaptureLoadResult::Read;
+}
+
+std::vector<std::uint8_t> encodeBitmap24(const Frame& frame)
+{
+    const std::size_t stride = stride24(frame.width());
+    std::vector<std::uint8_t> out = header24(frame.width(), frame.height());
+    out.resize(kPlainPixelOffset + stride * static_cast<std::size_t>(frame.height()));
+    putRowsBottomUp(frame, stride, out.data() + kPlainPixelOffset);
     return out;
 }
 
@@ -188,10 +256,20 @@ bool writeBitmap24(const std::filesystem::path& path, const Frame& frame)
     return false;
 }
 
-CaptureBitmap toCaptureBitmap(const Frame& frame)
+CaptureBitmap blankCapture(std::int32_t width, std::int32_t height)
 {
     CaptureBitmap bitmap;
-    parseCaptureBitmap(encodeBitmap24(frame), bitmap);
+    std::size_t pixelStart = 0;
+    if (readHeaders(header24(width, height), bitmap, pixelStart) == CaptureLoadResult::Read)
+        bitmap.pixels.assign(pixelBytes(bitmap), 0);
+    return bitmap;
+}
+
+CaptureBitmap toCaptureBitmap(const Frame& frame)
+{
+    CaptureBitmap bitmap = blankCapture(frame.width(), frame.height());
+    if (!bitmap.pixels.empty())
+        putRowsBottomUp(frame, stride24(frame.width()), bitmap.pixels.data());
     return bitmap;
 }
 

@@ -48,6 +48,8 @@ struct CaptureBitmap {
     {
         return pixels[static_cast<std::size_t>(row * stride + byteIndex)];
     }
+    // Screen row y (0 at the top) of a bottom-up bitmap, for writers.
+    std::uint8_t* screenRow(std::int64_t y) { return pixels.data() + (rows - 1 - y) * stride; }
 };
 
 enum class CaptureLoadResult : int {
@@ -55,17 +57,21 @@ enum class CaptureLoadResult : int {
     EmptyPath = -2,
     NotBmpName = -3,
     NotBitmapType = -4,
-    // Beyond the classic codes: the file could not be opened, or its header describes a
-    // pixel array that cannot exist (no columns, no rows, or absurdly large).
+    // Beyond the classic codes: the file could not be opened or read, its header describes
+    // a pixel array that cannot exist (no columns, no rows, or absurdly large), the path is
+    // a folder (or another thing that is no file), or the file ends before its pixels do.
     CannotOpen = -5,
     BadDimensions = -6,
+    NotAFile = -7,
+    Truncated = -8,
 };
 
 std::string_view describe(CaptureLoadResult result);
 
 // Reads a capture file. The pixel rows are read right after the information header (and
-// four more bytes when the pixel offset is not 54), whatever the offset says; bytes past
-// the end of a short file read as zero.
+// four more bytes when the pixel offset is not 54), whatever the offset says. The pixels
+// come in one read straight into `bitmap`, whose buffer is reused: a caller reading many
+// files keeps one CaptureBitmap. After a failure the pixels are empty.
 CaptureLoadResult LoadCaptureBitmap(const std::filesystem::path& path, CaptureBitmap& bitmap);
 CaptureLoadResult parseCaptureBitmap(std::span<const std::uint8_t> bytes, CaptureBitmap& bitmap);
 
@@ -75,6 +81,9 @@ std::vector<std::uint8_t> encodeBitmap24(const Frame& frame);
 bool writeBitmap24(const std::filesystem::path& path, const Frame& frame);
 // The frame as the capture file reader would give it back.
 CaptureBitmap toCaptureBitmap(const Frame& frame);
+// A black 24-bit bottom-up capture of that size, for a screen source to fill in place
+// (empty pixels when the size is impossible).
+CaptureBitmap blankCapture(std::int32_t width, std::int32_t height);
 // The picture of a 24-bit capture, top row first (other depths give an empty frame).
 Frame toFrame(const CaptureBitmap& bitmap);
 

@@ -1,4 +1,6 @@
 #include "FormMain.h"
+#include "CaptureImage.h"
+#include "Fonts.h"
 
 #include "FormDirectX.h"
 #include "GraphFrame.h"
@@ -42,17 +44,6 @@ namespace {
 constexpr int kLeftPanelWidth = 488;
 constexpr int kLogWidth = 465;
 constexpr std::string_view kHomePage = "https://tallivex.jp/";
-
-// A font whose full-width characters are exactly two columns, so the log lines align.
-QFont logFont()
-{
-    QFont font;
-    font.setFamilies({QStringLiteral("MS Gothic"), QStringLiteral("Noto Sans Mono CJK JP"),
-                      QStringLiteral("Noto Mono"), QStringLiteral("DejaVu Sans Mono")});
-    font.setStyleHint(QFont::Monospace);
-    font.setPointSize(9);
-    return font;
-}
 
 QLabel* namedLabel(const QString& name, const QString& text, QWidget* parent)
 {
@@ -375,11 +366,10 @@ void FormMain::captureTaken(const CaptureBitmap& screen)
 {
     if (!m_frmDebug->isVisible())
         return;
-    const QImage image = toQImage(toFrame(screen));
+    // Only the regions are converted, never the whole screen.
     for (int region = 0; region < 3; ++region) {
         const CaptureRegionRect& rect = m_meter->settings().CaptureRegion[static_cast<std::size_t>(region)];
-        m_picCapture[static_cast<std::size_t>(region)]->setPixmap(
-            QPixmap::fromImage(image.copy(rect.StartX, rect.StartY, rect.SizeX, rect.SizeY)));
+        m_picCapture[static_cast<std::size_t>(region)]->setPixmap(QPixmap::fromImage(regionImage(screen, rect)));
     }
 }
 

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -73,6 +74,7 @@ TEST(CaptureFile, StrideFollowsTheBitDepthAndWidth)
         BitmapBuilder builder;
         builder.bits = c.bits;
         builder.width = c.width;
+        builder.pixels = sequence(static_cast<std::size_t>(c.stride) * 3);
         CaptureBitmap bitmap;
         ASSERT_EQ(parse(builder, bitmap), CaptureLoadResult::Read);
         EXPECT_EQ(bitmap.stride, c.stride) << c.bits << " bits, width " << c.width;
@@ -99,17 +101,30 @@ TEST(CaptureFile, PixelsAreReadRightAfterTheHeadersWhateverTheOffset)
     }
 }
 
-TEST(CaptureFile, ShortFilesReadAsZerosAndBadHeadersAreRefused)
+TEST(CaptureFile, FilesShorterThanTheirHeaderSaysAreRefused)
 {
-    BitmapBuilder shortFile;
-    shortFile.pixels = {9, 8, 7};
+    // 4x3 at 24 bits: rows of 12 bytes, 36 pixel bytes; an offset other than 54 adds four.
+    struct Case {
+        std::uint32_t offset;
+        std::size_t pixelBytes;
+        CaptureLoadResult result;
+    };
     CaptureBitmap bitmap;
-    ASSERT_EQ(parse(shortFile, bitmap), CaptureLoadResult::Read);
-    ASSERT_EQ(bitmap.pixels.size(), 36u);
-    EXPECT_EQ(bitmap.pixels[2], 7);
-    EXPECT_EQ(bitmap.pixels[3], 0);
-    EXPECT_EQ(bitmap.pixels[35], 0);
+    for (const Case c : {Case{54, 36, CaptureLoadResult::Read}, Case{54, 35, CaptureLoadResult::Truncated},
+                         Case{54, 0, CaptureLoadResult::Truncated}, Case{58, 40, CaptureLoadResult::Read},
+                         Case{58, 39, CaptureLoadResult::Truncated}, Case{58, 2, CaptureLoadResult::Truncated}}) {
+        BitmapBuilder builder;
+        builder.offset = c.offset;
+        builder.pixels = sequence(c.pixelBytes);
+        EXPECT_EQ(parse(builder, bitmap), c.result) << "offset " << c.offset << ", " << c.pixelBytes << " bytes";
+        // A refused file leaves no pixels behind to be read as a picture.
+        EXPECT_EQ(bitmap.pixels.size(), c.result == CaptureLoadResult::Read ? 36u : 0u);
+    }
+}
 
+TEST(CaptureFile, BadHeadersAreRefused)
+{
+    CaptureBitmap bitmap;
     const std::vector<std::uint8_t> tiny = {'B', 'M', 0};
     EXPECT_EQ(parseCaptureBitmap(tiny, bitmap), CaptureLoadResult::BadDimensions);
     EXPECT_EQ(parseCaptureBitmap({}, bitmap), CaptureLoadResult::NotBitmapType);
@@ -135,6 +150,7 @@ TEST(CaptureFile, ShortFilesReadAsZerosAndBadHeadersAreRefused)
         builder.width = c.width;
         builder.height = c.height;
         builder.bits = c.bits;
+        builder.pixels = sequence(36);
         EXPECT_EQ(parse(builder, bitmap), c.result) << c.name;
     }
 }
@@ -146,24 +162,72 @@ TEST(CaptureFile, LoadChecksThePathBeforeTheFile)
     Frame frame(3, 2);
     frame.setPixel(2, 0, 10, 20, 30);
     ASSERT_TRUE(writeBitmap24(folder / "Capture.BMP", frame));
+    const std::vector<std::uint8_t> whole = encodeBitmap24(frame);
     {
         std::ofstream(folder / "Capture.png", std::ios::binary) << "not a bitmap";
         std::ofstream(folder / "fake.bmp", std::ios::binary) << "GIF89a";
+        std::ofstream(folder / "short.bmp", std::ios::binary)
+            .write(reinterpret_cast<const char*>(whole.data()), static_cast<std::streamsize>(whole.size() - 1));
+        std::ofstream(folder / "headers.bmp", std::ios::binary).write(reinterpret_cast<const char*>(whole.data()), 54);
     }
+    std::filesystem::create_directory(folder / "folder.bmp");
+
+    struct Case {
+        std::filesystem::path path;
+        CaptureLoadResult result;
+    };
+    // One bitmap for all, as a caller reading a folder of images keeps it: a failure in
+    // between must not leave the previous picture behind.
     CaptureBitmap bitmap;
-    EXPECT_EQ(LoadCaptureBitmap("", bitmap), CaptureLoadResult::EmptyPath);
-    EXPECT_EQ(LoadCaptureBitmap(folder / "Capture.png", bitmap), CaptureLoadResult::NotBmpName);
-    EXPECT_EQ(LoadCaptureBitmap(folder / "missing.bmp", bitmap), CaptureLoadResult::CannotOpen);
-    EXPECT_EQ(LoadCaptureBitmap(folder / "fake.bmp", bitmap), CaptureLoadResult::NotBitmapType);
-    ASSERT_EQ(LoadCaptureBitmap(folder / "Capture.BMP", bitmap), CaptureLoadResult::Read);
-    EXPECT_EQ(bitmap.infoHeader.biWidth, 3);
-    EXPECT_EQ(bitmap.infoHeader.biHeight, 2);
-    EXPECT_EQ(bitmap.infoHeader.biBitCount, 24);
-    EXPECT_EQ(bitmap.stride, 12);
-    // Top screen row is the last file row.
-    EXPECT_EQ(bitmap.at(6, 1), 10);
-    EXPECT_EQ(bitmap.at(8, 1), 30);
+    for (const Case& c : {Case{folder / "Capture.BMP", CaptureLoadResult::Read}, Case{"", CaptureLoadResult::EmptyPath},
+                          Case{folder / "Capture.BMP", CaptureLoadResult::Read},
+                          Case{folder / "Capture.png", CaptureLoadResult::NotBmpName},
+                          Case{folder / "Capture.BMP", CaptureLoadResult::Read},
+                          Case{folder / "missing.bmp", CaptureLoadResult::CannotOpen},
+                          Case{folder / "Capture.BMP", CaptureLoadResult::Read},
+                          Case{folder / "fake.bmp", CaptureLoadResult::NotBitmapType},
+                          Case{folder / "Capture.BMP", CaptureLoadResult::Read},
+                          Case{folder / "folder.bmp", CaptureLoadResult::NotAFile},
+                          Case{folder / "Capture.BMP", CaptureLoadResult::Read},
+                          Case{folder / "short.bmp", CaptureLoadResult::Truncated},
+                          Case{folder / "Capture.BMP", CaptureLoadResult::Read},
+                          Case{folder / "headers.bmp", CaptureLoadResult::Truncated}}) {
+        EXPECT_EQ(LoadCaptureBitmap(c.path, bitmap), c.result) << c.path;
+        if (c.result != CaptureLoadResult::Read) {
+            EXPECT_TRUE(bitmap.pixels.empty()) << c.path;
+            EXPECT_FALSE(describe(c.result).empty());
+            continue;
+        }
+        EXPECT_EQ(bitmap.infoHeader.biWidth, 3);
+        EXPECT_EQ(bitmap.infoHeader.biHeight, 2);
+        EXPECT_EQ(bitmap.infoHeader.biBitCount, 24);
+        EXPECT_EQ(bitmap.stride, 12);
+        EXPECT_TRUE(std::equal(bitmap.pixels.begin(), bitmap.pixels.end(), whole.begin() + 54, whole.end()));
+        // Top screen row is the last file row.
+        EXPECT_EQ(bitmap.at(6, 1), 10);
+        EXPECT_EQ(bitmap.at(8, 1), 30);
+    }
     EXPECT_FALSE(std::filesystem::exists(folder / "Capture.BMP.tmp"));
+}
+
+TEST(CaptureFile, TheInMemoryCaptureMatchesTheFileReadBack)
+{
+    // Odd widths give row padding; the direct conversion and the file must agree byte for byte.
+    const test::TempFolder temp;
+    for (const std::int32_t width : {1, 2, 3, 4, 5}) {
+        Frame frame(width, 3);
+        for (std::size_t i = 0; i < frame.bytes().size(); ++i)
+            frame.bytes()[i] = static_cast<std::uint8_t>(i * 7 + 1);
+        const std::filesystem::path file = temp.path() / "frame.bmp";
+        ASSERT_TRUE(writeBitmap24(file, frame));
+        CaptureBitmap fromFile;
+        ASSERT_EQ(LoadCaptureBitmap(file, fromFile), CaptureLoadResult::Read);
+        const CaptureBitmap direct = toCaptureBitmap(frame);
+        EXPECT_EQ(direct.pixels, fromFile.pixels) << "width " << width;
+        EXPECT_EQ(direct.stride, fromFile.stride);
+        EXPECT_EQ(direct.infoHeader.biSizeImage, fromFile.infoHeader.biSizeImage);
+        EXPECT_EQ(toFrame(direct).bytes(), frame.bytes());
+    }
 }
 
 TEST(FillPixelLevels, TakesScreenRowsFromTheBottomUpFileAndSumsBlueTwoGreensRed)

@@ -1,0 +1,47 @@
+#!/usr/bin/env bash
+# The desktop program on its own virtual 1920x1080 screen beside the practice target, as
+# scripts/run.sh runs it (a reading every 10 s): start-up time (launch to visible window),
+# resident memory 30 s after start, and CPU time used over the next 60 s (6 readings).
+# Prints one line per run and the medians.
+# Usage: bench/desktop_measure.sh [BUILD_DIR (build/release)] [RUNS (3)]
+# METER=PATH measures another build of the desktop program against the same practice target.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+build=${1:-build/release}
+runs=${2:-3}
+work=$(mktemp -d)
+pids=()
+cleanup() { for p in "${pids[@]}"; do kill "$p" 2>/dev/null || true; done; rm -rf "$work"; }
+trap cleanup EXIT
+
+Xvfb -displayfd 9 -screen 0 1920x1080x24 -nolisten tcp 9>"$work/display" >/dev/null 2>&1 &
+pids+=($!)
+for _ in $(seq 50); do [ -s "$work/display" ] && break; sleep 0.1; done
+export DISPLAY=":$(cat "$work/display")"
+"$build/tools/practice/tallivex-practice" >/dev/null 2>&1 &
+pids+=($!)
+"$build/src/cli/tallivex-cli" config defaults --home "$work/home" --fullscreen >/dev/null 2>&1
+ticks=$(getconf CLK_TCK)
+
+median() { sort -n | awk '{v[NR]=$1} END {print v[int((NR+1)/2)]}'; }
+: >"$work/results"
+for run in $(seq "$runs"); do
+  start=$(date +%s%N)
+  "${METER:-$build/src/app/tallivex}" --home "$work/home" --interval 10 -qwindowgeometry 900x560+820+0 >/dev/null 2>&1 &
+  meter=$!
+  xdotool search --sync --onlyvisible --classname '^tallivex$' >/dev/null
+  startMs=$(( ($(date +%s%N) - start) / 1000000 ))
+  sleep 30
+  rssKb=$(awk '/VmRSS/ {print $2}' "/proc/$meter/status")
+  cpu0=$(awk '{print $14 + $15}' "/proc/$meter/stat")
+  sleep 60
+  cpu1=$(awk '{print $14 + $15}' "/proc/$meter/stat")
+  cpuMs=$(( (cpu1 - cpu0) * 1000 / ticks ))
+  kill "$meter"
+  wait "$meter" 2>/dev/null || true
+  echo "run $run: start-up ${startMs} ms, resident ${rssKb} kB, CPU ${cpuMs} ms in 60 s"
+  echo "$startMs $rssKb $cpuMs" >>"$work/results"
+done
+echo "median: start-up $(cut -d' ' -f1 "$work/results" | median) ms," \
+  "resident $(cut -d' ' -f2 "$work/results" | median) kB," \
+  "CPU $(cut -d' ' -f3 "$work/results" | median) ms in 60 s (load: $(cut -d' ' -f1-3 /proc/loadavg))"
