@@ -1,5 +1,6 @@
 #include "ReplayCommand.h"
 
+#include "CliImage.h"
 #include "CliSettings.h"
 #include "SystemClock.h"
 #include "TextCodecFactory.h"
@@ -116,8 +117,8 @@ std::optional<std::map<std::int64_t, std::filesystem::path>> listFrames(const st
         return std::nullopt;
     }
     std::map<std::int64_t, std::filesystem::path> frames;
-    for (const auto& entry : it) {
-        const std::string name = pathUtf8(entry.path().filename());
+    for (; it != std::filesystem::directory_iterator(); it.increment(error)) {
+        const std::string name = pathUtf8(it->path().filename());
         const std::size_t dot = name.find('.');
         std::string extension = dot == std::string::npos ? "" : name.substr(dot);
         std::transform(extension.begin(), extension.end(), extension.begin(),
@@ -127,10 +128,14 @@ std::optional<std::map<std::int64_t, std::filesystem::path>> listFrames(const st
             !std::all_of(stem.begin(), stem.end(), [](unsigned char c) { return std::isdigit(c); }))
             continue;
         const std::int64_t second = std::stoll(stem);
-        if (!frames.emplace(second, entry.path()).second) {
+        if (!frames.emplace(second, it->path()).second) {
             err << "tallivex-cli replay: two images for second " << second << '\n';
             return std::nullopt;
         }
+    }
+    if (error) {
+        err << "tallivex-cli replay: cannot read the folder " << folder << '\n';
+        return std::nullopt;
     }
     if (frames.empty()) {
         err << "tallivex-cli replay: no images named by seconds (0.bmp, 360.bmp, ...) in " << folder << '\n';
@@ -217,13 +222,10 @@ int runReplay(const std::vector<std::string>& args, std::ostream& out, std::ostr
         for (const auto& [second, path] : *frames) {
             clock.setSeconds(second);
             CaptureBitmap bitmap;
-            const CaptureLoadResult loaded = LoadCaptureBitmap(path, bitmap);
-            if (loaded != CaptureLoadResult::Read) {
-                err << pathUtf8(path) << ": cannot read the image (result " << static_cast<int>(loaded) << ": "
-                    << describe(loaded) << ")\n";
+            const bool loaded = loadCliImage(path, bitmap, err);
+            if (!loaded)
                 status = 2;
-            }
-            screen.show(loaded == CaptureLoadResult::Read ? std::optional<CaptureBitmap>(std::move(bitmap)) : std::nullopt);
+            screen.show(loaded ? std::optional<CaptureBitmap>(std::move(bitmap)) : std::nullopt);
             try {
                 meter.cycle().runCycle();
             } catch (const RuntimeError& error) {

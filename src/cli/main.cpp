@@ -3,6 +3,7 @@
 #include "RecognizeCommand.h"
 #include "ReplayCommand.h"
 
+#include <exception>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -39,12 +40,20 @@ int main(int argc, char** argv)
     std::ios::sync_with_stdio(false);
     const std::vector<std::string> args(argv + (argc > 1 ? 2 : 1), argv + argc);
     const std::string command = argc > 1 ? argv[1] : "";
-    if (command == "recognize")
-        return tvx::cli::runRecognize(args, std::cout, std::cerr);
-    if (command == "replay")
-        return tvx::cli::runReplay(args, std::cout, std::cerr);
-    if (command == "config")
-        return tvx::cli::runConfig(args, std::cout, std::cerr);
+    // The commands trap and report what they expect; anything else still ends in a
+    // message and exit code 2 rather than an abort.
+    try {
+        if (command == "recognize")
+            return tvx::cli::runRecognize(args, std::cout, std::cerr);
+        if (command == "replay")
+            return tvx::cli::runReplay(args, std::cout, std::cerr);
+        if (command == "config")
+            return tvx::cli::runConfig(args, std::cout, std::cerr);
+    } catch (const std::exception& error) {
+        std::cout.flush();
+        std::cerr << "tallivex-cli " << command << ": " << error.what() << '\n';
+        return 2;
+    }
     if (command == "--help" || command == "-h" || command == "help") {
         printUsage(std::cout);
         return 0;

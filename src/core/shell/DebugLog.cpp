@@ -1,5 +1,7 @@
 #include "shell/DebugLog.h"
 
+#include "base/Utf8Path.h"
+
 #include <fstream>
 
 namespace tvx {
@@ -23,15 +25,15 @@ void DebugLog::WriteDebugLog(std::string_view text, int mode)
     if (exists && mode == kNewLog) {
         std::filesystem::copy_file(m_path, m_backupPath, std::filesystem::copy_options::overwrite_existing, ec);
         if (ec)
-            throw RuntimeError(ErrorNumber::PathFileAccessError, m_backupPath.string());
+            throw RuntimeError(ErrorNumber::PathFileAccessError, pathUtf8(m_backupPath));
     }
     std::ofstream out(m_path, std::ios::binary | (fresh ? std::ios::trunc : std::ios::app));
     if (!out)
-        throw RuntimeError(ErrorNumber::PathNotFound, m_path.string());
+        throw RuntimeError(ErrorNumber::PathNotFound, pathUtf8(m_path));
     out << formatTimestamp(m_clock.now()) << ' ' << text << "\r\n";
     out.close();
     if (!out)
-        throw RuntimeError(ErrorNumber::DiskFull, m_path.string());
+        throw RuntimeError(ErrorNumber::DiskFull, pathUtf8(m_path));
 }
 
 void DebugLog::writeErrorTrap(std::string_view procedure, ErrorNumber number)
