@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds and runs every test: the debug build (warnings are errors), the unit tests again
-# under AddressSanitizer + UndefinedBehaviorSanitizer, and the Windows cross build with
-# its Win32 back-end tests under wine on a virtual X screen.
+# under AddressSanitizer + UndefinedBehaviorSanitizer, a short run of each fuzz target, and
+# the Windows cross build with its Win32 back-end tests under wine on a virtual X screen.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -16,6 +16,15 @@ echo "== unit tests under AddressSanitizer + UndefinedBehaviorSanitizer"
 cmake --preset asan
 cmake --build --preset asan
 ctest --preset asan
+
+echo "== fuzz targets, a short run of each"
+if command -v clang++ >/dev/null; then
+  cmake --preset fuzz
+  cmake --build --preset fuzz
+  scripts/fuzz.sh 20
+else
+  echo "clang++ is missing: fuzz targets skipped"
+fi
 
 echo "== Windows cross build (MinGW-w64)"
 cmake --preset mingw
