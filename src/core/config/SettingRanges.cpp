@@ -11,41 +11,54 @@ namespace {
 
 using enum OutOfRange;
 
+template <auto Member>
+std::int32_t& single(Settings& s, std::size_t)
+{
+    return s.*Member;
+}
+
+template <auto Member>
+std::int32_t& perRegion(Settings& s, std::size_t r)
+{
+    return (s.*Member)[r];
+}
+
+template <auto Member>
+std::int32_t& region(Settings& s, std::size_t r)
+{
+    return s.CaptureRegion[r].*Member;
+}
+
+template <auto Member>
+std::int32_t& cell(Settings& s, std::size_t r)
+{
+    return s.ReferenceSize[r].*Member;
+}
+
 // Geometry out of range means a damaged file: a clamped region or glyph cell would read
 // other pixels and report numbers that are not on the screen. Times, counts and
 // brightness levels saturate, so their nearest bound is what the player meant.
 constexpr SettingRange kRanges[] = {
-    {"CaptureRegion(#).StartX", kRegionCount, [](Settings& s, std::size_t r) -> std::int32_t& { return s.CaptureRegion[r].StartX; },
-     0, kMaxScreenSide - 1, Damaged},
-    {"CaptureRegion(#).StartY", kRegionCount, [](Settings& s, std::size_t r) -> std::int32_t& { return s.CaptureRegion[r].StartY; },
-     0, kMaxScreenSide - 1, Damaged},
-    {"CaptureRegion(#).SizeX", kRegionCount, [](Settings& s, std::size_t r) -> std::int32_t& { return s.CaptureRegion[r].SizeX; }, 1,
-     kMaxScreenSide, Damaged},
-    {"CaptureRegion(#).SizeY", kRegionCount, [](Settings& s, std::size_t r) -> std::int32_t& { return s.CaptureRegion[r].SizeY; }, 1,
-     kMaxRegionRows, Damaged},
-    {"CaptureInterval", 1, [](Settings& s, std::size_t) -> std::int32_t& { return s.CaptureInterval; }, 1, 1440,
-     Clamped},
-    {"CaptureBeep", 1, [](Settings& s, std::size_t) -> std::int32_t& { return s.CaptureBeep; }, 0, 5, Clamped},
-    {"Lag", 1, [](Settings& s, std::size_t) -> std::int32_t& { return s.Lag; }, 0, 10000, Clamped},
-    {"StartDelay", 1, [](Settings& s, std::size_t) -> std::int32_t& { return s.StartDelay; }, 0, 3600, Clamped},
-    {"StartUpDelay", 1, [](Settings& s, std::size_t) -> std::int32_t& { return s.StartUpDelay; }, 0, 3600, Clamped},
-    {"DoHLInterval", 1, [](Settings& s, std::size_t) -> std::int32_t& { return s.DoHLInterval; }, 100, 60000,
-     Clamped},
-    {"GestureTime", 1, [](Settings& s, std::size_t) -> std::int32_t& { return s.GestureTime; }, 100, 10000, Clamped},
-    {"MoneyWait", 1, [](Settings& s, std::size_t) -> std::int32_t& { return s.MoneyWait; }, 0, 60000, Clamped},
-    {"GraphTimeScale", 1, [](Settings& s, std::size_t) -> std::int32_t& { return s.GraphTimeScale; }, 2, 512,
-     Clamped},
-    {"GraphAveNum", 1, [](Settings& s, std::size_t) -> std::int32_t& { return s.GraphAveNum; }, 1, 100, Clamped},
-    // A negative mask switches masking off, whatever its value.
-    {"BinaryThreshold(#)", kRegionCount, [](Settings& s, std::size_t r) -> std::int32_t& { return s.BinaryThreshold[r]; },
-     0, 255, Clamped},
-    {"BinaryMask(#)", kRegionCount, [](Settings& s, std::size_t r) -> std::int32_t& { return s.BinaryMask[r]; }, -1, 255,
-     Clamped},
-    {"ReferenceSize(#).Width", kRegionCount, [](Settings& s, std::size_t r) -> std::int32_t& { return s.ReferenceSize[r].Width; }, 1, 64,
-     Damaged},
+    {"CaptureRegion(#).StartX", kRegionCount, region<&CaptureRegionRect::StartX>, 0, kMaxScreenSide - 1, Damaged},
+    {"CaptureRegion(#).StartY", kRegionCount, region<&CaptureRegionRect::StartY>, 0, kMaxScreenSide - 1, Damaged},
+    {"CaptureRegion(#).SizeX", kRegionCount, region<&CaptureRegionRect::SizeX>, 1, kMaxScreenSide, Damaged},
+    {"CaptureRegion(#).SizeY", kRegionCount, region<&CaptureRegionRect::SizeY>, 1, kMaxRegionRows, Damaged},
+    {"CaptureInterval", 1, single<&Settings::CaptureInterval>, 1, 1440, Clamped},
+    {"CaptureBeep", 1, single<&Settings::CaptureBeep>, 0, 5, Clamped},
+    {"Lag", 1, single<&Settings::Lag>, 0, 10000, Clamped},
+    {"StartDelay", 1, single<&Settings::StartDelay>, 0, 3600, Clamped},
+    {"StartUpDelay", 1, single<&Settings::StartUpDelay>, 0, 3600, Clamped},
+    {"DoHLInterval", 1, single<&Settings::DoHLInterval>, 100, 60000, Clamped},
+    {"GestureTime", 1, single<&Settings::GestureTime>, 100, 10000, Clamped},
+    {"MoneyWait", 1, single<&Settings::MoneyWait>, 0, 60000, Clamped},
+    {"GraphTimeScale", 1, single<&Settings::GraphTimeScale>, 2, 512, Clamped},
+    {"GraphAveNum", 1, single<&Settings::GraphAveNum>, 1, 100, Clamped},
+    {"BinaryThreshold(#)", kRegionCount, perRegion<&Settings::BinaryThreshold>, 0, 255, Clamped},
+    // Every negative mask switches masking off, as -1 does.
+    {"BinaryMask(#)", kRegionCount, perRegion<&Settings::BinaryMask>, -1, 255, Clamped},
+    {"ReferenceSize(#).Width", kRegionCount, cell<&ReferenceCellSize::Width>, 1, 64, Damaged},
     // The height is stored and shown but plays no part in matching.
-    {"ReferenceSize(#).Height", kRegionCount, [](Settings& s, std::size_t r) -> std::int32_t& { return s.ReferenceSize[r].Height; }, 1,
-     kMaxRegionRows, Clamped},
+    {"ReferenceSize(#).Height", kRegionCount, cell<&ReferenceCellSize::Height>, 1, kMaxRegionRows, Clamped},
 };
 
 constexpr std::array<std::string_view, 4> kSaveFormats{".bmp", ".png", ".jpg70", ".jpg90"};
