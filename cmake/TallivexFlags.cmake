@@ -19,3 +19,11 @@ if(TALLIVEX_SANITIZE)
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(tallivex_flags INTERFACE -fsanitize=address,undefined)
 endif()
+
+# Fuzzing: every target is instrumented for libFuzzer and checked by the sanitisers; only
+# the fuzz targets link the fuzzer's main().
+if(TALLIVEX_FUZZ)
+  target_compile_options(tallivex_flags INTERFACE
+    -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(tallivex_flags INTERFACE -fsanitize=address,undefined)
+endif()

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Builds and runs every test: the debug build (warnings are errors), the unit tests again
-# under AddressSanitizer + UndefinedBehaviorSanitizer, and the Windows cross build with
-# the core unit tests and the Win32 back-end tests under wine on a virtual X screen; last,
-# the Linux and the Windows command line replay one session and must agree byte for byte.
+# under AddressSanitizer + UndefinedBehaviorSanitizer, a short run of each fuzz target, and
+# the Windows cross build with the core unit tests and the Win32 back-end tests under wine
+# on a virtual X screen; last, the Linux and the Windows command line replay one session
+# and must agree byte for byte.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -17,6 +18,15 @@ echo "== unit tests under AddressSanitizer + UndefinedBehaviorSanitizer"
 cmake --preset asan
 cmake --build --preset asan
 ctest --preset asan
+
+echo "== fuzz targets, a short run of each"
+if command -v clang++ >/dev/null; then
+  cmake --preset fuzz
+  cmake --build --preset fuzz
+  scripts/fuzz.sh 20
+else
+  echo "clang++ is missing: fuzz targets skipped"
+fi
 
 echo "== Windows cross build (MinGW-w64)"
 cmake --preset mingw

@@ -65,7 +65,8 @@ double CliPrompter::askNumber(const std::string&, const std::string&, double, co
     return kCancelled;
 }
 
-Settings loadCliSettings(const std::filesystem::path& homeDir, const CliAnswers& answers, std::ostream& err)
+Settings loadCliSettings(const std::filesystem::path& homeDir, const CliAnswers& answers, std::ostream& err,
+                         bool* writeFailed)
 {
     Settings settings;
     settings.SaveFolder = pathUtf8(homeDir);
@@ -74,6 +75,8 @@ Settings loadCliSettings(const std::filesystem::path& homeDir, const CliAnswers&
     CliPrompter prompter(answers, err);
     const auto codec = platform::makeTextCodec();
     ConfigFile(settings, homeDir, prompter, *codec, &log).run(ConfigFile::Load);
+    if (writeFailed)
+        *writeFailed = prompter.writeFailed();
     return settings;
 }
 

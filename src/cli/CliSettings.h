@@ -42,7 +42,9 @@ private:
 
 // Loads homeDir's configuration as the program does at start-up: the file may be created,
 // repaired, migrated or rewritten, and log lines go to homeDir's debug log. Questions are
-// answered from `answers` and echoed on `err` with every message.
-Settings loadCliSettings(const std::filesystem::path& homeDir, const CliAnswers& answers, std::ostream& err);
+// answered from `answers` and echoed on `err` with every message. writeFailed, when given,
+// tells whether the file had to be written and could not be.
+Settings loadCliSettings(const std::filesystem::path& homeDir, const CliAnswers& answers, std::ostream& err,
+                         bool* writeFailed = nullptr);
 
 } // namespace tvx::cli

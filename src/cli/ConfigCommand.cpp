@@ -113,8 +113,8 @@ int runConfig(const std::vector<std::string>& args, std::ostream& out, std::ostr
     }
 
     const std::filesystem::path folder = platform::homeFolder(home);
-    Settings settings = loadCliSettings(folder, answers, err);
     bool failed = false;
+    Settings settings = loadCliSettings(folder, answers, err, &failed);
     if (action != "show") {
         // Restore or save the settings just loaded, as the options dialog's buttons do.
         platform::SystemClock clock;
@@ -123,7 +123,7 @@ int runConfig(const std::vector<std::string>& args, std::ostream& out, std::ostr
         const auto codec = platform::makeTextCodec();
         ConfigFile(settings, folder, prompter, *codec, &log)
             .run(action == "defaults" ? ConfigFile::Defaults : ConfigFile::Save);
-        failed = prompter.writeFailed();
+        failed = failed || prompter.writeFailed();
     }
     out << settingsJson(settings) << '\n';
     return failed ? 2 : 0;

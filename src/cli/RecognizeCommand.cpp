@@ -1,5 +1,6 @@
 #include "RecognizeCommand.h"
 
+#include "CliImage.h"
 #include "CliSettings.h"
 #include "HomeFolder.h"
 #include "Json.h"
@@ -58,12 +59,8 @@ bool parseOptions(const std::vector<std::string>& args, Options& options, std::o
 bool recognizeImage(const std::string& image, const Options& options, ScreenRecognizer& recognizer,
                     CaptureBitmap& bitmap, std::ostream& out, std::ostream& err)
 {
-    const CaptureLoadResult loaded = LoadCaptureBitmap(utf8Path(image), bitmap);
-    if (loaded != CaptureLoadResult::Read) {
-        err << image << ": cannot read the image (result " << static_cast<int>(loaded) << ": " << describe(loaded)
-            << ")\n";
+    if (!loadCliImage(utf8Path(image), bitmap, err))
         return false;
-    }
 
     bool usable = true;
     std::array<std::string, kRegionCount> values{"-1", "-1", "-1"};

@@ -1,5 +1,6 @@
 #include "ReplayCommand.h"
 
+#include "CliImage.h"
 #include "CliSettings.h"
 #include "SystemClock.h"
 #include "TextCodecFactory.h"
@@ -116,8 +117,8 @@ std::optional<std::map<std::int64_t, std::filesystem::path>> listFrames(const st
         return std::nullopt;
     }
     std::map<std::int64_t, std::filesystem::path> frames;
-    for (const auto& entry : it) {
-        const std::string name = pathUtf8(entry.path().filename());
+    for (; it != std::filesystem::directory_iterator(); it.increment(error)) {
+        const std::string name = pathUtf8(it->path().filename());
         const std::size_t dot = name.find('.');
         std::string extension = dot == std::string::npos ? "" : name.substr(dot);
         std::transform(extension.begin(), extension.end(), extension.begin(),
@@ -127,10 +128,14 @@ std::optional<std::map<std::int64_t, std::filesystem::path>> listFrames(const st
             !std::all_of(stem.begin(), stem.end(), [](unsigned char c) { return std::isdigit(c); }))
             continue;
         const std::int64_t second = std::stoll(stem);
-        if (!frames.emplace(second, entry.path()).second) {
+        if (!frames.emplace(second, it->path()).second) {
             err << "tallivex-cli replay: two images for second " << second << '\n';
             return std::nullopt;
         }
+    }
+    if (error) {
+        err << "tallivex-cli replay: cannot read the folder " << folder << '\n';
+        return std::nullopt;
     }
     if (frames.empty()) {
         err << "tallivex-cli replay: no images named by seconds (0.bmp, 360.bmp, ...) in " << folder << '\n';
@@ -155,21 +160,22 @@ private:
 // The game is always there and in front, and every capture gives the current image.
 class ReplayScreen final : public ScreenSource, public GameWindowProbe {
 public:
-    // Reads the next image into the one buffer kept for all of them.
-    CaptureLoadResult show(const std::filesystem::path& path)
+    // Reads the next image into the one buffer kept for all of them; false (and a line on
+    // err) when it cannot be used, and the meter then sees a failed capture.
+    bool show(const std::filesystem::path& path, std::ostream& err)
     {
-        m_loaded = LoadCaptureBitmap(path, m_image);
+        m_loaded = loadCliImage(path, m_image, err);
         return m_loaded;
     }
     std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect>) override
     {
-        return m_loaded == CaptureLoadResult::Read ? std::optional(m_image) : std::nullopt;
+        return m_loaded ? std::optional(m_image) : std::nullopt;
     }
     GameWindowState state(std::string_view) override { return GameWindowState::Front; }
 
 private:
     CaptureBitmap m_image;
-    CaptureLoadResult m_loaded = CaptureLoadResult::EmptyPath;
+    bool m_loaded = false;
 };
 
 // Nothing waits, sounds, launches or asks in a replay.
@@ -225,12 +231,8 @@ int runReplay(const std::vector<std::string>& args, std::ostream& out, std::ostr
         meter.session().ChangeLogging(MeasurementSession::kStartLogging);
         for (const auto& [second, path] : *frames) {
             clock.setSeconds(second);
-            const CaptureLoadResult loaded = screen.show(path);
-            if (loaded != CaptureLoadResult::Read) {
-                err << pathUtf8(path) << ": cannot read the image (result " << static_cast<int>(loaded) << ": "
-                    << describe(loaded) << ")\n";
+            if (!screen.show(path, err))
                 status = 2;
-            }
             try {
                 meter.cycle().runCycle();
             } catch (const RuntimeError& error) {

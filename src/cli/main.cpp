@@ -6,6 +6,7 @@
 #include "CommandLine.h"
 #include "StandardStreams.h"
 
+#include <exception>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -44,12 +45,20 @@ int main(int argc, char** argv)
     const std::vector<std::string> all = tvx::platform::commandLineUtf8(argc, argv);
     const std::string command = all.size() > 1 ? all[1] : "";
     const std::vector<std::string> args(all.size() > 2 ? all.begin() + 2 : all.end(), all.end());
-    if (command == "recognize")
-        return tvx::cli::runRecognize(args, std::cout, std::cerr);
-    if (command == "replay")
-        return tvx::cli::runReplay(args, std::cout, std::cerr);
-    if (command == "config")
-        return tvx::cli::runConfig(args, std::cout, std::cerr);
+    // The commands trap and report what they expect; anything else still ends in a
+    // message and exit code 2 rather than an abort.
+    try {
+        if (command == "recognize")
+            return tvx::cli::runRecognize(args, std::cout, std::cerr);
+        if (command == "replay")
+            return tvx::cli::runReplay(args, std::cout, std::cerr);
+        if (command == "config")
+            return tvx::cli::runConfig(args, std::cout, std::cerr);
+    } catch (const std::exception& error) {
+        std::cout.flush();
+        std::cerr << "tallivex-cli " << command << ": " << error.what() << '\n';
+        return 2;
+    }
     if (command == "--help" || command == "-h" || command == "help") {
         printUsage(std::cout);
         return 0;

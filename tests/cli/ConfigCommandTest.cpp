@@ -5,6 +5,7 @@
 #include "recognition/CaptureFile.h"
 #include "recognition/GlyphPainter.h"
 #include "base/Utf8Path.h"
+#include "support/GameScreen.h"
 #include "support/JsonPath.h"
 #include "support/TempFolder.h"
 
@@ -99,6 +100,54 @@ TEST_F(ConfigCommandTest, BadUsageAndAFailedWriteHaveTheirOwnExitCodes)
     std::filesystem::create_directories(m_home / "TV2MConfig.ini.tmp" / "x");
     EXPECT_EQ(run({"save"}), 2);
     EXPECT_TRUE(has(m_err.str(), "[設定ファイル書き込み] 設定をファイルに保存できませんでした。"));
+
+    // A folder in the file's place: nothing can be read, backed up or written.
+    std::filesystem::remove_all(m_home / "TV2MConfig.ini.tmp");
+    std::filesystem::create_directories(m_home / "TV2MConfig.ini");
+    EXPECT_EQ(run({"show"}), 2);
+    EXPECT_TRUE(has(m_err.str(), "読込みできない設定ファイルです。")) << m_err.str();
+    EXPECT_FALSE(has(m_err.str(), "TV2MConfigBack.ini")) << m_err.str();
+    EXPECT_FALSE(std::filesystem::exists(m_home / "TV2MConfigBack.ini"));
+}
+
+// Settings no screen can have, read by the commands that use a home's configuration.
+TEST_F(ConfigCommandTest, ImpossibleSettingsNeitherCrashNorMisreadTheCommands)
+{
+    Frame frame = test::gameScreen({"50", "1234", "777"});
+    ASSERT_TRUE(writeBitmap24(m_home / "shot.bmp", frame));
+    const std::string image = pathUtf8(m_home / "shot.bmp");
+    struct Case {
+        const char* name;
+        void (*damage)(Settings&);
+        const char* json; // what the image then reads as
+        bool damaged;     // the file was replaced by the defaults
+    };
+    const Case cases[] = {
+        {"region wider than a screen", [](Settings& s) { s.CaptureRegion[0].SizeX = 70000; },
+         "\"level\":50,\"exp\":1234,\"money\":777", true},
+        {"region of 65535 x 65535", [](Settings& s) { s.CaptureRegion[0] = {35, 578, 65535, 65535}; },
+         "\"level\":50,\"exp\":1234,\"money\":777", true},
+        {"region of size 0", [](Settings& s) { s.CaptureRegion[1].SizeX = 0; },
+         "\"level\":50,\"exp\":1234,\"money\":777", true},
+        {"damaged digit template", [](Settings& s) { s.PatternStrings[0][0] = "7C0"; },
+         "\"level\":50,\"exp\":1234,\"money\":777", true},
+        {"glyph width -7", [](Settings& s) { s.ReferenceSize[2].Width = -7; },
+         "\"level\":50,\"exp\":1234,\"money\":777", true},
+        // A clamped threshold reads nothing rather than overflowing.
+        {"threshold 600000000", [](Settings& s) { s.BinaryThreshold[1] = 600000000; },
+         "\"level\":50,\"exp\":-1,\"money\":777", false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Settings s = defaultSettings(pathUtf8(m_home));
+        c.damage(s);
+        writeConfig(s);
+        m_out.str("");
+        m_err.str("");
+        EXPECT_EQ(cli::runRecognize({"--home", pathUtf8(m_home), image}, m_out, m_err), 0) << m_err.str();
+        EXPECT_TRUE(has(m_out.str(), c.json)) << m_out.str() << m_err.str();
+        EXPECT_EQ(has(m_err.str(), "読込みできない設定ファイルです。"), c.damaged) << m_err.str();
+    }
 }
 
 TEST_F(ConfigCommandTest, RecognizeReadsTheRegionsOfTheHomeConfiguration)

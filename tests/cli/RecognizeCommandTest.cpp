@@ -4,6 +4,7 @@
 #include "config/Settings.h"
 #include "recognition/CaptureFile.h"
 #include "support/GameScreen.h"
+#include "base/Utf8Path.h"
 #include "support/JsonPath.h"
 #include "support/TempFolder.h"
 
@@ -90,6 +91,33 @@ TEST_F(RecognizeCommandTest, UnreadableImagesAreNamedAndTheRestStillRead)
     EXPECT_NE(err.find(png + ": cannot read the image (result -3"), std::string::npos) << err;
     EXPECT_NE(err.find(small + ": level region: error 9"), std::string::npos) << err;
     EXPECT_NE(m_out.str().find("\"level\":9,\"exp\":9,\"money\":9"), std::string::npos);
+}
+
+// The bytes of a good image cut short: the header promises rows the file does not hold.
+std::string cutImage(const Frame& frame, std::size_t keep)
+{
+    const std::vector<std::uint8_t> bytes = encodeBitmap24(frame);
+    return std::string(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(keep));
+}
+
+TEST_F(RecognizeCommandTest, ImagesThatCannotBeReadEndInExitCodeTwoAndTheirName)
+{
+    const auto good = screen("good.bmp", {"9", "9", "9"});
+    std::filesystem::create_directories(m_folder / "x.bmp");
+    std::ofstream(m_folder / "short.bmp", std::ios::binary) << cutImage(test::gameScreen({"9", "9", "9"}), 54 + 3000);
+    std::ofstream(m_folder / "header.bmp", std::ios::binary) << cutImage(test::gameScreen({"9", "9", "9"}), 30);
+    std::vector<std::string> bad = {pathUtf8(m_folder / "x.bmp"), pathUtf8(m_folder / "short.bmp"),
+                                    pathUtf8(m_folder / "header.bmp")};
+    std::ofstream(m_folder / "locked.bmp") << "BM";
+    std::filesystem::permissions(m_folder / "locked.bmp", std::filesystem::perms::none);
+    if (!std::ifstream(m_folder / "locked.bmp")) // root, and Windows, read it all the same
+        bad.push_back(pathUtf8(m_folder / "locked.bmp"));
+    for (const std::string& image : bad) {
+        SCOPED_TRACE(image);
+        EXPECT_EQ(run({image, good}), 2);
+        EXPECT_TRUE(m_err.str().starts_with(image + ": cannot read the image (")) << m_err.str();
+        EXPECT_EQ(m_out.str(), "{\"file\":\"" + good + "\",\"level\":9,\"exp\":9,\"money\":9}\n");
+    }
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "ConfigCommand.h"
 #include "ReplayCommand.h"
 #include "base/Utf8Path.h"
 
@@ -82,6 +83,44 @@ TEST_F(ReplayCommandTest, AnUnreadableImageIsAFailedReading)
     EXPECT_EQ(run({}), 2);
     EXPECT_NE(err.str().find("360.bmp: cannot read the image"), std::string::npos);
     EXPECT_NE(out.str().find("01/31 23:56  認識失敗  全部 NG\r\n"), std::string::npos) << out.str();
+}
+
+TEST_F(ReplayCommandTest, AFolderOrACutImageAmongTheFramesIsNamedAndTheSessionGoesOn)
+{
+    frame("0.bmp", "137", "1000", "5000");
+    std::filesystem::create_directories(frames / "180.bmp");
+    const std::vector<std::uint8_t> whole = encodeBitmap24(test::gameScreen({"137", "2000", "5000"}));
+    std::ofstream(frames / "360.bmp", std::ios::binary)
+        .write(reinterpret_cast<const char*>(whole.data()), static_cast<std::streamsize>(whole.size() / 2));
+    frame("720.bmp", "137", "4600", "5000");
+    EXPECT_EQ(run({"--per-session"}), 2);
+    EXPECT_NE(err.str().find((frames / "180.bmp").string() + ": cannot read the image ("), std::string::npos)
+        << err.str();
+    EXPECT_NE(err.str().find((frames / "360.bmp").string() + ": cannot read the image ("), std::string::npos)
+        << err.str();
+    // Two failed readings, then the one at 720 s makes the only record.
+    EXPECT_NE(test::readAll(saves / "log" / "給与明細202401312350.txt").find("02/01 00:02    137"), std::string::npos);
+}
+
+TEST_F(ReplayCommandTest, ARecordFileNameTooLongForTheFileSystemIsReportedNotFatal)
+{
+    frame("0.bmp", "137", "1000", "5000");
+    frame("360.bmp", "137", "4600", "5000");
+    const auto home = temp.path() / "home";
+    std::filesystem::create_directories(home);
+    ASSERT_EQ(cli::runConfig({"show", "--home", home.string()}, out, err), 0);
+    std::string text = test::readAll(home / "TV2MConfig.ini");
+    const std::string folderLine = (home.string() + " , ");
+    const std::size_t at = text.find(folderLine);
+    ASSERT_NE(at, std::string::npos);
+    text.replace(at + folderLine.size(), text.find(" , ", at + folderLine.size()) - at - folderLine.size(),
+                 std::string(300, 'a'));
+    std::ofstream(home / "TV2MConfig.ini", std::ios::binary) << text;
+    const int status = run({"--home", home.string()});
+    EXPECT_EQ(status, 2) << err.str();
+    EXPECT_NE(err.str().find("0.bmp: Error Trap : timCaptureInterval_Timer : CODE52  Bad file name or number"),
+              std::string::npos)
+        << err.str();
 }
 
 } // namespace

@@ -15,6 +15,7 @@ std::string_view errorDescription(ErrorNumber number)
     case ErrorNumber::SubscriptOutOfRange: return "Subscript out of range";
     case ErrorNumber::DivisionByZero: return "Division by zero";
     case ErrorNumber::TypeMismatch: return "Type mismatch";
+    case ErrorNumber::BadFileName: return "Bad file name or number";
     case ErrorNumber::FileNotFound: return "File not found";
     case ErrorNumber::FileAlreadyOpen: return "File already open";
     case ErrorNumber::DiskFull: return "Disk full";

@@ -15,6 +15,7 @@ enum class ErrorNumber : int {
     SubscriptOutOfRange = 9,
     DivisionByZero = 11,
     TypeMismatch = 13,
+    BadFileName = 52,
     FileNotFound = 53,
     FileAlreadyOpen = 55,
     DiskFull = 61,

@@ -2,6 +2,7 @@
 
 #include "base/CopyOver.h"
 #include "base/Utf8Path.h"
+#include "config/SettingRanges.h"
 #include "shell/TextWidth.h"
 
 #include <array>
@@ -311,6 +312,9 @@ std::string decodeFile(const std::string& bytes, TextCodec& codec)
 
 std::string readFileText(const std::filesystem::path& path, TextCodec& codec)
 {
+    std::error_code ec;
+    if (!std::filesystem::is_regular_file(path, ec))
+        throw RuntimeError(ErrorNumber::PathFileAccessError, pathUtf8(path) + " is not a file");
     std::ifstream in(path, std::ios::binary);
     if (!in)
         throw RuntimeError(ErrorNumber::PathFileAccessError, pathUtf8(path));
@@ -432,26 +436,24 @@ void ConfigFile::load()
     if (std::filesystem::exists(path(), ec)) {
         Settings read = m_settings;
         std::string target;
+        std::vector<std::string> clamped;
         std::optional<ErrorNumber> error;
+        std::string detail;
         try {
             target = readCurrentFile(readFileText(path(), m_codec), read);
+            clamped = enforceSettingRanges(read);
         } catch (const RuntimeError& e) {
             error = e.number();
+            detail = e.what();
         } catch (const std::exception&) {
             error = ErrorNumber::OutOfMemory;
         }
         if (error) {
-            m_prompter.message(std::string(kUnreadable) + std::string(kCrLf) + std::string(kRecreate) +
-                                   std::string(kCrLf) + std::string(kBackedUp),
-                               std::string(kReadTitle));
-            const std::error_code copyError = copyOver(path(), backupPath());
-            restoreDefaults();
-            write();
-            logError("ConfigFile", *error);
-            if (copyError)
-                logError("ConfigFile", ErrorNumber::PathFileAccessError);
+            replaceDamagedFile(*error, detail);
             return;
         }
+        for (const std::string& line : clamped)
+            logLine(line);
         const std::string current = m_settings.SearchWindowName;
         m_settings = std::move(read);
         m_settings.SearchWindowName = current;
@@ -492,6 +494,8 @@ void ConfigFile::load()
                 // The older file holds no recognition parameters; its regions go with them.
                 m_settings = std::move(read);
                 resetRecognitionDefaults(m_settings, askScreenMode(m_prompter, m_settings.SearchWindowName));
+                for (const std::string& line : enforceSettingRanges(m_settings))
+                    logLine(line);
             }
         } else {
             restoreDefaults();
@@ -505,6 +509,24 @@ void ConfigFile::load()
         write();
     else
         sizeBuffers();
+}
+
+void ConfigFile::replaceDamagedFile(ErrorNumber error, const std::string& detail)
+{
+    // The message promises the back-up only when there is one (a folder in the file's
+    // place cannot be copied).
+    const bool backedUp = !copyOver(path(), backupPath());
+    std::string text = std::string(kUnreadable) + std::string(kCrLf) + std::string(kRecreate);
+    if (backedUp)
+        text += std::string(kCrLf) + std::string(kBackedUp);
+    m_prompter.message(text, std::string(kReadTitle));
+    restoreDefaults();
+    write();
+    logError("ConfigFile", error);
+    if (!detail.empty())
+        logLine("ConfigFile : " + detail + " ");
+    if (!backedUp)
+        logError("ConfigFile", ErrorNumber::PathFileAccessError);
 }
 
 void ConfigFile::restoreDefaults()

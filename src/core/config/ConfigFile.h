@@ -48,6 +48,8 @@ public:
 
 private:
     void load();
+    // The unreadable-file path: back-up where possible, message, defaults, new file.
+    void replaceDamagedFile(ErrorNumber error, const std::string& detail);
     void restoreDefaults();
     // false when the file could not be written (the player has been told).
     bool write();

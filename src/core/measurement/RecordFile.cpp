@@ -79,7 +79,10 @@ void RecordFile::WriteRecordLine(std::string_view sessionStamp, std::string_view
     std::filesystem::create_directories(path.parent_path(), error);
     if (error)
         throw RuntimeError(ErrorNumber::PathNotFound, "cannot create " + pathUtf8(path.parent_path()));
-    const bool exists = std::filesystem::exists(path);
+    // A name the file system refuses (too long, say) is the caller's trapped error.
+    const bool exists = std::filesystem::exists(path, error);
+    if (error)
+        throw RuntimeError(ErrorNumber::BadFileName, pathUtf8(path));
     if (!exists || mode == kStart) {
         if (exists && m_settings.SaveMonthly)
             return;

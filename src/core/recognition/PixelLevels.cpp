@@ -1,6 +1,7 @@
 #include "recognition/PixelLevels.h"
 
 #include "base/Errors.h"
+#include "config/SettingRanges.h"
 
 #include <algorithm>
 
@@ -22,9 +23,14 @@ void PixelLevels::SecurePixels(const std::array<CaptureRegionRect, kRegionCount>
         maxX = std::max(maxX, r.SizeX);
         maxY = std::max(maxY, r.SizeY);
     }
-    // Upper bounds are inclusive, so a size of n gives n + 1 slots.
-    if (maxX < 0 || maxY < 0 || maxX > 65535 || maxY > 65535)
+    // A region is a line of text: at most a screen wide and a little taller than a column
+    // mask holds (a few rows more let the mask's overflow be seen). Anything larger would
+    // only allocate gigabytes before failing.
+    constexpr std::int64_t kMaxCells = std::int64_t{kMaxScreenSide + 1} * 2 * (kMaxRegionRows + 1);
+    if (maxX < 0 || maxY < 0 || maxX > kMaxScreenSide || maxY > kMaxScreenSide ||
+        (std::int64_t{maxX} + 1) * (std::int64_t{maxY} + 1) > kMaxCells)
         outOfRange();
+    // Upper bounds are inclusive, so a size of n gives n + 1 slots.
     m_columns = maxX + 1;
     m_rows = maxY + 1;
     m_levels.assign(static_cast<std::size_t>(kRegionCount) * static_cast<std::size_t>(m_columns) *

@@ -14,8 +14,9 @@ namespace tvx {
 // Levels come from three bytes and always lie in 0..1020; binarisation relies on that.
 class PixelLevels {
 public:
-    // (Re)allocates the array to the largest region and clears it. A negative size is a
-    // subscript error (RuntimeError), as is any later access outside the array.
+    // (Re)allocates the array to the largest region and clears it. A negative size, or one
+    // beyond what a screen's line of text can be, is a subscript error (RuntimeError), as
+    // is any later access outside the array.
     void SecurePixels(const std::array<CaptureRegionRect, kRegionCount>& regions);
 
     std::int32_t columns() const { return m_columns; }

@@ -56,6 +56,14 @@ std::optional<DigitMatch> firstDigitMatch(std::string_view s, const PatternSet& 
     return std::nullopt;
 }
 
+int firstEmptyTemplate(const PatternSet& patterns)
+{
+    for (int k = 0; k <= kDelimiterIndex; ++k)
+        if (patterns[static_cast<std::size_t>(k)].empty())
+            return k;
+    return -1;
+}
+
 class Progress {
 public:
     Progress(int region, bool enabled, CaptionSink* sink, RecognitionResult& result)
@@ -137,6 +145,16 @@ RecognitionResult RecognizeNumber(int region, const RecognizerInput& input, bool
     for (std::int64_t pos = best; pos <= end;) {
         if (glyph < 0)
             throw RuntimeError(ErrorNumber::InvalidProcedureCall);
+        if (pos > length) {
+            // Past the column data the walk would meet empty candidates up to the end bound,
+            // however far that is. They give one outcome: the delimiter is met when its
+            // template is the first empty one; an empty digit template would win at every
+            // step and never let the delimiter through.
+            delimiterMet = firstEmptyTemplate(patterns) == kDelimiterIndex;
+            if (delimiterMet)
+                progress.line(" 認識:デリミタ");
+            break;
+        }
         const std::string_view candidate = mid(s, pos, glyph);
         int winner = -1;
         for (int k = pos == best ? firstDigit : 0; k <= kDelimiterIndex; ++k) {

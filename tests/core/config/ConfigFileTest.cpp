@@ -1,5 +1,7 @@
 #include "config/ConfigFile.h"
 
+#include "config/SettingRanges.h"
+
 #include "TextCodecFactory.h"
 #include "base/Utf8Path.h"
 #include "support/ReadFile.h"
@@ -11,6 +13,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <sstream>
 
 namespace tvx {
@@ -161,10 +164,10 @@ TEST_F(ConfigFileTest, EveryFieldSurvivesASaveAndALoad)
     s.GraphAveNum = 1;
     s.BinaryThreshold = {1, 255, 0};
     s.BinaryMask = {-1, 0, 200};
-    s.ReferenceSize = {{{8, 10}, {6, 11}, {9, 12}}};
+    s.ReferenceSize = {{{7, 10}, {5, 11}, {7, 12}}};
     s.PatternStrings = defaultPatternStrings();
-    s.PatternStrings[1][4] = "";
-    s.PatternStrings[2][10] = "FFFF0001";
+    s.PatternStrings[1][4] = "00000000FFFF00010000";
+    s.PatternStrings[2][10] = "FFFF0001FFFF0001FFFF00010000";
     s.SearchWindowName = "MapleStory Test";
     s.ScreenCapture = CaptureMethod::PrintScreen;
     run(ConfigFile::Save);
@@ -183,6 +186,7 @@ TEST_F(ConfigFileTest, EveryFieldSurvivesASaveAndALoad)
 
 TEST_F(ConfigFileTest, OurLineAfterTheSixtyIsOptionalAndNeverCondemnsTheFile)
 {
+    m_settings = defaults();
     run(ConfigFile::Save);
     const std::string sixty = firstLines(m_codec->fromCp932(test::readAll(file())).value(), 60);
     const struct {
@@ -424,6 +428,154 @@ TEST_F(ConfigFileTest, RestoringTheDefaultsAsksTheScreenModeAndKeepsTheTarget)
                   std::string(c.confirmation) + "\r\n※注意！ Windowsの環境により逆を選択したほうが良い場合もあります。");
         EXPECT_EQ(test::readAll(file()), cp932(m_settings));
     }
+}
+
+// Loads a file that differs from the defaults by `change` and tells how it was taken.
+struct LoadOutcome {
+    bool damaged;   // the unreadable-file message and the defaults
+    Settings settings;
+    std::string log;
+};
+
+class SettingRangesTest : public ConfigFileTest {
+protected:
+    template <typename Change>
+    LoadOutcome loadChanged(Change change)
+    {
+        Settings onDisk = defaults();
+        change(onDisk);
+        writeAll(file(), cp932(onDisk));
+        std::filesystem::remove(m_home / "debug.txt");
+        m_settings = defaults();
+        m_prompter.shown.clear();
+        m_prompter.answers = {true, true};
+        run(ConfigFile::Load);
+        const bool damaged = !m_prompter.shown.empty() && m_prompter.shown[0].text == kUnreadableMessage;
+        if (damaged) {
+            EXPECT_EQ(m_prompter.kinds(), (std::vector<std::string>{"message", "yesno", "okcancel"}));
+            EXPECT_EQ(m_settings, defaults());
+        } else {
+            EXPECT_TRUE(m_prompter.shown.empty());
+        }
+        return {damaged, m_settings, std::filesystem::exists(m_home / "debug.txt") ? logText() : ""};
+    }
+
+    // Templates that fit a glyph width, so that a width can be tried on its own.
+    static void fitTemplates(Settings& s, std::size_t region, std::int32_t width)
+    {
+        for (std::string& pattern : s.PatternStrings[region])
+            pattern.assign(4 * static_cast<std::size_t>(std::clamp(width, 0, 100)), '0');
+    }
+};
+
+TEST_F(SettingRangesTest, EveryRangedSettingKeepsItsBoundsAndFollowsItsRuleBeyondThem)
+{
+    constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
+    constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
+    for (const SettingRange& range : settingRanges()) {
+        for (std::size_t i = 0; i < range.count; ++i) {
+            const std::string name = settingName(range, i);
+            const auto setTo = [&](std::int32_t value) {
+                return [&range, i, value](Settings& s) {
+                    range.field(s, i) = value;
+                    if (range.name.starts_with("ReferenceSize(#).Width"))
+                        fitTemplates(s, i, value);
+                };
+            };
+            for (const std::int32_t inside : {range.low, range.high}) {
+                const LoadOutcome outcome = loadChanged(setTo(inside));
+                EXPECT_FALSE(outcome.damaged) << name << " = " << inside;
+                EXPECT_EQ(range.field(m_settings, i), inside) << name;
+            }
+            for (const std::int64_t wide : {std::int64_t{range.low} - 1, std::int64_t{range.high} + 1,
+                                            std::int64_t{kMin}, std::int64_t{kMax}}) {
+                if (wide < kMin || wide > kMax || (wide >= range.low && wide <= range.high))
+                    continue;
+                const auto outside = static_cast<std::int32_t>(wide);
+                SCOPED_TRACE(name + " = " + std::to_string(outside));
+                const LoadOutcome outcome = loadChanged(setTo(outside));
+                if (range.rule == OutOfRange::Damaged) {
+                    EXPECT_TRUE(outcome.damaged);
+                    EXPECT_NE(outcome.log.find("ConfigFile : Invalid procedure call or argument: " + name + " = " +
+                                               std::to_string(outside)),
+                              std::string::npos)
+                        << outcome.log;
+                } else {
+                    const std::int32_t bound = outside < range.low ? range.low : range.high;
+                    EXPECT_FALSE(outcome.damaged);
+                    EXPECT_EQ(range.field(m_settings, i), bound);
+                    EXPECT_NE(outcome.log.find("Setting Out Of Range : " + name + " " + std::to_string(outside) +
+                                               " -> " + std::to_string(bound) + " \r\n"),
+                              std::string::npos)
+                        << outcome.log;
+                }
+            }
+        }
+    }
+}
+
+TEST_F(SettingRangesTest, TemplatesMustBeHexadecimalColumnsOfTheGlyphWidth)
+{
+    const std::string digitZero = defaultPatternStrings()[0][0]; // seven columns, the level's width
+    struct Case {
+        const char* name;
+        std::string pattern;
+        bool damaged;
+        std::string kept;
+    };
+    const Case cases[] = {
+        {"three characters", "007", true, ""},
+        {"not hexadecimal", "007C00FE008200820082G0FE007C", true, ""},
+        {"empty", "", true, ""},
+        {"one column short", digitZero.substr(4), true, ""},
+        {"one column long", digitZero + "0000", true, ""},
+        {"lower case", "007c00fe00820082008200fe007c", false, digitZero},
+        {"as it should be", digitZero, false, digitZero},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const LoadOutcome outcome = loadChanged([&c](Settings& s) { s.PatternStrings[0][0] = c.pattern; });
+        EXPECT_EQ(outcome.damaged, c.damaged);
+        if (!c.damaged)
+            EXPECT_EQ(outcome.settings.PatternStrings[0][0], c.kept);
+        else
+            EXPECT_NE(outcome.log.find("PatternStrings(1,0)"), std::string::npos) << outcome.log;
+    }
+}
+
+TEST_F(SettingRangesTest, AnUnknownImageFormatBecomesThePngDefault)
+{
+    const LoadOutcome outcome = loadChanged([](Settings& s) { s.SaveFormat = ".gif"; });
+    EXPECT_FALSE(outcome.damaged);
+    EXPECT_EQ(outcome.settings.SaveFormat, ".png");
+    EXPECT_NE(outcome.log.find("Setting Out Of Range : SaveFormat \".gif\" -> .png \r\n"), std::string::npos)
+        << outcome.log;
+}
+
+TEST_F(SettingRangesTest, ASettingMigratedFromTheOlderFileIsClampedToo)
+{
+    Settings old = defaults();
+    old.Lag = 99999;
+    const std::string oldText = configFileText(old);
+    writeAll(m_home / "TV2Config.ini", m_codec->toCp932(oldText.substr(firstLines(oldText, 1).size())));
+    m_prompter.answers = {true, true, true};
+    run(ConfigFile::Load);
+    EXPECT_EQ(m_settings.Lag, 10000);
+    EXPECT_NE(logText().find("Setting Out Of Range : Lag 99999 -> 10000 "), std::string::npos);
+}
+
+TEST_F(ConfigFileTest, AFolderInThePlaceOfTheFilePromisesNoBackUpAndSaysTheWriteFailed)
+{
+    std::filesystem::create_directories(file());
+    m_prompter.answers = {true, true};
+    run(ConfigFile::Load);
+    ASSERT_EQ(m_prompter.kinds(), (std::vector<std::string>{"message", "yesno", "okcancel", "message"}));
+    EXPECT_EQ(m_prompter.shown[0].text, "読込みできない設定ファイルです。\r\n　　初期値で設定ファイルを再作成します。");
+    EXPECT_EQ(m_prompter.shown[3].text, "設定をファイルに保存できませんでした。");
+    EXPECT_FALSE(std::filesystem::exists(m_home / "TV2MConfigBack.ini"));
+    EXPECT_EQ(m_settings, defaults());
+    EXPECT_NE(logText().find("Error Trap : ConfigFile : CODE75  Path/File access error\r\n"), std::string::npos);
+    EXPECT_NE(logText().find("Error Trap : ConfigFile 2 : CODE75"), std::string::npos) << logText();
 }
 
 } // namespace

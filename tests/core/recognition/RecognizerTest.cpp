@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -152,6 +153,38 @@ TEST(RecognizeNumber, RejectsImpossibleArguments)
     PatternSet patterns = expGlyphs();
     patterns[0] = "";
     EXPECT_THROW(RecognizeNumber(RegionExp, RecognizerInput{columns, &patterns, 0, 11}), RuntimeError);
+}
+
+TEST(RecognizeNumber, TheWalkEndsWithTheColumnDataHoweverWideTheRegionClaimsToBe)
+{
+    struct Counter : CaptionSink {
+        int calls = 0;
+        void setCaption(int, std::string_view) override { ++calls; }
+    };
+    PatternSet emptyDelimiter = expGlyphs();
+    emptyDelimiter[10] = "";
+    PatternSet emptyDigit = emptyDelimiter;
+    emptyDigit[7] = "";
+    const struct {
+        const char* name;
+        const PatternSet* patterns;
+        std::string digits;
+    } cases[] = {
+        {"no template is empty: no delimiter", &expGlyphs(), ""},
+        {"an empty delimiter is met past the data", &emptyDelimiter, "12"},
+        {"an empty digit before it wins every step instead", &emptyDigit, ""},
+    };
+    const std::string columns = glyph(1) + glyph(2) + blank(1);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        for (const std::int32_t width : {1000, std::numeric_limits<std::int32_t>::max()}) {
+            Counter counter;
+            const RecognitionResult result =
+                RecognizeNumber(RegionExp, RecognizerInput{columns, c.patterns, 5, width}, true, &counter);
+            EXPECT_EQ(result.digits, c.digits) << width;
+            EXPECT_LE(counter.calls, 10) << width;
+        }
+    }
 }
 
 TEST(RecognizeNumber, DefaultSetsReadEveryDigitInEveryRegion)

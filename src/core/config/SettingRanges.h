@@ -1,0 +1,48 @@
+#pragma once
+
+#include "config/Settings.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tvx {
+
+// No screen is wider or taller; a region or glyph beyond it cannot be meant.
+inline constexpr std::int32_t kMaxScreenSide = 16384;
+// Rows a column mask holds in a signed 32-bit number.
+inline constexpr std::int32_t kMaxRegionRows = 30;
+
+// What a value outside its range read from the configuration file means.
+enum class OutOfRange {
+    Damaged, // the file is damaged: back-up, the unreadable-file message, defaults
+    Clamped, // the nearest bound is taken, with a line in the debug log
+};
+
+struct SettingRange {
+    std::string_view name; // "#" stands for the region, numbered as the user sees it
+    std::size_t count; // 1, or one value per region
+    std::int32_t& (*field)(Settings&, std::size_t index);
+    std::int32_t low;
+    std::int32_t high;
+    OutOfRange rule;
+};
+
+// Every integer setting with its valid range and rule. Two texts are checked as well:
+// each of PatternStrings(r, 0..10) must be 4 x ReferenceSize(r).Width hexadecimal digits
+// (lower case is raised to upper case and logged, anything else is damage), and SaveFormat
+// must be one of the four image formats (anything else becomes ".png" and is logged).
+std::span<const SettingRange> settingRanges();
+
+// "Lag", "BinaryThreshold(2)", "CaptureRegion(1).SizeX".
+std::string settingName(const SettingRange& range, std::size_t index);
+
+// Applies the ranges to settings just read. Clamps what may be clamped and returns one
+// debug-log line per clamped value; a value that marks the file as damaged raises
+// RuntimeError naming the setting.
+std::vector<std::string> enforceSettingRanges(Settings& settings);
+
+} // namespace tvx

@@ -1,0 +1,139 @@
+// The CLI killed at random moments while it writes: the record file and the configuration
+// must never be left torn, and no line once written may go.
+#include "recognition/CaptureFile.h"
+#include "support/GameScreen.h"
+#include "support/ReadFile.h"
+#include "support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <fcntl.h>
+#include <random>
+#include <set>
+#include <spawn.h>
+#include <string>
+#include <sys/wait.h>
+#include <thread>
+#include <vector>
+
+extern char** environ;
+
+namespace tvx {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// Runs the CLI with its output discarded; killed with SIGKILL after `killAfter` unless it
+// ends first. Returns how long it ran.
+Clock::duration runCli(const std::vector<std::string>& args, std::optional<Clock::duration> killAfter = {})
+{
+    std::vector<std::string> all{TALLIVEX_CLI};
+    all.insert(all.end(), args.begin(), args.end());
+    std::vector<char*> argv;
+    for (std::string& a : all)
+        argv.push_back(a.data());
+    argv.push_back(nullptr);
+    posix_spawn_file_actions_t files;
+    posix_spawn_file_actions_init(&files);
+    posix_spawn_file_actions_addopen(&files, 1, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addopen(&files, 2, "/dev/null", O_WRONLY, 0);
+    pid_t pid = -1;
+    const auto start = Clock::now();
+    const int spawned = posix_spawn(&pid, argv[0], &files, nullptr, argv.data(), environ);
+    posix_spawn_file_actions_destroy(&files);
+    EXPECT_EQ(spawned, 0);
+    if (spawned != 0)
+        return {};
+    if (killAfter) {
+        std::this_thread::sleep_for(*killAfter);
+        kill(pid, SIGKILL);
+    }
+    waitpid(pid, nullptr, 0);
+    return Clock::now() - start;
+}
+
+std::vector<std::string> lines(const std::string& text)
+{
+    std::vector<std::string> result;
+    for (std::size_t start = 0; start < text.size();) {
+        const std::size_t end = text.find("\r\n", start);
+        if (end == std::string::npos) {
+            result.push_back(text.substr(start) + "<torn>");
+            break;
+        }
+        result.push_back(text.substr(start, end - start));
+        start = end + 2;
+    }
+    return result;
+}
+
+class CrashSafetyTest : public testing::Test {
+protected:
+    // A moment somewhere within a run of the given length.
+    std::chrono::microseconds someMomentOf(Clock::duration run)
+    {
+        const auto us = std::chrono::duration_cast<std::chrono::microseconds>(run).count();
+        return std::chrono::microseconds(std::uniform_int_distribution<long>(0, std::max<long>(us, 1))(m_random));
+    }
+
+    test::TempFolder m_temp;
+    std::mt19937 m_random{20240131};
+};
+
+TEST_F(CrashSafetyTest, ReplayKilledWhileAppendingToAMonthlyFileLosesAndTearsNoLine)
+{
+    const auto frames = m_temp.path() / "frames";
+    const auto saves = m_temp.path() / "saves";
+    std::filesystem::create_directories(frames);
+    for (int i = 0; i < 10; ++i) {
+        const std::string exp = std::to_string(1000 + 3600 * i);
+        ASSERT_TRUE(writeBitmap24(frames / (std::to_string(360 * i) + ".bmp"),
+                                  test::gameScreen({"137", exp, "5000"}, ScreenMode::FullScreen, 1, 800, 600)));
+    }
+    const std::vector<std::string> args{"replay", frames.string(), "--save-folder", saves.string(), "--start",
+                                        "2024-01-01 10:00"};
+    const auto file = saves / "log" / "給与明細202401月.txt";
+
+    // One whole run tells the lines every run writes and how long a run takes.
+    const Clock::duration whole = runCli(args);
+    const std::vector<std::string> written = lines(test::readAll(file));
+    ASSERT_GT(written.size(), 8u); // the header and a record for almost every image
+    const std::set<std::string> valid(written.begin() + 1, written.end());
+
+    std::string before = test::readAll(file);
+    for (int trial = 0; trial < 10; ++trial) {
+        SCOPED_TRACE("trial " + std::to_string(trial));
+        runCli(args, someMomentOf(whole));
+        const std::string after = test::readAll(file);
+        ASSERT_TRUE(after.starts_with(before)) << "a line written earlier is gone";
+        const std::vector<std::string> added = lines(after.substr(before.size()));
+        for (const std::string& line : added)
+            ASSERT_EQ(valid.count(line), 1u) << line;
+        before = after;
+    }
+}
+
+TEST_F(CrashSafetyTest, ConfigurationKilledWhileSavingIsAlwaysOneWholeFile)
+{
+    const std::string home = m_temp.path().string();
+    const auto file = m_temp.path() / "TV2MConfig.ini";
+    // Two different whole files: the defaults of either screen mode.
+    runCli({"config", "defaults", "--home", home, "--window"});
+    const std::string window = test::readAll(file);
+    const Clock::duration whole = runCli({"config", "defaults", "--home", home, "--fullscreen"});
+    const std::string fullScreen = test::readAll(file);
+    ASSERT_NE(window, fullScreen);
+    ASSERT_GT(window.size(), 1000u);
+
+    for (int trial = 0; trial < 150; ++trial) {
+        runCli({"config", "defaults", "--home", home, trial % 2 == 0 ? "--window" : "--fullscreen"},
+               someMomentOf(whole));
+        const std::string now = test::readAll(file);
+        ASSERT_TRUE(now == window || now == fullScreen) << "trial " << trial << ": " << now.size() << " bytes";
+    }
+}
+
+} // namespace
+} // namespace tvx

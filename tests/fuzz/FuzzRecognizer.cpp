@@ -1,0 +1,73 @@
+// The recogniser with settings of any value: regions, thresholds, masks, glyph widths and
+// templates come from the input, over a small picture that comes from it too. Settings
+// only the file could hold are checked there; here nothing may crash or run unbounded.
+#include "base/Errors.h"
+#include "recognition/ScreenRecognizer.h"
+
+#include <fuzzer/FuzzedDataProvider.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace {
+
+using namespace tvx;
+
+Settings fuzzedSettings(FuzzedDataProvider& in)
+{
+    Settings s = defaultSettings("");
+    for (std::size_t r = 0; r < kRegionCount; ++r) {
+        // Mostly near the picture, sometimes anything at all.
+        const auto near = [&in](std::int32_t high) {
+            return in.ConsumeBool() ? in.ConsumeIntegral<std::int32_t>() : in.ConsumeIntegralInRange(-2, high);
+        };
+        s.CaptureRegion[r] = {near(70), near(70), near(80), near(40)};
+        s.BinaryThreshold[r] = near(300);
+        s.BinaryMask[r] = near(300);
+        s.ReferenceSize[r].Width = near(12);
+        for (std::string& pattern : s.PatternStrings[r])
+            if (in.ConsumeBool())
+                pattern = in.ConsumeRandomLengthString(64);
+    }
+    return s;
+}
+
+CaptureBitmap fuzzedPicture(FuzzedDataProvider& in)
+{
+    Frame frame(in.ConsumeIntegralInRange(1, 64), in.ConsumeIntegralInRange(1, 64));
+    for (std::uint8_t& byte : frame.bytes())
+        byte = in.ConsumeIntegral<std::uint8_t>();
+    return toCaptureBitmap(frame);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    FuzzedDataProvider in(data, size);
+    const Settings settings = fuzzedSettings(in);
+    const CaptureBitmap picture = fuzzedPicture(in);
+    try {
+        ScreenRecognizer recognizer(settings);
+        for (int region = 0; region < kRegionCount; ++region) {
+            try {
+                recognizer.fill(region, picture);
+                recognizer.binarize(region);
+                (void)recognizer.recognize(region, true);
+            } catch (const RuntimeError&) {
+            }
+        }
+    } catch (const RuntimeError&) {
+        // Pixel buffers larger than a screen are refused.
+    }
+    // And the walk alone, on column text of any kind with any widths.
+    const std::string columns = in.ConsumeRandomLengthString(512);
+    try {
+        (void)RecognizeNumber(RegionLevel,
+                              RecognizerInput{columns, &settings.PatternStrings[0], in.ConsumeIntegral<std::int32_t>(),
+                                              in.ConsumeIntegral<std::int32_t>()},
+                              true);
+    } catch (const RuntimeError&) {
+    }
+    return 0;
+}

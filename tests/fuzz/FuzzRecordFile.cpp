@@ -1,0 +1,74 @@
+// The hourly record file: any existing content, any base name and session stamp, any
+// lines appended. Only RuntimeError may leave WriteRecordLine, and an appended UTF-8 line
+// must end the file whole.
+#include "FuzzSupport.h"
+#include "TextCodecFactory.h"
+#include "base/Errors.h"
+#include "measurement/RecordFile.h"
+
+#include <fuzzer/FuzzedDataProvider.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+// The name stays inside the scratch folder: no separators, no parent steps.
+std::string plainName(std::string name)
+{
+    std::replace(name.begin(), name.end(), '/', '_');
+    std::replace(name.begin(), name.end(), '\\', '_');
+    std::replace(name.begin(), name.end(), '\0', '_');
+    return name;
+}
+
+std::string readAll(const std::filesystem::path& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << in.rdbuf();
+    return bytes.str();
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    using namespace tvx;
+    static const std::unique_ptr<TextCodec> codec = platform::makeTextCodec();
+    FuzzedDataProvider in(data, size);
+    Settings settings = defaultSettings(fuzz::scratchFolder().string());
+    settings.SaveFile = plainName(in.ConsumeRandomLengthString(300));
+    settings.SaveCsv = in.ConsumeBool();
+    settings.SaveMonthly = in.ConsumeBool();
+    const std::string stamp = plainName(in.ConsumeRandomLengthString(14));
+    const std::filesystem::path log = fuzz::scratchFolder() / "log";
+    std::error_code ec;
+    std::filesystem::remove_all(log, ec);
+    if (in.ConsumeBool()) {
+        std::filesystem::create_directories(log, ec);
+        std::ofstream(recordFilePath(settings, stamp), std::ios::binary) << in.ConsumeRandomLengthString(256);
+    }
+    RecordFile records(settings, codec.get());
+    while (in.remaining_bytes() > 0) {
+        const int mode = in.ConsumeBool() ? RecordFile::kStart : RecordFile::kAppend;
+        const std::string text = in.ConsumeRandomLengthString(128);
+        try {
+            records.WriteRecordLine(stamp, text, mode);
+        } catch (const RuntimeError&) {
+            return 0;
+        }
+        // An ASCII line appended to a file lands whole at its end.
+        const bool ascii = std::all_of(text.begin(), text.end(), [](char c) { return c > 0 && c != '\r' && c != '\n'; });
+        if (mode == RecordFile::kAppend && ascii && !stamp.empty()) {
+            const std::string file = readAll(recordFilePath(settings, stamp));
+            if (!file.ends_with("\r\n"))
+                std::abort();
+        }
+    }
+    return 0;
+}
