@@ -176,7 +176,7 @@ TEST(QtPrompterNumber, AsksThroughOneReusedModalDialogOverTheWindowThatAsked)
     QtPrompter prompter;
     FormInputCheck* seen = nullptr;
     for (const char* typed : {"250", "3"}) {
-        QTimer::singleShot(0, [&seen, typed] {
+        QTimer::singleShot(0, [&seen, &owner, typed] {
             auto* dialog = qobject_cast<FormInputCheck*>(QApplication::activeModalWidget());
             ASSERT_NE(dialog, nullptr);
             if (seen) {
@@ -187,6 +187,7 @@ TEST(QtPrompterNumber, AsksThroughOneReusedModalDialogOverTheWindowThatAsked)
             dialog->findChild<QLineEdit*>(QStringLiteral("txtInput"))->setText(QLatin1String(typed));
             dialog->findChild<QPushButton*>(QStringLiteral("cmdEnter"))->click();
         });
+        QApplication::setActiveWindow(&owner); // the window that asks
         EXPECT_EQ(prompter.askNumber("1", "300", 10, "1", "prompt", "title"), std::stod(typed));
     }
 }

@@ -47,7 +47,7 @@ void showMessageBox(QWidget* parent, const QString& text, const QString& title)
 static QWidget* asker(QWidget* parent)
 {
     QWidget* active = QApplication::activeWindow();
-    return active ? active : parent;
+    return active && active->isVisible() ? active : parent;
 }
 
 QtPrompter::QtPrompter(QWidget* parent) : m_parent(parent) {}

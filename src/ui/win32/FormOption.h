@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <functional>
+#include <string_view>
 
 namespace tvx {
 class Clock;
@@ -28,7 +29,12 @@ struct OptionsContext {
     std::function<void()> settingsChanged;
 };
 
-// The options window, modal over owner; returns when the player closes it.
+// The options window, modal over owner; returns when the player closes it. Closing with
+// unsaved edits asks whether to save them first.
 void ShowFormOption(HWND owner, const OptionsContext& context);
+
+// The identifier of a control of the options window by its name ("cmdCaptureInterval",
+// "chkGraph", "picPattern5", ...); 0 for an unknown name.
+int optionControlId(std::string_view name);
 
 } // namespace tvx::win32ui
