@@ -115,6 +115,7 @@ TEST_F(FormOptionTest, NumbersAreAskedThroughThePrompterAndTheButtonsRunTheConfi
     EXPECT_EQ(m_settings.ScreenCapture, CaptureMethod::PrintScreen);
 
     click(form, "cmdSave");
+    EXPECT_EQ(m_prompter.shown.back().text, "設定を保存しました。");
     EXPECT_NE(file().find("     12 ,          キャプチャインターバル(分)\r\n"), std::string::npos);
     EXPECT_NE(file().find("      1 ,          画面の取り込み方法"), std::string::npos);
 
@@ -124,6 +125,16 @@ TEST_F(FormOptionTest, NumbersAreAskedThroughThePrompterAndTheButtonsRunTheConfi
     EXPECT_EQ(interval->text(), QStringLiteral("6"));
     EXPECT_NE(file().find("      6 ,          キャプチャインターバル(分)\r\n"), std::string::npos);
     EXPECT_EQ(method->currentIndex(), 0) << "the defaults take the direct copy again";
+
+    // Closing with an unsaved edit asks first; No keeps the file as it was.
+    m_prompter.numbers = {30};
+    interval->click();
+    m_prompter.answers = {false};
+    form.close();
+    EXPECT_EQ(m_prompter.shown.back().kind, "yesno");
+    EXPECT_EQ(m_prompter.shown.back().title, "設定");
+    EXPECT_NE(file().find("      6 ,          キャプチャインターバル(分)\r\n"), std::string::npos);
+    EXPECT_EQ(m_settings.CaptureInterval, 30) << "the edit holds until the program ends";
 }
 
 TEST_F(FormOptionTest, PatternCaptureWaitsGrabsSavesAndShowsTheRegions)
@@ -147,7 +158,7 @@ TEST_F(FormOptionTest, PatternCaptureWaitsGrabsSavesAndShowsTheRegions)
     std::ostringstream log;
     log << in.rdbuf();
     EXPECT_NE(log.str().find("Pattern Capture and Save ･･･ End \r\n"), std::string::npos);
-    EXPECT_NE(log.str().find("Error Trap : cmdCapture_Click: :CODE5  "), std::string::npos);
+    EXPECT_NE(log.str().find("Error Trap : cmdCapture_Click : CODE5  "), std::string::npos);
 }
 
 TEST_F(FormOptionTest, ATemplateIsTakenFromTheBinarisedColumnsOrDrawnPixelByPixel)

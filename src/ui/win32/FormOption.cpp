@@ -14,6 +14,7 @@
 #include <commdlg.h>
 #include <shlobj.h>
 
+#include <algorithm>
 #include <map>
 #include <memory>
 
@@ -364,8 +365,9 @@ private:
             if (row.flag)
                 add(page, L"BUTTON", row.flag->caption, BS_AUTOCHECKBOX | WS_TABSTOP,
                     idOf(flagFields(), row.flag, kFlagBase), 16, y, 236, 24);
+            // Captions end where their editors begin; without a switch they may use its room.
             if (!row.caption().empty())
-                label(page, row.caption(), 256, y + 4, 254, 18, row.flag ? SS_RIGHT : SS_LEFT);
+                label(page, row.caption(), row.flag ? 256 : 16, y + 4, row.flag ? 254 : 494, 18, SS_RIGHT);
             if (row.number)
                 numberButton(page, *row.number, 516, y);
             if (row.choice)
@@ -463,6 +465,9 @@ private:
             tile.setRows(view.rows);
             tile.setColumns(view.tiles[static_cast<std::size_t>(j)]);
             tile.setChecked(j == m_editor.patternIndex());
+            // Each tile as large as its template, so the frame of the chosen one fits it.
+            SetWindowPos(m_controls[picPattern0 + j], nullptr, 0, 0, std::min(tile.width(), scaled(62)), tile.height(),
+                         SWP_NOMOVE | SWP_NOZORDER);
             updateGlyphControl(m_controls[picPattern0 + j]);
         }
         m_editorCanvas.setRows(view.rows);
