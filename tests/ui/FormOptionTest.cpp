@@ -15,10 +15,13 @@
 #include <QLabel>
 #include <QComboBox>
 #include <QPushButton>
+#include <QScreen>
+#include <QTabWidget>
 #include <QTest>
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 
@@ -90,6 +93,10 @@ TEST_F(FormOptionTest, NumbersAreAskedThroughThePrompterAndTheButtonsRunTheConfi
 {
     FormOption form(m_config, nullptr);
     form.show();
+    // Never larger than the screen: its buttons stay on it.
+    const QRect screen = form.screen()->availableGeometry();
+    EXPECT_LE(form.frameGeometry().height(), screen.height());
+    EXPECT_LE(form.frameGeometry().width(), screen.width());
     EXPECT_FALSE(child<QPushButton>(form, "cmdCapture")->isEnabled());
     auto* interval = child<QPushButton>(form, "cmdCaptureInterval");
     EXPECT_EQ(interval->text(), QStringLiteral("6"));
@@ -184,6 +191,22 @@ TEST_F(FormOptionTest, ATemplateIsTakenFromTheBinarisedColumnsOrDrawnPixelByPixe
     QTest::mouseClick(editor, Qt::LeftButton, {}, editor->pixelCentre(0, 0));
     EXPECT_EQ(m_settings.PatternStrings[RegionLevel][5], "004F" + five.substr(4));
     EXPECT_EQ(decodePatternColumns(m_settings.PatternStrings[RegionLevel][5])->size(), 7u);
+}
+
+// Not a check: with TALLIVEX_SHOT_DIR set, leaves a picture of every tab there.
+TEST_F(FormOptionTest, Screenshots)
+{
+    const char* folder = std::getenv("TALLIVEX_SHOT_DIR");
+    if (!folder)
+        GTEST_SKIP() << "TALLIVEX_SHOT_DIR not set";
+    const CaptureBitmap capture = screenWithLevel("137");
+    FormOption form(m_config, &capture);
+    form.show();
+    auto* tabs = child<QTabWidget>(form, "tabOption");
+    for (int tab = 0; tab < tabs->count(); ++tab) {
+        tabs->setCurrentIndex(tab);
+        form.grab().save(QString::fromUtf8(folder) + QStringLiteral("/qt-options-tab%1.png").arg(tab));
+    }
 }
 
 } // namespace

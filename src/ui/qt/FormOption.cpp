@@ -26,6 +26,7 @@
 #include <QScreen>
 #include <QScrollArea>
 #include <QSignalBlocker>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -107,11 +108,15 @@ FormOption::FormOption(ConfigFile& configFile, const CaptureBitmap* lastCapture,
     layout->addWidget(m_tabs, 1);
     layout->addLayout(buttons);
     refresh();
-    // Never larger than the screen, so the buttons stay on it; the pages scroll instead.
-    if (const QScreen* screen = this->screen()) {
-        const QSize room = screen->availableSize() - QSize(16, 48);
-        resize(sizeHint().boundedTo(room));
-    }
+    // As large as the largest page, but never larger than the screen, so the buttons
+    // stay on it; the pages scroll instead.
+    QSize pages;
+    for (int t = 0; t < m_tabs->count(); ++t)
+        if (const auto* area = qobject_cast<QScrollArea*>(m_tabs->widget(t)))
+            pages = pages.expandedTo(area->widget()->sizeHint());
+    const QSize wanted = pages + QSize(48, m_tabs->tabBar()->sizeHint().height() + buttons->sizeHint().height() + 56);
+    const QSize room = screen() ? screen()->availableSize() - QSize(16, 48) : wanted;
+    resize(wanted.boundedTo(room));
 }
 
 FormOption::~FormOption() = default;
