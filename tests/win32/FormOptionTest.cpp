@@ -99,11 +99,11 @@ std::function<bool()> answerBox(const wchar_t* title, UINT button, std::wstring*
     };
 }
 
-CaptureBitmap gameScreen()
+CaptureBitmap gameScreen(const char* level = "137")
 {
     const Settings s = defaultSettings("");
     Frame frame(800, 600);
-    paintStatusNumbers(frame, s, {"137", "12345", "9876543"});
+    paintStatusNumbers(frame, s, {level, "12345", "9876543"});
     return toCaptureBitmap(frame);
 }
 
@@ -182,6 +182,49 @@ TEST_F(FormOptionTest, ANumberIsAskedOverTheWindowAndClosingOffersToSaveTheEdits
     EXPECT_EQ(saved, L"設定を保存しました。\n");
     const std::string file = m_codec->fromCp932(test::readAll(m_home / "TV2MConfig.ini")).value_or("");
     EXPECT_NE(file.find("     12 ,          キャプチャインターバル(分)\r\n"), std::string::npos);
+}
+
+TEST_F(FormOptionTest, APixelClickedInTheEditorAndColumnsTakenFromTheCaptureBecomeTheTemplate)
+{
+    const std::string five = m_settings.PatternStrings[RegionLevel][5];
+    m_settings.PatternStrings[RegionLevel][5] = "";
+    m_capture = gameScreen("57");
+    bool takeEnabled = false;
+    std::wstring question;
+    std::wstring levelRead;
+    const auto press = [](const char* name, int x, int y) {
+        const HWND control = optionControl(name);
+        PostMessageW(control, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, y));
+        PostMessageW(control, WM_LBUTTONUP, 0, MAKELPARAM(x, y));
+    };
+    show({
+        [] { return optionsWindow() != nullptr; },
+        [&] {
+            press("picPattern5", 5, 5);
+            // The "57" starts at column 1 of the level region: 5 pixels a column, 2 of margin.
+            press("picColumns", 2 + 5 * 1 + 2, 10);
+            return true;
+        },
+        [&] {
+            takeEnabled = IsWindowEnabled(optionControl("cmdTakeColumns")) != FALSE;
+            click("cmdTakeColumns");
+            return true;
+        },
+        [&] {
+            levelRead = textOf(optionControl("lblResult0"));
+            press("picEditor", 2 + 5, 2 + 5); // row 0 of the first column, 11 pixels a side
+            return true;
+        },
+        [] {
+            PostMessageW(optionsWindow(), WM_CLOSE, 0, 0);
+            return true;
+        },
+        answerBox(kOptions, IDNO, &question),
+    });
+    EXPECT_TRUE(takeEnabled);
+    EXPECT_EQ(levelRead, L"認識結果： 57");
+    EXPECT_FALSE(question.empty()) << "the edits were not saved, so closing asked";
+    EXPECT_EQ(m_settings.PatternStrings[RegionLevel][5], "004F" + five.substr(4));
 }
 
 // Not a check: with TALLIVEX_SHOT_DIR set, leaves a picture of every tab there.
