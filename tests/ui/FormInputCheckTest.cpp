@@ -60,7 +60,7 @@ TEST_F(FormInputCheckTest, OpensWithOrderedLimitsTheValueSelectedAndTheDefaultTi
     EXPECT_EQ(m_dialog.windowTitle(), QStringLiteral("設定値入力"));
 }
 
-TEST_F(FormInputCheckTest, TheKeyFilterLetsNumbersThroughAndEnterOnlyMovesTheFocus)
+TEST_F(FormInputCheckTest, TheKeyFilterLetsNumbersThroughAndTheSecondEnterConfirms)
 {
     open("0", "99999", 100);
     QTest::keyClicks(input(), QStringLiteral("1a2E,+3 x"));
@@ -71,9 +71,22 @@ TEST_F(FormInputCheckTest, TheKeyFilterLetsNumbersThroughAndEnterOnlyMovesTheFoc
     QTest::keyClick(input(), Qt::Key_Return);
     EXPECT_FALSE(m_dialog.isDone());
     EXPECT_TRUE(child<QPushButton>("cmdEnter")->hasFocus());
-    QTest::keyClick(child<QPushButton>("cmdEnter"), Qt::Key_Space);
+    QTest::keyClick(child<QPushButton>("cmdEnter"), Qt::Key_Return);
     EXPECT_TRUE(m_dialog.isDone());
     EXPECT_DOUBLE_EQ(m_dialog.result(), 1.2);
+
+    // Enter on キャンセル cancels; a refused value keeps the dialog open with the focus back.
+    open("0", "10", 5);
+    QTest::keyClick(child<QPushButton>("cmdCancel"), Qt::Key_Enter);
+    EXPECT_TRUE(m_dialog.isDone());
+    EXPECT_EQ(m_dialog.result(), 19999);
+    open("0", "10", 5);
+    QTest::keyClicks(input(), QStringLiteral("11"));
+    QTest::keyClick(input(), Qt::Key_Return);
+    QTest::keyClick(child<QPushButton>("cmdEnter"), Qt::Key_Return);
+    EXPECT_EQ(lastMessage(), "入力上限を超えています");
+    EXPECT_FALSE(m_dialog.isDone());
+    EXPECT_TRUE(input()->hasFocus());
 }
 
 TEST_F(FormInputCheckTest, SteppingStaysWithinTheLimitsGivenInEitherOrder)
@@ -154,38 +167,27 @@ TEST_F(FormInputCheckTest, CancelCloseAndEscapeAllAnswerTheSentinel)
     }
 }
 
-TEST(FormInputCheckText, NumericValueAndCharacterCheck)
+TEST(QtPrompterNumber, AsksThroughOneReusedModalDialogOverTheWindowThatAsked)
 {
-    const std::pair<const char*, double> values[] = {
-        {"1E3", 1000}, {" 1 2 ", 12}, {"12abc", 12}, {"", 0}, {"-", 0}, {"-.5", -0.5}, {"1.2.3", 1.2}, {"e5", 0},
-    };
-    for (const auto& [text, value] : values)
-        EXPECT_DOUBLE_EQ(FormInputCheck::numericValue(QLatin1String(text)), value) << text;
-    // Character codes compared as texts: 500 sorts between "48" and "57" and passes.
-    const std::pair<QString, bool> checks[] = {
-        {QStringLiteral(" 0123456789-.Ee"), true}, {QStringLiteral("+"), false}, {QStringLiteral(":"), false},
-        {QStringLiteral("/"), false}, {QStringLiteral("１"), false}, {QString(QChar(500)), true},
-        {QString(QChar(5)), true},
-    };
-    for (const auto& [text, passes] : checks)
-        EXPECT_EQ(FormInputCheck::passesCharacterCheck(text), passes) << text.toStdString();
-}
-
-TEST(QtPrompterNumber, AsksThroughOneReusedModalDialog)
-{
+    QWidget owner;
+    owner.setGeometry(40, 30, 500, 400);
+    owner.show();
+    QApplication::setActiveWindow(&owner);
     QtPrompter prompter;
     FormInputCheck* seen = nullptr;
     for (const char* typed : {"250", "3"}) {
-        QTimer::singleShot(0, [&seen, typed] {
+        QTimer::singleShot(0, [&seen, &owner, typed] {
             auto* dialog = qobject_cast<FormInputCheck*>(QApplication::activeModalWidget());
             ASSERT_NE(dialog, nullptr);
             if (seen) {
                 EXPECT_EQ(dialog, seen);
             }
             seen = dialog;
+            EXPECT_LE((dialog->frameGeometry().center() - owner.frameGeometry().center()).manhattanLength(), 4);
             dialog->findChild<QLineEdit*>(QStringLiteral("txtInput"))->setText(QLatin1String(typed));
             dialog->findChild<QPushButton*>(QStringLiteral("cmdEnter"))->click();
         });
+        QApplication::setActiveWindow(&owner); // the window that asks
         EXPECT_EQ(prompter.askNumber("1", "300", 10, "1", "prompt", "title"), std::stod(typed));
     }
 }

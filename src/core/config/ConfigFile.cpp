@@ -411,21 +411,19 @@ ConfigFile::ConfigFile(Settings& settings, std::filesystem::path programFolder, 
 {
 }
 
-void ConfigFile::run(int mode)
+bool ConfigFile::run(int mode)
 {
     switch (mode) {
     case Load:
         load();
-        break;
+        return true;
     case Defaults:
         restoreDefaults();
-        write();
-        break;
+        return write();
     case Save:
-        write();
-        break;
+        return write();
     default:
-        break;
+        return true;
     }
 }
 

@@ -31,7 +31,8 @@ public:
 
     // Runs one of the modes above; other values do nothing. Never throws: every failure
     // ends in a message, the debug log and, where the file is unusable, the defaults.
-    void run(int mode);
+    // false when a save or reset could not be written (the player has been told).
+    bool run(int mode);
 
     void setSecurePixels(std::function<void()> securePixels) { m_securePixels = std::move(securePixels); }
     // Resizes the capture buffers to the present regions through the owner's callback.

@@ -4,6 +4,7 @@
 #include "QtText.h"
 
 #include "ports/Prompter.h"
+#include "view/Placement.h"
 
 #include <QCloseEvent>
 #include <QFontDatabase>
@@ -14,12 +15,12 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QRegularExpression>
+#include <QScreen>
 #include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
 
-#include <cmath>
+#include <optional>
 
 namespace tvx::ui {
 namespace {
@@ -44,9 +45,7 @@ QFont dialogFont()
 
 QString formatNumber(double value)
 {
-    if (std::isfinite(value) && value == std::trunc(value) && std::fabs(value) < 1e15)
-        return QString::number(static_cast<qint64>(value));
-    return QString::number(value, 'g', 15);
+    return qtText(formatInputNumber(value));
 }
 
 FormInputCheck::FormInputCheck(Prompter* messages, QWidget* parent) : QDialog(parent), m_messages(messages)
@@ -54,9 +53,9 @@ FormInputCheck::FormInputCheck(Prompter* messages, QWidget* parent) : QDialog(pa
     setObjectName(QStringLiteral("FormInputCheck"));
     setModal(true);
     setFont(dialogFont());
-    setWindowTitle(QStringLiteral("パラメータ入力"));
+    setWindowTitle(qtText(NumberInput::kDefaultTitle));
 
-    m_lblmsg = label(QStringLiteral("lblmsg"), QStringLiteral("インプットガイド"), this);
+    m_lblmsg = label(QStringLiteral("lblmsg"), qtText(NumberInput::kGuide), this);
     m_lblmsg->setWordWrap(true);
     m_txtInput = new QLineEdit(this);
     m_txtInput->setObjectName(QStringLiteral("txtInput"));
@@ -74,10 +73,10 @@ FormInputCheck::FormInputCheck(Prompter* messages, QWidget* parent) : QDialog(pa
     m_cmdDec->setAutoRepeat(true);
     for (QToolButton* b : {m_cmdInc, m_cmdDec})
         b->setFixedSize(28, 16);
-    m_cmdEnter = new QPushButton(QStringLiteral("決 定"), this);
+    m_cmdEnter = new QPushButton(qtText(NumberInput::kEnterCaption), this);
     m_cmdEnter->setObjectName(QStringLiteral("cmdEnter"));
     m_cmdEnter->setAutoDefault(false);
-    m_cmdCancel = new QPushButton(QStringLiteral("キャンセル"), this);
+    m_cmdCancel = new QPushButton(qtText(NumberInput::kCancelCaption), this);
     m_cmdCancel->setObjectName(QStringLiteral("cmdCancel"));
     m_cmdCancel->setAutoDefault(false);
     m_lblmaxv = label(QStringLiteral("lblmaxv"), QString(), this);
@@ -88,9 +87,9 @@ FormInputCheck::FormInputCheck(Prompter* messages, QWidget* parent) : QDialog(pa
     steps->addWidget(m_cmdInc);
     steps->addWidget(m_cmdDec);
     auto* limits = new QGridLayout;
-    limits->addWidget(label(QStringLiteral("lblmax"), QStringLiteral("最大："), this), 0, 0);
+    limits->addWidget(label(QStringLiteral("lblmax"), qtText(NumberInput::kMaxCaption), this), 0, 0);
     limits->addWidget(m_lblmaxv, 0, 1);
-    limits->addWidget(label(QStringLiteral("lblmin"), QStringLiteral("最小："), this), 1, 0);
+    limits->addWidget(label(QStringLiteral("lblmin"), qtText(NumberInput::kMinCaption), this), 1, 0);
     limits->addWidget(m_lblminV, 1, 1);
     auto* entry = new QHBoxLayout;
     entry->addWidget(m_txtInput, 1);
@@ -107,69 +106,83 @@ FormInputCheck::FormInputCheck(Prompter* messages, QWidget* parent) : QDialog(pa
     layout->addLayout(buttons);
     setMinimumWidth(360);
 
+    // Enter on a button is the model's too: it confirms on 決定.
+    for (QWidget* button : std::initializer_list<QWidget*>{m_cmdInc, m_cmdDec, m_cmdEnter, m_cmdCancel})
+        button->installEventFilter(this);
+
     connect(m_cmdInc, &QToolButton::clicked, this, &FormInputCheck::cmdInc_Click);
     connect(m_cmdDec, &QToolButton::clicked, this, &FormInputCheck::cmdDec_Click);
     connect(m_cmdEnter, &QPushButton::clicked, this, &FormInputCheck::cmdEnter_Click);
     connect(m_cmdCancel, &QPushButton::clicked, this, &FormInputCheck::cmdCancel_Click);
 }
 
-double FormInputCheck::numericValue(const QString& text)
-{
-    QString compact = text;
-    compact.remove(QRegularExpression(QStringLiteral("[ \\t\\r\\n]")));
-    static const QRegularExpression number(
-        QStringLiteral("^[+-]?(?:[0-9]+\\.?[0-9]*|\\.[0-9]+)(?:[eE][+-]?[0-9]+)?"));
-    const QRegularExpressionMatch match = number.match(compact);
-    if (!match.hasMatch())
-        return 0;
-    bool ok = false;
-    const double value = match.captured().toDouble(&ok);
-    return ok ? value : 0;
-}
-
-bool FormInputCheck::passesCharacterCheck(const QString& text)
-{
-    // Character codes compared as decimal texts, not numbers: codes such as 5 or 500
-    // sort between "48" and "57" and pass too.
-    for (const char32_t code : text.toUcs4()) {
-        const std::string digits = std::to_string(static_cast<std::uint32_t>(code));
-        const bool passes = digits == "32" || digits == "45" || digits == "46" || digits == "69" ||
-                            digits == "101" || (digits >= "48" && digits <= "57");
-        if (!passes)
-            return false;
-    }
-    return true;
-}
-
 void FormInputCheck::prepare(const QString& limitA, const QString& limitB, double proposed, const QString& step,
                              const QString& prompt, const QString& title)
 {
-    const double a = numericValue(limitA);
-    const double b = numericValue(limitB);
-    m_lower = std::min(a, b);
-    m_upper = std::max(a, b);
-    m_step = std::fabs(numericValue(step));
-    m_result = kCancelled;
-    m_done = false;
-    m_lblminV->setText(formatNumber(m_lower));
-    m_lblmaxv->setText(formatNumber(m_upper));
+    m_input.open(coreText(limitA), coreText(limitB), proposed, coreText(step), coreText(prompt), coreText(title));
+    m_lblminV->setText(qtText(m_input.lowerText()));
+    m_lblmaxv->setText(qtText(m_input.upperText()));
     m_lblmsg->setText(prompt);
-    setWindowTitle(title.isEmpty() ? QStringLiteral("パラメータ入力") : title);
-    m_txtInput->setText(formatNumber(proposed));
+    setWindowTitle(qtText(m_input.title()));
+    m_txtInput->setText(qtText(m_input.text()));
     m_txtInput->selectAll();
     m_txtInput->setFocus();
 }
 
 double FormInputCheck::InputCheck(const QString& limitA, const QString& limitB, double proposed, const QString& step,
-                                  const QString& prompt, const QString& title)
+                                  const QString& prompt, const QString& title, QWidget* asker)
 {
     prepare(limitA, limitB, proposed, step, prompt, title);
+    placeOver(asker ? asker : parentWidget());
     exec();
-    return m_result;
+    return m_input.result();
+}
+
+void FormInputCheck::placeOver(QWidget* asker)
+{
+    adjustSize();
+    const QScreen* screen = asker ? asker->screen() : this->screen();
+    const QRect work = screen ? screen->availableGeometry() : QRect(0, 0, 1024, 768);
+    std::optional<ViewRect> owner;
+    if (asker && asker->isVisible()) {
+        const QRect frame = asker->window()->frameGeometry();
+        owner = ViewRect{frame.x(), frame.y(), frame.width(), frame.height()};
+    }
+    const ViewRect placed =
+        tvx::placeOver(owner, width(), height(), {work.x(), work.y(), work.width(), work.height()});
+    move(placed.x, placed.y);
+}
+
+bool FormInputCheck::enterPressed(QObject* watched)
+{
+    NumberInput::Focus focus = NumberInput::Focus::Input;
+    if (watched == m_cmdEnter)
+        focus = NumberInput::Focus::EnterButton;
+    else if (watched == m_cmdCancel)
+        focus = NumberInput::Focus::CancelButton;
+    else if (watched == m_cmdInc || watched == m_cmdDec)
+        focus = NumberInput::Focus::StepButton;
+    switch (NumberInput::enterAction(focus)) {
+    case NumberInput::EnterAction::FocusEnter:
+        m_cmdEnter->setFocus(); // confirming stays a second, deliberate key press
+        break;
+    case NumberInput::EnterAction::Confirm:
+        cmdEnter_Click();
+        break;
+    case NumberInput::EnterAction::Cancel:
+        cmdCancel_Click();
+        break;
+    }
+    return true;
 }
 
 bool FormInputCheck::eventFilter(QObject* watched, QEvent* event)
 {
+    if (event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter)
+            return enterPressed(watched);
+    }
     if (watched != m_txtInput)
         return QDialog::eventFilter(watched, event);
     if (event->type() == QEvent::FocusIn) {
@@ -177,10 +190,6 @@ bool FormInputCheck::eventFilter(QObject* watched, QEvent* event)
         QTimer::singleShot(0, m_txtInput, &QLineEdit::selectAll);
     } else if (event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
-        if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
-            m_cmdEnter->setFocus(); // confirming stays a second, deliberate key press
-            return true;
-        }
         // Leaving the dialog and moving the focus are not typing.
         if (key->key() == Qt::Key_Backspace || key->key() == Qt::Key_Delete || key->key() == Qt::Key_Escape ||
             key->key() == Qt::Key_Tab || key->key() == Qt::Key_Backtab)
@@ -188,57 +197,47 @@ bool FormInputCheck::eventFilter(QObject* watched, QEvent* event)
         const QString text = key->text();
         if (text.isEmpty())
             return false; // caret movement and the like type nothing
-        static const QString allowed = QStringLiteral("0123456789-.Ee");
-        return !(text.size() == 1 && allowed.contains(text.front()));
+        const QList<uint> typed = text.toUcs4();
+        return typed.size() != 1 || NumberInput::filterKey(static_cast<char32_t>(typed.front())) != NumberInput::Key::Pass;
     }
     return QDialog::eventFilter(watched, event);
 }
 
-void FormInputCheck::warn(const QString& text, const QString& title)
+void FormInputCheck::warn(const NumberInput::Warning& warning)
 {
     if (m_messages)
-        m_messages->message(coreText(text), coreText(title));
+        m_messages->message(warning.text, warning.title);
     else
-        showMessageBox(this, text, title);
+        showMessageBox(this, qtText(warning.text), qtText(warning.title));
 }
 
 void FormInputCheck::cmdInc_Click()
 {
-    if (!passesCharacterCheck(m_txtInput->text())) {
-        warn(QStringLiteral("無効文字が含まれています。"), QStringLiteral("入力チェック"));
-        return;
-    }
-    m_txtInput->setText(formatNumber(std::min(numericValue(m_txtInput->text()) + m_step, m_upper)));
+    m_input.setText(coreText(m_txtInput->text()));
+    if (const auto warning = m_input.increment())
+        warn(*warning);
+    else
+        m_txtInput->setText(qtText(m_input.text()));
 }
 
 void FormInputCheck::cmdDec_Click()
 {
-    if (!passesCharacterCheck(m_txtInput->text())) {
-        warn(QStringLiteral("無効文字が含まれています。"), QStringLiteral("入力チェック"));
-        return;
-    }
-    m_txtInput->setText(formatNumber(std::max(numericValue(m_txtInput->text()) - m_step, m_lower)));
+    m_input.setText(coreText(m_txtInput->text()));
+    if (const auto warning = m_input.decrement())
+        warn(*warning);
+    else
+        m_txtInput->setText(qtText(m_input.text()));
 }
 
 void FormInputCheck::cmdEnter_Click()
 {
-    if (!passesCharacterCheck(m_txtInput->text())) {
-        warn(QStringLiteral("無効文字が含まれています。"), QStringLiteral("入力チェック"));
+    m_input.setText(coreText(m_txtInput->text()));
+    if (const auto warning = m_input.confirm()) {
+        warn(*warning);
+        if (warning->focusInput)
+            m_txtInput->setFocus();
         return;
     }
-    const double value = numericValue(m_txtInput->text());
-    if (value < m_lower) {
-        warn(QStringLiteral("入力下限を超えています"), QStringLiteral("入力エラー"));
-        m_txtInput->setFocus();
-        return;
-    }
-    if (value > m_upper) {
-        warn(QStringLiteral("入力上限を超えています"), QStringLiteral("入力エラー"));
-        m_txtInput->setFocus();
-        return;
-    }
-    m_result = value;
-    m_done = true;
     QDialog::accept();
 }
 
@@ -247,21 +246,15 @@ void FormInputCheck::cmdCancel_Click()
     reject();
 }
 
-void FormInputCheck::finish(double result)
-{
-    m_result = result;
-    m_done = true;
-}
-
 void FormInputCheck::reject()
 {
-    finish(kCancelled);
+    m_input.cancel();
     QDialog::reject();
 }
 
 void FormInputCheck::closeEvent(QCloseEvent* event)
 {
-    finish(kCancelled);
+    m_input.cancel();
     QDialog::closeEvent(event);
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "view/NumberInput.h"
+
 #include <QDialog>
 
 class QLabel;
@@ -14,7 +16,8 @@ class Prompter;
 namespace tvx::ui {
 
 // The bounded number input: a prompt, the limits, up and down buttons, a key filter and
-// checks on confirmation. Cancel and close answer 19999, so that value cannot be entered.
+// checks on confirmation, as the core's NumberInput decides them. Cancel and close answer
+// 19999, so that value cannot be entered.
 class FormInputCheck : public QDialog {
     Q_OBJECT
 
@@ -24,25 +27,18 @@ public:
     // messages receives the dialog's own warnings; null shows them in message boxes.
     explicit FormInputCheck(Prompter* messages = nullptr, QWidget* parent = nullptr);
 
-    // Limits in either order and the step may be numbers or numeric texts. Blocks until
-    // the player confirms or cancels; returns the value or 19999.
+    // Limits in either order and the step may be numbers or numeric texts. Opens over
+    // asker (the parent when null) and blocks until the player confirms or cancels;
+    // returns the value or 19999.
     double InputCheck(const QString& limitA, const QString& limitB, double proposed, const QString& step,
-                      const QString& prompt, const QString& title);
+                      const QString& prompt, const QString& title, QWidget* asker = nullptr);
 
     // The opening half of InputCheck, without the modal loop (tests show the dialog themselves).
     void prepare(const QString& limitA, const QString& limitB, double proposed, const QString& step,
                  const QString& prompt, const QString& title);
 
-    double result() const { return m_result; }
-    bool isDone() const { return m_done; }
-    double lowerLimit() const { return m_lower; }
-    double upperLimit() const { return m_upper; }
-
-    // The numeric value of a text as the dialog reads it: blanks ignored, the longest
-    // leading number taken (so "1E3" is 1000 and "12x" is 12), 0 when there is none.
-    static double numericValue(const QString& text);
-    // The textual character check; true when every character passes.
-    static bool passesCharacterCheck(const QString& text);
+    double result() const { return m_input.result(); }
+    bool isDone() const { return m_input.done(); }
 
     void reject() override;
 
@@ -55,8 +51,9 @@ private:
     void cmdDec_Click();
     void cmdEnter_Click();
     void cmdCancel_Click();
-    void warn(const QString& text, const QString& title);
-    void finish(double result);
+    bool enterPressed(QObject* watched);
+    void placeOver(QWidget* asker);
+    void warn(const NumberInput::Warning& warning);
 
     Prompter* m_messages;
     QLineEdit* m_txtInput;
@@ -67,11 +64,7 @@ private:
     QLabel* m_lblmsg;
     QLabel* m_lblmaxv;
     QLabel* m_lblminV;
-    double m_lower = 0;
-    double m_upper = 0;
-    double m_step = 1;
-    double m_result = kCancelled;
-    bool m_done = false;
+    NumberInput m_input;
 };
 
 // How the dialogs write a number: integers without a fraction or exponent.

@@ -1,45 +1,39 @@
 #include "FormOption.h"
 
-#include "CaptureImage.h"
 #include "FormInputCheck.h"
 #include "GlyphView.h"
 #include "QtText.h"
 
+#include "base/HeldFlag.h"
 #include "config/ConfigFile.h"
-#include "config/PatternColumns.h"
-#include "ports/Clock.h"
-#include "ports/ScreenSource.h"
 #include "ports/Waiter.h"
-#include "recognition/ScreenRecognizer.h"
-#include "base/Utf8Path.h"
 
 #include <QCheckBox>
+#include <QCloseEvent>
 #include <QComboBox>
 #include <QDir>
 #include <QFileDialog>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPixmap>
 #include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QRegularExpressionValidator>
+#include <QScreen>
 #include <QScrollArea>
 #include <QSignalBlocker>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
-
-#include <cmath>
-#include <cstdio>
-#include <memory>
 
 namespace tvx::ui {
 namespace {
 
-const std::array<QString, kRegionCount> kRegionNames{QStringLiteral("Lv (1)"), QStringLiteral("Exp (2)"),
-                                                      QStringLiteral("マネー (3)")};
 constexpr int kPreviewScale = 3;
 
 QString indexed(const char* name, int index)
@@ -47,68 +41,61 @@ QString indexed(const char* name, int index)
     return QLatin1String(name) + QString::number(index);
 }
 
-QLabel* caption(const QString& text)
+QLabel* caption(std::string_view text)
 {
-    return new QLabel(text);
+    return new QLabel(qtText(text));
 }
 
-std::vector<std::uint16_t> columnsOf(const std::string& groups)
+QPixmap previewPixmap(const RegionPreview& preview)
 {
-    return decodePatternColumns(groups).value_or(std::vector<std::uint16_t>{});
+    if (preview.pixels.empty())
+        return {};
+    QImage image(preview.width, preview.height, QImage::Format_RGB32);
+    for (int y = 0; y < preview.height; ++y)
+        for (int x = 0; x < preview.width; ++x)
+            image.setPixel(x, y, 0xFF000000u | preview.pixels[static_cast<std::size_t>(y * preview.width + x)]);
+    return QPixmap::fromImage(image.scaled(preview.width * kPreviewScale, preview.height * kPreviewScale));
 }
 
-// Rows worth showing for a region's glyphs: the cell, the region and any ink, at most 16.
-int glyphRows(const Settings& s, int region)
+// A page that scrolls where the screen is too small for it.
+QScrollArea* scrolling(QWidget* page)
 {
-    const auto r = static_cast<std::size_t>(region);
-    int rows = std::max(s.ReferenceSize[r].Height, s.CaptureRegion[r].SizeY);
-    for (const std::string& pattern : s.PatternStrings[r])
-        for (const std::uint16_t column : columnsOf(pattern))
-            for (int y = 15; y >= rows; --y)
-                if (column & (1u << y)) {
-                    rows = y + 1;
-                    break;
-                }
-    return std::clamp(rows, 1, 16);
-}
-
-QString patternName(int index)
-{
-    return index == kDelimiterIndex ? QStringLiteral("区切り") : QString::number(index);
+    auto* area = new QScrollArea;
+    area->setWidget(page);
+    area->setWidgetResizable(true);
+    area->setFrameShape(QFrame::NoFrame);
+    return area;
 }
 
 } // namespace
 
 FormOption::FormOption(ConfigFile& configFile, const CaptureBitmap* lastCapture, PatternCaptureServices capture,
                        QWidget* parent)
-    : QDialog(parent), m_config(configFile), m_settings(configFile.settings()), m_captureServices(capture)
+    : QDialog(parent), m_config(configFile), m_captureServices(capture),
+      m_editor(configFile.settings(), lastCapture)
 {
     setObjectName(QStringLiteral("FormOption"));
-    setWindowTitle(QStringLiteral("設定"));
+    setWindowTitle(qtText(kOptionsTitle));
     setModal(false);
-    if (lastCapture)
-        m_capture = *lastCapture;
 
     m_tabs = new QTabWidget(this);
     m_tabs->setObjectName(QStringLiteral("tabOption"));
-    m_tabs->addTab(buildRegionsTab(), QStringLiteral("キャプチャ領域"));
-    m_tabs->addTab(buildPatternsTab(), QStringLiteral("認識パターン"));
-    m_tabs->addTab(buildTimingTab(), QStringLiteral("動作"));
-    m_tabs->addTab(buildFilesTab(), QStringLiteral("記録・起動"));
+    m_tabs->addTab(scrolling(buildRegionsTab()), qtText(optionTabCaption(OptionTab::Regions)));
+    m_tabs->addTab(scrolling(buildPatternsTab()), qtText(optionTabCaption(OptionTab::Patterns)));
+    m_tabs->addTab(scrolling(buildRowsTab(OptionTab::Timing)), qtText(optionTabCaption(OptionTab::Timing)));
+    m_tabs->addTab(scrolling(buildRowsTab(OptionTab::Files)), qtText(optionTabCaption(OptionTab::Files)));
 
     auto* buttons = new QHBoxLayout;
-    const std::tuple<const char*, QString, int, const char*> commands[] = {
-        {"cmdSave", QStringLiteral("保存"), ConfigFile::Save, "Option Save "},
-        {"cmdLoad", QStringLiteral("読込み"), ConfigFile::Load, "Option Load "},
-        {"cmdInit", QStringLiteral("初期化"), ConfigFile::Defaults, "Option Initialize "},
+    const std::tuple<const char*, QString, int> commands[] = {
+        {"cmdSave", QStringLiteral("保存"), ConfigFile::Save},
+        {"cmdLoad", QStringLiteral("読込み"), ConfigFile::Load},
+        {"cmdInit", QStringLiteral("初期化"), ConfigFile::Defaults},
     };
-    for (const auto& [name, text, mode, command] : commands) {
+    for (const auto& [name, text, mode] : commands) {
         auto* button = new QPushButton(text, this);
         button->setObjectName(QLatin1String(name));
         button->setAutoDefault(false);
-        connect(button, &QPushButton::clicked, this, [this, mode = mode, command = command] {
-            runConfigFile(mode, command);
-        });
+        connect(button, &QPushButton::clicked, this, [this, mode = mode] { runConfigFile(mode); });
         buttons->addWidget(button);
     }
     buttons->addStretch(1);
@@ -119,85 +106,99 @@ FormOption::FormOption(ConfigFile& configFile, const CaptureBitmap* lastCapture,
     buttons->addWidget(close);
 
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(m_tabs);
+    layout->addWidget(m_tabs, 1);
     layout->addLayout(buttons);
     refresh();
+    // As large as the largest page, but never larger than the screen, so the buttons
+    // stay on it; the pages scroll instead.
+    QSize pages;
+    for (int t = 0; t < m_tabs->count(); ++t)
+        if (const auto* area = qobject_cast<QScrollArea*>(m_tabs->widget(t)))
+            pages = pages.expandedTo(area->widget()->sizeHint());
+    const QSize wanted = pages + QSize(48, m_tabs->tabBar()->sizeHint().height() + buttons->sizeHint().height() + 56);
+    const QSize room = screen() ? screen()->availableSize() - QSize(16, 48) : wanted;
+    resize(wanted.boundedTo(room));
 }
 
 FormOption::~FormOption() = default;
 
 void FormOption::setCapture(const CaptureBitmap& bitmap)
 {
-    m_capture = bitmap;
+    m_editor.setCapture(bitmap);
     refreshPreviews();
 }
 
 // ---- building ----
 
-QPushButton* FormOption::numberButton(const QString& name, const QString& prompt, int lower, int upper,
-                                      std::function<std::int32_t&(Settings&)> value, bool recognition)
+QPushButton* FormOption::numberButton(const NumberField& field)
 {
     auto* button = new QPushButton;
-    button->setObjectName(name);
+    button->setObjectName(qtText(field.name));
     button->setAutoDefault(false);
     button->setFixedWidth(80);
-    button->setToolTip(prompt);
-    const std::size_t index = m_numbers.size();
-    m_numbers.push_back({button, prompt, lower, upper, std::move(value), recognition});
-    connect(button, &QPushButton::clicked, this, [this, index] { askNumber(m_numbers[index]); });
+    button->setToolTip(qtText(field.prompt));
+    connect(button, &QPushButton::clicked, this, [this, &field] { askNumber(field); });
+    m_refreshers.push_back([this, button, &field] { button->setText(qtText(m_editor.numberText(field))); });
     return button;
 }
 
-QCheckBox* FormOption::flagBox(const QString& name, const QString& text, bool Settings::*flag)
+QCheckBox* FormOption::flagBox(const FlagField& field)
 {
-    auto* box = new QCheckBox(text);
-    box->setObjectName(name);
-    connect(box, &QCheckBox::toggled, this, [this, flag](bool on) {
-        m_settings.*flag = on;
+    auto* box = new QCheckBox(qtText(field.caption));
+    box->setObjectName(qtText(field.name));
+    connect(box, &QCheckBox::toggled, this, [this, &field](bool on) {
+        m_editor.setFlag(field, on);
         changed();
     });
-    m_refreshers.push_back([this, box, flag] {
+    m_refreshers.push_back([this, box, &field] {
         const QSignalBlocker quiet(box);
-        box->setChecked(m_settings.*flag);
+        box->setEnabled(m_editor.flagAvailable(field));
+        box->setChecked(m_editor.flag(field));
     });
     return box;
 }
 
-QCheckBox* FormOption::debugModeBox()
-{
-    m_chkDebugMode = new QCheckBox(QStringLiteral("デバッグモード（テスト用ボタンと詳しいログ）"));
-    m_chkDebugMode->setObjectName(QStringLiteral("chkDebugMode"));
-    m_chkDebugMode->setEnabled(false);
-    connect(m_chkDebugMode, &QCheckBox::toggled, this, [this](bool on) {
-        if (m_debugSwitch.set)
-            m_debugSwitch.set(on);
-    });
-    m_refreshers.push_back([this] {
-        const QSignalBlocker quiet(m_chkDebugMode);
-        m_chkDebugMode->setChecked(m_debugSwitch.isOn && m_debugSwitch.isOn());
-    });
-    return m_chkDebugMode;
-}
-
-void FormOption::setDebugSwitch(DebugSwitch debugSwitch)
-{
-    m_debugSwitch = std::move(debugSwitch);
-    m_chkDebugMode->setEnabled(m_debugSwitch.isOn && m_debugSwitch.set);
-    refresh();
-}
-
-QLineEdit* FormOption::textEdit(const QString& name, std::function<std::string&(Settings&)> text)
+QLineEdit* FormOption::textEdit(const TextField& field)
 {
     auto* edit = new QLineEdit;
-    edit->setObjectName(name);
+    edit->setObjectName(qtText(field.name));
     // The file has no quoting: a comma would split the value when it is read back.
     edit->setValidator(new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[^,]*")), edit));
-    connect(edit, &QLineEdit::editingFinished, this, [this, edit, text] {
-        text(m_settings) = coreText(edit->text().trimmed());
+    connect(edit, &QLineEdit::editingFinished, this, [this, edit, &field] {
+        m_editor.setText(field, coreText(edit->text()));
         changed();
     });
-    m_refreshers.push_back([this, edit, text] { edit->setText(qtText(text(m_settings))); });
+    m_refreshers.push_back([this, edit, &field] { edit->setText(qtText(m_editor.text(field))); });
     return edit;
+}
+
+QComboBox* FormOption::choiceBox(const ChoiceField& field)
+{
+    auto* box = new QComboBox;
+    box->setObjectName(qtText(field.name));
+    connect(box, &QComboBox::currentIndexChanged, this, [this, &field](int index) {
+        if (index < 0)
+            return;
+        m_editor.choose(field, static_cast<std::size_t>(index));
+        changed();
+    });
+    m_refreshers.push_back([this, box, &field] {
+        const QSignalBlocker quiet(box);
+        box->clear();
+        for (const ChoiceField::Choice& choice : choicesFor(field, m_editor.settings()))
+            box->addItem(qtText(choice.caption));
+        box->setCurrentIndex(static_cast<int>(chosenIndex(field, m_editor.settings())));
+    });
+    return box;
+}
+
+QPushButton* FormOption::browseButton(const TextField& field)
+{
+    auto* button = new QPushButton(QStringLiteral("参照…"));
+    button->setObjectName(qtText(field.browseName));
+    button->setAutoDefault(false);
+    connect(button, &QPushButton::clicked, this, [this, &field] { browse(field); });
+    return button;
 }
 
 QWidget* FormOption::buildRegionsTab()
@@ -206,35 +207,13 @@ QWidget* FormOption::buildRegionsTab()
     auto* layout = new QVBoxLayout(page);
     for (int r = 0; r < kRegionCount; ++r) {
         const auto i = static_cast<std::size_t>(r);
-        auto* group = new QGroupBox(kRegionNames[i]);
+        auto* group = new QGroupBox(qtText(regionCaption(r)));
         auto* grid = new QGridLayout(group);
-        const auto region = [i](Settings& s) -> CaptureRegionRect& { return s.CaptureRegion[i]; };
-        const std::tuple<const char*, QString, QString, int, int, std::function<std::int32_t&(Settings&)>> fields[] = {
-            {"cmdStartX", QStringLiteral("始点 X"), QStringLiteral("キャプチャー始点X値を入力してください"), 0, 9999,
-             [region](Settings& s) -> std::int32_t& { return region(s).StartX; }},
-            {"cmdStartY", QStringLiteral("始点 Y"), QStringLiteral("キャプチャー始点Y値を入力してください"), 0, 9999,
-             [region](Settings& s) -> std::int32_t& { return region(s).StartY; }},
-            {"cmdSizeX", QStringLiteral("幅"), QStringLiteral("キャプチャー幅を入力してください"), 1, 2000,
-             [region](Settings& s) -> std::int32_t& { return region(s).SizeX; }},
-            {"cmdSizeY", QStringLiteral("高さ"), QStringLiteral("キャプチャー高さを入力してください（16まで）"), 1, 16,
-             [region](Settings& s) -> std::int32_t& { return region(s).SizeY; }},
-            {"cmdBinaryThreshold", QStringLiteral("２値化境界値"), QStringLiteral("画像２値化境界値を入力してください"), 0,
-             255, [i](Settings& s) -> std::int32_t& { return s.BinaryThreshold[i]; }},
-            {"cmdBinaryMask", QStringLiteral("マスク値"),
-             QStringLiteral("マスク値を入力してください（-1 はマスクなし）"), -1, 255,
-             [i](Settings& s) -> std::int32_t& { return s.BinaryMask[i]; }},
-            {"cmdReferenceWidth", QStringLiteral("基準幅"), QStringLiteral("基準画像の幅（列数）を入力してください"), 1,
-             64, [i](Settings& s) -> std::int32_t& { return s.ReferenceSize[i].Width; }},
-            {"cmdReferenceHeight", QStringLiteral("基準高さ"), QStringLiteral("基準画像の高さを入力してください"), 1, 16,
-             [i](Settings& s) -> std::int32_t& { return s.ReferenceSize[i].Height; }},
-        };
-        int column = 0;
-        for (const auto& [name, text, prompt, lower, upper, value] : fields) {
-            const int row = column / 4;
-            const int col = (column % 4) * 2;
-            grid->addWidget(caption(text), row, col, Qt::AlignRight);
-            grid->addWidget(numberButton(indexed(name, r), prompt, lower, upper, value, true), row, col + 1);
-            ++column;
+        int order = 0;
+        for (const NumberField* field : regionFields(r)) {
+            grid->addWidget(caption(field->caption), order / 4, (order % 4) * 2, Qt::AlignRight);
+            grid->addWidget(numberButton(*field), order / 4, (order % 4) * 2 + 1);
+            ++order;
         }
         m_picCapture[i] = new QLabel;
         m_picCapture[i]->setObjectName(indexed("picCapture", r));
@@ -253,9 +232,9 @@ QWidget* FormOption::buildRegionsTab()
         binary->addSpacing(16);
         binary->addWidget(m_lblResult[i]);
         binary->addStretch(1);
-        grid->addWidget(caption(QStringLiteral("画像")), 2, 0, Qt::AlignRight);
+        grid->addWidget(caption("画像"), 2, 0, Qt::AlignRight);
         grid->addLayout(picture, 2, 1, 1, 8);
-        grid->addWidget(caption(QStringLiteral("２値化")), 3, 0, Qt::AlignRight);
+        grid->addWidget(caption("２値化"), 3, 0, Qt::AlignRight);
         grid->addLayout(binary, 3, 1, 1, 8);
         grid->setColumnStretch(8, 1);
         layout->addWidget(group);
@@ -282,13 +261,13 @@ QWidget* FormOption::buildPatternsTab()
     auto* layout = new QVBoxLayout(page);
 
     auto* regions = new QHBoxLayout;
-    regions->addWidget(caption(QStringLiteral("領域：")));
+    regions->addWidget(caption("領域："));
     for (int r = 0; r < kRegionCount; ++r) {
-        auto* option = new QRadioButton(kRegionNames[static_cast<std::size_t>(r)]);
+        auto* option = new QRadioButton(qtText(regionCaption(r)));
         option->setObjectName(indexed("optPatternRegion", r));
         connect(option, &QRadioButton::toggled, this, [this, r](bool on) {
             if (on)
-                selectPattern(r, m_patternIndex);
+                selectPattern(r, m_editor.patternIndex());
         });
         m_optPatternRegion[static_cast<std::size_t>(r)] = option;
         regions->addWidget(option);
@@ -302,7 +281,7 @@ QWidget* FormOption::buildPatternsTab()
         auto* tile = new GlyphView(GlyphView::Mode::Button);
         tile->setObjectName(indexed("picPattern", j));
         tile->setPixelSize(4);
-        connect(tile, &GlyphView::clicked, this, [this, j] { selectPattern(m_patternRegion, j); });
+        connect(tile, &GlyphView::clicked, this, [this, j] { selectPattern(m_editor.patternRegion(), j); });
         m_picPattern[static_cast<std::size_t>(j)] = tile;
         tileGrid->addWidget(tile, 0, j, Qt::AlignHCenter | Qt::AlignBottom);
         auto* name = caption(patternName(j));
@@ -311,7 +290,15 @@ QWidget* FormOption::buildPatternsTab()
     }
     tileGrid->setColumnStretch(kPatternCount, 1);
     layout->addWidget(tiles);
+    layout->addWidget(patternEditor());
+    layout->addWidget(columnPicker());
+    layout->addStretch(1);
+    m_optPatternRegion[0]->setChecked(true);
+    return page;
+}
 
+QWidget* FormOption::patternEditor()
+{
     auto* editor = new QGroupBox(QStringLiteral("編集"));
     auto* editorLayout = new QGridLayout(editor);
     m_lblEditor = new QLabel;
@@ -319,7 +306,8 @@ QWidget* FormOption::buildPatternsTab()
     m_picEditor->setObjectName(QStringLiteral("picEditor"));
     m_picEditor->setPixelSize(16);
     m_picEditor->setToolTip(QStringLiteral("クリックで点を描く・消す。ドラッグで続けて描けます。"));
-    connect(m_picEditor, &GlyphView::columnsEdited, this, [this] { storePattern(m_picEditor->columns()); });
+    connect(m_picEditor, &GlyphView::columnsEdited, this,
+            [this] { editPattern([this] { m_editor.storePattern(m_picEditor->columns()); }); });
     auto* tools = new QVBoxLayout;
     const std::pair<const char*, QString> toolButtons[] = {
         {"cmdAddColumn", QStringLiteral("右に列を追加")},
@@ -333,14 +321,14 @@ QWidget* FormOption::buildPatternsTab()
         tools->addWidget(button);
         const std::string which = name;
         connect(button, &QPushButton::clicked, this, [this, which] {
-            std::vector<std::uint16_t> columns = m_picEditor->columns();
-            if (which == "cmdAddColumn")
-                columns.push_back(0);
-            else if (which == "cmdRemoveColumn" && !columns.empty())
-                columns.pop_back();
-            else if (which == "cmdClearPattern")
-                std::fill(columns.begin(), columns.end(), std::uint16_t{0});
-            storePattern(columns);
+            editPattern([this, &which] {
+                if (which == "cmdAddColumn")
+                    m_editor.addColumn();
+                else if (which == "cmdRemoveColumn")
+                    m_editor.removeColumn();
+                else
+                    m_editor.clearPattern();
+            });
         });
     }
     tools->addStretch(1);
@@ -352,27 +340,29 @@ QWidget* FormOption::buildPatternsTab()
     m_txtPattern->setValidator(
         new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9A-Fa-f]*")), m_txtPattern));
     connect(m_txtPattern, &QLineEdit::editingFinished, this, [this] {
-        const std::optional<std::vector<std::uint16_t>> columns = decodePatternColumns(coreText(m_txtPattern->text()));
-        if (columns)
-            storePattern(*columns);
+        if (m_editor.setPatternText(coreText(m_txtPattern->text())))
+            editPattern([] {});
         else
-            m_lblWidthNote->setText(QStringLiteral("変換文字列は16進数4桁ずつ（1列に4桁）です。"));
+            m_lblWidthNote->setText(qtText(m_editor.patternView().note));
     });
     editorLayout->addWidget(m_lblEditor, 0, 0, 1, 2);
     editorLayout->addWidget(m_picEditor, 1, 0, Qt::AlignLeft | Qt::AlignTop);
     editorLayout->addLayout(tools, 1, 1);
     editorLayout->addWidget(m_lblWidthNote, 2, 0, 1, 2);
-    editorLayout->addWidget(caption(QStringLiteral("変換文字列（上級者向け）：")), 3, 0, 1, 2);
+    editorLayout->addWidget(caption("変換文字列（上級者向け）："), 3, 0, 1, 2);
     editorLayout->addWidget(m_txtPattern, 4, 0, 1, 2);
     editorLayout->setColumnStretch(0, 1);
-    layout->addWidget(editor);
+    return editor;
+}
 
+QWidget* FormOption::columnPicker()
+{
     auto* take = new QGroupBox(QStringLiteral("キャプチャ画像から取り込む"));
     auto* takeLayout = new QVBoxLayout(take);
-    takeLayout->addWidget(caption(QStringLiteral(
-        "最後のキャプチャをこの領域の境界値で２値化した画像です。数字の左端をクリックすると基準幅の列が選ばれます"
-        "（ドラッグで範囲を変えられます）。")));
-    qobject_cast<QLabel*>(takeLayout->itemAt(0)->widget())->setWordWrap(true);
+    QLabel* help = caption("最後のキャプチャをこの領域の境界値で２値化した画像です。数字の左端をクリックすると基準幅の列が"
+                           "選ばれます（ドラッグで範囲を変えられます）。");
+    help->setWordWrap(true);
+    takeLayout->addWidget(help);
     m_picColumns = new GlyphView(GlyphView::Mode::Select);
     m_picColumns->setObjectName(QStringLiteral("picColumns"));
     m_picColumns->setPixelSize(6);
@@ -387,7 +377,9 @@ QWidget* FormOption::buildPatternsTab()
     cmdTake->setObjectName(QStringLiteral("cmdTakeColumns"));
     cmdTake->setAutoDefault(false);
     cmdTake->setEnabled(false);
-    connect(cmdTake, &QPushButton::clicked, this, &FormOption::cmdTakeColumns_Click);
+    connect(cmdTake, &QPushButton::clicked, this, [this] {
+        editPattern([this] { m_editor.takeColumns(m_picColumns->selectionStart(), m_picColumns->selectionLength()); });
+    });
     connect(m_picColumns, &GlyphView::selectionChanged, cmdTake,
             [this, cmdTake] { cmdTake->setEnabled(m_picColumns->selectionLength() > 0); });
     m_lblPatternResult = new QLabel;
@@ -395,174 +387,33 @@ QWidget* FormOption::buildPatternsTab()
     takeRow->addWidget(cmdTake);
     takeRow->addWidget(m_lblPatternResult, 1);
     takeLayout->addLayout(takeRow);
-    layout->addWidget(take);
-    layout->addStretch(1);
-
-    m_optPatternRegion[0]->setChecked(true);
-    return page;
+    return take;
 }
 
-QComboBox* FormOption::captureMethodBox()
-{
-    auto* box = new QComboBox;
-    box->setObjectName(QStringLiteral("cboScreenCapture"));
-    // The direct copy needs no Lag and leaves the player's clipboard alone.
-    box->addItem(QStringLiteral("直接取り込む（推奨）"), static_cast<int>(CaptureMethod::Direct));
-    box->addItem(QStringLiteral("PrintScreenキーとクリップボード"), static_cast<int>(CaptureMethod::PrintScreen));
-    connect(box, &QComboBox::currentIndexChanged, this, [this, box](int index) {
-        if (index >= 0) {
-            m_settings.ScreenCapture = static_cast<CaptureMethod>(box->itemData(index).toInt());
-            changed();
-        }
-    });
-    m_refreshers.push_back([this, box] {
-        const QSignalBlocker quiet(box);
-        box->setCurrentIndex(box->findData(static_cast<int>(m_settings.ScreenCapture)));
-    });
-    return box;
-}
-
-QWidget* FormOption::buildTimingTab()
+QWidget* FormOption::buildRowsTab(OptionTab tab)
 {
     auto* page = new QWidget;
     auto* grid = new QGridLayout(page);
     int row = 0;
-    const auto number = [&](const QString& text, QPushButton* button, QCheckBox* box = nullptr) {
-        if (box)
-            grid->addWidget(box, row, 0);
-        grid->addWidget(caption(text), row, 1, Qt::AlignRight);
-        grid->addWidget(button, row, 2);
+    for (const OptionRow& line : optionRows(tab)) {
+        if (line.flag)
+            grid->addWidget(flagBox(*line.flag), row, 0);
+        // Captions end where their editors begin; without a switch they may use its room.
+        if (!line.caption().empty())
+            grid->addWidget(caption(line.caption()), row, line.flag ? 1 : 0, 1, line.flag ? 1 : 2, Qt::AlignRight);
+        if (line.number)
+            grid->addWidget(numberButton(*line.number), row, 2, Qt::AlignLeft);
+        if (line.choice)
+            grid->addWidget(choiceBox(*line.choice), row, 2);
+        if (line.text) {
+            grid->addWidget(textEdit(*line.text), row, 2);
+            if (line.text->browse != TextField::Browse::None)
+                grid->addWidget(browseButton(*line.text), row, 3);
+        }
         ++row;
-    };
-    grid->addWidget(flagBox(QStringLiteral("chkAutoStart"), QStringLiteral("起動後に自動で計測を始める"),
-                            &Settings::AutoStart),
-                    row++, 0, 1, 3);
-    number(QStringLiteral("キャプチャインターバル(分)"),
-           numberButton(QStringLiteral("cmdCaptureInterval"), QStringLiteral("キャプチャインターバル(分)を入力してください"), 1,
-                        1440, [](Settings& s) -> std::int32_t& { return s.CaptureInterval; }));
-    number(QStringLiteral("キャプチャ時の音（0 で鳴らさない、1～5）"),
-           numberButton(QStringLiteral("cmdCaptureBeep"), QStringLiteral("キャプチャ時の音を入力してください（0 で鳴らさない）"),
-                        0, 5, [](Settings& s) -> std::int32_t& { return s.CaptureBeep; }));
-    number(QStringLiteral("キャプチャ調整時間(m秒)"),
-           numberButton(QStringLiteral("cmdLag"), QStringLiteral("キャプチャ調整時間(m秒)を入力してください"), 0, 10000,
-                        [](Settings& s) -> std::int32_t& { return s.Lag; }));
-    grid->addWidget(caption(QStringLiteral("画面の取り込み方法")), row, 1, Qt::AlignRight);
-    grid->addWidget(captureMethodBox(), row++, 2);
-    number(QStringLiteral("起動時のゲーム起動確認遅延時間(秒)"),
-           numberButton(QStringLiteral("cmdStartDelay"), QStringLiteral("起動確認遅延時間(秒)を入力してください"), 0, 3600,
-                        [](Settings& s) -> std::int32_t& { return s.StartDelay; }));
-    number(QStringLiteral("撮影チェックインターバル(m秒)"),
-           numberButton(QStringLiteral("cmdDoHLInterval"), QStringLiteral("撮影チェックインターバル(m秒)を入力してください"),
-                        100, 60000, [](Settings& s) -> std::int32_t& { return s.DoHLInterval; }),
-           flagBox(QStringLiteral("chkDoHLCheckExec"), QStringLiteral("レベルアップ・死亡時に撮影する"),
-                   &Settings::DoHLCheckExec));
-    number(QStringLiteral("ジェスチャ入力待ち時間(m秒)"),
-           numberButton(QStringLiteral("cmdGestureTime"), QStringLiteral("ジェスチャ入力待ち時間(m秒)を入力してください"), 100,
-                        10000, [](Settings& s) -> std::int32_t& { return s.GestureTime; }),
-           flagBox(QStringLiteral("chkGesture"), QStringLiteral("マウスボタンジェスチャを監視する"), &Settings::Gesture));
-    number(QStringLiteral("お金を認識するときの待機時間(m秒)"),
-           numberButton(QStringLiteral("cmdMoneyWait"), QStringLiteral("お金を認識するときの待機時間(m秒)を入力してください"), 0,
-                        60000, [](Settings& s) -> std::int32_t& { return s.MoneyWait; }),
-           flagBox(QStringLiteral("chkMoneyScan"), QStringLiteral("お金の時給も計測する"), &Settings::MoneyScan));
-    number(QStringLiteral("グラフ時間軸データ数"),
-           numberButton(QStringLiteral("cmdGraphTimeScale"), QStringLiteral("グラフ時間軸データ数を入力してください"), 2, 512,
-                        [](Settings& s) -> std::int32_t& { return s.GraphTimeScale; }),
-           flagBox(QStringLiteral("chkGraph"), QStringLiteral("グラフを表示する"), &Settings::Graph));
-    number(QStringLiteral("グラフの平均化データ数"),
-           numberButton(QStringLiteral("cmdGraphAveNum"), QStringLiteral("グラフの平均化データ数を入力してください"), 1, 100,
-                        [](Settings& s) -> std::int32_t& { return s.GraphAveNum; }));
-    grid->addWidget(caption(QStringLiteral("検索ウィンドウ名")), row, 0);
-    grid->addWidget(textEdit(QStringLiteral("txtSearchWindowName"),
-                             [](Settings& s) -> std::string& { return s.SearchWindowName; }),
-                    row++, 1, 1, 2);
-    grid->addWidget(debugModeBox(), row++, 0, 1, 3);
-    grid->setRowStretch(row, 1);
-    grid->setColumnStretch(3, 1);
-    return page;
-}
-
-QWidget* FormOption::buildFilesTab()
-{
-    auto* page = new QWidget;
-    auto* grid = new QGridLayout(page);
-    int row = 0;
-
-    grid->addWidget(caption(QStringLiteral("時給ファイル保存場所")), row, 0);
-    grid->addWidget(textEdit(QStringLiteral("txtSaveFolder"), [](Settings& s) -> std::string& { return s.SaveFolder; }),
-                    row, 1);
-    auto* browseFolder = new QPushButton(QStringLiteral("参照…"));
-    browseFolder->setObjectName(QStringLiteral("cmdSaveFolder"));
-    browseFolder->setAutoDefault(false);
-    connect(browseFolder, &QPushButton::clicked, this, &FormOption::chooseFolder);
-    grid->addWidget(browseFolder, row++, 2);
-
-    grid->addWidget(caption(QStringLiteral("時給ファイル名")), row, 0);
-    grid->addWidget(textEdit(QStringLiteral("txtSaveFile"), [](Settings& s) -> std::string& { return s.SaveFile; }),
-                    row++, 1);
-    grid->addWidget(flagBox(QStringLiteral("chkSaveCsv"), QStringLiteral("時給ファイルをCSVで保存する"), &Settings::SaveCsv),
-                    row++, 1);
-    grid->addWidget(flagBox(QStringLiteral("chkSaveMonthly"), QStringLiteral("時給記録ファイルを一ヶ月追記する"),
-                            &Settings::SaveMonthly),
-                    row++, 1);
-
-    grid->addWidget(caption(QStringLiteral("画像ファイルの保存形式")), row, 0);
-    auto* format = new QComboBox;
-    format->setObjectName(QStringLiteral("cboSaveFormat"));
-    const std::pair<const char*, QString> formats[] = {
-        {".bmp", QStringLiteral("BMP (.bmp)")},
-        {".png", QStringLiteral("PNG (.png)")},
-        {".jpg70", QStringLiteral("JPEG 品質70 (.jpg)")},
-        {".jpg90", QStringLiteral("JPEG 品質90 (.jpg)")},
-    };
-    for (const auto& [value, text] : formats)
-        format->addItem(text, QLatin1String(value));
-    connect(format, &QComboBox::currentIndexChanged, this, [this, format](int index) {
-        if (index >= 0) {
-            m_settings.SaveFormat = coreText(format->itemData(index).toString());
-            changed();
-        }
-    });
-    m_refreshers.push_back([this, format] {
-        const QSignalBlocker quiet(format);
-        const QString value = qtText(m_settings.SaveFormat);
-        int index = format->findData(value);
-        if (index < 0) { // a hand-edited value stays selectable as it is
-            format->addItem(value, value);
-            index = format->count() - 1;
-        }
-        format->setCurrentIndex(index);
-    });
-    grid->addWidget(format, row++, 1, Qt::AlignLeft);
-
-    for (int e = 0; e < 2; ++e) {
-        const auto i = static_cast<std::size_t>(e);
-        auto* enabled = new QCheckBox(QStringLiteral("アプリケーション%1を自動起動する").arg(e + 1));
-        enabled->setObjectName(indexed("chkStartUp", e));
-        connect(enabled, &QCheckBox::toggled, this, [this, i](bool on) {
-            m_settings.StartUp[i].Enabled = on;
-            changed();
-        });
-        m_refreshers.push_back([this, enabled, i] {
-            const QSignalBlocker quiet(enabled);
-            enabled->setChecked(m_settings.StartUp[i].Enabled);
-        });
-        grid->addWidget(enabled, row, 0);
-        grid->addWidget(textEdit(indexed("txtStartUpPath", e),
-                                 [i](Settings& s) -> std::string& { return s.StartUp[i].Path; }),
-                        row, 1);
-        auto* browse = new QPushButton(QStringLiteral("参照…"));
-        browse->setObjectName(indexed("cmdStartUpPath", e));
-        browse->setAutoDefault(false);
-        connect(browse, &QPushButton::clicked, this, [this, e] { chooseStartUp(e); });
-        grid->addWidget(browse, row++, 2);
     }
-    grid->addWidget(caption(QStringLiteral("アプリケーション2を自動起動させる遅延時間(秒)")), row, 0);
-    grid->addWidget(numberButton(QStringLiteral("cmdStartUpDelay"),
-                                 QStringLiteral("アプリケーション2を自動起動させる遅延時間(秒)を入力してください"), 0, 3600,
-                                 [](Settings& s) -> std::int32_t& { return s.StartUpDelay; }),
-                    row++, 1, Qt::AlignLeft);
     grid->setRowStretch(row, 1);
-    grid->setColumnStretch(1, 1);
+    grid->setColumnStretch(2, 1);
     return page;
 }
 
@@ -570,8 +421,7 @@ QWidget* FormOption::buildFilesTab()
 
 void FormOption::refresh()
 {
-    for (const NumberField& field : m_numbers)
-        field.button->setText(formatNumber(field.value(m_settings)));
+    m_editor.refresh();
     for (const auto& refresher : m_refreshers)
         refresher();
     refreshPreviews();
@@ -579,91 +429,37 @@ void FormOption::refresh()
 
 void FormOption::refreshPreviews()
 {
-    std::array<QString, kRegionCount> results;
-    if (m_capture) {
-        try {
-            ScreenRecognizer recognizer(m_settings);
-            for (int r = 0; r < kRegionCount; ++r) {
-                const auto i = static_cast<std::size_t>(r);
-                try {
-                    recognizer.fill(r, *m_capture);
-                    recognizer.binarize(r);
-                    m_columnStrings[i] = recognizer.ColumnString(r);
-                    const std::string digits = recognizer.recognize(r).digits;
-                    results[i] = digits.empty() ? QStringLiteral("認識できません") : qtText(digits);
-                } catch (const RuntimeError&) {
-                    m_columnStrings[i].clear();
-                    results[i] = QStringLiteral("領域が画像の外です");
-                }
-            }
-        } catch (const RuntimeError&) {
-            m_columnStrings = {};
-        }
-    } else {
-        m_columnStrings = {};
-        results.fill(QStringLiteral("キャプチャ画像がありません"));
-    }
     for (int r = 0; r < kRegionCount; ++r) {
         const auto i = static_cast<std::size_t>(r);
-        const CaptureRegionRect& rect = m_settings.CaptureRegion[i];
-        const QImage image = m_capture ? regionImage(*m_capture, rect) : QImage();
-        if (image.isNull())
-            m_picCapture[i]->setPixmap(QPixmap());
-        else
-            m_picCapture[i]->setPixmap(QPixmap::fromImage(
-                image.scaled(image.width() * kPreviewScale, image.height() * kPreviewScale)));
-        m_picBinary[i]->setRows(rect.SizeY);
-        m_picBinary[i]->setColumns(columnsOf(m_columnStrings[i]));
-        m_lblResult[i]->setText(QStringLiteral("認識結果： ") + results[i]);
+        const RegionPreview& preview = m_editor.previews()[i];
+        m_picCapture[i]->setPixmap(previewPixmap(preview));
+        m_picBinary[i]->setRows(preview.rows);
+        m_picBinary[i]->setColumns(preview.columns);
+        m_lblResult[i]->setText(qtText(preview.result));
     }
-    const auto p = static_cast<std::size_t>(m_patternRegion);
-    m_picColumns->setRows(glyphRows(m_settings, m_patternRegion));
-    m_picColumns->setColumns(columnsOf(m_columnStrings[p]));
-    m_picColumns->adjustSize(); // it sits in a scroll area, not in a layout
-    m_picColumns->setSelectionWidth(m_settings.ReferenceSize[p].Width);
-    m_lblPatternResult->setText(QStringLiteral("この領域の認識結果： ") + results[p]);
-    refreshPatterns();
-}
-
-void FormOption::refreshPatterns()
-{
-    const auto r = static_cast<std::size_t>(m_patternRegion);
-    const auto j = static_cast<std::size_t>(m_patternIndex);
-    const int rows = glyphRows(m_settings, m_patternRegion);
-    const int width = m_settings.ReferenceSize[r].Width;
+    const PatternView& view = m_editor.patternView();
     for (std::size_t k = 0; k < kPatternCount; ++k) {
-        m_picPattern[k]->setRows(rows);
-        m_picPattern[k]->setColumns(columnsOf(m_settings.PatternStrings[r][k]));
-        m_picPattern[k]->setChecked(k == j);
+        m_picPattern[k]->setRows(view.rows);
+        m_picPattern[k]->setColumns(view.tiles[k]);
+        m_picPattern[k]->setChecked(static_cast<int>(k) == m_editor.patternIndex());
     }
-    const std::string& pattern = m_settings.PatternStrings[r][j];
-    const std::optional<std::vector<std::uint16_t>> columns = decodePatternColumns(pattern);
-    std::vector<std::uint16_t> shown = columns.value_or(std::vector<std::uint16_t>{});
-    if (shown.empty())
-        shown.assign(static_cast<std::size_t>(std::max(1, width)), 0); // a blank cell to draw in
-    m_picEditor->setRows(rows);
-    m_picEditor->setColumns(shown);
-    m_lblEditor->setText(kRegionNames[r] + QStringLiteral(" のパターン「") + patternName(m_patternIndex) +
-                         QStringLiteral("」"));
-    m_txtPattern->setText(qtText(pattern));
-    const int have = columns ? static_cast<int>(columns->size()) : 0;
-    if (!columns)
-        m_lblWidthNote->setText(QStringLiteral("変換文字列が不正です。描き直してください。"));
-    else if (have != width)
-        m_lblWidthNote->setText(QStringLiteral("幅 %1 列：基準幅 %2 列と違うため、このままでは認識に使われません。")
-                                    .arg(have)
-                                    .arg(width));
-    else
-        m_lblWidthNote->setText(QStringLiteral("幅 %1 列（基準幅どおり）").arg(have));
+    m_picEditor->setRows(view.rows);
+    m_picEditor->setColumns(view.editor);
+    m_lblEditor->setText(qtText(view.editorCaption));
+    m_lblWidthNote->setText(qtText(view.note));
+    m_txtPattern->setText(qtText(view.text));
+    m_picColumns->setRows(view.rows);
+    m_picColumns->setColumns(view.captureColumns);
+    m_picColumns->adjustSize(); // it sits in a scroll area, not in a layout
+    m_picColumns->setSelectionWidth(view.cellWidth);
+    m_lblPatternResult->setText(qtText(view.captureResult));
 }
 
 void FormOption::selectPattern(int region, int index)
 {
-    const bool regionChanged = region != m_patternRegion;
-    m_patternRegion = region;
-    m_patternIndex = index;
-    if (regionChanged)
+    if (region != m_editor.patternRegion())
         m_picColumns->setSelection(-1, 0);
+    m_editor.selectPattern(region, index);
     refreshPreviews();
 }
 
@@ -671,37 +467,22 @@ void FormOption::selectPattern(int region, int index)
 
 void FormOption::askNumber(const NumberField& field)
 {
-    std::int32_t& value = field.value(m_settings);
-    const double answer =
-        m_config.prompter().askNumber(std::to_string(field.lower), std::to_string(field.upper), value, "1",
-                                      coreText(field.prompt), "設定値入力");
-    if (answer == Prompter::kCancelled)
+    const OptionsEditor::NumberQuestion q = m_editor.question(field);
+    const double answer = m_config.prompter().askNumber(q.limitA, q.limitB, q.proposed, q.step, q.prompt, q.title);
+    if (!m_editor.answer(field, answer))
         return;
-    value = static_cast<std::int32_t>(std::clamp<double>(std::round(answer), field.lower, field.upper));
-    field.button->setText(formatNumber(value));
-    if (field.recognition) {
+    if (field.recognition)
         m_config.sizeBuffers();
-        refreshPreviews();
-    }
+    refresh();
     changed();
 }
 
-void FormOption::storePattern(const std::vector<std::uint16_t>& columns)
+template <typename Edit>
+void FormOption::editPattern(Edit edit)
 {
-    m_settings.PatternStrings[static_cast<std::size_t>(m_patternRegion)][static_cast<std::size_t>(m_patternIndex)] =
-        encodePatternColumns(columns);
+    edit();
     refreshPreviews();
     changed();
-}
-
-void FormOption::cmdTakeColumns_Click()
-{
-    const std::vector<std::uint16_t>& all = m_picColumns->columns();
-    const int first = m_picColumns->selectionStart();
-    const int count = m_picColumns->selectionLength();
-    if (first < 0 || count <= 0 || first + count > static_cast<int>(all.size()))
-        return;
-    storePattern(std::vector<std::uint16_t>(all.begin() + first, all.begin() + first + count));
 }
 
 void FormOption::changed()
@@ -709,95 +490,61 @@ void FormOption::changed()
     emit settingsChanged();
 }
 
-void FormOption::runConfigFile(int mode, const char* command)
+void FormOption::runConfigFile(int mode)
 {
-    if (DebugLog* log = m_config.log()) {
-        try {
-            log->WriteDebugLog(std::string("Click : ") + command);
-        } catch (const RuntimeError&) {
-        }
-    }
-    m_config.run(mode);
+    const std::optional<std::string> message = m_editor.runConfigFile(m_config, mode);
     refresh();
     changed();
+    if (message)
+        m_config.prompter().message(*message, std::string(kOptionsTitle));
 }
 
-void FormOption::chooseFolder()
+void FormOption::closeEvent(QCloseEvent* event)
 {
-    const QString folder = QFileDialog::getExistingDirectory(this, QStringLiteral("時給ファイルの保存場所"),
-                                                             qtText(m_settings.SaveFolder));
-    if (folder.isEmpty())
-        return;
-    m_settings.SaveFolder = coreText(QDir::toNativeSeparators(folder));
-    refresh();
-    changed();
+    if (m_editor.hasUnsavedEdits() &&
+        m_config.prompter().askYesNo(std::string(OptionsEditor::unsavedQuestion()), std::string(kOptionsTitle)))
+        runConfigFile(ConfigFile::Save);
+    QDialog::closeEvent(event);
 }
 
-void FormOption::chooseStartUp(int entry)
+void FormOption::browse(const TextField& field)
 {
-    auto& path = m_settings.StartUp[static_cast<std::size_t>(entry)].Path;
-    const QString file = QFileDialog::getOpenFileName(
-        this, QStringLiteral("自動起動するアプリケーション"), qtText(path),
-        QStringLiteral("すべてのファイル (*);;アプリケーション (*.exe *.bat *.cmd *.lnk)"));
-    if (file.isEmpty())
+    const QString current = qtText(m_editor.text(field));
+    const QString chosen =
+        field.browse == TextField::Browse::Folder
+            ? QFileDialog::getExistingDirectory(this, QStringLiteral("時給ファイルの保存場所"), current)
+            : QFileDialog::getOpenFileName(
+                  this, QStringLiteral("自動起動するアプリケーション"), current,
+                  QStringLiteral("すべてのファイル (*);;アプリケーション (*.exe *.bat *.cmd *.lnk)"));
+    if (chosen.isEmpty())
         return;
-    path = coreText(QDir::toNativeSeparators(file));
+    m_editor.setText(field, coreText(QDir::toNativeSeparators(chosen)));
     refresh();
     changed();
 }
 
 // ---- pattern capture ----
 
+void FormOption::setDebugSwitch(DebugSwitch debugSwitch)
+{
+    m_editor.setDebugSwitch(std::move(debugSwitch));
+    refresh();
+}
+
 void FormOption::cmdCapture_Click()
 {
-    DebugLog* log = m_config.log();
-    const auto write = [log](const std::string& line) {
-        if (!log)
-            return;
-        try {
-            log->WriteDebugLog(line);
-        } catch (const RuntimeError&) {
-        }
-    };
-    write("Click : Pattern Capture ");
     QPointer<FormOption> alive(this);
-    // No reading may replace the pixels or the clipboard meanwhile; restored however this ends.
-    bool* const skip = m_captureServices.cycleSkip;
-    const bool skipBefore = skip && *skip;
-    const std::unique_ptr<bool, std::function<void(bool*)>> holdCycles(skip, [skipBefore](bool* flag) { *flag = skipBefore; });
-    if (skip)
-        *skip = true;
+    // No reading may replace the pixels meanwhile; put back however this ends.
+    const HeldFlag holdCycles(m_captureServices.cycleSkip);
     m_cmdCapture->setEnabled(false);
-    m_lblCaptureStatus->setText(QStringLiteral("10秒後にキャプチャします。ゲームを前面に出してください…"));
-    try {
-        // The wait keeps events flowing, so the window may be gone when it returns.
-        m_captureServices.waiter->WaitMs(10000);
-        if (!alive)
-            return;
-        std::optional<CaptureBitmap> image = m_captureServices.screen->grab({});
-        if (!image)
-            throw RuntimeError(ErrorNumber::InvalidProcedureCall, "no screen image");
-        m_capture = std::move(image);
-        refreshPreviews();
-        const LocalDateTime now = m_captureServices.clock->now();
-        char stamp[16];
-        std::snprintf(stamp, sizeof stamp, "%02d%02d%02d%02d%02d", now.month % 100, now.day % 100, now.hour % 100,
-                      now.minute % 100, now.second % 100);
-        const std::filesystem::path file = m_config.programFolder() / (std::string("Capture_") + stamp + ".bmp");
-        const Frame picture = toFrame(*m_capture);
-        if (picture.width() == 0 || !writeBitmap24(file, picture))
-            throw RuntimeError(ErrorNumber::PathFileAccessError, pathUtf8(file));
-        m_config.sizeBuffers();
-        m_lblCaptureStatus->setText(QStringLiteral("保存しました： ") + qtText(pathUtf8(file)));
-        write("Pattern Capture and Save ･･･ End ");
-    } catch (const std::exception& e) {
-        if (!alive)
-            return;
-        const ErrorNumber number = errorNumberOf(e);
-        m_lblCaptureStatus->setText(QStringLiteral("キャプチャできませんでした。"));
-        write("Error Trap : cmdCapture_Click: :CODE" + std::to_string(static_cast<int>(number)) + "  " +
-              std::string(errorDescription(number)));
-    }
+    m_lblCaptureStatus->setText(qtText(OptionsEditor::beginCapture(m_config)));
+    // The wait keeps events flowing, so the window may be gone when it returns.
+    m_captureServices.waiter->WaitMs(10000);
+    if (!alive)
+        return;
+    m_lblCaptureStatus->setText(
+        qtText(m_editor.capturePattern(*m_captureServices.screen, *m_captureServices.clock, m_config)));
+    refreshPreviews();
     m_cmdCapture->setEnabled(true);
 }
 

@@ -2,6 +2,7 @@
 
 #include "config/Settings.h"
 #include "recognition/CaptureFile.h"
+#include "view/OptionsEditor.h"
 
 #include <QDialog>
 
@@ -39,17 +40,12 @@ struct PatternCaptureServices {
     bool* cycleSkip = nullptr;
 };
 
-// DebugMode belongs to the running meter, not to the settings file.
-struct DebugSwitch {
-    std::function<bool()> isOn;
-    std::function<void(bool)> set;
-};
-
-// The options window: every field of the settings, edited in place. Numbers are asked
-// through the prompter's number input; save, load and initialise run the configuration
-// file. The recognition tabs show each region of the last capture, its binarised columns
-// and what the templates read there, and let the player draw templates pixel by pixel or
-// take them from the binarised columns, so a new screen can be set up without hex.
+// The options window: draws the core's OptionsEditor (every field of the settings, edited
+// in place) and forwards the player's edits to it. Numbers are asked through the
+// prompter's number input; save, load and initialise run the configuration file; closing
+// with unsaved edits offers to save them. The recognition tabs show each region of the
+// last capture, its binarised columns and what the templates read there, and let the
+// player draw templates pixel by pixel or take them from the binarised columns.
 class FormOption : public QDialog {
     Q_OBJECT
 
@@ -60,61 +56,49 @@ public:
 
     // The main window hands over its latest capture.
     void setCapture(const CaptureBitmap& bitmap);
-    const CaptureBitmap* capture() const { return m_capture ? &*m_capture : nullptr; }
+    const CaptureBitmap* capture() const { return m_editor.capture(); }
+
+    // The running meter's debug mode; without it the switch is disabled.
+    void setDebugSwitch(DebugSwitch debugSwitch);
 
     // Every control anew from the settings (after a load or reset).
     void refresh();
-    // Connects the debug mode box; without a switch it stays disabled.
-    void setDebugSwitch(DebugSwitch debugSwitch);
 
 signals:
     // A load, reset or edit changed settings that others show (the target name, the graph).
     void settingsChanged();
 
-private:
-    struct NumberField {
-        QPushButton* button;
-        QString prompt;
-        int lower;
-        int upper;
-        std::function<std::int32_t&(Settings&)> value;
-        bool recognition; // a region, threshold or template size: previews follow
-    };
+protected:
+    void closeEvent(QCloseEvent* event) override;
 
+private:
     QWidget* buildRegionsTab();
     QWidget* buildPatternsTab();
-    QWidget* buildTimingTab();
-    QWidget* buildFilesTab();
-    QPushButton* numberButton(const QString& name, const QString& prompt, int lower, int upper,
-                              std::function<std::int32_t&(Settings&)> value, bool recognition = false);
-    QComboBox* captureMethodBox();
-    QCheckBox* flagBox(const QString& name, const QString& caption, bool Settings::*flag);
-    QCheckBox* debugModeBox();
-    QLineEdit* textEdit(const QString& name, std::function<std::string&(Settings&)> text);
+    QWidget* buildRowsTab(OptionTab tab);
+    QWidget* patternEditor();
+    QWidget* columnPicker();
+    QPushButton* numberButton(const NumberField& field);
+    QCheckBox* flagBox(const FlagField& field);
+    QLineEdit* textEdit(const TextField& field);
+    QComboBox* choiceBox(const ChoiceField& field);
+    QPushButton* browseButton(const TextField& field);
 
     void askNumber(const NumberField& field);
     void refreshPreviews();
-    void refreshPatterns();
     void selectPattern(int region, int index);
-    void storePattern(const std::vector<std::uint16_t>& columns);
-    void runConfigFile(int mode, const char* command);
+    template <typename Edit>
+    void editPattern(Edit edit);
+    void runConfigFile(int mode);
     void changed();
 
     void cmdCapture_Click();
-    void cmdTakeColumns_Click();
-    void chooseFolder();
-    void chooseStartUp(int entry);
+    void browse(const TextField& field);
 
     ConfigFile& m_config;
-    Settings& m_settings;
     PatternCaptureServices m_captureServices;
-    DebugSwitch m_debugSwitch;
-    QCheckBox* m_chkDebugMode = nullptr;
-    std::optional<CaptureBitmap> m_capture;
-    std::array<std::string, kRegionCount> m_columnStrings;
+    OptionsEditor m_editor;
 
     QTabWidget* m_tabs = nullptr;
-    std::vector<NumberField> m_numbers;
     std::vector<std::function<void()>> m_refreshers;
     std::array<QLabel*, kRegionCount> m_picCapture{};
     std::array<GlyphView*, kRegionCount> m_picBinary{};
@@ -130,8 +114,6 @@ private:
     QLabel* m_lblWidthNote = nullptr;
     QLabel* m_lblPatternResult = nullptr;
     QLineEdit* m_txtPattern = nullptr;
-    int m_patternRegion = 0;
-    int m_patternIndex = 0;
 };
 
 } // namespace tvx::ui

@@ -1,17 +1,17 @@
 #pragma once
 
-#include <QWidget>
+#include "view/GlyphCanvas.h"
 
-#include <algorithm>
+#include <QWidget>
 
 #include <cstdint>
 #include <vector>
 
 namespace tvx::ui {
 
-// Pixel columns drawn as enlarged pixels, bit y of a column being row y: a template, or
-// the binarised columns of a capture region. It can be edited by clicking and dragging
-// over pixels, or offer a range of columns to select, or act as a button.
+// Draws the core's GlyphCanvas (a template, or the binarised columns of a capture region)
+// and forwards the mouse to it: pixels edited by clicking and dragging, a range of columns
+// selected, or a click as a button.
 class GlyphView : public QWidget {
     Q_OBJECT
 
@@ -21,17 +21,17 @@ public:
     explicit GlyphView(Mode mode = Mode::Show, QWidget* parent = nullptr);
 
     void setColumns(std::vector<std::uint16_t> columns);
-    const std::vector<std::uint16_t>& columns() const { return m_columns; }
+    const std::vector<std::uint16_t>& columns() const { return m_canvas.columns(); }
     void setRows(int rows);
-    int rows() const { return m_rows; }
+    int rows() const { return m_canvas.rows(); }
     void setPixelSize(int pixels);
     // A button that is the current choice gets a frame.
     void setChecked(bool checked);
     // Columns a click selects in Select mode (the glyph width).
-    void setSelectionWidth(int columns) { m_selectionWidth = std::max(1, columns); }
+    void setSelectionWidth(int columns) { m_canvas.setSelectionWidth(columns); }
     void setSelection(int first, int count);
-    int selectionStart() const { return m_selectionStart; }
-    int selectionLength() const { return m_selectionLength; }
+    int selectionStart() const { return m_canvas.selectionStart(); }
+    int selectionLength() const { return m_canvas.selectionLength(); }
 
     QPoint pixelCentre(int column, int row) const;
     QSize sizeHint() const override;
@@ -48,21 +48,9 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
-    bool pixelAt(const QPoint& point, int& column, int& row) const;
-    int columnAt(const QPoint& point) const;
-    void paintPixel(int column, int row);
+    void forward(GlyphCanvas::Change change);
 
-    Mode m_mode;
-    std::vector<std::uint16_t> m_columns;
-    int m_rows = 9;
-    int m_pixel = 4;
-    bool m_checked = false;
-    int m_selectionWidth = 1;
-    int m_selectionStart = -1;
-    int m_selectionLength = 0;
-    int m_anchor = -1;
-    bool m_ink = true; // what a drag in Edit mode paints
-    bool m_dragging = false;
+    GlyphCanvas m_canvas;
 };
 
 } // namespace tvx::ui

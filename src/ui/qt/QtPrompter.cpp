@@ -4,6 +4,7 @@
 #include "QtText.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QMessageBox>
 
 namespace tvx::ui {
@@ -42,6 +43,13 @@ void showMessageBox(QWidget* parent, const QString& text, const QString& title)
     ask(parent, QMessageBox::Information, shown, title, QMessageBox::Ok);
 }
 
+// The window that asked: the active one, else the prompter's parent.
+static QWidget* asker(QWidget* parent)
+{
+    QWidget* active = QApplication::activeWindow();
+    return active && active->isVisible() ? active : parent;
+}
+
 QtPrompter::QtPrompter(QWidget* parent) : m_parent(parent) {}
 
 QtPrompter::~QtPrompter()
@@ -51,18 +59,18 @@ QtPrompter::~QtPrompter()
 
 void QtPrompter::message(const std::string& text, const std::string& title)
 {
-    ask(m_parent, QMessageBox::Information, boxText(text), qtText(title), QMessageBox::Ok);
+    ask(asker(m_parent), QMessageBox::Information, boxText(text), qtText(title), QMessageBox::Ok);
 }
 
 bool QtPrompter::askYesNo(const std::string& text, const std::string& title)
 {
-    return ask(m_parent, QMessageBox::Question, boxText(text), qtText(title), QMessageBox::Yes | QMessageBox::No) ==
+    return ask(asker(m_parent), QMessageBox::Question, boxText(text), qtText(title), QMessageBox::Yes | QMessageBox::No) ==
            QMessageBox::Yes;
 }
 
 bool QtPrompter::askOkCancel(const std::string& text, const std::string& title)
 {
-    return ask(m_parent, QMessageBox::Question, boxText(text), qtText(title), QMessageBox::Ok | QMessageBox::Cancel) ==
+    return ask(asker(m_parent), QMessageBox::Question, boxText(text), qtText(title), QMessageBox::Ok | QMessageBox::Cancel) ==
            QMessageBox::Ok;
 }
 
@@ -71,7 +79,8 @@ double QtPrompter::askNumber(const std::string& limitA, const std::string& limit
 {
     if (!m_input)
         m_input = new FormInputCheck(this, m_parent);
-    return m_input->InputCheck(qtText(limitA), qtText(limitB), proposed, qtText(step), qtText(prompt), qtText(title));
+    return m_input->InputCheck(qtText(limitA), qtText(limitB), proposed, qtText(step), qtText(prompt), qtText(title),
+                               asker(m_parent));
 }
 
 } // namespace tvx::ui

@@ -1,0 +1,283 @@
+#include "view/OptionFields.h"
+
+#include <algorithm>
+
+namespace tvx {
+namespace {
+
+using Tab = OptionTab;
+
+template <std::int32_t CaptureRegionRect::*Member>
+std::int32_t& regionValue(Settings& s, int r)
+{
+    return s.CaptureRegion[static_cast<std::size_t>(r)].*Member;
+}
+
+std::int32_t& thresholdOf(Settings& s, int r)
+{
+    return s.BinaryThreshold[static_cast<std::size_t>(r)];
+}
+
+std::int32_t& maskOf(Settings& s, int r)
+{
+    return s.BinaryMask[static_cast<std::size_t>(r)];
+}
+
+std::int32_t& cellWidthOf(Settings& s, int r)
+{
+    return s.ReferenceSize[static_cast<std::size_t>(r)].Width;
+}
+
+std::int32_t& cellHeightOf(Settings& s, int r)
+{
+    return s.ReferenceSize[static_cast<std::size_t>(r)].Height;
+}
+
+template <std::int32_t Settings::*Member>
+std::int32_t& plainValue(Settings& s, int)
+{
+    return s.*Member;
+}
+
+template <bool Settings::*Member>
+bool& flagValue(Settings& s)
+{
+    return s.*Member;
+}
+
+template <std::size_t Entry>
+bool& startUpEnabled(Settings& s)
+{
+    return s.StartUp[Entry].Enabled;
+}
+
+template <std::size_t Entry>
+std::string& startUpPath(Settings& s)
+{
+    return s.StartUp[Entry].Path;
+}
+
+template <std::string Settings::*Member>
+std::string& textValue(Settings& s)
+{
+    return s.*Member;
+}
+
+std::vector<NumberField> makeNumberFields()
+{
+    struct RegionField {
+        const char* name;
+        const char* caption;
+        const char* prompt;
+        std::int32_t lower;
+        std::int32_t upper;
+        std::int32_t& (*value)(Settings&, int);
+    };
+    const RegionField perRegion[] = {
+        {"cmdStartX", "始点 X", "キャプチャー始点X値を入力してください", 0, 9999, &regionValue<&CaptureRegionRect::StartX>},
+        {"cmdStartY", "始点 Y", "キャプチャー始点Y値を入力してください", 0, 9999, &regionValue<&CaptureRegionRect::StartY>},
+        {"cmdSizeX", "幅", "キャプチャー幅を入力してください", 1, 2000, &regionValue<&CaptureRegionRect::SizeX>},
+        {"cmdSizeY", "高さ", "キャプチャー高さを入力してください（16まで）", 1, 16,
+         &regionValue<&CaptureRegionRect::SizeY>},
+        {"cmdBinaryThreshold", "２値化境界値", "画像２値化境界値を入力してください", 0, 255, &thresholdOf},
+        {"cmdBinaryMask", "マスク値", "マスク値を入力してください（-1 はマスクなし）", -1, 255, &maskOf},
+        {"cmdReferenceWidth", "基準幅", "基準画像の幅（列数）を入力してください", 1, 64, &cellWidthOf},
+        {"cmdReferenceHeight", "基準高さ", "基準画像の高さを入力してください", 1, 16, &cellHeightOf},
+    };
+    std::vector<NumberField> fields;
+    for (int r = 0; r < kRegionCount; ++r) {
+        int order = 0;
+        for (const RegionField& f : perRegion)
+            fields.push_back({f.name + std::to_string(r), f.caption, f.prompt, f.lower, f.upper, Tab::Regions, r,
+                              order++ / 4, true, f.value});
+    }
+    const auto plain = [&fields](const char* name, const char* caption, const char* prompt, std::int32_t lower,
+                                 std::int32_t upper, Tab tab, int row, std::int32_t& (*value)(Settings&, int)) {
+        fields.push_back({name, caption, prompt, lower, upper, tab, -1, row, false, value});
+    };
+    plain("cmdCaptureInterval", "キャプチャインターバル(分)", "キャプチャインターバル(分)を入力してください", 1, 1440,
+          Tab::Timing, 1, &plainValue<&Settings::CaptureInterval>);
+    plain("cmdCaptureBeep", "キャプチャ時の音（0 で鳴らさない、1～5）",
+          "キャプチャ時の音を入力してください（0 で鳴らさない）", 0, 5, Tab::Timing, 2,
+          &plainValue<&Settings::CaptureBeep>);
+    plain("cmdLag", "キャプチャ調整時間(m秒)", "キャプチャ調整時間(m秒)を入力してください", 0, 10000, Tab::Timing, 3,
+          &plainValue<&Settings::Lag>);
+    plain("cmdStartDelay", "起動時のゲーム起動確認遅延時間(秒)", "起動確認遅延時間(秒)を入力してください", 0, 3600,
+          Tab::Timing, 5, &plainValue<&Settings::StartDelay>);
+    plain("cmdDoHLInterval", "撮影チェックインターバル(m秒)", "撮影チェックインターバル(m秒)を入力してください", 100,
+          60000, Tab::Timing, 6, &plainValue<&Settings::DoHLInterval>);
+    plain("cmdGestureTime", "ジェスチャ入力待ち時間(m秒)", "ジェスチャ入力待ち時間(m秒)を入力してください", 100, 10000,
+          Tab::Timing, 7, &plainValue<&Settings::GestureTime>);
+    plain("cmdMoneyWait", "お金を認識するときの待機時間(m秒)", "お金を認識するときの待機時間(m秒)を入力してください", 0,
+          60000, Tab::Timing, 8, &plainValue<&Settings::MoneyWait>);
+    plain("cmdGraphTimeScale", "グラフ時間軸データ数", "グラフ時間軸データ数を入力してください", 2, 512, Tab::Timing, 9,
+          &plainValue<&Settings::GraphTimeScale>);
+    plain("cmdGraphAveNum", "グラフの平均化データ数", "グラフの平均化データ数を入力してください", 1, 100, Tab::Timing,
+          10, &plainValue<&Settings::GraphAveNum>);
+    plain("cmdStartUpDelay", "アプリケーション2を自動起動させる遅延時間(秒)",
+          "アプリケーション2を自動起動させる遅延時間(秒)を入力してください", 0, 3600, Tab::Files, 7,
+          &plainValue<&Settings::StartUpDelay>);
+    return fields;
+}
+
+std::string screenCaptureText(const Settings& s)
+{
+    return std::to_string(static_cast<int>(s.ScreenCapture));
+}
+
+void setScreenCapture(Settings& s, const std::string& value)
+{
+    s.ScreenCapture = value == "1" ? CaptureMethod::PrintScreen : CaptureMethod::Direct;
+}
+
+std::string saveFormatText(const Settings& s)
+{
+    return s.SaveFormat;
+}
+
+void setSaveFormat(Settings& s, const std::string& value)
+{
+    s.SaveFormat = value;
+}
+
+} // namespace
+
+std::string_view optionTabCaption(OptionTab tab)
+{
+    constexpr std::array<std::string_view, kOptionTabCount> captions{"キャプチャ領域", "認識パターン", "動作",
+                                                                      "記録・起動"};
+    return captions[static_cast<std::size_t>(tab)];
+}
+
+std::string_view regionCaption(int region)
+{
+    constexpr std::array<std::string_view, kRegionCount> captions{"Lv (1)", "Exp (2)", "マネー (3)"};
+    return captions[static_cast<std::size_t>(std::clamp(region, 0, kRegionCount - 1))];
+}
+
+const std::vector<NumberField>& numberFields()
+{
+    static const std::vector<NumberField> fields = makeNumberFields();
+    return fields;
+}
+
+const std::vector<FlagField>& flagFields()
+{
+    static const std::vector<FlagField> fields{
+        {"chkAutoStart", "起動後に自動で計測を始める", Tab::Timing, 0, &flagValue<&Settings::AutoStart>},
+        {"chkDoHLCheckExec", "レベルアップ・死亡時に撮影する", Tab::Timing, 6, &flagValue<&Settings::DoHLCheckExec>},
+        {"chkGesture", "マウスボタンジェスチャを監視する", Tab::Timing, 7, &flagValue<&Settings::Gesture>},
+        {"chkMoneyScan", "お金の時給も計測する", Tab::Timing, 8, &flagValue<&Settings::MoneyScan>},
+        {"chkGraph", "グラフを表示する", Tab::Timing, 9, &flagValue<&Settings::Graph>},
+        {"chkSaveCsv", "時給ファイルをCSVで保存する", Tab::Files, 2, &flagValue<&Settings::SaveCsv>},
+        {"chkSaveMonthly", "時給記録ファイルを一ヶ月追記する", Tab::Files, 3, &flagValue<&Settings::SaveMonthly>},
+        {"chkStartUp0", "アプリケーション1を自動起動する", Tab::Files, 5, &startUpEnabled<0>},
+        {"chkStartUp1", "アプリケーション2を自動起動する", Tab::Files, 6, &startUpEnabled<1>},
+        // The running meter's switch, not a setting: no value in the settings.
+        {"chkDebugMode", "デバッグモード", Tab::Timing, 12, nullptr},
+    };
+    return fields;
+}
+
+const std::vector<TextField>& textFields()
+{
+    using Browse = TextField::Browse;
+    static const std::vector<TextField> fields{
+        {"txtSearchWindowName", "検索ウィンドウ名", Tab::Timing, 11, Browse::None, "",
+         &textValue<&Settings::SearchWindowName>},
+        {"txtSaveFolder", "時給ファイル保存場所", Tab::Files, 0, Browse::Folder, "cmdSaveFolder",
+         &textValue<&Settings::SaveFolder>},
+        {"txtSaveFile", "時給ファイル名", Tab::Files, 1, Browse::None, "", &textValue<&Settings::SaveFile>},
+        {"txtStartUpPath0", "", Tab::Files, 5, Browse::File, "cmdStartUpPath0", &startUpPath<0>},
+        {"txtStartUpPath1", "", Tab::Files, 6, Browse::File, "cmdStartUpPath1", &startUpPath<1>},
+    };
+    return fields;
+}
+
+const std::vector<ChoiceField>& choiceFields()
+{
+    static const std::vector<ChoiceField> fields{
+        // The direct copy needs no Lag and leaves the player's clipboard alone.
+        {"cboScreenCapture",
+         "画面の取り込み方法",
+         Tab::Timing,
+         4,
+         {{"0", "直接取り込む（推奨）"}, {"1", "PrintScreenキーとクリップボード"}},
+         &screenCaptureText,
+         &setScreenCapture},
+        {"cboSaveFormat",
+         "画像ファイルの保存形式",
+         Tab::Files,
+         4,
+         {{".bmp", "BMP (.bmp)"}, {".png", "PNG (.png)"}, {".jpg70", "JPEG 品質70 (.jpg)"}, {".jpg90", "JPEG 品質90 (.jpg)"}},
+         &saveFormatText,
+         &setSaveFormat},
+    };
+    return fields;
+}
+
+std::string_view OptionRow::caption() const
+{
+    if (number)
+        return number->caption;
+    if (text)
+        return text->caption;
+    if (choice)
+        return choice->caption;
+    return {};
+}
+
+std::vector<OptionRow> optionRows(OptionTab tab)
+{
+    std::vector<OptionRow> rows;
+    const auto at = [&rows](int row) -> OptionRow& {
+        if (static_cast<int>(rows.size()) <= row)
+            rows.resize(static_cast<std::size_t>(row) + 1);
+        return rows[static_cast<std::size_t>(row)];
+    };
+    for (const NumberField& f : numberFields())
+        if (f.tab == tab && f.region < 0)
+            at(f.row).number = &f;
+    for (const FlagField& f : flagFields())
+        if (f.tab == tab)
+            at(f.row).flag = &f;
+    for (const TextField& f : textFields())
+        if (f.tab == tab)
+            at(f.row).text = &f;
+    for (const ChoiceField& f : choiceFields())
+        if (f.tab == tab)
+            at(f.row).choice = &f;
+    return rows;
+}
+
+std::vector<const NumberField*> regionFields(int region)
+{
+    std::vector<const NumberField*> fields;
+    for (const NumberField& f : numberFields())
+        if (f.region == region)
+            fields.push_back(&f);
+    return fields;
+}
+
+std::vector<ChoiceField::Choice> choicesFor(const ChoiceField& field, const Settings& settings)
+{
+    std::vector<ChoiceField::Choice> choices = field.choices;
+    const std::string current = field.get(settings);
+    const bool known = std::any_of(choices.begin(), choices.end(),
+                                   [&current](const ChoiceField::Choice& c) { return c.value == current; });
+    if (!known) // a hand-edited value stays selectable as it is
+        choices.push_back({current, current});
+    return choices;
+}
+
+std::size_t chosenIndex(const ChoiceField& field, const Settings& settings)
+{
+    const std::vector<ChoiceField::Choice> choices = choicesFor(field, settings);
+    const std::string current = field.get(settings);
+    for (std::size_t i = 0; i < choices.size(); ++i)
+        if (choices[i].value == current)
+            return i;
+    return 0;
+}
+
+} // namespace tvx

@@ -1,0 +1,138 @@
+#pragma once
+
+#include "config/Settings.h"
+#include "recognition/CaptureFile.h"
+#include "view/OptionFields.h"
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tvx {
+
+class Clock;
+class ConfigFile;
+class ScreenSource;
+
+// What the regions tab shows of one region of the last capture.
+struct RegionPreview {
+    int width = 0; // the region's pixels, 0xRRGGBB row by row; empty without a capture
+    int height = 0;
+    std::vector<std::uint32_t> pixels;
+    int rows = 0; // the binarised columns and their rows
+    std::vector<std::uint16_t> columns;
+    std::string result; // "認識結果： ..."
+};
+
+// What the patterns tab shows for the chosen region and template.
+struct PatternView {
+    int rows = 9;      // rows worth drawing: the cell, the region and any ink
+    int cellWidth = 0; // the region's reference width, what a click on the capture selects
+    std::array<std::vector<std::uint16_t>, kPatternCount> tiles;
+    std::vector<std::uint16_t> editor; // never empty: a blank cell to draw in
+    std::string editorCaption;
+    std::string note;
+    std::string text; // the template as stored
+    std::vector<std::uint16_t> captureColumns;
+    std::string captureResult;
+};
+
+// The options window, toolkit-free. Edits go straight into the live settings, so the
+// meter follows them at once; a snapshot of what the file holds tells whether closing
+// loses edits. The previews are recomputed from the last capture after every change that
+// touches recognition.
+// The meter's debug mode as the options window reaches it.
+struct DebugSwitch {
+    std::function<bool()> isOn;
+    std::function<void(bool)> set;
+};
+
+class OptionsEditor {
+public:
+    struct NumberQuestion {
+        std::string limitA;
+        std::string limitB;
+        double proposed = 0;
+        std::string step;
+        std::string prompt;
+        std::string title;
+    };
+
+    explicit OptionsEditor(Settings& settings, const CaptureBitmap* capture = nullptr);
+
+    Settings& settings() const { return m_settings; }
+
+    NumberQuestion question(const NumberField& field) const;
+    // Stores the number dialog's answer; false (nothing changed) for a cancel.
+    bool answer(const NumberField& field, double value);
+    std::string numberText(const NumberField& field) const;
+
+    void setDebugSwitch(DebugSwitch debugSwitch) { m_debugSwitch = std::move(debugSwitch); }
+    bool flag(const FlagField& field) const;
+    void setFlag(const FlagField& field, bool on);
+    // false for the debug switch when no meter is there to switch: drawn disabled.
+    bool flagAvailable(const FlagField& field) const;
+    std::string text(const TextField& field) const { return field.value(m_settings); }
+    // Trimmed, and without commas: the file has no quoting, a comma would split the value.
+    void setText(const TextField& field, std::string_view typed);
+    static bool acceptsTextCharacter(char32_t typed) { return typed != U','; }
+    void choose(const ChoiceField& field, std::size_t index);
+
+    void setCapture(const CaptureBitmap& capture);
+    const CaptureBitmap* capture() const { return m_capture ? &*m_capture : nullptr; }
+    const std::array<RegionPreview, kRegionCount>& previews() const { return m_previews; }
+    // After the settings changed behind the editor's back (a load, the defaults).
+    void refresh();
+
+    int patternRegion() const { return m_patternRegion; }
+    int patternIndex() const { return m_patternIndex; }
+    void selectPattern(int region, int index);
+    const PatternView& patternView() const { return m_pattern; }
+    void storePattern(const std::vector<std::uint16_t>& columns);
+    void addColumn();
+    void removeColumn();
+    void clearPattern();
+    // false when the text is not whole groups of four hexadecimal digits; the note says so.
+    bool setPatternText(std::string_view hex);
+    // Columns first..first+count-1 of the capture's binarised columns become the template.
+    bool takeColumns(int first, int count);
+
+    // The pattern capture, logged as the player's command: the status to show while the
+    // front end waits 10 s, then the grab, the file beside the program and the status.
+    static std::string beginCapture(ConfigFile& config);
+    std::string capturePattern(ScreenSource& screen, Clock& clock, ConfigFile& config);
+
+    // Save, load or defaults through the configuration file, logged as the player's
+    // command; returns the message to show afterwards (保存 says that it saved).
+    std::optional<std::string> runConfigFile(ConfigFile& config, int mode);
+    bool hasUnsavedEdits() const { return m_settings != m_saved; }
+    // The question before closing with unsaved edits; Yes saves.
+    static std::string_view unsavedQuestion();
+
+private:
+    void refreshPreviews();
+    void refreshPattern();
+    std::string& pattern();
+
+    Settings& m_settings;
+    Settings m_saved;
+    DebugSwitch m_debugSwitch;
+    std::optional<CaptureBitmap> m_capture;
+    std::array<RegionPreview, kRegionCount> m_previews;
+    std::array<std::string, kRegionCount> m_columnStrings;
+    int m_patternRegion = 0;
+    int m_patternIndex = 0;
+    PatternView m_pattern;
+};
+
+// The region of a capture as 0xRRGGBB pixels row by row; pixels outside the bitmap are black.
+std::vector<std::uint32_t> regionPixels(const CaptureBitmap& bitmap, const CaptureRegionRect& rect);
+
+// "0".."9", and "区切り" for the delimiter.
+std::string patternName(int index);
+
+} // namespace tvx

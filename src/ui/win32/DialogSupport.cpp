@@ -1,0 +1,199 @@
+#include "DialogSupport.h"
+
+#include "view/Placement.h"
+#include "win32/Win32Text.h"
+
+#include <memory>
+#include <optional>
+
+namespace tvx::win32ui {
+namespace {
+
+// An empty in-memory dialog template: style, extended style, no items, position, size,
+// then no menu, the default class and no title.
+struct EmptyTemplate {
+    DWORD style;
+    DWORD exStyle;
+    WORD items;
+    short x;
+    short y;
+    short cx;
+    short cy;
+    WORD menu;
+    WORD windowClass;
+    WORD title;
+};
+
+int screenDpi()
+{
+    static const int dpi = [] {
+        const HDC screen = GetDC(nullptr);
+        const int value = screen ? GetDeviceCaps(screen, LOGPIXELSY) : 96;
+        if (screen)
+            ReleaseDC(nullptr, screen);
+        return value > 0 ? value : 96;
+    }();
+    return dpi;
+}
+
+int CALLBACK faceFound(const LOGFONTW*, const TEXTMETRICW*, DWORD, LPARAM found)
+{
+    *reinterpret_cast<bool*>(found) = true;
+    return 0;
+}
+
+bool faceInstalled(const wchar_t* face)
+{
+    LOGFONTW query{};
+    query.lfCharSet = DEFAULT_CHARSET;
+    wcsncpy(query.lfFaceName, face, LF_FACESIZE - 1);
+    bool found = false;
+    const HDC screen = GetDC(nullptr);
+    EnumFontFamiliesExW(screen, &query, faceFound, reinterpret_cast<LPARAM>(&found), 0);
+    ReleaseDC(nullptr, screen);
+    return found;
+}
+
+// The first installed face of the list, else the system's message font face.
+LOGFONTW fontFor(std::initializer_list<const wchar_t*> faces)
+{
+    NONCLIENTMETRICSW metrics{};
+    metrics.cbSize = sizeof metrics;
+    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
+    LOGFONTW font = metrics.lfMessageFont;
+    font.lfHeight = -MulDiv(9, screenDpi(), 72);
+    for (const wchar_t* face : faces)
+        if (faceInstalled(face)) {
+            wcsncpy(font.lfFaceName, face, LF_FACESIZE - 1);
+            font.lfCharSet = DEFAULT_CHARSET;
+            break;
+        }
+    return font;
+}
+
+struct FontDeleter {
+    void operator()(HFONT font) const { DeleteObject(font); }
+};
+using OwnedFont = std::unique_ptr<std::remove_pointer_t<HFONT>, FontDeleter>;
+
+std::optional<ViewRect> rectOf(HWND window)
+{
+    RECT r;
+    if (!window || !IsWindowVisible(window) || !GetWindowRect(window, &r))
+        return std::nullopt;
+    return ViewRect{r.left, r.top, r.right - r.left, r.bottom - r.top};
+}
+
+} // namespace
+
+HWND createDialog(HWND owner, DLGPROC procedure, LPARAM parameter, DWORD style)
+{
+    EmptyTemplate empty{};
+    empty.style = style;
+    return CreateDialogIndirectParamW(GetModuleHandleW(nullptr), reinterpret_cast<const DLGTEMPLATE*>(&empty), owner,
+                                      procedure, parameter);
+}
+
+void runModal(HWND dialog, HWND owner, const std::function<bool()>& done,
+              const std::function<bool(const MSG&)>& intercept)
+{
+    const bool ownerWasEnabled = owner && IsWindowEnabled(owner);
+    if (ownerWasEnabled)
+        EnableWindow(owner, FALSE);
+    ShowWindow(dialog, SW_SHOW);
+    SetForegroundWindow(dialog);
+    MSG message{};
+    bool quit = false;
+    while (!done()) {
+        const BOOL got = GetMessageW(&message, nullptr, 0, 0);
+        if (got <= 0) {
+            quit = got == 0;
+            break;
+        }
+        if (intercept && intercept(message))
+            continue;
+        if (!IsDialogMessageW(dialog, &message)) {
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+    }
+    // The owner first, so the activation does not go to another program's window.
+    if (ownerWasEnabled) {
+        EnableWindow(owner, TRUE);
+        SetActiveWindow(owner);
+    }
+    ShowWindow(dialog, SW_HIDE);
+    if (quit)
+        PostQuitMessage(static_cast<int>(message.wParam));
+}
+
+void placeOver(HWND window, HWND owner, int clientWidth, int clientHeight)
+{
+    RECT frame{0, 0, scaled(clientWidth), scaled(clientHeight)};
+    AdjustWindowRectEx(&frame, static_cast<DWORD>(GetWindowLongPtrW(window, GWL_STYLE)), FALSE,
+                       static_cast<DWORD>(GetWindowLongPtrW(window, GWL_EXSTYLE)));
+    const HMONITOR monitor = MonitorFromWindow(owner ? owner : window, MONITOR_DEFAULTTOPRIMARY);
+    MONITORINFO info{};
+    info.cbSize = sizeof info;
+    GetMonitorInfoW(monitor, &info);
+    const RECT& work = info.rcWork;
+    const ViewRect placed = tvx::placeOver(rectOf(owner), frame.right - frame.left, frame.bottom - frame.top,
+                                           {work.left, work.top, work.right - work.left, work.bottom - work.top});
+    SetWindowPos(window, nullptr, placed.x, placed.y, placed.width, placed.height, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+int scaled(int pixels)
+{
+    return MulDiv(pixels, screenDpi(), 96);
+}
+
+HFONT dialogFont()
+{
+    static const OwnedFont font{[] {
+        const LOGFONTW wanted = fontFor({L"Meiryo UI", L"Yu Gothic UI", L"MS UI Gothic", L"Noto Sans CJK JP"});
+        return CreateFontIndirectW(&wanted);
+    }()};
+    return font.get();
+}
+
+HFONT fixedFont()
+{
+    static const OwnedFont font{[] {
+        LOGFONTW wanted = fontFor({L"MS Gothic", L"Noto Sans Mono CJK JP", L"Courier New"});
+        wanted.lfPitchAndFamily = FIXED_PITCH | FF_MODERN;
+        return CreateFontIndirectW(&wanted);
+    }()};
+    return font.get();
+}
+
+HWND addControl(HWND parent, const wchar_t* windowClass, std::string_view text, DWORD style, int id, int x, int y,
+                int width, int height, HFONT font)
+{
+    const HWND control =
+        CreateWindowExW(0, windowClass, wideText(text).c_str(), WS_CHILD | WS_VISIBLE | style, scaled(x), scaled(y),
+                        scaled(width), scaled(height), parent,
+                        reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr), nullptr);
+    SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font ? font : dialogFont()), FALSE);
+    return control;
+}
+
+std::wstring wideText(std::string_view utf8)
+{
+    return platform::win32::wide(utf8);
+}
+
+std::string windowText(HWND window)
+{
+    const int length = GetWindowTextLengthW(window);
+    std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
+    const int copied = GetWindowTextW(window, text.data(), length + 1);
+    text.resize(static_cast<std::size_t>(copied > 0 ? copied : 0));
+    return platform::win32::utf8(text);
+}
+
+void setWindowText(HWND window, std::string_view utf8)
+{
+    SetWindowTextW(window, wideText(utf8).c_str());
+}
+
+} // namespace tvx::win32ui

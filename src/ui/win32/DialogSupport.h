@@ -1,0 +1,42 @@
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace tvx::win32ui {
+
+// A dialog box with no controls of its own (they are made in WM_INITDIALOG), so the
+// dialog manager gives Tab, Escape and the close box their usual meaning.
+HWND createDialog(HWND owner, DLGPROC procedure, LPARAM parameter, DWORD style);
+
+// Runs the dialog modally: the owner is disabled, messages flow until done() holds.
+// intercept sees every message first and returns true for the ones it handled. A
+// WM_QUIT ends the loop and is posted again for the outer loop.
+void runModal(HWND dialog, HWND owner, const std::function<bool()>& done,
+              const std::function<bool(const MSG&)>& intercept = {});
+
+// Sizes window to the client size (in pixels at 96 dpi, scaled to the screen) and places
+// it over owner, inside the owner's monitor work area.
+void placeOver(HWND window, HWND owner, int clientWidth, int clientHeight);
+
+// Pixels at 96 dpi on this screen.
+int scaled(int pixels);
+
+// The dialogs' font: a Japanese UI face where one is installed, else the message font.
+HFONT dialogFont();
+// A fixed-pitch font for numbers and pattern strings.
+HFONT fixedFont();
+
+// A child control in pixels at 96 dpi, with the dialog font; id names it for the dialog
+// manager and the tests.
+HWND addControl(HWND parent, const wchar_t* windowClass, std::string_view text, DWORD style, int id, int x, int y,
+                int width, int height, HFONT font = nullptr);
+
+std::wstring wideText(std::string_view utf8);
+std::string windowText(HWND window);
+void setWindowText(HWND window, std::string_view utf8);
+
+} // namespace tvx::win32ui

@@ -1,0 +1,346 @@
+#include "view/GlyphCanvas.h"
+#include "view/OptionsEditor.h"
+
+#include "TextCodecFactory.h"
+#include "base/Utf8Path.h"
+#include "config/ConfigFile.h"
+#include "config/PatternColumns.h"
+#include "ports/ScreenSource.h"
+#include "recognition/GlyphPainter.h"
+#include "support/FakeClock.h"
+#include "support/ReadFile.h"
+#include "support/ScriptedPrompter.h"
+#include "support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include <map>
+#include <set>
+
+namespace tvx {
+namespace {
+
+// A screen with the given level drawn in the default level region.
+CaptureBitmap screenWithLevel(const char* level)
+{
+    const Settings s = defaultSettings("");
+    Frame frame(800, 600);
+    for (int r = 0; r < kRegionCount; ++r)
+        paintRegionBackground(frame, s.CaptureRegion[static_cast<std::size_t>(r)], defaultInkColors(r));
+    paintColumns(frame, s.CaptureRegion[RegionLevel], 1, numberColumns(s.PatternStrings[RegionLevel], level, true),
+                 defaultInkColors(RegionLevel));
+    return toCaptureBitmap(frame);
+}
+
+const NumberField& number(const std::string& name)
+{
+    for (const NumberField& f : numberFields())
+        if (f.name == name)
+            return f;
+    throw std::logic_error("no field " + name);
+}
+
+TEST(OptionFieldsTest, EveryFieldIsNamedOnceReadsItsOwnSettingAndAcceptsItsDefault)
+{
+    const Settings defaults = defaultSettings("/home");
+    std::set<std::string> names;
+    for (const NumberField& f : numberFields()) {
+        EXPECT_TRUE(names.insert(f.name).second) << f.name;
+        EXPECT_LT(f.lower, f.upper) << f.name;
+        Settings s = defaults;
+        const std::int32_t value = f.value(s, f.region);
+        EXPECT_GE(value, f.lower) << f.name;
+        EXPECT_LE(value, f.upper) << f.name;
+        // Exactly this field sees a change made through it.
+        f.value(s, f.region) = 123456;
+        int seen = 0;
+        for (const NumberField& other : numberFields())
+            seen += other.value(s, other.region) == 123456;
+        EXPECT_EQ(seen, 1) << f.name;
+        EXPECT_FALSE(f.prompt.empty()) << f.name;
+    }
+    for (const FlagField& f : flagFields()) {
+        EXPECT_TRUE(names.insert(f.name).second) << f.name;
+        if (!f.value)
+            continue; // the debug switch, tested with the editor
+        Settings s = defaults;
+        f.value(s) = !f.value(s);
+        EXPECT_NE(s, defaults) << f.name;
+    }
+    for (const TextField& f : textFields()) {
+        EXPECT_TRUE(names.insert(f.name).second) << f.name;
+        Settings s = defaults;
+        f.value(s) = "changed";
+        EXPECT_NE(s, defaults) << f.name;
+    }
+    EXPECT_EQ(regionFields(1).size(), 8u);
+    EXPECT_EQ(regionFields(1)[3]->name, "cmdSizeY1");
+    EXPECT_EQ(number("cmdSizeY2").value(const_cast<Settings&>(defaults), 2), 9);
+}
+
+TEST(OptionFieldsTest, RowsPairASwitchWithItsNumberAndChoicesKeepAHandEditedValue)
+{
+    struct Row {
+        OptionTab tab;
+        std::size_t row;
+        const char* flag;
+        const char* editor;
+        std::string_view caption;
+    };
+    const Row rows[] = {
+        {OptionTab::Timing, 0, "chkAutoStart", "", ""},
+        {OptionTab::Timing, 4, "", "cboScreenCapture", "画面の取り込み方法"},
+        {OptionTab::Timing, 6, "chkDoHLCheckExec", "cmdDoHLInterval", "撮影チェックインターバル(m秒)"},
+        {OptionTab::Timing, 11, "", "txtSearchWindowName", "検索ウィンドウ名"},
+        {OptionTab::Files, 5, "chkStartUp0", "txtStartUpPath0", ""},
+        {OptionTab::Files, 7, "", "cmdStartUpDelay", "アプリケーション2を自動起動させる遅延時間(秒)"},
+    };
+    for (const Row& r : rows) {
+        const std::vector<OptionRow> all = optionRows(r.tab);
+        ASSERT_LT(r.row, all.size());
+        const OptionRow& row = all[r.row];
+        EXPECT_EQ(row.flag ? row.flag->name : "", r.flag) << r.row;
+        const std::string editor = row.number ? row.number->name : row.text ? row.text->name
+                                                               : row.choice ? row.choice->name
+                                                                            : "";
+        EXPECT_EQ(editor, r.editor) << r.row;
+        EXPECT_EQ(row.caption(), r.caption) << r.row;
+    }
+    EXPECT_EQ(optionRows(OptionTab::Timing).size(), 12u);
+    EXPECT_EQ(optionRows(OptionTab::Files).size(), 8u);
+
+    const ChoiceField& format = choiceFields()[1];
+    Settings s = defaultSettings("");
+    EXPECT_EQ(chosenIndex(format, s), 1u);
+    s.SaveFormat = ".gif";
+    EXPECT_EQ(choicesFor(format, s).size(), 5u);
+    EXPECT_EQ(chosenIndex(format, s), 4u);
+    OptionsEditor editor(s);
+    editor.choose(format, 2);
+    EXPECT_EQ(s.SaveFormat, ".jpg70");
+    editor.choose(choiceFields()[0], 1);
+    EXPECT_EQ(s.ScreenCapture, CaptureMethod::PrintScreen);
+}
+
+class OptionsEditorTest : public testing::Test {
+protected:
+    test::TempFolder m_temp;
+    const std::filesystem::path& m_home = m_temp.path();
+    test::FakeClock m_clock{LocalDateTime{2024, 3, 9, 7, 5, 2}};
+    DebugLog m_log{m_home, m_clock};
+    test::ScriptedPrompter m_prompter;
+    std::unique_ptr<TextCodec> m_codec = platform::makeTextCodec();
+    Settings m_settings = defaultSettings(pathUtf8(m_home));
+    ConfigFile m_config{m_settings, m_home, m_prompter, *m_codec, &m_log};
+};
+
+TEST_F(OptionsEditorTest, AnswersAreStoredRoundedWithinTheLimitsAndACancelChangesNothing)
+{
+    OptionsEditor editor(m_settings);
+    const NumberField& interval = number("cmdCaptureInterval");
+    const OptionsEditor::NumberQuestion q = editor.question(interval);
+    EXPECT_EQ(q.limitA + " " + q.limitB + " " + q.step, "1 1440 1");
+    EXPECT_EQ(q.proposed, 6);
+    EXPECT_EQ(q.title, "設定値入力");
+    EXPECT_EQ(q.prompt, "キャプチャインターバル(分)を入力してください");
+    const std::pair<double, std::int32_t> answers[] = {{19999, 6}, {12.4, 12}, {12.6, 13}, {5000, 1440}, {-3, 1}};
+    for (const auto& [given, stored] : answers) {
+        EXPECT_EQ(editor.answer(interval, given), given != 19999) << given;
+        EXPECT_EQ(m_settings.CaptureInterval, stored) << given;
+        EXPECT_EQ(editor.numberText(interval), std::to_string(stored));
+    }
+    const TextField& name = textFields()[0];
+    editor.setText(name, "  Maple,Story  ");
+    EXPECT_EQ(m_settings.SearchWindowName, "MapleStory");
+    EXPECT_FALSE(OptionsEditor::acceptsTextCharacter(U','));
+}
+
+TEST_F(OptionsEditorTest, PreviewsShowEachRegionItsColumnsAndWhatTheTemplatesRead)
+{
+    OptionsEditor none(m_settings);
+    EXPECT_EQ(none.previews()[0].result, "認識結果： キャプチャ画像がありません");
+    EXPECT_TRUE(none.previews()[0].pixels.empty());
+
+    const CaptureBitmap capture = screenWithLevel("137");
+    OptionsEditor editor(m_settings, &capture);
+    const RegionPreview& level = editor.previews()[RegionLevel];
+    EXPECT_EQ(level.result, "認識結果： 137");
+    EXPECT_EQ(level.width, 50);
+    EXPECT_EQ(level.height, 9);
+    EXPECT_EQ(level.pixels.size(), 450u);
+    EXPECT_EQ(level.columns.size(), 50u);
+    EXPECT_EQ(level.rows, 9);
+    // The first pixel is the region's background as painted, 0xRRGGBB.
+    const Frame frame = toFrame(capture);
+    const std::uint8_t* bgr = frame.row(578) + 3 * 35;
+    EXPECT_EQ(level.pixels[0], std::uint32_t{bgr[2]} << 16 | std::uint32_t{bgr[1]} << 8 | bgr[0]);
+    EXPECT_EQ(editor.previews()[RegionExp].result, "認識結果： 認識できません");
+
+    // A region moved off the picture says so; its pixels read black.
+    ASSERT_TRUE(editor.answer(number("cmdStartY2"), 9000));
+    EXPECT_EQ(editor.previews()[RegionMoney].result, "認識結果： 領域が画像の外です");
+    EXPECT_EQ(editor.previews()[RegionMoney].pixels, std::vector<std::uint32_t>(146 * 9, 0));
+    // A region too narrow for the number and its delimiter reads nothing.
+    ASSERT_TRUE(editor.answer(number("cmdSizeX0"), 20));
+    EXPECT_EQ(editor.previews()[RegionLevel].result, "認識結果： 認識できません");
+    EXPECT_EQ(editor.previews()[RegionLevel].columns.size(), 20u);
+}
+
+TEST_F(OptionsEditorTest, ATemplateIsTakenFromTheCaptureDrawnOrTypedAndTheNoteFollowsItsWidth)
+{
+    const std::string five = m_settings.PatternStrings[RegionLevel][5];
+    m_settings.PatternStrings[RegionLevel][5] = "";
+    const CaptureBitmap capture = screenWithLevel("57");
+    OptionsEditor editor(m_settings, &capture);
+    EXPECT_NE(editor.previews()[RegionLevel].result, "認識結果： 57");
+
+    editor.selectPattern(RegionLevel, 5);
+    EXPECT_EQ(editor.patternView().editorCaption, "Lv (1) のパターン「5」");
+    EXPECT_EQ(editor.patternView().editor, std::vector<std::uint16_t>(7, 0)) << "a blank cell to draw in";
+    EXPECT_EQ(editor.patternView().note, "幅 0 列：基準幅 7 列と違うため、このままでは認識に使われません。");
+    // The "5" starts at column 1 of the region.
+    EXPECT_FALSE(editor.takeColumns(45, 7));
+    ASSERT_TRUE(editor.takeColumns(1, 7));
+    EXPECT_EQ(m_settings.PatternStrings[RegionLevel][5], five);
+    EXPECT_EQ(editor.previews()[RegionLevel].result, "認識結果： 57");
+    EXPECT_EQ(editor.patternView().captureResult, "この領域の認識結果： 57");
+    EXPECT_EQ(editor.patternView().note, "幅 7 列（基準幅どおり）");
+
+    struct Step {
+        std::function<bool()> edit;
+        std::size_t width;
+        std::string note;
+    };
+    const Step steps[] = {
+        {[&] { editor.addColumn(); return true; }, 8, "幅 8 列：基準幅 7 列と違うため、このままでは認識に使われません。"},
+        {[&] { editor.removeColumn(); return true; }, 7, "幅 7 列（基準幅どおり）"},
+        {[&] { editor.clearPattern(); return true; }, 7, "幅 7 列（基準幅どおり）"},
+        {[&] { return !editor.setPatternText("12345"); }, 7, "変換文字列は16進数4桁ずつ（1列に4桁）です。"},
+        {[&] { return editor.setPatternText("00FF00FG") == false; }, 7, "変換文字列は16進数4桁ずつ（1列に4桁）です。"},
+        {[&] { return editor.setPatternText("00FF"); }, 1, "幅 1 列：基準幅 7 列と違うため、このままでは認識に使われません。"},
+    };
+    for (const Step& step : steps) {
+        EXPECT_TRUE(step.edit()) << step.note;
+        EXPECT_EQ(editor.patternView().editor.size(), step.width) << step.note;
+        EXPECT_EQ(editor.patternView().note, step.note);
+    }
+    EXPECT_EQ(m_settings.PatternStrings[RegionLevel][5], "00FF");
+    editor.selectPattern(RegionMoney, kDelimiterIndex);
+    EXPECT_EQ(editor.patternView().editorCaption, "マネー (3) のパターン「区切り」");
+    EXPECT_EQ(editor.patternView().text, m_settings.PatternStrings[RegionMoney][kDelimiterIndex]);
+}
+
+TEST_F(OptionsEditorTest, DebugSwitchReachesTheMeterNotTheSettings)
+{
+    const FlagField& debug = *std::find_if(flagFields().begin(), flagFields().end(),
+                                           [](const FlagField& f) { return f.name == "chkDebugMode"; });
+    OptionsEditor editor(m_settings);
+    EXPECT_FALSE(editor.flagAvailable(debug)) << "no meter to switch";
+    editor.setFlag(debug, true);
+    EXPECT_FALSE(editor.flag(debug));
+
+    bool meterDebug = false;
+    editor.setDebugSwitch({[&] { return meterDebug; }, [&](bool on) { meterDebug = on; }});
+    EXPECT_TRUE(editor.flagAvailable(debug));
+    editor.setFlag(debug, true);
+    EXPECT_TRUE(meterDebug);
+    EXPECT_TRUE(editor.flag(debug));
+    EXPECT_FALSE(editor.hasUnsavedEdits()) << "debug mode is not saved with the settings";
+}
+
+TEST_F(OptionsEditorTest, UnsavedEditsAreKnownUntilSavedAndSavingSaysSo)
+{
+    OptionsEditor editor(m_settings);
+    EXPECT_FALSE(editor.hasUnsavedEdits());
+    editor.setFlag(flagFields()[0], false);
+    EXPECT_TRUE(editor.hasUnsavedEdits());
+    EXPECT_EQ(editor.runConfigFile(m_config, ConfigFile::Save), std::optional<std::string>("設定を保存しました。"));
+    EXPECT_FALSE(editor.hasUnsavedEdits());
+    EXPECT_NE(test::readAll(m_home / "TV2MConfig.ini").find("False"), std::string::npos);
+
+    ASSERT_TRUE(editor.answer(number("cmdLag"), 700));
+    EXPECT_TRUE(editor.hasUnsavedEdits());
+    EXPECT_EQ(editor.runConfigFile(m_config, ConfigFile::Load), std::nullopt);
+    EXPECT_EQ(m_settings.Lag, 500) << "the file's value is back";
+    EXPECT_FALSE(editor.hasUnsavedEdits());
+
+    // A save that cannot be written says nothing of success and keeps the edit unsaved.
+    ASSERT_TRUE(editor.answer(number("cmdLag"), 800));
+    std::filesystem::remove_all(m_home);
+    EXPECT_EQ(editor.runConfigFile(m_config, ConfigFile::Save), std::nullopt);
+    EXPECT_EQ(m_prompter.shown.back().text, "設定をファイルに保存できませんでした。");
+    EXPECT_TRUE(editor.hasUnsavedEdits());
+}
+
+class StillScreen : public ScreenSource {
+public:
+    std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect>) override { return image; }
+    std::optional<CaptureBitmap> image;
+};
+
+TEST_F(OptionsEditorTest, APatternCaptureIsSavedBesideTheProgramAndShownInThePreviews)
+{
+    OptionsEditor editor(m_settings);
+    StillScreen screen;
+    screen.image = screenWithLevel("42");
+    EXPECT_EQ(OptionsEditor::beginCapture(m_config), "10秒後にキャプチャします。ゲームを前面に出してください…");
+    const std::string file = pathUtf8(m_home / "Capture_0309070502.bmp");
+    EXPECT_EQ(editor.capturePattern(screen, m_clock, m_config), "保存しました： " + file);
+    EXPECT_TRUE(std::filesystem::exists(m_home / "Capture_0309070502.bmp"));
+    EXPECT_EQ(editor.previews()[RegionLevel].result, "認識結果： 42");
+    screen.image.reset();
+    EXPECT_EQ(editor.capturePattern(screen, m_clock, m_config), "キャプチャできませんでした。");
+    EXPECT_EQ(editor.previews()[RegionLevel].result, "認識結果： 42") << "the last capture stays";
+    const std::string log = test::readAll(m_home / "debug.txt");
+    EXPECT_NE(log.find("Click : Pattern Capture \r\n"), std::string::npos);
+    EXPECT_NE(log.find("Pattern Capture and Save ･･･ End \r\n"), std::string::npos);
+    EXPECT_NE(log.find("Error Trap : cmdCapture_Click : CODE5  "), std::string::npos);
+}
+
+TEST(GlyphCanvasTest, EditTogglesThenDragsTheSameInkAndSelectTakesAGlyphWidth)
+{
+    GlyphCanvas edit(GlyphCanvas::Mode::Edit);
+    edit.setPixelSize(10);
+    edit.setRows(9);
+    edit.setColumns({0x0001, 0x0000, 0x0000});
+    const auto centre = [](int column, int row) { return std::pair{2 + column * 10 + 5, 2 + row * 10 + 5}; };
+    auto [x, y] = centre(0, 0);
+    EXPECT_EQ(edit.press(x, y), GlyphCanvas::Change::Columns); // an inked pixel: the drag erases
+    std::tie(x, y) = centre(1, 0);
+    EXPECT_EQ(edit.move(x, y), GlyphCanvas::Change::None);     // already blank
+    edit.release();
+    std::tie(x, y) = centre(2, 3);
+    EXPECT_EQ(edit.press(x, y), GlyphCanvas::Change::Columns);
+    std::tie(x, y) = centre(1, 3);
+    EXPECT_EQ(edit.move(x, y), GlyphCanvas::Change::Columns);
+    EXPECT_EQ(edit.move(x, 500), GlyphCanvas::Change::None) << "below the rows";
+    edit.release();
+    EXPECT_EQ(edit.move(2, 2), GlyphCanvas::Change::None) << "no drag after the release";
+    EXPECT_EQ(edit.columns(), (std::vector<std::uint16_t>{0x0000, 0x0008, 0x0008}));
+    EXPECT_EQ(edit.width(), 34);
+    EXPECT_EQ(edit.height(), 94);
+
+    GlyphCanvas select(GlyphCanvas::Mode::Select);
+    select.setPixelSize(6);
+    select.setColumns(std::vector<std::uint16_t>(20, 0));
+    select.setSelectionWidth(7);
+    EXPECT_EQ(select.press(2 + 6 * 15 + 1, 5), GlyphCanvas::Change::Selection);
+    EXPECT_EQ(select.selectionStart(), 15);
+    EXPECT_EQ(select.selectionLength(), 5) << "cut at the last column";
+    EXPECT_EQ(select.move(2 + 6 * 12, 5), GlyphCanvas::Change::Selection);
+    EXPECT_EQ(select.selectionStart(), 12);
+    EXPECT_EQ(select.selectionLength(), 4);
+    select.release();
+    select.setColumns(std::vector<std::uint16_t>(10, 0));
+    EXPECT_EQ(select.selectionStart(), -1) << "a selection past the new columns goes";
+
+    GlyphCanvas button(GlyphCanvas::Mode::Button);
+    EXPECT_EQ(button.press(0, 0), GlyphCanvas::Change::Clicked);
+    GlyphCanvas shown;
+    EXPECT_EQ(shown.press(3, 3), GlyphCanvas::Change::None);
+}
+
+} // namespace
+} // namespace tvx
