@@ -51,6 +51,8 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int show)
         return 0;
     }
 
+    // A game draws in screen pixels; a scaled window would move the numbers off the regions.
+    SetProcessDPIAware();
     tvx::practice::PracticeWindow window(options);
     if (!window.open(instance, show)) {
         tell("tallivex-practice: the window could not be created\n", true);
