@@ -52,6 +52,8 @@ game=$(xdotool search --name '^MapleStory$' | head -n1)
 "$wine" "$meter" --home "$winhome" --interval 3 >/dev/null 2>&1 &
 pids+=($!)
 eventually 30 logged "Mouse Events Acquire" || fail "the meter did not start listening to the mouse"
+# Beside the game's numbers (the regions end at x = 553), as a player would place it.
+"$wine" "$support" place "$(basename "$meter")" 560 0 || fail "no meter window to place"
 # The meter took the focus when it appeared; the player goes back to the game.
 xdotool windowactivate "$game" 2>/dev/null
 xdotool mousemove --window "$game" 400 300
