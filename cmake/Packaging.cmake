@@ -1,10 +1,8 @@
 # `cpack -G ZIP` in the Windows build: Tallivex-<version>-win64.zip with the programs, the
-# help documents and a Japanese read-me, all in one folder; nothing to install beside them
+# help documents (installed with the desktop program) and a Japanese read-me, all in one folder; nothing to install beside them
 # (the runtime is linked statically).
 if(WIN32)
-  file(GLOB TALLIVEX_PACKAGE_HELP CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/help/*)
-  install(FILES ${TALLIVEX_PACKAGE_HELP} ${PROJECT_SOURCE_DIR}/docs/windows/お読みください.txt
-    DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(FILES ${PROJECT_SOURCE_DIR}/docs/windows/お読みください.txt DESTINATION ${CMAKE_INSTALL_BINDIR})
   set(CPACK_SYSTEM_NAME win64)
 endif()
 set(CPACK_PACKAGE_NAME Tallivex)

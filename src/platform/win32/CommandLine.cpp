@@ -2,22 +2,22 @@
 
 #include "Win32Text.h"
 
-#include <shellapi.h>
 #include <windows.h>
+#include <shellapi.h>
 
 namespace tvx::platform {
 
-std::vector<std::string> commandLineUtf8(int, char**)
+std::vector<std::string> commandLineUtf8(int argc, char** argv)
 {
     int count = 0;
-    LPWSTR* words = CommandLineToArgvW(GetCommandLineW(), &count);
-    std::vector<std::string> args;
-    if (words == nullptr)
-        return args;
+    LPWSTR* arguments = CommandLineToArgvW(GetCommandLineW(), &count);
+    if (arguments == nullptr)
+        return std::vector<std::string>(argv, argv + argc);
+    std::vector<std::string> result;
     for (int i = 0; i < count; ++i)
-        args.push_back(win32::utf8(words[i]));
-    LocalFree(words);
-    return args;
+        result.push_back(win32::utf8(arguments[i]));
+    LocalFree(arguments);
+    return result;
 }
 
 } // namespace tvx::platform
