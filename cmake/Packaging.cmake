@@ -1,6 +1,6 @@
 # `cpack -G ZIP` in the Windows build: Tallivex-<version>-win64.zip with the programs, the
-# help documents (installed with the desktop program) and a Japanese read-me, all in one folder; nothing to install beside them
-# (the runtime is linked statically).
+# help documents (installed with the desktop program) and a Japanese read-me, all in one
+# folder; nothing to install beside them (the runtime is linked statically).
 if(WIN32)
   install(FILES ${PROJECT_SOURCE_DIR}/docs/windows/お読みください.txt DESTINATION ${CMAKE_INSTALL_BINDIR})
   set(CPACK_SYSTEM_NAME win64)
