@@ -168,7 +168,7 @@ void FormMain::attach(Meter& meter)
     graph.setSettings(meter.settings());
     graph.setGraphView(meter.state().graphView);
     graph.setMeterControls(&meter.state().controls);
-    meter.logBox().setListener([this](std::string_view) { showLogBox(); });
+    meter.logBox().setListener([this](std::string_view added) { showLogBox(added); });
     if (m_gestureSource != nullptr && m_gesturePrompter != nullptr)
         m_gestures = std::make_unique<GestureListener>(meter, *m_gestureSource, m_log, *m_gesturePrompter);
     layout();
@@ -270,13 +270,36 @@ void FormMain::minimumTrackSize(MINMAXINFO& info)
         info.ptMaxTrackSize.x = info.ptMinTrackSize.x;
 }
 
-void FormMain::showLogBox()
+void FormMain::showLogBox(std::string_view added)
 {
-    const LogBox& box = m_meter->logBox();
-    SetWindowTextW(m_txtLog, wide(box.text()).c_str());
-    const auto caret = static_cast<WPARAM>(wide(std::string_view(box.text()).substr(0, box.caret())).size());
+    // The control is told only what changed: setting the whole text of a full box on
+    // every line costs seconds under some systems.
+    const std::string& text = m_meter->logBox().text();
+    const std::size_t grown = m_shownLog.size() + added.size();
+    const bool appended = text.size() <= grown && grown - text.size() <= m_shownLog.size() &&
+                          text.ends_with(added) &&
+                          std::string_view(m_shownLog).substr(grown - text.size()) ==
+                              std::string_view(text).substr(0, text.size() - added.size());
+    SendMessageW(m_txtLog, WM_SETREDRAW, FALSE, 0);
+    if (appended) {
+        const std::size_t cut = grown - text.size();
+        const auto end = static_cast<WPARAM>(GetWindowTextLengthW(m_txtLog));
+        SendMessageW(m_txtLog, EM_SETSEL, end, static_cast<LPARAM>(end));
+        SendMessageW(m_txtLog, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(wide(added).c_str()));
+        if (cut > 0) {
+            const auto front = static_cast<LPARAM>(wide(std::string_view(m_shownLog).substr(0, cut)).size());
+            SendMessageW(m_txtLog, EM_SETSEL, 0, front);
+            SendMessageW(m_txtLog, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L""));
+        }
+    } else {
+        SetWindowTextW(m_txtLog, wide(text).c_str());
+    }
+    m_shownLog = text;
+    const auto caret = static_cast<WPARAM>(wide(std::string_view(text).substr(0, m_meter->logBox().caret())).size());
     SendMessageW(m_txtLog, EM_SETSEL, caret, static_cast<LPARAM>(caret));
+    SendMessageW(m_txtLog, WM_SETREDRAW, TRUE, 0);
     SendMessageW(m_txtLog, EM_SCROLLCARET, 0, 0);
+    InvalidateRect(m_txtLog, nullptr, TRUE);
 }
 
 std::string FormMain::controlText(std::string_view name) const

@@ -96,7 +96,7 @@ private:
     void createFonts();
     void buildMenu();
     void layout();
-    void showLogBox();
+    void showLogBox(std::string_view added);
     void runCommand(MenuCommand command);
     void menuOption_Click();
     void settingsChanged();
@@ -139,6 +139,7 @@ private:
     NoticeWindow m_notice;
     FormMainLayout m_layout;
     std::array<std::optional<Frame>, 3> m_previews;
+    std::string m_shownLog; // what txtLog holds
 
     bool m_tempStopRed = false;
     std::array<bool, 3> m_timerOn{};
