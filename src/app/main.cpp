@@ -1,4 +1,5 @@
 // tallivex: the desktop meter.
+#include "AppStart.h"
 #include "CommandLine.h"
 #include "Environment.h"
 #include "Fonts.h"
@@ -9,8 +10,8 @@
 #include "QtPorts.h"
 #include "QtPrompter.h"
 #include "QtText.h"
-#include "StartGuard.h"
 #include "SoundFactory.h"
+#include "StartGuard.h"
 #include "SystemClock.h"
 #include "Termination.h"
 #include "TextCodecFactory.h"
@@ -28,80 +29,18 @@
 #include <QApplication>
 #include <QSocketNotifier>
 
-#include <algorithm>
-#include <charconv>
 #include <cstdio>
-#include <optional>
-#include <string>
-#include <vector>
-
-namespace {
-
-using Arguments = std::vector<std::string>;
-
-// The value after an option, or nullopt when the option is not given; an option without
-// its value gives "".
-std::optional<std::string> optionValue(const Arguments& args, std::string_view option)
-{
-    const auto at = std::find(args.begin(), args.end(), option);
-    if (at == args.end())
-        return std::nullopt;
-    return at + 1 == args.end() ? std::string() : *(at + 1);
-}
-
-std::optional<std::filesystem::path> homeOverride(const Arguments& args)
-{
-    const auto value = optionValue(args, "--home");
-    if (value && !value->empty())
-        return tvx::utf8Path(*value);
-    return std::nullopt;
-}
-
-// Without a screen to talk to, the game is never found and nothing is captured.
-class NoGame final : public tvx::GameWindowProbe, public tvx::ScreenSource {
-public:
-    tvx::GameWindowState state(std::string_view) override { return tvx::GameWindowState::Missing; }
-    std::optional<tvx::CaptureBitmap> grab(std::span<const tvx::CaptureRegionRect>) override { return std::nullopt; }
-};
-
-void writeStartLines(tvx::DebugLog& log, const std::string& title, const std::filesystem::path& home)
-{
-    try {
-        log.WriteDebugLog("Starting Program  " + title, tvx::DebugLog::kNewLog);
-        log.WriteDebugLog("Execute Folder : " + tvx::pathUtf8(home));
-    } catch (const tvx::RuntimeError&) {
-        // A read-only home folder must not keep the meter from running.
-    }
-}
-
-// --interval SECONDS: captures that often instead of every CaptureInterval minutes, so a
-// newcomer sees the meter at work against the practice target within a minute.
-std::optional<std::int32_t> intervalOption(const Arguments& args, bool& bad)
-{
-    const auto value = optionValue(args, "--interval");
-    if (!value)
-        return std::nullopt;
-    int seconds = 0;
-    const char* end = value->data() + value->size();
-    const auto [stop, error] = std::from_chars(value->data(), end, seconds);
-    bad = error != std::errc() || stop != end || seconds < 1 || seconds > 86400;
-    return bad ? std::nullopt : std::optional<std::int32_t>(seconds);
-}
-
-} // namespace
 
 int main(int argc, char** argv)
 {
-    const Arguments args = tvx::platform::commandLineUtf8(argc, argv);
     QApplication app(argc, argv);
     tvx::ui::shareJapaneseFace();
-    bool badInterval = false;
-    const auto interval = intervalOption(args, badInterval);
-    if (badInterval) {
-        std::fprintf(stderr, "usage: tallivex [--home DIR] [--interval SECONDS (1..86400)]\n");
+    const tvx::app::AppOptions options = tvx::app::parseAppOptions(tvx::platform::commandLineUtf8(argc, argv));
+    if (options.bad) {
+        std::fprintf(stderr, "%s\n", tvx::app::kUsage.data());
         return 2;
     }
-    const std::filesystem::path home = tvx::platform::homeFolder(homeOverride(args));
+    const std::filesystem::path home = tvx::platform::homeFolder(options.home);
     tvx::ui::QtPrompter prompter;
     const auto instance =
         tvx::app::guardStart(home, tvx::platform::programFolder(), tvx::platform::temporaryFolder(), prompter);
@@ -110,23 +49,20 @@ int main(int argc, char** argv)
     tvx::platform::SystemClock clock;
     tvx::DebugLog log(home, clock);
     tvx::Settings settings = tvx::defaultSettings(tvx::pathUtf8(home));
-    writeStartLines(log, tvx::programTitle(settings.SearchWindowName), home);
+    tvx::app::writeStartLines(log, tvx::programTitle(settings.SearchWindowName), home);
 
     tvx::CheckSystemFiles(tvx::platform::requiredLibraries(), tvx::platform::canLoadLibrary, prompter, log);
     const std::unique_ptr<tvx::TextCodec> codec = tvx::platform::makeTextCodec();
     tvx::ConfigFile config(settings, home, prompter, *codec, &log);
     config.run(tvx::ConfigFile::Load);
-    try {
-        log.WriteDebugLog("Reading ConfigFile ･･･ End ");
-    } catch (const tvx::RuntimeError&) {
-    }
+    tvx::app::writeReadConfigLine(log);
 
     tvx::ui::FormMain window(tvx::programTitle(settings.SearchWindowName), log, home);
     tvx::ui::QtWaiter waiter;
     const std::unique_ptr<tvx::Sound> sound = tvx::platform::makeSound();
     tvx::ui::QtShellLauncher shell;
     tvx::ui::QtImageEncoder encoder;
-    NoGame noGame;
+    tvx::app::NoGame noGame;
     const std::unique_ptr<tvx::platform::GameScreen> screen = tvx::platform::makeGameScreen();
     tvx::GameWindowProbe& probe = screen ? static_cast<tvx::GameWindowProbe&>(*screen) : noGame;
     tvx::ScreenSource& source = screen ? static_cast<tvx::ScreenSource&>(*screen) : noGame;
@@ -140,8 +76,8 @@ int main(int argc, char** argv)
     window.setEnvironmentSource(tvx::platform::gatherEnvironment);
     window.attach(meter);
     window.setGestureSource(mouse.get(), &prompter);
-    if (interval)
-        window.setIntervalSeconds(*interval);
+    if (options.intervalSeconds)
+        window.setIntervalSeconds(*options.intervalSeconds);
     // Asked to end by the system: close as the close button does, summary and all.
     std::unique_ptr<QSocketNotifier> termination;
     if (const int descriptor = tvx::platform::terminationDescriptor(); descriptor >= 0) {
@@ -155,10 +91,6 @@ int main(int argc, char** argv)
     window.FormMain_Load();
     // A close during the load (its waits keep events flowing) leaves no window to wait for.
     const int status = window.isVisible() ? QApplication::exec() : 0;
-    try {
-        log.WriteDebugLog("End of the Program ");
-        tvx::WriteOperatingInformation(tvx::platform::gatherEnvironment(), log);
-    } catch (const tvx::RuntimeError&) {
-    }
+    tvx::app::writeEndLines(log, tvx::platform::gatherEnvironment());
     return status;
 }

@@ -2,22 +2,15 @@
 // drawn; gestures from xdotool; the level-up burst.
 #include "Processes.h"
 
-#include "TextCodecFactory.h"
-#include "config/ConfigFile.h"
-#include "config/Settings.h"
-#include "measurement/ExpTable.h"
 #include "recognition/CaptureFile.h"
-#include "base/Utf8Path.h"
-#include "support/CsvFields.h"
+#include "support/EndToEnd.h"
 #include "support/ReadFile.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <set>
-#include <sstream>
 
 namespace tvx {
 namespace {
@@ -25,26 +18,7 @@ namespace {
 using namespace std::chrono_literals;
 namespace fs = std::filesystem;
 
-std::vector<std::string> lines(const std::string& text)
-{
-    std::vector<std::string> result;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) {
-        if (!line.empty() && line.back() == '\r')
-            line.pop_back();
-        if (!line.empty())
-            result.push_back(line);
-    }
-    return result;
-}
-
-using test::csvFields;
-
-std::int64_t number(std::string text)
-{
-    std::erase(text, ',');
-    return std::stoll(text);
-}
+using test::textLines;
 
 std::vector<std::string> filesIn(const fs::path& folder)
 {
@@ -68,25 +42,7 @@ protected:
         ASSERT_TRUE(xvfb.started()) << "Xvfb is missing";
         ASSERT_TRUE(test::eventually([&] { return fs::exists("/tmp/.X11-unix/X" + std::to_string(n)); }, 10s));
         setenv("DISPLAY", display.c_str(), 1);
-        writeSettings();
-    }
-
-    // Records in CSV, gestures and the level watch on, a short start-up delay.
-    void writeSettings()
-    {
-        Settings s = defaultSettings(pathUtf8(home.path()));
-        s.SaveFolder = pathUtf8(save);
-        s.SaveCsv = true;
-        s.SaveMonthly = false;
-        s.StartDelay = 1;
-        s.Gesture = true;
-        s.GestureTime = 1500;
-        s.DoHLCheckExec = true;
-        s.DoHLInterval = 300;
-        s.SaveFormat = ".png";
-        fs::create_directories(save);
-        const auto codec = platform::makeTextCodec();
-        std::ofstream(home.path() / "TV2MConfig.ini", std::ios::binary) << codec->toCp932(configFileText(s));
+        test::writeSessionSettings(home.path(), save);
     }
 
     std::string x(const std::string& command) { return test::output("xdotool " + command + " 2>/dev/null"); }
@@ -101,29 +57,7 @@ protected:
 
     std::string debugLog() { return test::readAll(home.path() / "debug.txt"); }
 
-    std::vector<std::string> records()
-    {
-        const auto names = filesIn(save / "log");
-        if (names.empty())
-            return {};
-        auto all = lines(test::readAll(save / "log" / names.front()));
-        if (!all.empty())
-            all.erase(all.begin()); // the header
-        return all;
-    }
-
-    // The totals the practice target drew, from its state file: level -> totals.
-    std::set<std::pair<std::int64_t, std::int64_t>> drawnTotals()
-    {
-        std::set<std::pair<std::int64_t, std::int64_t>> totals;
-        for (const auto& line : lines(test::readAll(state))) {
-            std::istringstream in(line);
-            std::int64_t seconds = 0, level = 0, exp = 0, money = 0;
-            if (in >> seconds >> level >> exp >> money)
-                totals.insert({level, ExpTable(static_cast<std::int32_t>(level)).wholePart() + exp});
-        }
-        return totals;
-    }
+    std::vector<std::string> records() { return test::recordLines(save); }
 
     test::TempFolder home;
     fs::path save = home.path() / "save";
@@ -139,7 +73,7 @@ TEST_F(MeterEndToEndTest, TheMeterReadsThePracticeTargetAndAnswersGestures)
     ASSERT_TRUE(practice.started());
     std::string game;
     ASSERT_TRUE(test::eventually([&] { return !(game = x("search --name '^MapleStory$'")).empty(); }, 20s));
-    game = lines(game).front();
+    game = textLines(game).front();
 
     // Beside the game, as a player would place it.
     test::Child meter({TALLIVEX_METER, "--home", pathUtf8(home.path()), "--interval", "2", "-qwindowgeometry",
@@ -152,25 +86,8 @@ TEST_F(MeterEndToEndTest, TheMeterReadsThePracticeTargetAndAnswersGestures)
     x("mousemove --window " + game + " 400 300");
 
     ASSERT_TRUE(test::eventually([&] { return records().size() >= 2; }, 30s)) << debugLog();
-    const auto drawn = drawnTotals();
-    const auto lines = records();
-    std::int64_t previous = -1;
-    for (const auto& line : lines) {
-        const auto f = csvFields(line);
-        ASSERT_GE(f.size(), 8u) << line;
-        const std::int64_t level = number(f[1]);
-        const std::int64_t total = number(f[2]);
-        const std::int64_t gain = number(f[4]);
-        EXPECT_TRUE(drawn.contains({level, total})) << "not drawn: " << line;
-        // Each record counts from the reading before it, which the target drew too.
-        EXPECT_TRUE(std::any_of(drawn.begin(), drawn.end(), [&](const auto& d) { return d.second == total - gain; }))
-            << line;
-        if (previous >= 0) {
-            EXPECT_EQ(total - gain, previous) << line;
-        }
-        EXPECT_GT(gain, 0) << line;
-        previous = total;
-    }
+    for (const auto& fault : test::recordFaults(records(), test::drawnTotals(state)))
+        ADD_FAILURE() << fault;
 
     // Suspend (L R L L), resume (L R L R), the double chord for a print screen.
     clicks("LRLL");

@@ -66,6 +66,16 @@ void paintStatusBar(Frame& frame, const CharacterState& state)
     }
 }
 
+// Darkens the hint line's background as a black veil of opacity 150/255 would.
+void shade(Frame& frame, const SceneRect& box)
+{
+    for (std::int32_t y = box.y; y < box.y + box.height; ++y) {
+        std::uint8_t* p = frame.row(y) + 3 * static_cast<std::size_t>(box.x);
+        for (std::int32_t i = 0; i < 3 * box.width; ++i)
+            p[i] = static_cast<std::uint8_t>(p[i] * (255 - 150) / 255);
+    }
+}
+
 } // namespace
 
 bool overlaps(const SceneRect& box, const CaptureRegionRect& region)
@@ -81,6 +91,7 @@ Frame paintScene(const Settings& settings, const CharacterState& state)
     paintItemWindow(frame);
     paintStatusBar(frame, state);
     paintStatusNumbers(frame, settings, statusTexts(state));
+    shade(frame, kHintBox);
     return frame;
 }
 

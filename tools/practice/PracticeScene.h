@@ -29,7 +29,8 @@ inline constexpr SceneRect kMoneyTitle{4, 240, 160, 24};
 bool overlaps(const SceneRect& box, const CaptureRegionRect& region);
 
 // The game-like picture for a state: sky, ground, a figure, an item window with the money,
-// the status bar with level and experience, all in the regions' glyphs and colours.
+// the status bar with level and experience, all in the regions' glyphs and colours, and
+// the darkened strip the hint line is written on.
 Frame paintScene(const Settings& settings, const CharacterState& state);
 
 } // namespace tvx::practice

@@ -1,40 +1,32 @@
 #pragma once
 
-#include "ports/MouseButtons.h"
+// moc cannot parse the standard library's C++20 headers; it needs none of these types.
+#ifndef Q_MOC_RUN
+#include "meter/GestureListener.h"
+#endif
 
 #include <QObject>
 
 class QSocketNotifier;
 
-namespace tvx {
-class DebugLog;
-class Meter;
-class Prompter;
-} // namespace tvx
-
 namespace tvx::ui {
 
-// The gesture listener: owns the background mouse-button source while gestures are on
-// and hands every batch of button events to the meter's gesture matcher.
+// The gesture listener in Qt: the core's listener, with the source's descriptor watched
+// while it is loaded where the source needs polling.
 class FormDirectX : public QObject {
     Q_OBJECT
 
 public:
     FormDirectX(Meter& meter, MouseButtonSource& source, DebugLog& log, Prompter& prompter, QObject* parent = nullptr);
-    ~FormDirectX() override;
 
-    // False when the mouse could not be opened; the player has been told and gestures stay off.
-    bool Form_Load();
-    void Form_Unload();
-    bool loaded() const { return m_loaded; }
+    bool Form_Load() { return m_listener.Form_Load(); }
+    void Form_Unload() { m_listener.Form_Unload(); }
+    bool loaded() const { return m_listener.loaded(); }
+    void followSetting() { m_listener.followSetting(); }
 
 private:
-    Meter& m_meter;
-    MouseButtonSource& m_source;
-    DebugLog& m_log;
-    Prompter& m_prompter;
+    GestureListener m_listener;
     QSocketNotifier* m_notifier = nullptr;
-    bool m_loaded = false;
 };
 
 } // namespace tvx::ui

@@ -9,6 +9,7 @@
 #include "QtText.h"
 
 #include "graph/GraphLayout.h"
+#include "view/FormMainCommands.h"
 #include "meter/Meter.h"
 #include "recognition/CaptureFile.h"
 #include "shell/DebugLog.h"
@@ -43,7 +44,6 @@ namespace {
 
 constexpr int kLeftPanelWidth = 488;
 constexpr int kLogWidth = 465;
-constexpr std::string_view kHomePage = "https://tallivex.jp/";
 
 QLabel* namedLabel(const QString& name, const QString& text, QWidget* parent)
 {
@@ -109,39 +109,37 @@ QAction* FormMain::action(const char* name) const
 
 void FormMain::buildMenus()
 {
-    auto add = [this](QWidget* menu, const char* name, const char* caption, auto handler) {
-        auto* item = new QAction(QString::fromUtf8(caption), this);
-        item->setObjectName(QString::fromLatin1(name));
-        menu->addAction(item);
-        connect(item, &QAction::triggered, this, [this, name, handler] { trapErrors(m_log, name, handler); });
-        return item;
+    auto add = [this](QWidget* menu, const MenuItem& item) {
+        auto* entry = new QAction(qtText(item.caption), this);
+        entry->setObjectName(qtText(item.name));
+        menu->addAction(entry);
+        const MenuCommand command = item.command;
+        connect(entry, &QAction::triggered, this, [this, command] { runCommand(command); });
     };
-    auto submenu = [this](const char* name, const char* caption) {
-        QMenu* menu = menuBar()->addMenu(QString::fromUtf8(caption));
-        menu->setObjectName(QString::fromLatin1(name));
-        return menu;
-    };
-    QMenu* file = submenu("menuFile", "ファイル");
-    add(file, "menuPatternSave", "パターン保存", [this] { menuPatternSave_Click(); });
-    add(file, "menuEnd", "終了", [this] {
-        m_log.WriteDebugLog("Click : END ");
-        close();
-    });
-    add(menuBar(), "menuOption", "設定", [this] { menuOption_Click(); });
-    add(menuBar(), "menuRun", "開始", [this] { m_meter->menuRun_Click(); })->setEnabled(false);
-    add(menuBar(), "menuStop", "停止", [this] { m_meter->menuStop_Click(); })->setEnabled(false);
-    QMenu* tools = submenu("menuTools", "ツール");
-    add(tools, "menuTimeLeft", "あと何時間？", [this] { m_meter->menuTimeLeft_Click(); });
-    add(tools, "menuRandomOne", "らんだまーオンリーONE", [this] { m_meter->menuRandomOne_Click(); });
-    add(tools, "menuRandomSome", "らんだまーステキなサムシング", [this] { m_meter->menuRandomSome_Click(); });
-    add(tools, "menuPrtScr", "プリントスクリーン", [this] { m_meter->menuPrtScr_Click(); });
-    QMenu* help = submenu("menuHelp", "ヘルプ");
-    add(help, "menuQuick", "クイックリファレンス",
-        [this] { runFileBeside("Click : Show Quick Reference ", "とりあえず始めよう.mht"); });
-    add(help, "menuHowToUse", "使用方法", [this] { runFileBeside("Click : Show How To Use ", "使用方法M.mht"); });
-    add(help, "menuReadMe", "よんで！", [this] { runFileBeside("Click : Show Read Me ", "ReadMeM.txt"); });
-    add(help, "menuOperatingInfo", "実行環境調査", [this] { menuOperatingInfo_Click(); });
-    add(help, "menuVersion", "バージョン情報...", [this] { menuVersion_Click(); });
+    for (const MenuBarEntry& entry : mainMenu()) {
+        if (entry.items.empty()) {
+            add(menuBar(), entry.command);
+            continue;
+        }
+        QMenu* menu = menuBar()->addMenu(qtText(entry.caption));
+        menu->setObjectName(qtText(entry.name));
+        for (const MenuItem& item : entry.items)
+            add(menu, item);
+    }
+    action("menuRun")->setEnabled(false);
+    action("menuStop")->setEnabled(false);
+}
+
+void FormMain::runCommand(MenuCommand command)
+{
+    if (!m_commands)
+        return;
+    switch (m_commands->run(command)) {
+    case WindowAction::Close: close(); break;
+    case WindowAction::ShowOptions: menuOption_Click(); break;
+    case WindowAction::ShowVersion: menuVersion_Click(); break;
+    case WindowAction::None: break;
+    }
 }
 
 QWidget* FormMain::buildResults()
@@ -218,6 +216,9 @@ QWidget* FormMain::buildDebugArea()
 void FormMain::attach(Meter& meter)
 {
     m_meter = &meter;
+    m_commands = std::make_unique<FormMainCommands>(meter, m_log, m_programFolder);
+    m_commands->setDocumentFolder(m_documentFolder);
+    m_commands->setEnvironmentSource(m_environment);
     m_frmGraph->setSettings(meter.settings());
     m_frmGraph->setGraphView(meter.state().graphView);
     m_frmGraph->setMeterControls(&meter.state().controls);
@@ -394,36 +395,8 @@ void FormMain::debugModeChanged()
     m_frmDebug->setVisible(m_meter->state().DebugMode);
 }
 
-void FormMain::runFileBeside(const char* logLine, const char* document)
-{
-    m_log.WriteDebugLog(logLine);
-    const auto& folder = m_documentFolder.empty() ? m_programFolder : m_documentFolder;
-    m_meter->launcher().RunFile(pathUtf8(folder / utf8Path(document)), 500);
-}
-
-void FormMain::menuPatternSave_Click()
-{
-    m_log.WriteDebugLog("Click : Pattern Save ");
-    const auto& capture = m_meter->cycle().lastCapture();
-    if (capture) {
-        const std::string name = "Capture" + formatPatternStamp(m_meter->clock().now()) + ".bmp";
-        writeBitmap24(m_programFolder / name, toFrame(*capture));
-    } else {
-        m_meter->logBox().write("まだキャプチャしていません\r\n");
-    }
-    m_log.WriteDebugLog("Pattern Save ･･･ End ");
-}
-
-void FormMain::menuOperatingInfo_Click()
-{
-    m_log.WriteDebugLog("Click : Operating Information ");
-    if (m_environment)
-        m_meter->logBox().write("\r\n" + ReportEnvironment(m_environment(), true));
-}
-
 void FormMain::menuOption_Click()
 {
-    m_log.WriteDebugLog("Click : Option ");
     if (!m_config)
         return;
     const auto& capture = m_meter->cycle().lastCapture();
@@ -451,14 +424,7 @@ void FormMain::followGestureSetting()
         return;
     if (!m_formDirectX)
         m_formDirectX = new FormDirectX(*m_meter, *m_gestureSource, m_log, *m_gesturePrompter, this);
-    Settings& settings = m_meter->settings();
-    if (settings.Gesture && !m_formDirectX->loaded()) {
-        // A mouse that cannot be opened turns gestures off, as the player was told.
-        if (!m_formDirectX->Form_Load())
-            settings.Gesture = false;
-    } else if (!settings.Gesture && m_formDirectX->loaded()) {
-        m_formDirectX->Form_Unload();
-    }
+    m_formDirectX->followSetting();
 }
 
 void FormMain::setIntervalSeconds(std::int32_t seconds)
@@ -467,17 +433,14 @@ void FormMain::setIntervalSeconds(std::int32_t seconds)
         return;
     m_meter->state().intervalSecondsOverride = seconds;
     m_frmGraph->setIntervalSeconds(seconds);
-    // The timer only asks whether the next capture time has come; ask often enough.
-    if (seconds > 0)
-        m_timCaptureInterval->setInterval(std::min(10000, seconds * 1000 / 2 + 1));
+    m_timCaptureInterval->setInterval(FormMainCommands::captureTimerMs(seconds));
 }
 
 void FormMain::menuVersion_Click()
 {
-    m_log.WriteDebugLog("Click : VersionInformation ");
     QDialog dialog(this);
     dialog.setObjectName(QStringLiteral("FormVersion"));
-    dialog.setWindowTitle(QStringLiteral("バージョン情報"));
+    dialog.setWindowTitle(qtText(kVersionCaption));
     auto* rows = new QVBoxLayout(&dialog);
     auto* title = new QLabel(windowTitle(), &dialog);
     QFont big = title->font();
@@ -485,10 +448,11 @@ void FormMain::menuVersion_Click()
     big.setBold(true);
     title->setFont(big);
     rows->addWidget(title);
-    rows->addWidget(new QLabel(QStringLiteral("バージョン ") + qtText(kVersionText), &dialog));
-    auto* link = new QLabel(QStringLiteral("<a href=\"%1\">作者のホームページ</a>").arg(qtText(kHomePage)), &dialog);
+    rows->addWidget(new QLabel(qtText(FormMainCommands::versionLine()), &dialog));
+    auto* link = new QLabel(
+        QStringLiteral("<a href=\"%1\">%2</a>").arg(qtText(kHomePage), qtText(kHomePageCaption)), &dialog);
     link->setObjectName(QStringLiteral("lblHomePage"));
-    connect(link, &QLabel::linkActivated, this, [this] { m_meter->launcher().RunUrl(std::string(kHomePage), 500); });
+    connect(link, &QLabel::linkActivated, this, [this] { m_commands->openHomePage(); });
     rows->addWidget(link);
     auto* ok = new QPushButton(QStringLiteral("OK"), &dialog);
     connect(ok, &QPushButton::clicked, &dialog, &QDialog::accept);
@@ -500,8 +464,7 @@ void FormMain::closeEvent(QCloseEvent* event)
 {
     if (!m_closing && m_meter) {
         m_closing = true;
-        m_meter->close();
-        m_meter->logBox().write("\r\n        終了しています・・・\r\n");
+        m_commands->closing();
         if (m_formDirectX)
             m_formDirectX->Form_Unload();
         if (m_notice)

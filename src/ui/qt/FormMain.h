@@ -6,10 +6,12 @@
 
 #include "FormOption.h"
 #include "shell/EnvironmentReport.h"
+#include "view/FormMainCommands.h"
 
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -53,7 +55,7 @@ public:
 
     QPlainTextEdit* txtLog() const { return m_txtLog; }
     QAction* action(const char* name) const;
-    // Where the help documents are: the program's own folder.
+    // Where the help documents are: the program's own folder. Set before attach().
     void setDocumentFolder(std::filesystem::path folder) { m_documentFolder = std::move(folder); }
     // What the options window edits and how it takes a pattern capture.
     void setConfigFile(ConfigFile* config, PatternCaptureServices capture)
@@ -70,7 +72,7 @@ public:
     FormDirectX* formDirectX() const { return m_formDirectX; }
     // Demonstrations: the capture interval in seconds instead of minutes (0: the setting).
     void setIntervalSeconds(std::int32_t seconds);
-    // Where the environment report comes from.
+    // Where the environment report comes from. Set before attach().
     void setEnvironmentSource(std::function<EnvironmentFacts()> source) { m_environment = std::move(source); }
 
     // MeterView
@@ -98,9 +100,7 @@ private:
     QWidget* buildDebugArea();
     void showRow(const ResultRow& row, const std::array<QLabel*, 5>& labels);
     void showLogBox();
-    void runFileBeside(const char* logLine, const char* document);
-    void menuPatternSave_Click();
-    void menuOperatingInfo_Click();
+    void runCommand(MenuCommand command);
     void menuOption_Click();
     void menuVersion_Click();
     // Loads or unloads the gesture listener to follow the Gesture setting.
@@ -114,6 +114,7 @@ private:
     PatternCaptureServices m_patternCapture;
     FormOption* m_formOption = nullptr;
     Meter* m_meter = nullptr;
+    std::unique_ptr<FormMainCommands> m_commands;
     MouseButtonSource* m_gestureSource = nullptr;
     Prompter* m_gesturePrompter = nullptr;
     FormDirectX* m_formDirectX = nullptr;

@@ -4,8 +4,6 @@
 #include <QPainter>
 #include <QPolygonF>
 
-#include <utility>
-
 namespace tvx::ui {
 namespace {
 
@@ -41,21 +39,10 @@ GraphPicture::GraphPicture(QWidget* parent) : QWidget(parent)
     setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
-void GraphPicture::setGrid(const GraphGrid& grid)
+void GraphPicture::setDrawing(const GraphGrid& grid, const GraphCurves& curves)
 {
     m_grid = grid;
-    update();
-}
-
-void GraphPicture::setCurves(GraphCurves curves)
-{
-    m_curves = std::move(curves);
-    update();
-}
-
-void GraphPicture::clearCurves()
-{
-    m_curves = GraphCurves();
+    m_curves = curves;
     update();
 }
 

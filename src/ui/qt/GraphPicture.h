@@ -17,12 +17,10 @@ class GraphPicture : public QWidget {
 public:
     explicit GraphPicture(QWidget* parent = nullptr);
 
+    // What to paint; the picture keeps its own copy.
+    void setDrawing(const GraphGrid& grid, const GraphCurves& curves);
     const GraphGrid& grid() const { return m_grid; }
-    void setGrid(const GraphGrid& grid);
-
     const GraphCurves& curves() const { return m_curves; }
-    void setCurves(GraphCurves curves);
-    void clearCurves();
 
 signals:
     void clicked();

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "ports/GameWindowProbe.h"
+#include "ports/ScreenSource.h"
+#include "shell/EnvironmentReport.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tvx {
+class DebugLog;
+} // namespace tvx
+
+namespace tvx::app {
+
+// The desktop program's options: --home DIR and --interval SECONDS (1..86400).
+struct AppOptions {
+    std::optional<std::filesystem::path> home;
+    std::optional<std::int32_t> intervalSeconds;
+    bool bad = false; // an interval that is missing, not a number or out of range
+};
+
+inline constexpr std::string_view kUsage = "usage: tallivex [--home DIR] [--interval SECONDS (1..86400)]";
+
+// Arguments in UTF-8, the program name first.
+AppOptions parseAppOptions(const std::vector<std::string>& arguments);
+
+// The first lines of a run's debug log; a read-only home folder must not stop the meter.
+void writeStartLines(DebugLog& log, const std::string& title, const std::filesystem::path& home);
+void writeReadConfigLine(DebugLog& log);
+// The last lines: the end and the operating information.
+void writeEndLines(DebugLog& log, const EnvironmentFacts& facts);
+
+// Without a screen to talk to, the game is never found and nothing is captured.
+class NoGame final : public GameWindowProbe, public ScreenSource {
+public:
+    GameWindowState state(std::string_view) override { return GameWindowState::Missing; }
+    std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect>) override { return std::nullopt; }
+};
+
+} // namespace tvx::app

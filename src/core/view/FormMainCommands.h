@@ -1,0 +1,62 @@
+#pragma once
+
+#include "shell/EnvironmentReport.h"
+#include "view/MainMenu.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace tvx {
+
+class DebugLog;
+class Meter;
+
+// What a menu command leaves for the window to do after the engine's part.
+enum class WindowAction : std::uint8_t { None, Close, ShowOptions, ShowVersion };
+
+inline constexpr std::string_view kHomePage = "https://tallivex.jp/";
+inline constexpr std::string_view kVersionCaption = "バージョン情報";
+inline constexpr std::string_view kHomePageCaption = "作者のホームページ";
+inline constexpr std::string_view kClosingLine = "\r\n        終了しています・・・\r\n";
+
+// The main window's commands, the same for every front end: each menu command writes its
+// log line and does the engine's part; the window then opens or closes what it says.
+// Errors are trapped here under the command's name, so none reaches an event loop.
+class FormMainCommands {
+public:
+    FormMainCommands(Meter& meter, DebugLog& log, std::filesystem::path programFolder);
+
+    // Where the help documents are (the program's folder unless told otherwise).
+    void setDocumentFolder(std::filesystem::path folder) { m_documentFolder = std::move(folder); }
+    void setEnvironmentSource(std::function<EnvironmentFacts()> source) { m_environment = std::move(source); }
+
+    WindowAction run(MenuCommand command);
+
+    // The version window's line and its link.
+    static std::string versionLine();
+    void openHomePage();
+
+    // The engine's part of closing the window, then the last line of the log box.
+    void closing();
+
+    // How often the capture timer asks whether the next reading is due: every 10 s, or
+    // often enough for an interval given in seconds.
+    static std::int32_t captureTimerMs(std::int32_t intervalSeconds);
+
+private:
+    WindowAction dispatch(MenuCommand command);
+    void runDocument(std::string_view logLine, std::string_view document);
+    void menuPatternSave_Click();
+    void menuOperatingInfo_Click();
+
+    Meter& m_meter;
+    DebugLog& m_log;
+    std::filesystem::path m_programFolder;
+    std::filesystem::path m_documentFolder;
+    std::function<EnvironmentFacts()> m_environment;
+};
+
+} // namespace tvx

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "view/PixelRect.h"
+
+#include <array>
+#include <cstdint>
+#include <string_view>
+
+namespace tvx {
+
+class StepTrap;
+
+// The account's table: a header row, then one row each for start, end and increase,
+// whose labels are named prefix + field ("lblStartLv", "lblElapseMoney", ...).
+inline constexpr std::array<std::string_view, 5> kResultHeaders{"時刻", "Lv", "Exp", "％", "メル"};
+inline constexpr std::array<std::string_view, 5> kResultFields{"Time", "Lv", "Exp", "ExpPS", "Money"};
+struct ResultRowDesign {
+    std::string_view caption;
+    std::string_view prefix;
+};
+inline constexpr std::array<ResultRowDesign, 3> kResultRows{{{"開始", "lblStart"}, {"終了", "lblEnd"}, {"増加", "lblElapse"}}};
+inline constexpr std::string_view kTempStopCaption = "一時停止";
+inline constexpr std::string_view kTestCaptureCaption = "テストキャプチャ";
+inline constexpr std::string_view kTestRecognizeCaption = "テスト認識";
+
+// The left panel of the main window in pixels of its client area: the account, the test
+// pause button with the recogniser's captions beside it, the log box and, in debug mode,
+// the debug area under it with the capture previews and the test buttons.
+struct FormMainLayout {
+    std::array<PixelRect, 5> headers;
+    std::array<PixelRect, 3> rowCaptions;
+    std::array<std::array<PixelRect, 5>, 3> values; // [row][field]
+    PixelRect cmdTempStop;
+    std::array<PixelRect, 3> lblCapture;
+    PixelRect txtLog;
+    bool frmDebugVisible = false;
+    PixelRect frmDebug;
+    std::array<PixelRect, 3> picCapture; // inside frmDebug's place, in client pixels
+    PixelRect cmdCapture;
+    PixelRect cmdRecognize;
+    PixelRect lblElapse;
+};
+
+inline constexpr std::int32_t kFrmDebugHeight = 72;
+
+// The log box keeps its last height when the window is too low for a positive one.
+FormMainLayout formMainLayout(std::int32_t clientHeight, bool debugMode, std::int32_t txtLogHeightBefore,
+                              StepTrap& trap);
+
+} // namespace tvx

@@ -1,0 +1,102 @@
+#include "PracticeSession.h"
+
+#include "support/ReadFile.h"
+#include "support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace tvx::practice {
+namespace {
+
+using Redraw = PracticeSession::Redraw;
+
+TEST(PracticeSession, KeyCodesOfBothToolkitsMapToTheSameKeys)
+{
+    const struct {
+        int code;
+        std::optional<PracticeKey> key;
+    } cases[] = {
+        {'D', PracticeKey::Die}, {'C', PracticeKey::Change}, {'U', PracticeKey::LevelUp}, {' ', PracticeKey::Pause},
+        // Lower case 0x64 is the numeric pad's 4 on Windows; neither toolkit reports letters so.
+        {'d', std::nullopt}, {'X', std::nullopt}, {0x01000000 /* Qt's Escape */, std::nullopt}, {0, std::nullopt},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(practiceKey(c.code), c.key) << c.code;
+}
+
+TEST(PracticeSession, EachTickAndKeySaysWhatToRedraw)
+{
+    struct Step {
+        const char* name;
+        CharacterState start;
+        std::optional<PracticeKey> key; // none: a tick
+        bool pausedBefore;
+        Redraw expected;
+    };
+    const Step steps[] = {
+        {"a tick raises the numbers", {50, 0, 0}, std::nullopt, false, Redraw::Scene},
+        {"a paused tick changes nothing", {50, 0, 0}, std::nullopt, true, Redraw::Nothing},
+        {"the pause only rewrites the hint", {50, 0, 0}, PracticeKey::Pause, false, Redraw::Labels},
+        {"keys work while paused", {50, 0, 0}, PracticeKey::Die, true, Redraw::Scene},
+        {"no level above the top", {200, 0, 0}, PracticeKey::LevelUp, false, Redraw::Nothing},
+        {"dying at level 1 from nothing loses nothing", {1, 0, 0}, PracticeKey::Die, false, Redraw::Nothing},
+        {"a character change", {1, 0, 0}, PracticeKey::Change, false, Redraw::Scene},
+    };
+    for (const Step& step : steps) {
+        SCOPED_TRACE(step.name);
+        PracticeOptions options;
+        options.start = step.start;
+        PracticeSession session(options);
+        if (step.pausedBefore)
+            session.press(PracticeKey::Pause);
+        const CharacterState before = session.state();
+        const Redraw redraw = step.key ? session.press(*step.key) : session.tick();
+        EXPECT_EQ(redraw, step.expected);
+        EXPECT_EQ(session.state() != before, redraw == Redraw::Scene);
+    }
+}
+
+TEST(PracticeSession, TheStateFileGetsEachDrawnStateOnce)
+{
+    test::TempFolder folder;
+    PracticeOptions options;
+    options.start = {2, 30, 100};
+    options.expPerTick = 0;
+    options.moneyPerTick = 5;
+    options.stateFile = (folder.path() / "state.txt").string();
+    PracticeSession session(options);
+
+    session.drawn();
+    session.drawn(); // a repaint of the same picture
+    session.tick();
+    session.press(PracticeKey::Pause);
+    session.drawn();
+    session.tick(); // paused
+    session.drawn();
+    session.press(PracticeKey::Die);
+    session.drawn();
+
+    std::istringstream text(test::readAll(folder.path() / "state.txt"));
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(text, line);) {
+        EXPECT_GT(std::stoll(line), 1'600'000'000) << line;
+        lines.push_back(line.substr(line.find(' ') + 1));
+    }
+    EXPECT_EQ(lines, (std::vector<std::string>{"2 30 100", "2 30 105", "1 0 105"}));
+    EXPECT_EQ(stateLine(1'700'000'123, {12, 345, 6789}), "1700000123 12 345 6789");
+}
+
+TEST(PracticeSession, HintLineIsJapaneseAndNamesEveryKey)
+{
+    const std::string hint = hintText(false);
+    for (const char* key : {"D:", "C:", "U:", "Space:"})
+        EXPECT_NE(hint.find(key), std::string::npos) << key;
+    EXPECT_NE(hint.find("死亡"), std::string::npos);
+    EXPECT_TRUE(hintText(true).starts_with("【一時停止中】"));
+    EXPECT_EQ(sceneLabels(true).front().text, hintText(true));
+}
+
+} // namespace
+} // namespace tvx::practice
