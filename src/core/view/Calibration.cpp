@@ -115,6 +115,14 @@ CalibrationRegionView Calibration::view(int region) const
     return out;
 }
 
+RegionPreview Calibration::preview(int region) const
+{
+    Settings learnt = m_picker.settings();
+    m_learners.at(static_cast<std::size_t>(region)).applyTo(learnt);
+    const auto& screen = m_picker.screen();
+    return previewRegion(screen ? &*screen : nullptr, learnt, region);
+}
+
 bool Calibration::hasChanges() const
 {
     return m_moved || std::any_of(m_learners.begin(), m_learners.end(), [](const TemplateLearner& l) { return l.learnt(); });

@@ -39,6 +39,8 @@ public:
     bool learn();
 
     CalibrationRegionView view(int region) const;
+    // The region on the present screen, read with what was learnt for it.
+    RegionPreview preview(int region) const;
     // True once some region learnt something or a region was moved.
     bool hasChanges() const;
     // Writes the regions and what was learnt into the settings.

@@ -24,6 +24,9 @@ struct RegionPreview {
     bool read = false;
 };
 
+// A region of a screen (none: no capture yet) as the settings binarise and read it.
+RegionPreview previewRegion(const CaptureBitmap* screen, const Settings& settings, int region);
+
 // Choosing the three capture regions by dragging rectangles over a capture of the whole
 // screen, shown enlarged by a zoom. The windows pass mouse positions in picture pixels
 // (the zoomed picture's top-left is 0,0) and draw the rectangles and previews it gives.
@@ -63,7 +66,7 @@ public:
     // The working settings: the regions as dragged, the rest as given.
     const Settings& settings() const { return m_settings; }
     Settings& settings() { return m_settings; }
-    RegionPreview preview(int region) const;
+    RegionPreview preview(int region) const { return previewRegion(m_screen ? &*m_screen : nullptr, m_settings, region); }
 
 private:
     bool spanTo(const ScreenPoint& corner);

@@ -35,6 +35,8 @@ TEST(CalibrationTest, LearnsFromScreensAndKeepsTheResultUntilConfirmed)
     EXPECT_EQ(exp.missing, "");
     EXPECT_EQ(exp.readBack, (std::vector<std::string>{"1234567 → 1234567", "8890123 → 8890123", "4455667 → 4455667"}));
     EXPECT_EQ(exp.glyphs[5], test::fontGlyph('5'));
+    EXPECT_EQ(calibration.preview(RegionExp).reading, "4455667"); // the last screen, with what was learnt
+    EXPECT_FALSE(calibration.picker().preview(RegionExp).read); // the built-in templates cannot
 
     const CalibrationRegionView money = calibration.view(RegionMoney);
     EXPECT_EQ(money.message, "");
