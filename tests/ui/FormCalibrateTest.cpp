@@ -2,15 +2,22 @@
 #include "GlyphView.h"
 #include "ScreenPicture.h"
 
+#include "TextCodecFactory.h"
+#include "config/ConfigFile.h"
 #include "ports/ScreenSource.h"
 #include "ports/Waiter.h"
+#include "base/Utf8Path.h"
 #include "support/BitmapFont.h"
+#include "support/FakeClock.h"
+#include "support/ScriptedPrompter.h"
+#include "support/TempFolder.h"
 
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -136,6 +143,37 @@ TEST(FormCalibrateTest, DraggingOnTheZoomedScreenSetsTheRegionAndShowsItsReading
     // For the README: TALLIVEX_SCREENSHOT=file.png saves the window as the player sees it.
     if (const QByteArray path = qgetenv("TALLIVEX_SCREENSHOT"); !path.isEmpty())
         form.grab().save(QString::fromLocal8Bit(path));
+}
+
+TEST(FormCalibrateTest, TheOptionsWindowOpensItAndTakesWhatIsConfirmed)
+{
+    test::TempFolder home;
+    test::FakeClock clock{LocalDateTime{2024, 3, 9, 7, 5, 2}};
+    DebugLog log{home.path(), clock};
+    test::ScriptedPrompter prompter;
+    const auto codec = platform::makeTextCodec();
+    Settings settings = defaultSettings(pathUtf8(home.path()));
+    ConfigFile config{settings, home.path(), prompter, *codec, &log};
+    int sized = 0;
+    config.setSecurePixels([&sized] { ++sized; });
+    const CaptureBitmap screen = fontCapture({"", "4096", ""}, 1);
+    FormOption options(config, &screen);
+    EXPECT_EQ(child<QLabel>(options, QStringLiteral("lblResult1"))->text(), QStringLiteral("認識結果： 認識できません"));
+
+    bool shown = false;
+    QTimer::singleShot(0, [&shown] {
+        auto* form = qobject_cast<FormCalibrate*>(QApplication::activeModalWidget());
+        ASSERT_NE(form, nullptr);
+        shown = true;
+        child<QLineEdit>(*form, QStringLiteral("txtNumber1"))->setText(QStringLiteral("4,096"));
+        child<QPushButton>(*form, QStringLiteral("cmdLearn"))->click();
+        child<QPushButton>(*form, QStringLiteral("cmdApply"))->click();
+    });
+    child<QPushButton>(options, QStringLiteral("cmdCalibrate"))->click();
+    EXPECT_TRUE(shown);
+    EXPECT_EQ(sized, 1);
+    EXPECT_EQ(child<QLabel>(options, QStringLiteral("lblResult1"))->text(), QStringLiteral("認識結果： 4096"));
+    EXPECT_EQ(settings.PatternStrings[RegionLevel], defaultSettings("").PatternStrings[RegionLevel]);
 }
 
 } // namespace
