@@ -9,6 +9,7 @@
 #include "base/Utf8Path.h"
 #include "support/BitmapFont.h"
 #include "support/FakeClock.h"
+#include "support/ReadFile.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TempFolder.h"
 
@@ -174,6 +175,9 @@ TEST(FormCalibrateTest, TheOptionsWindowOpensItAndTakesWhatIsConfirmed)
     EXPECT_EQ(sized, 1);
     EXPECT_EQ(child<QLabel>(options, QStringLiteral("lblResult1"))->text(), QStringLiteral("認識結果： 4096"));
     EXPECT_EQ(settings.PatternStrings[RegionLevel], defaultSettings("").PatternStrings[RegionLevel]);
+    const std::string debugLog = test::readAll(log.path());
+    EXPECT_NE(debugLog.find("Click : Calibration Learn "), std::string::npos) << debugLog;
+    EXPECT_NE(debugLog.find("Click : Calibration Apply "), std::string::npos);
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "base/Errors.h"
 #include "ports/ScreenSource.h"
 #include "ports/Waiter.h"
+#include "shell/DebugLog.h"
 
 #include <QComboBox>
 #include <QGridLayout>
@@ -35,8 +36,8 @@ QString indexed(const char* name, int index)
 } // namespace
 
 FormCalibrate::FormCalibrate(Settings& settings, const CaptureBitmap* screen, PatternCaptureServices capture,
-                             QWidget* parent)
-    : QDialog(parent), m_settings(settings), m_calibration(settings), m_captureServices(capture)
+                             DebugLog* log, QWidget* parent)
+    : QDialog(parent), m_settings(settings), m_calibration(settings), m_captureServices(capture), m_log(log)
 {
     setObjectName(QStringLiteral("FormCalibrate"));
     setWindowTitle(QStringLiteral("画面から学習"));
@@ -212,8 +213,20 @@ void FormCalibrate::refreshRegion(int region)
     row.message->setStyleSheet(view.refused ? QStringLiteral("color: #c00000;") : QString());
 }
 
+void FormCalibrate::logLine(const std::string& line)
+{
+    if (!m_log)
+        return;
+    try {
+        m_log->WriteDebugLog(line);
+    } catch (const RuntimeError&) {
+        // A log that cannot be written must not stop the calibration.
+    }
+}
+
 void FormCalibrate::cmdLearn_Click()
 {
+    logLine("Click : Calibration Learn ");
     if (!m_calibration.picker().screen()) {
         m_status->setText(QStringLiteral("先に画面を取り込んでください。"));
         return;
@@ -228,6 +241,7 @@ void FormCalibrate::cmdLearn_Click()
 
 void FormCalibrate::cmdCapture_Click()
 {
+    logLine("Click : Calibration Capture ");
     QPointer<FormCalibrate> alive(this);
     m_cmdCapture->setEnabled(false);
     m_status->setText(QStringLiteral("10秒後に取り込みます。ゲームを前面に出してください…"));
@@ -241,16 +255,18 @@ void FormCalibrate::cmdCapture_Click()
             throw RuntimeError(ErrorNumber::InvalidProcedureCall, "no screen image");
         showScreen(*std::move(image));
         m_status->setText(QStringLiteral("取り込みました。数字を入力して「学習する」を押してください。"));
-    } catch (const RuntimeError&) {
+    } catch (const RuntimeError& e) {
         if (!alive)
             return;
         m_status->setText(QStringLiteral("画面を取り込めませんでした。"));
+        logLine(errorTrapLine("cmdCalibrationCapture_Click", e.number()));
     }
     m_cmdCapture->setEnabled(true);
 }
 
 void FormCalibrate::cmdApply_Click()
 {
+    logLine("Click : Calibration Apply ");
     m_calibration.applyTo(m_settings);
     accept();
 }

@@ -15,6 +15,10 @@ class QPushButton;
 class QRadioButton;
 class QScrollArea;
 
+namespace tvx {
+class DebugLog;
+}
+
 namespace tvx::ui {
 
 class GlyphView;
@@ -27,8 +31,9 @@ class FormCalibrate : public QDialog {
     Q_OBJECT
 
 public:
+    // log may be null (no debug log).
     FormCalibrate(Settings& settings, const CaptureBitmap* screen, PatternCaptureServices capture,
-                  QWidget* parent = nullptr);
+                  DebugLog* log = nullptr, QWidget* parent = nullptr);
     ~FormCalibrate() override;
 
     Calibration& calibration() { return m_calibration; }
@@ -51,10 +56,12 @@ private:
     void cmdLearn_Click();
     void cmdCapture_Click();
     void cmdApply_Click();
+    void logLine(const std::string& line);
 
     Settings& m_settings;
     Calibration m_calibration;
     PatternCaptureServices m_captureServices;
+    DebugLog* m_log;
     ScreenPicture* m_picture = nullptr;
     QScrollArea* m_scroll = nullptr;
     QComboBox* m_zoom = nullptr;

@@ -253,7 +253,7 @@ QWidget* FormOption::buildRegionsTab()
     calibrate->setObjectName(QStringLiteral("cmdCalibrate"));
     calibrate->setAutoDefault(false);
     connect(calibrate, &QPushButton::clicked, this, [this] {
-        FormCalibrate dialog(m_settings, capture(), m_captureServices, this);
+        FormCalibrate dialog(m_settings, capture(), m_captureServices, m_config.log(), this);
         if (dialog.exec() != QDialog::Accepted)
             return;
         m_config.sizeBuffers();
