@@ -18,6 +18,10 @@ constexpr int kDigitsPerGroup = 3;
 // Layouts kept between images; more than enough for the phases and widths that a few
 // digits leave open.
 constexpr std::size_t kKept = 24;
+// A wide noisy region fits a great many layouts; only the most plausible are worth
+// reading back, so the candidates are cut down as they come.
+constexpr std::size_t kPruneAt = 8192;
+constexpr std::size_t kPruneTo = 1024;
 
 bool hasInk(const GlyphColumns& columns, std::int32_t first, std::int32_t count)
 {
@@ -143,8 +147,7 @@ LearnOutcome TemplateLearner::addColumns(std::string columnString, std::string_v
     std::vector<Hypothesis> candidates = extendAll(fresh ? std::vector<Hypothesis>(1) : m_hypotheses, sample);
     if (candidates.empty())
         return refuse(sample);
-    std::stable_sort(candidates.begin(), candidates.end(),
-                     [this](const Hypothesis& a, const Hypothesis& b) { return better(a, b); });
+    keepBest(candidates, candidates.size());
 
     std::vector<const Sample*> all;
     for (const Sample& s : m_samples)
@@ -207,17 +210,40 @@ std::vector<TemplateLearner::Hypothesis> TemplateLearner::extendAll(const std::v
                                     [&](std::int32_t x) { return hasInk(sample.columns, x, w); });
                     if (!inked)
                         continue;
+                    if (!fitsCheaply(base, layout, sample))
+                        continue;
                     Hypothesis h = base;
                     h.width = w;
                     if (showsSeparators)
                         h.separatorWidth = sep;
                     if (!extend(h, layout, sample))
                         out.push_back(std::move(h));
+                    if (out.size() >= kPruneAt)
+                        keepBest(out, kPruneTo);
                 }
             }
         }
     }
     return out;
+}
+
+bool TemplateLearner::fitsCheaply(const Hypothesis& base, const GlyphLayout& layout, const Sample& sample) const
+{
+    // Without copying anything: each digit cell against what the base knows of it, or
+    // against the same digit earlier in this image.
+    const auto cellAt = [&](std::int32_t x) { return sample.columns.begin() + x; };
+    const std::int32_t w = layout.width;
+    for (std::size_t k = 0; k < layout.digitColumns.size(); ++k) {
+        const auto digit = static_cast<std::size_t>(sample.digits[k] - '0');
+        const GlyphColumns& known = base.glyphs[digit];
+        const auto cell = cellAt(layout.digitColumns[k]);
+        if (!known.empty() && !std::equal(known.begin(), known.end(), cell))
+            return false;
+        const std::size_t earlier = sample.digits.find(sample.digits[k]);
+        if (earlier < k && !std::equal(cell, cell + w, cellAt(layout.digitColumns[earlier])))
+            return false;
+    }
+    return true;
 }
 
 std::optional<int> TemplateLearner::extend(Hypothesis& h, const GlyphLayout& layout, const Sample& sample) const
@@ -279,6 +305,14 @@ bool TemplateLearner::better(const Hypothesis& a, const Hypothesis& b) const
     return startSum(a.layouts) > startSum(b.layouts);
 }
 
+void TemplateLearner::keepBest(std::vector<Hypothesis>& hypotheses, std::size_t count) const
+{
+    std::stable_sort(hypotheses.begin(), hypotheses.end(),
+                     [this](const Hypothesis& a, const Hypothesis& b) { return better(a, b); });
+    if (hypotheses.size() > count)
+        hypotheses.erase(hypotheses.begin() + static_cast<std::ptrdiff_t>(count), hypotheses.end());
+}
+
 PatternSet TemplateLearner::patternsOf(const Hypothesis& h) const
 {
     PatternSet patterns = m_priorPatterns;
@@ -316,7 +350,7 @@ LearnOutcome TemplateLearner::refuse(const Sample& sample) const
     std::vector<Hypothesis> alone = extendAll(std::vector<Hypothesis>(1), sample);
     if (alone.empty())
         return out;
-    std::stable_sort(alone.begin(), alone.end(), [this](const Hypothesis& a, const Hypothesis& b) { return better(a, b); });
+    keepBest(alone, alone.size());
     const Hypothesis& learntBest = m_hypotheses.front();
     out.refusal = LearnRefusal::Contradiction;
     out.learntWidth = learntBest.width;

@@ -117,11 +117,15 @@ private:
 
     // Every layout of the sample that agrees with one of the bases, as extended bases.
     std::vector<Hypothesis> extendAll(const std::vector<Hypothesis>& bases, const Sample& sample) const;
+    // A quick test that rules out most layouts before extend copies anything.
+    bool fitsCheaply(const Hypothesis& base, const GlyphLayout& layout, const Sample& sample) const;
     // Adds the layout's cells to h; the glyph that disagrees, if one does.
     std::optional<int> extend(Hypothesis& h, const GlyphLayout& layout, const Sample& sample) const;
     bool readsBack(const Hypothesis& h, const std::vector<const Sample*>& samples, std::string* misread) const;
     PatternSet patternsOf(const Hypothesis& h) const;
     bool better(const Hypothesis& a, const Hypothesis& b) const;
+    // Sorts the most plausible first and keeps `count` of them.
+    void keepBest(std::vector<Hypothesis>& hypotheses, std::size_t count) const;
     LearnOutcome refuse(const Sample& sample) const;
 
     int m_region;

@@ -166,6 +166,20 @@ TEST(TemplateLearnerTest, LayoutsAreKeptOnlyWhenTheImagesReadBack)
     EXPECT_FALSE(blocked.learnt());
 }
 
+TEST(TemplateLearnerTest, AWideRegionOverNoiseStillFindsTheNumber)
+{
+    // The region runs on far past the number, over a noisy screen that binarises to ink
+    // almost everywhere: a great many layouts have ink in every cell.
+    Settings wide = kDefaults;
+    wide.CaptureRegion[RegionExp].SizeX = 200;
+    Frame frame = test::fontScreen({"", "", ""});
+    test::paintFontText(frame, {463, 570, 40, 9}, RegionExp, 2, "4096]");
+    TemplateLearner learner(wide, RegionExp);
+    ASSERT_TRUE(learner.add(toCaptureBitmap(frame), "4096").accepted());
+    EXPECT_EQ(learner.readBack(0).digits, "4096");
+    EXPECT_EQ(learner.layout(0).digitColumns.size(), 4u);
+}
+
 TEST(TemplateLearnerTest, ScreensInTheBuiltInGlyphsTeachTheBuiltInTemplates)
 {
     for (int region = 0; region < kRegionCount; ++region) {
