@@ -131,7 +131,7 @@ QWidget* FormCalibrate::buildRegionRow(int region, RegionRow& row)
 {
     auto* box = new QWidget;
     auto* grid = new QGridLayout(box);
-    grid->setContentsMargins(0, 2, 0 ,2);
+    grid->setContentsMargins(0, 2, 0, 2);
     auto* name = new QLabel(kRegionNames[static_cast<std::size_t>(region)]);
     name->setStyleSheet(QStringLiteral("color: %1; font-weight: bold;").arg(regionColour(region).darker(130).name()));
     row.number = new QLineEdit;
