@@ -1,5 +1,6 @@
 // tallivex-cli: the meter's core without windows.
 #include "ConfigCommand.h"
+#include "LearnCommand.h"
 #include "RecognizeCommand.h"
 #include "ReplayCommand.h"
 
@@ -27,6 +28,9 @@ void printUsage(std::ostream& out)
            "         [--money-scan] [--window-mode] [--home DIR]\n"
            "      run one measurement session over screen images named by their second\n"
            "      (0.bmp, 360.bmp, ...), write the record file and print the log box\n"
+           "  learn --home DIR [--window-mode] IMAGE LEVEL EXP MONEY [IMAGE LEVEL EXP MONEY ...]\n"
+           "      learn each region's glyphs from screen images and the numbers they show (\"-\"\n"
+           "      skips a region); saved into DIR's configuration when every image fits\n"
            "options:\n"
            "  --home DIR          the folder of TV2MConfig.ini and debug.txt (default: the\n"
            "                      program's folder when writable, else the per-user data folder)\n"
@@ -54,6 +58,8 @@ int main(int argc, char** argv)
             return tvx::cli::runReplay(args, std::cout, std::cerr);
         if (command == "config")
             return tvx::cli::runConfig(args, std::cout, std::cerr);
+        if (command == "learn")
+            return tvx::cli::runLearn(args, std::cout, std::cerr);
     } catch (const std::exception& error) {
         std::cout.flush();
         std::cerr << "tallivex-cli " << command << ": " << error.what() << '\n';

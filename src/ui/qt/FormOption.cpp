@@ -1,5 +1,6 @@
 #include "FormOption.h"
 
+#include "FormCalibrate.h"
 #include "FormInputCheck.h"
 #include "GlyphView.h"
 #include "QtText.h"
@@ -250,6 +251,19 @@ QWidget* FormOption::buildRegionsTab()
     m_lblCaptureStatus->setObjectName(QStringLiteral("lblCaptureStatus"));
     captureRow->addWidget(m_cmdCapture);
     captureRow->addWidget(m_lblCaptureStatus, 1);
+    // Regions dragged on the screen and templates learnt from it, kept only when confirmed.
+    auto* calibrate = new QPushButton(QStringLiteral("画面から学習…"));
+    calibrate->setObjectName(QStringLiteral("cmdCalibrate"));
+    calibrate->setAutoDefault(false);
+    connect(calibrate, &QPushButton::clicked, this, [this] {
+        FormCalibrate dialog(m_editor.settings(), capture(), m_captureServices, m_config.log(), this);
+        if (dialog.exec() != QDialog::Accepted)
+            return;
+        m_config.sizeBuffers();
+        refresh();
+        changed();
+    });
+    captureRow->addWidget(calibrate);
     layout->addLayout(captureRow);
     layout->addStretch(1);
     return page;

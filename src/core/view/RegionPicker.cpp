@@ -1,0 +1,130 @@
+#include "view/RegionPicker.h"
+
+#include "base/Errors.h"
+#include "config/PatternColumns.h"
+#include "recognition/Recognizer.h"
+#include "recognition/TemplateLearner.h"
+
+#include <algorithm>
+
+namespace tvx {
+
+void RegionPicker::setScreen(CaptureBitmap screen)
+{
+    m_screen = std::move(screen);
+}
+
+std::int32_t RegionPicker::screenWidth() const
+{
+    return m_screen ? m_screen->infoHeader.biWidth : 0;
+}
+
+std::int32_t RegionPicker::screenHeight() const
+{
+    return m_screen ? static_cast<std::int32_t>(m_screen->rows) : 0;
+}
+
+void RegionPicker::selectRegion(int region)
+{
+    m_region = std::clamp(region, 0, kRegionCount - 1);
+    m_anchor.reset();
+}
+
+void RegionPicker::setZoom(std::int32_t zoom)
+{
+    std::int32_t chosen = 1;
+    for (std::int32_t z = 1; z <= kMaxZoom; z *= 2)
+        if (zoom >= z)
+            chosen = z;
+    m_zoom = chosen;
+}
+
+ScreenPoint RegionPicker::screenPixel(std::int32_t pictureX, std::int32_t pictureY) const
+{
+    const auto inside = [this](std::int32_t value, std::int32_t size) {
+        // Round towards minus infinity so that a point left of the picture is column -1.
+        const std::int32_t pixel = value >= 0 ? value / m_zoom : -((-value + m_zoom - 1) / m_zoom);
+        return std::clamp(pixel, 0, std::max(0, size - 1));
+    };
+    return {inside(pictureX, screenWidth()), inside(pictureY, screenHeight())};
+}
+
+CaptureRegionRect RegionPicker::pictureRect(int region) const
+{
+    const CaptureRegionRect& r = m_settings.CaptureRegion.at(static_cast<std::size_t>(region));
+    return {r.StartX * m_zoom, r.StartY * m_zoom, r.SizeX * m_zoom, r.SizeY * m_zoom};
+}
+
+bool RegionPicker::press(std::int32_t pictureX, std::int32_t pictureY)
+{
+    if (!m_screen)
+        return false;
+    m_anchor = screenPixel(pictureX, pictureY);
+    return spanTo(*m_anchor);
+}
+
+bool RegionPicker::drag(std::int32_t pictureX, std::int32_t pictureY)
+{
+    return m_anchor && spanTo(screenPixel(pictureX, pictureY));
+}
+
+bool RegionPicker::release(std::int32_t pictureX, std::int32_t pictureY)
+{
+    const bool changed = drag(pictureX, pictureY);
+    m_anchor.reset();
+    return changed;
+}
+
+bool RegionPicker::spanTo(const ScreenPoint& corner)
+{
+    const ScreenPoint& a = *m_anchor;
+    CaptureRegionRect rect{std::min(a.x, corner.x), std::min(a.y, corner.y), std::abs(corner.x - a.x) + 1,
+                           std::min(std::abs(corner.y - a.y) + 1, kMaxRows)};
+    if (corner.y < a.y) // dragged upwards past the height limit: keep the bottom at the anchor
+        rect.StartY = a.y - rect.SizeY + 1;
+    CaptureRegionRect& region = m_settings.CaptureRegion[static_cast<std::size_t>(m_region)];
+    if (region == rect)
+        return false;
+    region = rect;
+    return true;
+}
+
+bool RegionPicker::nudge(std::int32_t dx, std::int32_t dy)
+{
+    if (!m_screen)
+        return false;
+    CaptureRegionRect& region = m_settings.CaptureRegion[static_cast<std::size_t>(m_region)];
+    const std::int32_t x = std::clamp(region.StartX + dx, 0, std::max(0, screenWidth() - region.SizeX));
+    const std::int32_t y = std::clamp(region.StartY + dy, 0, std::max(0, screenHeight() - region.SizeY));
+    if (x == region.StartX && y == region.StartY)
+        return false;
+    region.StartX = x;
+    region.StartY = y;
+    return true;
+}
+
+RegionPreview previewRegion(const CaptureBitmap* screen, const Settings& settings, int region)
+{
+    const auto r = static_cast<std::size_t>(region);
+    const CaptureRegionRect& rect = settings.CaptureRegion.at(r);
+    RegionPreview out;
+    out.rows = std::clamp(rect.SizeY, 0, RegionPicker::kMaxRows);
+    if (!screen) {
+        out.reading = "キャプチャ画像がありません";
+        return out;
+    }
+    try {
+        const std::string columns =
+            regionColumnString(*screen, rect, settings.BinaryThreshold[r], settings.BinaryMask[r]);
+        out.columns = decodePatternColumns(columns).value_or(std::vector<std::uint16_t>{});
+        const RecognitionResult result = RecognizeNumber(region, recognizerInput(settings, region, columns));
+        out.read = !result.digits.empty();
+        out.reading = result.caption;
+    } catch (const RuntimeError&) {
+        out.columns.clear();
+        out.reading = "領域が画像の外です";
+    }
+    return out;
+}
+
+} // namespace tvx

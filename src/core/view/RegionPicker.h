@@ -1,0 +1,81 @@
+#pragma once
+
+#include "config/Settings.h"
+#include "recognition/CaptureFile.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tvx {
+
+struct ScreenPoint {
+    std::int32_t x = 0;
+    std::int32_t y = 0;
+};
+
+// What a region shows now: its binarised columns (bit y = row y) and what its templates
+// read there (the digits, or the recogniser's caption when nothing was read).
+struct RegionPreview {
+    std::vector<std::uint16_t> columns;
+    std::int32_t rows = 0;
+    std::string reading;
+    bool read = false;
+};
+
+// A region of a screen (none: no capture yet) as the settings binarise and read it.
+RegionPreview previewRegion(const CaptureBitmap* screen, const Settings& settings, int region);
+
+// Choosing the three capture regions by dragging rectangles over a capture of the whole
+// screen, shown enlarged by a zoom. The windows pass mouse positions in picture pixels
+// (the zoomed picture's top-left is 0,0) and draw the rectangles and previews it gives.
+class RegionPicker {
+public:
+    static constexpr std::int32_t kMaxZoom = 16;
+    static constexpr std::int32_t kMaxRows = 16; // rows from 16 on never reach a column group
+
+    explicit RegionPicker(const Settings& settings) : m_settings(settings) {}
+
+    void setScreen(CaptureBitmap screen);
+    const std::optional<CaptureBitmap>& screen() const { return m_screen; }
+    std::int32_t screenWidth() const;
+    std::int32_t screenHeight() const;
+
+    // The region a drag sets (0 level, 1 experience, 2 money).
+    void selectRegion(int region);
+    int selectedRegion() const { return m_region; }
+    // 1, 2, 4, 8 or 16 times; other values go to the nearest of them.
+    void setZoom(std::int32_t zoom);
+    std::int32_t zoom() const { return m_zoom; }
+
+    // The screen pixel under a point of the zoomed picture, kept inside the screen.
+    ScreenPoint screenPixel(std::int32_t pictureX, std::int32_t pictureY) const;
+    // A region in zoomed picture pixels, for drawing.
+    CaptureRegionRect pictureRect(int region) const;
+
+    // A drag from press to release spans the region's new rectangle, both corner pixels
+    // included, at most kMaxRows high. Returns true when the rectangle changed.
+    bool press(std::int32_t pictureX, std::int32_t pictureY);
+    bool drag(std::int32_t pictureX, std::int32_t pictureY);
+    bool release(std::int32_t pictureX, std::int32_t pictureY);
+    bool dragging() const { return m_anchor.has_value(); }
+    // Moves the selected region by whole pixels (arrow keys), kept inside the screen.
+    bool nudge(std::int32_t dx, std::int32_t dy);
+
+    // The working settings: the regions as dragged, the rest as given.
+    const Settings& settings() const { return m_settings; }
+    Settings& settings() { return m_settings; }
+    RegionPreview preview(int region) const { return previewRegion(m_screen ? &*m_screen : nullptr, m_settings, region); }
+
+private:
+    bool spanTo(const ScreenPoint& corner);
+
+    Settings m_settings;
+    std::optional<CaptureBitmap> m_screen;
+    int m_region = 0;
+    std::int32_t m_zoom = 1;
+    std::optional<ScreenPoint> m_anchor;
+};
+
+} // namespace tvx

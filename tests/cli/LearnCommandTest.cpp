@@ -1,0 +1,127 @@
+#include "LearnCommand.h"
+#include "RecognizeCommand.h"
+
+#include "support/BitmapFont.h"
+#include "support/ReadFile.h"
+#include "support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace tvx {
+namespace {
+
+// Screens written in a font the built-in templates do not know, learnt by one command and
+// read by another with the configuration the first one saved.
+class LearnCommandTest : public testing::Test {
+protected:
+    std::string screen(const std::string& name, std::array<std::string, kRegionCount> texts, std::uint32_t seed = 1)
+    {
+        const auto path = (m_temp.path() / name).string();
+        EXPECT_TRUE(writeBitmap24(path, test::fontScreen(texts, seed)));
+        return path;
+    }
+
+    int learn(std::vector<std::string> args)
+    {
+        args.insert(args.begin(), {"--home", m_home.path().string()});
+        m_out.str("");
+        m_err.str("");
+        return cli::runLearn(args, m_out, m_err);
+    }
+
+    int recognize(std::vector<std::string> images)
+    {
+        images.insert(images.begin(), {"--home", m_home.path().string()});
+        m_out.str("");
+        m_err.str("");
+        return cli::runRecognize(images, m_out, m_err);
+    }
+
+    std::string config() const { return test::readAll(m_home.path() / "TV2MConfig.ini"); }
+
+    // Lines first..last (counted from 1) of a file's text.
+    static std::vector<std::string> lines(const std::string& text, std::size_t first, std::size_t last)
+    {
+        std::vector<std::string> all;
+        std::istringstream in(text);
+        for (std::string line; std::getline(in, line);)
+            all.push_back(line);
+        return {all.begin() + static_cast<std::ptrdiff_t>(first - 1), all.begin() + static_cast<std::ptrdiff_t>(std::min(last, all.size()))};
+    }
+
+    test::TempFolder m_temp;
+    test::TempFolder m_home;
+    std::ostringstream m_out;
+    std::ostringstream m_err;
+};
+
+TEST_F(LearnCommandTest, AFewScreensTeachAnUnknownFontThatRecognizeThenReads)
+{
+    const std::vector<std::string> taught{
+        screen("a.bmp", {"58", "1234567", "90,210"}, 1),     screen("b.bmp", {"147", "8890123", "5,006,400"}, 2),
+        screen("c.bmp", {"203", "4455667", "77,318"}, 3),    screen("d.bmp", {"96", "9087654", "1,234,589"}, 4),
+        screen("e.bmp", {"110", "3141592", "2,718,281"}, 5),
+    };
+    const std::vector<std::string> numbers{"58",  "1234567", "90,210", "147", "8890123", "5,006,400", "203",
+                                           "4455667", "77,318", "96",      "9087654", "1,234,589", "110", "3141592",
+                                           "2,718,281"};
+    std::vector<std::string> args;
+    for (std::size_t i = 0; i < taught.size(); ++i) {
+        args.push_back(taught[i]);
+        args.insert(args.end(), numbers.begin() + static_cast<std::ptrdiff_t>(3 * i),
+                    numbers.begin() + static_cast<std::ptrdiff_t>(3 * i + 3));
+    }
+    ASSERT_EQ(learn(args), 0) << m_err.str();
+    EXPECT_EQ(m_out.str(),
+              "{\"region\":\"level\",\"images\":5,\"width\":6,\"learnt\":\"0123456789\",\"missing\":\"\","
+              "\"endMark\":true,\"separator\":null,\"ambiguous\":false}\n"
+              "{\"region\":\"exp\",\"images\":5,\"width\":6,\"learnt\":\"0123456789\",\"missing\":\"\","
+              "\"endMark\":true,\"separator\":0,\"ambiguous\":false}\n"
+              "{\"region\":\"money\",\"images\":5,\"width\":6,\"learnt\":\"0123456789\",\"missing\":\"\","
+              "\"endMark\":true,\"separator\":2,\"ambiguous\":false}\n");
+
+    const std::string unseen = screen("new.bmp", {"185", "7301264", "6,543,210"}, 9);
+    EXPECT_EQ(recognize({unseen}), 0) << m_err.str();
+    EXPECT_EQ(m_out.str(), "{\"file\":\"" + unseen + "\",\"level\":185,\"exp\":7301264,\"money\":6543210}\n");
+}
+
+TEST_F(LearnCommandTest, SkippedRegionsKeepTheirTemplatesAndReportWhatIsMissing)
+{
+    const std::string before = (learn({screen("a.bmp", {"", "", ""}), "-", "-", "-"}), config());
+    ASSERT_EQ(learn({screen("b.bmp", {"37", "", ""}), "37", "-", "-", screen("c.bmp", {"773", "", ""}, 2), "773", "-", "-"}),
+              0)
+        << m_err.str();
+    const std::string out = m_out.str();
+    EXPECT_NE(out.find("\"region\":\"level\",\"images\":2,\"width\":6,\"learnt\":\"37\",\"missing\":\"01245689\""),
+              std::string::npos)
+        << out;
+    EXPECT_NE(out.find("{\"region\":\"exp\",\"images\":0,\"width\":5,\"learnt\":\"\",\"missing\":\"0123456789\""),
+              std::string::npos)
+        << out;
+    const std::string after = config();
+    // Lines 34 to 59 hold the experience and money settings.
+    EXPECT_EQ(lines(after, 34, 59), lines(before, 34, 59));
+    EXPECT_NE(lines(after, 21, 33), lines(before, 21, 33));
+}
+
+TEST_F(LearnCommandTest, ARefusedImageSavesNothing)
+{
+    const std::string before = (learn({screen("a.bmp", {"", "", ""}), "-", "-", "-"}), config());
+    const std::string good = screen("good.bmp", {"37", "", ""});
+    const std::string wrong = screen("wrong.bmp", {"73", "", ""}, 2);
+    EXPECT_EQ(learn({good, "37", "-", "-", wrong, "37", "-", "-"}), 2);
+    EXPECT_NE(m_err.str().find(wrong + ": level 37: the digit 3 differs from the one learnt before"), std::string::npos)
+        << m_err.str();
+    EXPECT_NE(m_err.str().find("nothing was saved"), std::string::npos);
+    EXPECT_EQ(m_out.str(), "");
+    EXPECT_EQ(config(), before);
+
+    EXPECT_EQ(learn({good, "37", "-"}), 1);
+    EXPECT_EQ(learn({good, "3x", "-", "-"}), 2);
+    EXPECT_NE(m_err.str().find("level 3x: not a number"), std::string::npos) << m_err.str();
+}
+
+} // namespace
+} // namespace tvx
