@@ -178,16 +178,26 @@ private:
     bool m_loaded = false;
 };
 
-// Nothing waits, sounds, launches or asks in a replay.
+// Nothing waits, sounds, launches or asks in a replay; what the meter would tell the player
+// in a message box goes to the error stream, one line each.
 class Headless final : public Waiter, public Sound, public ShellLauncher, public Prompter, public MeterView {
 public:
+    explicit Headless(std::ostream& err) : m_err(err) {}
+    bool toldAnything() const { return m_told; }
     void WaitMs(std::int32_t) override {}
     void systemBeep() override {}
     void beep(std::int32_t, std::int32_t) override {}
     bool fileExists(const std::string&) override { return false; }
     bool open(const std::string&) override { return false; }
     void setBusyCursor(bool) override {}
-    void message(const std::string&, const std::string&) override {}
+    void message(const std::string& text, const std::string& title) override
+    {
+        std::string line = text;
+        for (std::size_t at; (at = line.find("\r\n")) != std::string::npos;)
+            line.replace(at, 2, " ");
+        m_err << "tallivex-cli replay: " << title << ": " << line << '\n';
+        m_told = true;
+    }
     bool askYesNo(const std::string&, const std::string&) override { return true; }
     bool askOkCancel(const std::string&, const std::string&) override { return true; }
     double askNumber(const std::string&, const std::string&, double, const std::string&, const std::string&,
@@ -195,6 +205,10 @@ public:
     {
         return kCancelled;
     }
+
+private:
+    std::ostream& m_err;
+    bool m_told = false;
 };
 
 } // namespace
@@ -211,7 +225,7 @@ int runReplay(const std::vector<std::string>& args, std::ostream& out, std::ostr
     platform::SystemClock systemClock;
     ReplayClock clock(options.start.value_or(systemClock.now()));
     ReplayScreen screen;
-    Headless headless;
+    Headless headless(err);
     // A home's configuration, or the defaults of the screen mode.
     Settings settings = options.home.empty()
                             ? defaultSettings(options.saveFolder, options.windowMode ? ScreenMode::Window : ScreenMode::FullScreen)
@@ -248,7 +262,7 @@ int runReplay(const std::vector<std::string>& args, std::ostream& out, std::ostr
         return 2;
     }
     out.flush();
-    return status;
+    return headless.toldAnything() ? 2 : status;
 }
 
 } // namespace tvx::cli

@@ -18,14 +18,14 @@ class LearnCommandTest : public testing::Test {
 protected:
     std::string screen(const std::string& name, std::array<std::string, kRegionCount> texts, std::uint32_t seed = 1)
     {
-        const auto path = (m_temp.path() / name).string();
+        const auto path = pathUtf8(m_temp.path() / name);
         EXPECT_TRUE(writeBitmap24(path, test::fontScreen(texts, seed)));
         return path;
     }
 
     int learn(std::vector<std::string> args)
     {
-        args.insert(args.begin(), {"--home", m_home.path().string()});
+        args.insert(args.begin(), {"--home", pathUtf8(m_home.path())});
         m_out.str("");
         m_err.str("");
         return cli::runLearn(args, m_out, m_err);
@@ -33,7 +33,7 @@ protected:
 
     int recognize(std::vector<std::string> images)
     {
-        images.insert(images.begin(), {"--home", m_home.path().string()});
+        images.insert(images.begin(), {"--home", pathUtf8(m_home.path())});
         m_out.str("");
         m_err.str("");
         return cli::runRecognize(images, m_out, m_err);

@@ -122,13 +122,21 @@ TEST_F(MeterEndToEndTest, TheMeterReadsThePracticeTargetAndAnswersGestures)
 
     std::string options;
     ASSERT_TRUE(test::eventually([&] { return !(options = x("search --name '^設定$'")).empty(); }, 10s));
-    options = tvx::lines(options).front();
+    options = test::textLines(options).front();
     std::this_thread::sleep_for(500ms);
     x("mousemove --window " + options + " 240 24 click 1");
     std::this_thread::sleep_for(300ms);
-    x("mousemove --window " + options + " 30 404 click 1");
-    ASSERT_TRUE(test::eventually([&] { return debugLog().find("Change DebugMode ･･･ End ") != std::string::npos; }, 5s));
-    x("mousemove --window " + options + " 681 731 click 1");
+    x("mousemove --window " + options + " 30 441 click 1"); // デバッグモード, the last row
+    ASSERT_TRUE(test::eventually([&] { return debugLog().find("Change DebugMode ･･･ End ") != std::string::npos; }, 5s))
+        << debugLog();
+    // 閉じる sits in the window's bottom right corner, whatever size the window took.
+    const std::string geometry = x("getwindowgeometry --shell " + options);
+    const auto field = [&](const std::string& name) {
+        const std::size_t at = geometry.find(name + "=");
+        return at == std::string::npos ? 0 : std::stoi(geometry.substr(at + name.size() + 1));
+    };
+    x("mousemove --window " + options + " " + std::to_string(field("WIDTH") - 50) + " " +
+      std::to_string(field("HEIGHT") - 22) + " click 1");
     std::this_thread::sleep_for(500ms);
     x("mousemove 1063 528 click 1");
     ASSERT_TRUE(test::eventually([&] { return debugLog().find("Single Recognize(") != std::string::npos; }, 5s))

@@ -65,7 +65,7 @@ TEST(PracticeSession, TheStateFileGetsEachDrawnStateOnce)
     options.start = {2, 30, 100};
     options.expPerTick = 0;
     options.moneyPerTick = 5;
-    options.stateFile = (folder.path() / "state.txt").string();
+    options.stateFile = pathUtf8(folder.path() / "state.txt");
     PracticeSession session(options);
 
     session.drawn();

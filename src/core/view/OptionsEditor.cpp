@@ -59,30 +59,6 @@ std::string trimmed(std::string_view text)
 
 } // namespace
 
-std::vector<std::uint32_t> regionPixels(const CaptureBitmap& bitmap, const CaptureRegionRect& rect)
-{
-    if (rect.SizeX <= 0 || rect.SizeY <= 0)
-        return {};
-    std::vector<std::uint32_t> pixels(static_cast<std::size_t>(rect.SizeX) * static_cast<std::size_t>(rect.SizeY), 0);
-    for (std::int32_t y = 0; y < rect.SizeY; ++y) {
-        // Screen row y sits in the bottom-up file row height - 1 - y, as the recogniser reads it.
-        const std::int64_t row = std::int64_t{bitmap.infoHeader.biHeight} - 1 - (std::int64_t{rect.StartY} + y);
-        if (rect.StartY + y < 0 || row < 0 || row >= bitmap.rows)
-            continue;
-        for (std::int32_t x = 0; x < rect.SizeX; ++x) {
-            const std::int64_t column = std::int64_t{rect.StartX} + x;
-            const std::int64_t index = row * bitmap.stride + 3 * column;
-            if (column < 0 || 3 * column + 2 >= bitmap.stride || index + 2 >= static_cast<std::int64_t>(bitmap.pixels.size()))
-                continue;
-            const auto at = static_cast<std::size_t>(index);
-            pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(rect.SizeX) + static_cast<std::size_t>(x)] =
-                std::uint32_t{bitmap.pixels[at + 2]} << 16 | std::uint32_t{bitmap.pixels[at + 1]} << 8 |
-                bitmap.pixels[at];
-        }
-    }
-    return pixels;
-}
-
 std::string patternName(int index)
 {
     return index == kDelimiterIndex ? "区切り" : std::to_string(index);
@@ -145,41 +121,14 @@ void OptionsEditor::refresh()
 
 void OptionsEditor::refreshPreviews()
 {
-    std::array<std::string, kRegionCount> results;
-    m_columnStrings = {};
-    if (m_capture) {
-        try {
-            ScreenRecognizer recognizer(m_settings);
-            for (int r = 0; r < kRegionCount; ++r) {
-                const auto i = static_cast<std::size_t>(r);
-                try {
-                    recognizer.fill(r, *m_capture);
-                    recognizer.binarize(r);
-                    m_columnStrings[i] = recognizer.ColumnString(r);
-                    const std::string digits = recognizer.recognize(r).digits;
-                    results[i] = digits.empty() ? "認識できません" : digits;
-                } catch (const RuntimeError&) {
-                    m_columnStrings[i].clear();
-                    results[i] = "領域が画像の外です";
-                }
-            }
-        } catch (const RuntimeError&) {
-            results.fill("領域が画像の外です");
-        }
-    } else {
-        results.fill("キャプチャ画像がありません");
-    }
-    for (std::size_t i = 0; i < kRegionCount; ++i) {
-        const CaptureRegionRect& rect = m_settings.CaptureRegion[i];
-        RegionPreview& preview = m_previews[i];
-        preview.pixels = m_capture ? regionPixels(*m_capture, rect) : std::vector<std::uint32_t>{};
-        preview.width = preview.pixels.empty() ? 0 : rect.SizeX;
-        preview.height = preview.pixels.empty() ? 0 : rect.SizeY;
-        preview.rows = std::clamp(rect.SizeY, 1, 16);
-        preview.columns = columnsOf(m_columnStrings[i]);
-        preview.result = std::string(kResultCaption) + results[i];
-    }
+    for (int r = 0; r < kRegionCount; ++r)
+        m_previews[static_cast<std::size_t>(r)] = previewRegion(capture(), m_settings, r);
     refreshPattern();
+}
+
+std::string OptionsEditor::previewResult(int region) const
+{
+    return std::string(kResultCaption) + m_previews.at(static_cast<std::size_t>(region)).reading;
 }
 
 void OptionsEditor::refreshPattern()
@@ -208,7 +157,7 @@ void OptionsEditor::refreshPattern()
     else
         view.note = "幅 " + std::to_string(have) + " 列（基準幅どおり）";
     view.captureColumns = m_previews[r].columns;
-    view.captureResult = "この領域の" + m_previews[r].result;
+    view.captureResult = "この領域の" + previewResult(m_patternRegion);
 }
 
 std::string& OptionsEditor::pattern()

@@ -3,6 +3,7 @@
 #include "config/Settings.h"
 #include "recognition/CaptureFile.h"
 #include "view/OptionFields.h"
+#include "view/RegionPreview.h"
 
 #include <array>
 #include <cstdint>
@@ -17,16 +18,6 @@ namespace tvx {
 class Clock;
 class ConfigFile;
 class ScreenSource;
-
-// What the regions tab shows of one region of the last capture.
-struct RegionPreview {
-    int width = 0; // the region's pixels, 0xRRGGBB row by row; empty without a capture
-    int height = 0;
-    std::vector<std::uint32_t> pixels;
-    int rows = 0; // the binarised columns and their rows
-    std::vector<std::uint16_t> columns;
-    std::string result; // "認識結果： ..."
-};
 
 // What the patterns tab shows for the chosen region and template.
 struct PatternView {
@@ -85,6 +76,8 @@ public:
     void setCapture(const CaptureBitmap& capture);
     const CaptureBitmap* capture() const { return m_capture ? &*m_capture : nullptr; }
     const std::array<RegionPreview, kRegionCount>& previews() const { return m_previews; }
+    // "認識結果： " and the preview's reading.
+    std::string previewResult(int region) const;
     // After the settings changed behind the editor's back (a load, the defaults).
     void refresh();
 
@@ -123,14 +116,10 @@ private:
     DebugSwitch m_debugSwitch;
     std::optional<CaptureBitmap> m_capture;
     std::array<RegionPreview, kRegionCount> m_previews;
-    std::array<std::string, kRegionCount> m_columnStrings;
     int m_patternRegion = 0;
     int m_patternIndex = 0;
     PatternView m_pattern;
 };
-
-// The region of a capture as 0xRRGGBB pixels row by row; pixels outside the bitmap are black.
-std::vector<std::uint32_t> regionPixels(const CaptureBitmap& bitmap, const CaptureRegionRect& rect);
 
 // "0".."9", and "区切り" for the delimiter.
 std::string patternName(int index);

@@ -103,28 +103,4 @@ bool RegionPicker::nudge(std::int32_t dx, std::int32_t dy)
     return true;
 }
 
-RegionPreview previewRegion(const CaptureBitmap* screen, const Settings& settings, int region)
-{
-    const auto r = static_cast<std::size_t>(region);
-    const CaptureRegionRect& rect = settings.CaptureRegion.at(r);
-    RegionPreview out;
-    out.rows = std::clamp(rect.SizeY, 0, RegionPicker::kMaxRows);
-    if (!screen) {
-        out.reading = "キャプチャ画像がありません";
-        return out;
-    }
-    try {
-        const std::string columns =
-            regionColumnString(*screen, rect, settings.BinaryThreshold[r], settings.BinaryMask[r]);
-        out.columns = decodePatternColumns(columns).value_or(std::vector<std::uint16_t>{});
-        const RecognitionResult result = RecognizeNumber(region, recognizerInput(settings, region, columns));
-        out.read = !result.digits.empty();
-        out.reading = result.caption;
-    } catch (const RuntimeError&) {
-        out.columns.clear();
-        out.reading = "領域が画像の外です";
-    }
-    return out;
-}
-
 } // namespace tvx

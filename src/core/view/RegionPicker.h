@@ -2,6 +2,7 @@
 
 #include "config/Settings.h"
 #include "recognition/CaptureFile.h"
+#include "view/RegionPreview.h"
 
 #include <cstdint>
 #include <optional>
@@ -15,25 +16,13 @@ struct ScreenPoint {
     std::int32_t y = 0;
 };
 
-// What a region shows now: its binarised columns (bit y = row y) and what its templates
-// read there (the digits, or the recogniser's caption when nothing was read).
-struct RegionPreview {
-    std::vector<std::uint16_t> columns;
-    std::int32_t rows = 0;
-    std::string reading;
-    bool read = false;
-};
-
-// A region of a screen (none: no capture yet) as the settings binarise and read it.
-RegionPreview previewRegion(const CaptureBitmap* screen, const Settings& settings, int region);
-
 // Choosing the three capture regions by dragging rectangles over a capture of the whole
 // screen, shown enlarged by a zoom. The windows pass mouse positions in picture pixels
 // (the zoomed picture's top-left is 0,0) and draw the rectangles and previews it gives.
 class RegionPicker {
 public:
     static constexpr std::int32_t kMaxZoom = 16;
-    static constexpr std::int32_t kMaxRows = 16; // rows from 16 on never reach a column group
+    static constexpr std::int32_t kMaxRows = kPreviewMaxRows;
 
     explicit RegionPicker(const Settings& settings) : m_settings(settings) {}
 

@@ -1,5 +1,6 @@
 #include "FormOption.h"
 
+#include "CaptureImage.h"
 #include "FormCalibrate.h"
 #include "FormInputCheck.h"
 #include "GlyphView.h"
@@ -49,12 +50,9 @@ QLabel* caption(std::string_view text)
 
 QPixmap previewPixmap(const RegionPreview& preview)
 {
-    if (preview.pixels.empty())
+    const QImage image = pixelImage(preview.width, preview.height, preview.pixels);
+    if (image.isNull())
         return {};
-    QImage image(preview.width, preview.height, QImage::Format_RGB32);
-    for (int y = 0; y < preview.height; ++y)
-        for (int x = 0; x < preview.width; ++x)
-            image.setPixel(x, y, 0xFF000000u | preview.pixels[static_cast<std::size_t>(y * preview.width + x)]);
     return QPixmap::fromImage(image.scaled(preview.width * kPreviewScale, preview.height * kPreviewScale));
 }
 
@@ -449,7 +447,7 @@ void FormOption::refreshPreviews()
         m_picCapture[i]->setPixmap(previewPixmap(preview));
         m_picBinary[i]->setRows(preview.rows);
         m_picBinary[i]->setColumns(preview.columns);
-        m_lblResult[i]->setText(qtText(preview.result));
+        m_lblResult[i]->setText(qtText(m_editor.previewResult(r)));
     }
     const PatternView& view = m_editor.patternView();
     for (std::size_t k = 0; k < kPatternCount; ++k) {

@@ -461,7 +461,7 @@ private:
             m_binary[i].setRows(preview.rows);
             m_binary[i].setColumns(preview.columns);
             updateGlyphControl(m_controls[picBinary0 + r]);
-            setText(lblResult0 + r, preview.result);
+            setText(lblResult0 + r, m_editor.previewResult(r));
         }
         const PatternView& view = m_editor.patternView();
         for (int j = 0; j < kPatternCount; ++j) {

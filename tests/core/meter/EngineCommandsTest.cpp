@@ -36,7 +36,7 @@ protected:
     std::unique_ptr<Rig> rig()
     {
         auto r = std::make_unique<Rig>();
-        r->settings.SaveFolder = temp.path().string();
+        r->settings.SaveFolder = pathUtf8(temp.path());
         r->settings.StartDelay = 0;
         r->machine.clock.setNow(test::kStart);
         r->machine.screens = {test::gameCapture({"10", "100", "5"})};

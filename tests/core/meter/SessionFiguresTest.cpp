@@ -38,7 +38,7 @@ TEST_F(SessionFiguresTest, MoneyHasNoTimeRateOrCurveUntilItIsRead)
     for (const Case& k : {Case{"money not scanned", false, "6.0"}, Case{"scanned, not found at first", true, "5.9"}}) {
         SCOPED_TRACE(k.name);
         test::TempFolder folder;
-        settings.SaveFolder = folder.path().string();
+        settings.SaveFolder = pathUtf8(folder.path());
         settings.SaveCsv = true;
         settings.MoneyScan = k.scan;
         meter().menuRun_Click();
@@ -143,7 +143,7 @@ TEST_F(SessionFiguresTest, AnUnwritableRecordFolderIsToldOnceAndTheSessionGoesOn
 {
     const auto blocker = temp.path() / "blocked";
     std::ofstream(blocker) << "a file where the folder should be";
-    settings.SaveFolder = blocker.string();
+    settings.SaveFolder = pathUtf8(blocker);
     meter().menuRun_Click();
     cycle(100, "10", "100", "");
     cycle(460, "10", "350", "");

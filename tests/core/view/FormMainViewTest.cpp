@@ -83,7 +83,7 @@ TEST(FormMainLayout, AccountColumnsStayApartInsideThePanel)
 
 class FormMainCommandsTest : public testing::Test {
 protected:
-    FormMainCommandsTest() { settings.SaveFolder = temp.path().string(); }
+    FormMainCommandsTest() { settings.SaveFolder = pathUtf8(temp.path()); }
 
     std::string logText() const { return test::readAll(log.path()); }
 

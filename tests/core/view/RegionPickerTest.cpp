@@ -89,7 +89,7 @@ TEST(RegionPickerTest, PreviewsShowTheColumnsAndWhatTheTemplatesRead)
     picker.press(35, 578);
     picker.release(55, 586); // ends before the end mark
     EXPECT_FALSE(picker.preview(RegionLevel).read);
-    EXPECT_EQ(picker.preview(RegionLevel).reading, "認識NG");
+    EXPECT_EQ(picker.preview(RegionLevel).reading, "認識できません");
     picker.settings().CaptureRegion[RegionLevel] = {1000, 760, 50, 9};
     EXPECT_EQ(picker.preview(RegionLevel).reading, "領域が画像の外です");
     EXPECT_EQ(RegionPicker(defaultSettings("")).preview(RegionExp).reading, "キャプチャ画像がありません");
