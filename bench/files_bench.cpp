@@ -10,6 +10,7 @@
 
 #include "recognition/CaptureFile.h"
 #include "recognition/GlyphPainter.h"
+#include "base/Utf8Path.h"
 
 #include <algorithm>
 #include <chrono>
@@ -47,7 +48,7 @@ void writeScreens(const fs::path& folder, int count, const std::function<std::st
         const Numbers n = numbersOf(i);
         tvx::paintStatusNumbers(frame, settings, {n.level, n.exp, n.money});
         if (!tvx::writeBitmap24(folder / name(i), frame)) {
-            std::fprintf(stderr, "cannot write %s\n", (folder / name(i)).c_str());
+            std::fprintf(stderr, "cannot write %s\n", tvx::pathUtf8(folder / name(i)).c_str());
             std::exit(1);
         }
     }
@@ -87,7 +88,7 @@ int main(int argc, char** argv)
 
     std::vector<std::string> images;
     for (int i = 0; i < count; ++i)
-        images.push_back((shots / ("shot" + std::to_string(i) + ".bmp")).string());
+        images.push_back(tvx::pathUtf8(shots / ("shot" + std::to_string(i) + ".bmp")));
 
     tvx::CaptureBitmap bitmap;
     const double loadMs = medianMs(runs, [&] {
@@ -113,7 +114,7 @@ int main(int argc, char** argv)
     const double replayMs = medianMs(runs, [&] {
         const fs::path saveFolder = root / ("records" + std::to_string(replayRun++));
         std::ostringstream out, err;
-        const int status = tvx::cli::runReplay({frames.string(), "--save-folder", saveFolder.string(), "--start",
+        const int status = tvx::cli::runReplay({tvx::pathUtf8(frames), "--save-folder", tvx::pathUtf8(saveFolder), "--start",
                                                 "2024-01-01 00:00", "--csv", "--per-session"},
                                                out, err);
         const std::string log = out.str();

@@ -87,7 +87,7 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int show)
     meter.capture().setCaptureFile(home / "Capture.bmp");
     const std::unique_ptr<tvx::MouseButtonSource> mouse = platform::makeMouseButtonSource();
     window.setDocumentFolder(platform::programFolder());
-    window.setOptionsContext({&config, nullptr, &source, &waiter, &clock, &prompter, {}});
+    window.setOptionsContext({&config, nullptr, &source, &waiter, &clock, &prompter, &meter.state().cycleSkip, {}, {}});
     window.setEnvironmentSource(platform::gatherEnvironment);
     window.setGestureSource(mouse.get(), &prompter);
     window.attach(meter);

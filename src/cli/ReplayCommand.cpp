@@ -192,10 +192,14 @@ public:
     void setBusyCursor(bool) override {}
     void message(const std::string& text, const std::string& title) override
     {
-        std::string line = text;
-        for (std::size_t at; (at = line.find("\r\n")) != std::string::npos;)
-            line.replace(at, 2, " ");
-        m_err << "tallivex-cli replay: " << title << ": " << line << '\n';
+        m_err << "tallivex-cli replay: " << title << ": ";
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n')
+                m_err << ' ', ++i;
+            else
+                m_err << text[i];
+        }
+        m_err << '\n';
         m_told = true;
     }
     bool askYesNo(const std::string&, const std::string&) override { return true; }

@@ -170,30 +170,11 @@ HWND addControl(HWND parent, const wchar_t* windowClass, std::string_view text, 
                 int width, int height, HFONT font)
 {
     const HWND control =
-        CreateWindowExW(0, windowClass, wideText(text).c_str(), WS_CHILD | WS_VISIBLE | style, scaled(x), scaled(y),
+        CreateWindowExW(0, windowClass, wide(text).c_str(), WS_CHILD | WS_VISIBLE | style, scaled(x), scaled(y),
                         scaled(width), scaled(height), parent,
                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr), nullptr);
     SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font ? font : dialogFont()), FALSE);
     return control;
-}
-
-std::wstring wideText(std::string_view utf8)
-{
-    return platform::win32::wide(utf8);
-}
-
-std::string windowText(HWND window)
-{
-    const int length = GetWindowTextLengthW(window);
-    std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
-    const int copied = GetWindowTextW(window, text.data(), length + 1);
-    text.resize(static_cast<std::size_t>(copied > 0 ? copied : 0));
-    return platform::win32::utf8(text);
-}
-
-void setWindowText(HWND window, std::string_view utf8)
-{
-    SetWindowTextW(window, wideText(utf8).c_str());
 }
 
 } // namespace tvx::win32ui

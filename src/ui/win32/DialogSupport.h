@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Win32Ui.h"
+
 #include <windows.h>
 
 #include <functional>
@@ -34,9 +36,5 @@ HFONT fixedFont();
 // manager and the tests.
 HWND addControl(HWND parent, const wchar_t* windowClass, std::string_view text, DWORD style, int id, int x, int y,
                 int width, int height, HFONT font = nullptr);
-
-std::wstring wideText(std::string_view utf8);
-std::string windowText(HWND window);
-void setWindowText(HWND window, std::string_view utf8);
 
 } // namespace tvx::win32ui

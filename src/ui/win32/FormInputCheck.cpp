@@ -77,11 +77,11 @@ void FormInputCheck::build()
 
 void FormInputCheck::show()
 {
-    setWindowText(m_dialog, m_input.title());
-    setWindowText(item(lblmsg), m_input.prompt());
-    setWindowText(item(lblmaxv), m_input.upperText());
-    setWindowText(item(lblminV), m_input.lowerText());
-    setWindowText(item(txtInput), m_input.text());
+    win32ui::setText(m_dialog, m_input.title());
+    win32ui::setText(item(lblmsg), m_input.prompt());
+    win32ui::setText(item(lblmaxv), m_input.upperText());
+    win32ui::setText(item(lblminV), m_input.lowerText());
+    win32ui::setText(item(txtInput), m_input.text());
     focusInput();
 }
 
@@ -147,7 +147,7 @@ void FormInputCheck::step(bool up)
     if (const auto warning = up ? m_input.increment() : m_input.decrement())
         warn(*warning);
     else
-        setWindowText(item(txtInput), m_input.text());
+        win32ui::setText(item(txtInput), m_input.text());
 }
 
 void FormInputCheck::confirm()

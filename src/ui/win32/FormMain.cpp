@@ -359,9 +359,11 @@ void FormMain::controlsChanged()
     }
     if (controls.captureTimerEnabled != m_timerOn[kTimCaptureInterval])
         runTimer(kTimCaptureInterval, controls.captureTimerEnabled, m_captureTimerMs);
-    const auto doHLMs = static_cast<UINT>(std::max(1, m_meter->settings().DoHLInterval));
-    if (controls.doHLTimerEnabled != m_timerOn[kTimDoHLInterval])
+    // SetTimer on a running timer only changes its period.
+    const auto doHLMs = static_cast<UINT>(std::max(1, controls.doHLIntervalMs));
+    if (controls.doHLTimerEnabled != m_timerOn[kTimDoHLInterval] || (controls.doHLTimerEnabled && doHLMs != m_doHLMs))
         runTimer(kTimDoHLInterval, controls.doHLTimerEnabled, doHLMs);
+    m_doHLMs = doHLMs;
 }
 
 void FormMain::showNotice(const std::string& text, const std::string& title)
@@ -415,6 +417,11 @@ void FormMain::sessionReset()
     hideNotice();
 }
 
+void FormMain::debugModeChanged()
+{
+    layout(); // shows or hides the debug area
+}
+
 void FormMain::runCommand(MenuCommand command)
 {
     if (!m_commands)
@@ -435,6 +442,7 @@ void FormMain::menuOption_Click()
     const auto& capture = m_meter->cycle().lastCapture();
     context.lastCapture = capture ? &*capture : nullptr;
     context.settingsChanged = [this] { settingsChanged(); };
+    context.debugSwitch = {[this] { return m_meter->state().DebugMode; }, [this](bool on) { m_meter->setDebugMode(on); }};
     if (context.config != nullptr)
         ShowFormOption(m_window, context);
 }
@@ -444,8 +452,7 @@ void FormMain::settingsChanged()
     setText(m_window, programTitle(m_meter->settings().SearchWindowName));
     if (m_gestures)
         m_gestures->followSetting();
-    if (m_timerOn[kTimDoHLInterval])
-        runTimer(kTimDoHLInterval, true, static_cast<UINT>(std::max(1, m_meter->settings().DoHLInterval)));
+    m_meter->settingsChanged(); // the level watch follows at once, its timer with it
     // The graph may have been switched on or off: the window snaps to its new limits.
     layout();
 }

@@ -88,6 +88,7 @@ public:
     void captureCaption(int region, const std::string& caption) override;
     void recognizeElapsed(const std::string& text) override;
     void sessionReset() override;
+    void debugModeChanged() override;
 
     LRESULT handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
@@ -143,6 +144,7 @@ private:
 
     bool m_tempStopRed = false;
     std::array<bool, 3> m_timerOn{};
+    UINT m_doHLMs = 0;
     UINT m_captureTimerMs = 10000;
     bool m_closing = false;
     bool m_snapping = false;

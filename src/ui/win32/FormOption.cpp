@@ -265,10 +265,10 @@ private:
 
     void build()
     {
-        setWindowText(m_window, kOptionsTitle);
+        win32ui::setText(m_window, kOptionsTitle);
         m_tabs = add(m_window, WC_TABCONTROLW, "", WS_TABSTOP | WS_CLIPSIBLINGS, tabOption, 8, 8, 100, 100);
         for (int t = 0; t < kOptionTabCount; ++t) {
-            const std::wstring caption = wideText(optionTabCaption(static_cast<OptionTab>(t)));
+            const std::wstring caption = wide(optionTabCaption(static_cast<OptionTab>(t)));
             TCITEMW item{};
             item.mask = TCIF_TEXT;
             item.pszText = const_cast<wchar_t*>(caption.c_str());
@@ -424,7 +424,7 @@ private:
     void setText(int id, std::string_view text)
     {
         if (windowText(m_controls[id]) != text)
-            setWindowText(m_controls[id], text);
+            win32ui::setText(m_controls[id], text);
     }
 
     void refresh()
@@ -446,7 +446,7 @@ private:
             const HWND box = m_controls[idOf(choiceFields(), &f, kChoiceBase)];
             SendMessageW(box, CB_RESETCONTENT, 0, 0);
             for (const ChoiceField::Choice& choice : choicesFor(f, s))
-                SendMessageW(box, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(wideText(choice.caption).c_str()));
+                SendMessageW(box, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(wide(choice.caption).c_str()));
             SendMessageW(box, CB_SETCURSEL, chosenIndex(f, s), 0);
         }
         refreshPreviews();
@@ -614,7 +614,7 @@ private:
         std::string& value = field.value(m_editor.settings());
         wchar_t chosen[MAX_PATH] = {};
         if (field.browse == TextField::Browse::Folder) {
-            const std::wstring title = wideText("時給ファイルの保存場所");
+            const std::wstring title = wide("時給ファイルの保存場所");
             BROWSEINFOW info{};
             info.hwndOwner = m_window;
             info.pszDisplayName = chosen;
@@ -628,12 +628,12 @@ private:
             if (!ok)
                 return;
         } else {
-            const std::wstring current = wideText(value);
+            const std::wstring current = wide(value);
             wcsncpy(chosen, current.c_str(), MAX_PATH - 1);
-            const std::wstring filter = wideText("すべてのファイル (*.*)") + L'\0' + L"*.*" + L'\0' +
-                                        wideText("アプリケーション") + L" (*.exe;*.bat;*.cmd;*.lnk)" + L'\0' +
+            const std::wstring filter = wide("すべてのファイル (*.*)") + L'\0' + L"*.*" + L'\0' +
+                                        wide("アプリケーション") + L" (*.exe;*.bat;*.cmd;*.lnk)" + L'\0' +
                                         L"*.exe;*.bat;*.cmd;*.lnk" + L'\0';
-            const std::wstring title = wideText("自動起動するアプリケーション");
+            const std::wstring title = wide("自動起動するアプリケーション");
             OPENFILENAMEW open{};
             open.lStructSize = sizeof open;
             open.hwndOwner = m_window;

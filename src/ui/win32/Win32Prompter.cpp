@@ -8,7 +8,7 @@ namespace {
 
 int ask(HWND owner, std::string_view text, std::string_view title, UINT kind)
 {
-    return MessageBoxW(owner, wideText(text).c_str(), wideText(title).c_str(), kind | MB_SETFOREGROUND);
+    return MessageBoxW(owner, wide(text).c_str(), wide(title).c_str(), kind | MB_SETFOREGROUND);
 }
 
 } // namespace
