@@ -3,6 +3,7 @@
 
 #include "support/BitmapFont.h"
 #include "support/ReadFile.h"
+#include "support/JsonPath.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -19,7 +20,7 @@ protected:
     std::string screen(const std::string& name, std::array<std::string, kRegionCount> texts, std::uint32_t seed = 1)
     {
         const auto path = pathUtf8(m_temp.path() / name);
-        EXPECT_TRUE(writeBitmap24(path, test::fontScreen(texts, seed)));
+        EXPECT_TRUE(writeBitmap24(utf8Path(path), test::fontScreen(texts, seed)));
         return path;
     }
 
@@ -84,7 +85,7 @@ TEST_F(LearnCommandTest, AFewScreensTeachAnUnknownFontThatRecognizeThenReads)
 
     const std::string unseen = screen("new.bmp", {"185", "7301264", "6,543,210"}, 9);
     EXPECT_EQ(recognize({unseen}), 0) << m_err.str();
-    EXPECT_EQ(m_out.str(), "{\"file\":\"" + unseen + "\",\"level\":185,\"exp\":7301264,\"money\":6543210}\n");
+    EXPECT_EQ(m_out.str(), "{\"file\":\"" + test::jsonPath(utf8Path(unseen)) + "\",\"level\":185,\"exp\":7301264,\"money\":6543210}\n");
 }
 
 TEST_F(LearnCommandTest, SkippedRegionsKeepTheirTemplatesAndReportWhatIsMissing)

@@ -37,7 +37,7 @@ TEST_F(MeterTest, WholeSessionMakesTheRecordsOfEveryCase)
     cycle(3700, "8", "80", "150");
     meter().menuStop_Click();
 
-    const auto lines = splitLines(test::readAll(temp.path() / "log" / "給与明細200904月.csv"));
+    const auto lines = splitLines(test::readAll(temp.path() / "log" / utf8Path("給与明細200904月.csv")));
     ASSERT_EQ(lines.size(), 6u);
     EXPECT_EQ(lines[0], "\xEF\xBB\xBF" + recordHeader(true));
     const std::vector<std::vector<std::string>> expected{

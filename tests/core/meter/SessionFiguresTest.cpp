@@ -16,7 +16,7 @@ using SessionFiguresTest = test::MeterFixture;
 
 std::vector<std::string> recordLines(const std::filesystem::path& saveFolder)
 {
-    const auto lines = splitLines(test::readAll(saveFolder / "log" / "給与明細200904月.csv"));
+    const auto lines = splitLines(test::readAll(saveFolder / "log" / utf8Path("給与明細200904月.csv")));
     return lines.empty() ? lines : std::vector<std::string>(lines.begin() + 1, lines.end());
 }
 
