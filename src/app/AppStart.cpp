@@ -2,6 +2,8 @@
 
 #include "base/Errors.h"
 #include "base/Utf8Path.h"
+#include "config/ConfigFile.h"
+#include "ports/Waiter.h"
 #include "shell/DebugLog.h"
 
 #include <charconv>
@@ -31,30 +33,36 @@ AppOptions parseAppOptions(const std::vector<std::string>& arguments)
     return options;
 }
 
-void writeStartLines(DebugLog& log, const std::string& title, const std::filesystem::path& home)
+namespace {
+
+void writeQuietly(DebugLog& log, const std::string& text, int mode = DebugLog::kAppend)
 {
     try {
-        log.WriteDebugLog("Starting Program  " + title, DebugLog::kNewLog);
-        log.WriteDebugLog("Execute Folder : " + pathUtf8(home));
+        log.WriteDebugLog(text, mode);
     } catch (const RuntimeError&) {
     }
 }
 
-void writeReadConfigLine(DebugLog& log)
+} // namespace
+
+void startUp(DebugLog& log, const std::string& title, const std::filesystem::path& programFolder,
+             const LibraryCheck& check, Prompter& prompter, ConfigFile& config)
 {
-    try {
-        log.WriteDebugLog("Reading ConfigFile ･･･ End ");
-    } catch (const RuntimeError&) {
-    }
+    writeQuietly(log, "Starting Program  " + title, DebugLog::kNewLog);
+    writeQuietly(log, "Execute Folder : " + pathUtf8(programFolder));
+    CheckSystemFiles(check.libraries, check.canLoad, prompter, log);
+    config.run(ConfigFile::Load);
+    writeQuietly(log, "Reading ConfigFile ･･･ End ");
 }
 
-void writeEndLines(DebugLog& log, const EnvironmentFacts& facts)
+void unload(DebugLog& log, const EnvironmentFacts& facts, Waiter& waiter)
 {
+    writeQuietly(log, "End of the Program ");
     try {
-        log.WriteDebugLog("End of the Program ");
         WriteOperatingInformation(facts, log);
     } catch (const RuntimeError&) {
     }
+    waiter.WaitMs(500);
 }
 
 } // namespace tvx::app

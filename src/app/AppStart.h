@@ -6,13 +6,17 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace tvx {
+class ConfigFile;
 class DebugLog;
+class Prompter;
+class Waiter;
 } // namespace tvx
 
 namespace tvx::app {
@@ -29,11 +33,17 @@ inline constexpr std::string_view kUsage = "usage: tallivex [--home DIR] [--inte
 // Arguments in UTF-8, the program name first.
 AppOptions parseAppOptions(const std::vector<std::string>& arguments);
 
-// The first lines of a run's debug log; a read-only home folder must not stop the meter.
-void writeStartLines(DebugLog& log, const std::string& title, const std::filesystem::path& home);
-void writeReadConfigLine(DebugLog& log);
-// The last lines: the end and the operating information.
-void writeEndLines(DebugLog& log, const EnvironmentFacts& facts);
+// Everything before the main window, in order: the first lines of the debug log (a
+// read-only home folder must not stop the meter), the library check, the configuration.
+struct LibraryCheck {
+    std::vector<RequiredLibrary> libraries;
+    std::function<bool(const std::string&)> canLoad;
+};
+void startUp(DebugLog& log, const std::string& title, const std::filesystem::path& programFolder,
+             const LibraryCheck& check, Prompter& prompter, ConfigFile& config);
+// After the main window: the last lines (the end and the operating information), then
+// half a second in which the system's events still run.
+void unload(DebugLog& log, const EnvironmentFacts& facts, Waiter& waiter);
 
 // Without a screen to talk to, the game is never found and nothing is captured.
 class NoGame final : public GameWindowProbe, public ScreenSource {

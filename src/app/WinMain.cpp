@@ -63,13 +63,10 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int show)
     platform::SystemClock clock;
     tvx::DebugLog log(home, clock);
     tvx::Settings settings = tvx::defaultSettings(tvx::pathUtf8(home));
-    tvx::app::writeStartLines(log, tvx::programTitle(settings.SearchWindowName), home);
-
-    tvx::CheckSystemFiles(platform::requiredLibraries(), platform::canLoadLibrary, prompter, log);
     const std::unique_ptr<tvx::TextCodec> codec = platform::makeTextCodec();
     tvx::ConfigFile config(settings, home, prompter, *codec, &log);
-    config.run(tvx::ConfigFile::Load);
-    tvx::app::writeReadConfigLine(log);
+    tvx::app::startUp(log, tvx::programTitle(settings.SearchWindowName), platform::programFolder(),
+                      {platform::requiredLibraries(), platform::canLoadLibrary}, prompter, config);
 
     tvx::win32ui::FormMain window(tvx::programTitle(settings.SearchWindowName), log, home);
     prompter.setOwner(window.handle());
@@ -98,6 +95,6 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int show)
     window.FormMain_Load();
     // A close during the load (its waits keep messages flowing) leaves no window to wait for.
     const int status = window.handle() != nullptr ? runMessageLoop() : 0;
-    tvx::app::writeEndLines(log, platform::gatherEnvironment());
+    tvx::app::unload(log, platform::gatherEnvironment(), waiter);
     return status;
 }

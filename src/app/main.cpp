@@ -49,13 +49,10 @@ int main(int argc, char** argv)
     tvx::platform::SystemClock clock;
     tvx::DebugLog log(home, clock);
     tvx::Settings settings = tvx::defaultSettings(tvx::pathUtf8(home));
-    tvx::app::writeStartLines(log, tvx::programTitle(settings.SearchWindowName), home);
-
-    tvx::CheckSystemFiles(tvx::platform::requiredLibraries(), tvx::platform::canLoadLibrary, prompter, log);
     const std::unique_ptr<tvx::TextCodec> codec = tvx::platform::makeTextCodec();
     tvx::ConfigFile config(settings, home, prompter, *codec, &log);
-    config.run(tvx::ConfigFile::Load);
-    tvx::app::writeReadConfigLine(log);
+    tvx::app::startUp(log, tvx::programTitle(settings.SearchWindowName), tvx::platform::programFolder(),
+                      {tvx::platform::requiredLibraries(), tvx::platform::canLoadLibrary}, prompter, config);
 
     tvx::ui::FormMain window(tvx::programTitle(settings.SearchWindowName), log, home);
     tvx::ui::QtWaiter waiter;
@@ -91,6 +88,6 @@ int main(int argc, char** argv)
     window.FormMain_Load();
     // A close during the load (its waits keep events flowing) leaves no window to wait for.
     const int status = window.isVisible() ? QApplication::exec() : 0;
-    tvx::app::writeEndLines(log, tvx::platform::gatherEnvironment());
+    tvx::app::unload(log, tvx::platform::gatherEnvironment(), waiter);
     return status;
 }

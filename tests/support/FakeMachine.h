@@ -36,6 +36,7 @@ public:
     std::deque<std::optional<CaptureBitmap>> clipboard;
     std::deque<double> numbers;
     std::vector<std::string> existingFiles;
+    bool shellOpens = true; // false: the desktop has nothing to open a file with
     std::vector<std::string> events;
     std::function<void(std::int32_t)> onWait;
     int grabs = 0;
@@ -76,7 +77,7 @@ public:
     bool open(const std::string& target) override
     {
         events.push_back("open " + target);
-        return true;
+        return shellOpens;
     }
     void setBusyCursor(bool) override {}
     void message(const std::string& text, const std::string& title) override

@@ -1,4 +1,6 @@
 #include "FormMain.h"
+#include "GraphFrame.h"
+#include "GraphPicture.h"
 #include "base/Utf8Path.h"
 
 #include "meter/Meter.h"
@@ -11,6 +13,7 @@
 
 #include "TextCodecFactory.h"
 #include "config/ConfigFile.h"
+#include "graph/GraphLayout.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -20,6 +23,9 @@
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QTimer>
+#include <QApplication>
+#include <QDialog>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -125,6 +131,96 @@ TEST_F(FormMainTest, TheOptionsSwitchDebugModeAndTheLevelWatchAtOnce)
     debugMode->click();
     EXPECT_FALSE(frmDebug->isVisible());
     window.close();
+}
+
+TEST_F(FormMainTest, SwitchingTheGraphReshapesTheWindowAtOnce)
+{
+    test::ScriptedPrompter prompter;
+    ConfigFile config(settings, temp.path(), prompter, codec, &log);
+    window.setConfigFile(&config, {});
+    settings.AutoStart = false;
+    settings.Graph = false;
+    window.FormMain_Load();
+    window.show();
+    window.resize(900, 560);
+    QTest::qWait(20);
+    auto* frmGraph = window.findChild<ui::GraphFrame*>();
+    ASSERT_NE(frmGraph, nullptr);
+    EXPECT_EQ(window.width(), kPanelClientWidth) << "without the graph, the panel's width only";
+    EXPECT_FALSE(frmGraph->isVisible());
+    EXPECT_EQ(meter.state().graph, nullptr);
+
+    window.action("menuOption")->trigger();
+    auto* graph = window.findChild<ui::FormOption*>()->findChild<QCheckBox*>(QStringLiteral("chkGraph"));
+    ASSERT_NE(graph, nullptr);
+    graph->click();
+    QTest::qWait(20);
+    EXPECT_TRUE(settings.Graph);
+    EXPECT_TRUE(frmGraph->isVisible()) << "no resize needed";
+    EXPECT_GE(window.width(), kMinGraphClientWidth);
+    ASSERT_NE(meter.state().graph, nullptr) << "a graph switched on after the start gets its buffer";
+    EXPECT_GT(frmGraph->picGraph()->width(), 0);
+
+    graph->click();
+    QTest::qWait(20);
+    EXPECT_FALSE(frmGraph->isVisible());
+    EXPECT_EQ(window.width(), kPanelClientWidth);
+    window.close();
+}
+
+TEST_F(FormMainTest, AGraphClickIsTheGraphsAndABackgroundClickRefreshes)
+{
+    settings.AutoStart = false;
+    window.FormMain_Load();
+    window.show();
+    window.resize(900, 560);
+    QTest::qWait(20);
+    auto* frmGraph = window.findChild<ui::GraphFrame*>();
+    for (const GraphLabel label : {GraphLabel::El0, GraphLabel::Tl1, GraphLabel::Tt})
+        QTest::mouseClick(frmGraph->label(label), Qt::LeftButton);
+    QTest::mouseClick(frmGraph, Qt::LeftButton, {}, QPoint(frmGraph->width() - 2, 2));
+    std::string text = test::readAll(log.path());
+    EXPECT_EQ(text.find("Click : Window Refresh "), std::string::npos) << text;
+    EXPECT_NE(text.find("Click : Graph Old View "), std::string::npos);
+
+    QTest::mouseClick(window.centralWidget(), Qt::LeftButton, {}, QPoint(4, window.centralWidget()->height() - 3));
+    text = test::readAll(log.path());
+    EXPECT_NE(text.find("Click : Window Refresh "), std::string::npos);
+    window.close();
+}
+
+TEST_F(FormMainTest, CaptureCaptionsStandUnderTheirColumns)
+{
+    window.show();
+    QTest::qWait(20);
+    const char* columns[] = {"lblStartLv", "lblStartExp", "lblStartMoney"};
+    for (int region = 0; region < 3; ++region) {
+        const QLabel* caption = window.findChild<QLabel*>(QStringLiteral("lblCapture%1").arg(region));
+        const QLabel* column = window.findChild<QLabel*>(QString::fromLatin1(columns[region]));
+        ASSERT_TRUE(caption && column);
+        EXPECT_EQ(caption->geometry().left(), column->geometry().left()) << columns[region];
+        EXPECT_EQ(caption->geometry().right(), column->geometry().right()) << columns[region];
+    }
+}
+
+TEST_F(FormMainTest, TheVersionWindowNamesTheVersionOnce)
+{
+    QString shown;
+    bool isDefault = false;
+    QTimer::singleShot(0, [&] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (dialog == nullptr)
+            return;
+        for (const QLabel* label : dialog->findChildren<QLabel*>())
+            shown += label->text() + QLatin1Char('|');
+        const auto* ok = dialog->findChild<QPushButton*>();
+        isDefault = ok != nullptr && ok->isDefault();
+        dialog->accept();
+    });
+    window.action("menuVersion")->trigger();
+    EXPECT_EQ(shown, QStringLiteral("Tallivex  for MapleStory|バージョン Ver.2.20|"));
+    EXPECT_TRUE(isDefault);
+    EXPECT_NE(test::readAll(log.path()).find("Click : VersionInformation "), std::string::npos);
 }
 
 } // namespace

@@ -177,7 +177,16 @@ void Meter::menuRandomSome_Click()
 
 void Meter::settingsChanged()
 {
-    trapErrors(m_log, "cmdOption", [this] { followWatch(m_settings.DoHLCheckExec); });
+    trapErrors(m_log, "cmdOption", [this] {
+        followWatch(m_settings.DoHLCheckExec);
+        // Switched on after a start without it: the graph starts from here. Switched off,
+        // the buffer stays and keeps counting, so switching back shows the whole session.
+        if (m_settings.Graph && !m_state.graph) {
+            m_state.graph = std::make_unique<clsGraphBuffer>(m_ports.clock);
+            m_state.graphView = GraphView{};
+            m_ports.view.graphDataChanged();
+        }
+    });
 }
 
 void Meter::setDebugMode(bool on)

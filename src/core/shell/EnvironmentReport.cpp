@@ -20,13 +20,16 @@ struct Label {
 // An item the system says nothing about is left out rather than shown empty.
 std::string item(std::string_view indent, const Label& label, bool japanese, const std::string& value)
 {
-    if (value.empty())
+    if (value.find_first_not_of(' ') == std::string::npos)
         return "";
     return std::string(indent) + (japanese ? label.japanese : label.english) + value + "\r\n";
 }
 
+// Without a total (a machine without swap has none) there is nothing to tell.
 std::string freeOfTotal(std::optional<std::uint64_t> free, std::optional<std::uint64_t> total)
 {
+    if (!free || !total || *total == 0)
+        return "";
     return groupedAmount(free, "") + "/ " + groupedAmount(total, "Byte");
 }
 
@@ -72,7 +75,11 @@ std::string ReportEnvironment(const EnvironmentFacts& f, bool japanese)
 void WriteOperatingInformation(const EnvironmentFacts& facts, DebugLog& log)
 {
     log.WriteDebugLog("OperatingInformation");
-    log.WriteDebugLog(ReportEnvironment(facts, false));
+    // The log ends each line itself.
+    std::string report = ReportEnvironment(facts, false);
+    if (report.ends_with("\r\n"))
+        report.resize(report.size() - 2);
+    log.WriteDebugLog(report);
     std::string available = std::string(kMain) + "Available Physical Memory";
     if (facts.availablePhysicalBytes) {
         const auto kilobytes = static_cast<std::int64_t>(*facts.availablePhysicalBytes / 1024);

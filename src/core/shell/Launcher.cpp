@@ -4,6 +4,7 @@
 #include "ports/ShellLauncher.h"
 #include "ports/Waiter.h"
 #include "shell/DebugLog.h"
+#include "base/Errors.h"
 
 namespace tvx {
 
@@ -35,9 +36,16 @@ void Launcher::run(const std::string& target, std::int32_t waitMs, bool isUrl)
     }
     m_log.WriteDebugLog((isUrl ? "Execution Url Start ･･･  " : "Execution File Start ･･･  ") + target);
     m_shell.setBusyCursor(true);
-    m_shell.open(target);
-    m_waiter.WaitMs(waitMs);
+    const bool opened = m_shell.open(target);
+    if (opened)
+        m_waiter.WaitMs(waitMs);
     m_shell.setBusyCursor(false);
+    if (!opened) {
+        // Found, but nothing on this desktop opens it: say so rather than pretend it ran.
+        m_log.writeErrorTrap(isUrl ? "RunUrl" : "RunFile", ErrorNumber::PathFileAccessError);
+        m_prompter.message(fileNamePart(target) + std::string(kCannotOpen), "実行エラー");
+        return;
+    }
     m_log.WriteDebugLog(isUrl ? "Execution Url Finish " : "Execution File Finish ");
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace tvx {
 
@@ -28,6 +29,9 @@ private:
     Prompter& m_prompter;
     DebugLog& m_log;
 };
+
+// Told after the file-name part when the shell found no program to open it with.
+inline constexpr std::string_view kCannotOpen = "を開くプログラムが見つかりません。";
 
 // The file-name part of a path: what follows the last "\" or "/".
 std::string fileNamePart(const std::string& path);

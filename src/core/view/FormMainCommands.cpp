@@ -75,9 +75,9 @@ std::string FormMainCommands::versionLine()
     return "バージョン " + std::string(kVersionText);
 }
 
-void FormMainCommands::openHomePage()
+std::string FormMainCommands::versionHeading(std::string_view searchWindowName)
 {
-    trapErrors(m_log, "lblHomePage_Click", [this] { m_meter.launcher().RunUrl(std::string(kHomePage), 500); });
+    return "Tallivex  for " + std::string(searchWindowName);
 }
 
 void FormMainCommands::closing()

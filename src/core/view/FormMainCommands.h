@@ -17,9 +17,7 @@ class Meter;
 // What a menu command leaves for the window to do after the engine's part.
 enum class WindowAction : std::uint8_t { None, Close, ShowOptions, ShowVersion };
 
-inline constexpr std::string_view kHomePage = "https://tallivex.jp/";
 inline constexpr std::string_view kVersionCaption = "バージョン情報";
-inline constexpr std::string_view kHomePageCaption = "作者のホームページ";
 inline constexpr std::string_view kClosingLine = "\r\n        終了しています・・・\r\n";
 
 // The main window's commands, the same for every front end: each menu command writes its
@@ -35,9 +33,10 @@ public:
 
     WindowAction run(MenuCommand command);
 
-    // The version window's line and its link.
+    // The version window: the program and its target on the first line, the version on
+    // the second (the window's own caption already says what the window is).
+    static std::string versionHeading(std::string_view searchWindowName);
     static std::string versionLine();
-    void openHomePage();
 
     // The engine's part of closing the window, then the last line of the log box.
     void closing();

@@ -35,7 +35,7 @@ FormMainLayout formMainLayout(std::int32_t clientHeight, bool debugMode, std::in
     const std::int32_t buttonTop = kTableTop + 4 * kRowHeight + 4;
     layout.cmdTempStop = {kMargin, buttonTop, kCaptionWidth + kGap + kValueWidths[0], kButtonHeight};
     for (std::size_t region = 0; region < 3; ++region) {
-        const PixelRect& under = layout.values[0][region + 2];
+        const PixelRect& under = layout.values[0][kCaptureFields[region]];
         layout.lblCapture[region] = {under.left, buttonTop + 4, under.width, kRowHeight};
     }
 

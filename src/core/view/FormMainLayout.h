@@ -19,6 +19,9 @@ struct ResultRowDesign {
     std::string_view prefix;
 };
 inline constexpr std::array<ResultRowDesign, 3> kResultRows{{{"開始", "lblStart"}, {"終了", "lblEnd"}, {"増加", "lblElapse"}}};
+// The capture regions read level, experience and money; each one's caption stands under
+// its own column of the account.
+inline constexpr std::array<std::size_t, 3> kCaptureFields{1, 2, 4};
 inline constexpr std::string_view kTempStopCaption = "一時停止";
 inline constexpr std::string_view kTestCaptureCaption = "テストキャプチャ";
 inline constexpr std::string_view kTestRecognizeCaption = "テスト認識";

@@ -8,6 +8,8 @@
 #include "meter/MeterState.h"
 #include "shell/DebugLog.h"
 
+#include <algorithm>
+
 namespace tvx {
 namespace {
 
@@ -150,6 +152,7 @@ void GraphFrameView::GraphDataDisplay(std::int32_t shift, float zoom)
     const Currency maxE = m_buffer != nullptr ? m_buffer->MaxValueRateE() : Currency();
     const Currency maxM = m_buffer != nullptr ? m_buffer->MaxValueRateM() : Currency();
     const GraphScaleTexts texts = showScaleTexts(maxE, maxM, zoom, trap);
+    fitScaleLabels();
     trap.report(m_log, "GraphDataDisplay");
 
     m_curves = GraphCurves();
@@ -160,6 +163,20 @@ void GraphFrameView::GraphDataDisplay(std::int32_t shift, float zoom)
     }
     trap.report(m_log, "GraphDataDisplay 2");
     notify();
+}
+
+void GraphFrameView::fitScaleLabels()
+{
+    // A scale wider than its column ("100,000") reaches toward the picture rather than
+    // losing its leading digits at the frame's edge.
+    for (std::size_t i = 0; i < 4; ++i) {
+        for (const bool experience : {true, false}) {
+            GraphLabelView& label = at(scaleLabel(experience, i));
+            label.rect.width = std::max(kScaleLabelWidth, (m_measure ? m_measure(label.text) : 0) + 2);
+            if (!experience)
+                label.rect.left = m_frameWidth - label.rect.width;
+        }
+    }
 }
 
 void GraphFrameView::redraw()

@@ -96,6 +96,7 @@ private:
     GraphLabelView& at(GraphLabel which) { return m_labels[static_cast<std::size_t>(which)]; }
     GraphScaleTexts showScaleTexts(const Currency& maxE, const Currency& maxM, float zoom, StepTrap& trap);
     void fitToText(GraphLabel which);
+    void fitScaleLabels();
     void redraw();
     void zoomBy(bool in);
     void moveTime(bool toPast);

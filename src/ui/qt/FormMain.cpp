@@ -10,6 +10,7 @@
 
 #include "graph/GraphLayout.h"
 #include "view/FormMainCommands.h"
+#include "view/FormMainLayout.h"
 #include "meter/Meter.h"
 #include "recognition/CaptureFile.h"
 #include "shell/DebugLog.h"
@@ -42,9 +43,6 @@ namespace tvx::ui {
 
 namespace {
 
-constexpr int kLeftPanelWidth = 488;
-constexpr int kLogWidth = 465;
-
 QLabel* namedLabel(const QString& name, const QString& text, QWidget* parent)
 {
     auto* label = new QLabel(text, parent);
@@ -75,7 +73,7 @@ FormMain::FormMain(std::string_view title, DebugLog& log, std::filesystem::path 
     columns->setContentsMargins(0, 2, 0, 0);
     outer->addLayout(columns, 1);
     auto* left = new QWidget(central);
-    left->setFixedWidth(kLeftPanelWidth);
+    left->setFixedWidth(kPanelClientWidth);
     auto* rows = new QVBoxLayout(left);
     rows->setContentsMargins(8, 4, 8, 8);
     rows->addWidget(buildResults());
@@ -84,7 +82,7 @@ FormMain::FormMain(std::string_view title, DebugLog& log, std::filesystem::path 
     m_txtLog->setReadOnly(true);
     m_txtLog->setFont(logFont());
     m_txtLog->setLineWrapMode(QPlainTextEdit::NoWrap);
-    m_txtLog->setFixedWidth(kLogWidth);
+    m_txtLog->setFixedWidth(kTxtLogWidth);
     rows->addWidget(m_txtLog, 1);
     rows->addWidget(buildDebugArea());
     columns->addWidget(left);
@@ -149,33 +147,33 @@ QWidget* FormMain::buildResults()
     auto* grid = new QGridLayout(frame);
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setHorizontalSpacing(10);
-    const char* headers[] = {"時刻", "Lv", "Exp", "％", "メル"};
-    for (int column = 0; column < 5; ++column)
-        grid->addWidget(new QLabel(QString::fromUtf8(headers[column]), frame), 0, column + 1);
-    const char* fields[] = {"Time", "Lv", "Exp", "ExpPS", "Money"};
-    auto row = [&](int at, const char* caption, const char* prefix, std::array<QLabel*, 5>& labels) {
-        grid->addWidget(new QLabel(QString::fromUtf8(caption), frame), at, 0);
-        for (int column = 0; column < 5; ++column) {
-            labels[static_cast<std::size_t>(column)] =
-                namedLabel(QString::fromLatin1(prefix) + QString::fromLatin1(fields[column]), QString(), frame);
-            labels[static_cast<std::size_t>(column)]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-            grid->addWidget(labels[static_cast<std::size_t>(column)], at, column + 1);
+    for (std::size_t field = 0; field < kResultHeaders.size(); ++field) {
+        auto* header = new QLabel(qtText(kResultHeaders[field]), frame);
+        header->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        grid->addWidget(header, 0, static_cast<int>(field) + 1);
+    }
+    std::array<std::array<QLabel*, 5>*, 3> rows{&m_startRow, &m_endRow, &m_elapseRow};
+    for (std::size_t at = 0; at < kResultRows.size(); ++at) {
+        const int row = static_cast<int>(at) + 1;
+        grid->addWidget(new QLabel(qtText(kResultRows[at].caption), frame), row, 0);
+        for (std::size_t field = 0; field < kResultFields.size(); ++field) {
+            QLabel* value = namedLabel(qtText(kResultRows[at].prefix) + qtText(kResultFields[field]), QString(), frame);
+            value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+            grid->addWidget(value, row, static_cast<int>(field) + 1);
+            (*rows[at])[field] = value;
         }
-    };
-    row(1, "開始", "lblStart", m_startRow);
-    row(2, "終了", "lblEnd", m_endRow);
-    row(3, "増加", "lblElapse", m_elapseRow);
-    m_cmdTempStop = new QPushButton(QStringLiteral("一時停止"), frame);
+    }
+    m_cmdTempStop = new QPushButton(qtText(kTempStopCaption), frame);
     m_cmdTempStop->setObjectName(QStringLiteral("cmdTempStop"));
     connect(m_cmdTempStop, &QPushButton::clicked, this, [this] {
         if (m_meter)
             m_meter->cycle().cmdTempStop_Click(m_meter->settings().StartDelay);
     });
     grid->addWidget(m_cmdTempStop, 4, 0, 1, 2);
-    for (int region = 0; region < 3; ++region) {
-        m_lblCapture[static_cast<std::size_t>(region)] =
-            namedLabel(QStringLiteral("lblCapture%1").arg(region), QString(), frame);
-        grid->addWidget(m_lblCapture[static_cast<std::size_t>(region)], 4, region + 2);
+    for (std::size_t region = 0; region < kCaptureFields.size(); ++region) {
+        m_lblCapture[region] = namedLabel(QStringLiteral("lblCapture%1").arg(region), QString(), frame);
+        m_lblCapture[region]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        grid->addWidget(m_lblCapture[region], 4, static_cast<int>(kCaptureFields[region]) + 1);
     }
     return frame;
 }
@@ -193,9 +191,9 @@ QWidget* FormMain::buildDebugArea()
         m_picCapture[static_cast<std::size_t>(region)] = picture;
         grid->addWidget(picture, 0, region);
     }
-    m_cmdCapture = new QPushButton(QStringLiteral("テストキャプチャ"), m_frmDebug);
+    m_cmdCapture = new QPushButton(qtText(kTestCaptureCaption), m_frmDebug);
     m_cmdCapture->setObjectName(QStringLiteral("cmdCapture"));
-    m_cmdRecognize = new QPushButton(QStringLiteral("テスト認識"), m_frmDebug);
+    m_cmdRecognize = new QPushButton(qtText(kTestRecognizeCaption), m_frmDebug);
     m_cmdRecognize->setObjectName(QStringLiteral("cmdRecognize"));
     m_lblElapse = namedLabel(QStringLiteral("lblElapse"), QString(), m_frmDebug);
     grid->addWidget(m_cmdCapture, 1, 0);
@@ -346,11 +344,18 @@ void FormMain::mousePressEvent(QMouseEvent* event)
 void FormMain::resizeEvent(QResizeEvent* event)
 {
     QMainWindow::resizeEvent(event);
+    Form_Resize();
+}
+
+void FormMain::Form_Resize()
+{
     if (!m_meter || isMinimized())
         return;
     const int menuHeight = menuBar()->height();
-    const FormResizeLayout layout =
-        formResizeLayout(width(), height() - menuHeight, m_meter->settings().Graph);
+    const FormResizeLayout layout = formResizeLayout(width(), height() - menuHeight, m_meter->settings().Graph);
+    // Without the graph the window has the left panel's width only.
+    setMinimumSize(layout.frmGraphVisible ? kMinGraphClientWidth : kPanelClientWidth, kMinClientHeight + menuHeight);
+    setMaximumWidth(layout.frmGraphVisible ? QWIDGETSIZE_MAX : kPanelClientWidth);
     if (layout.outerWidthTwips || layout.outerHeightTwips)
         resize(layout.clientWidth, layout.clientHeight + menuHeight);
     m_frmGraph->setVisible(layout.frmGraphVisible);
@@ -407,9 +412,10 @@ void FormMain::menuOption_Click()
                                       [this](bool on) { m_meter->setDebugMode(on); }});
         connect(m_formOption, &FormOption::settingsChanged, this, [this] {
             setWindowTitle(qtText(programTitle(m_meter->settings().SearchWindowName)));
-            m_frmGraph->GraphFrameDisplay();
             followGestureSetting();
             m_meter->settingsChanged();
+            // The graph may have been switched on or off: the window takes its new shape now.
+            Form_Resize();
         });
     } else if (capture) {
         m_formOption->setCapture(*capture);
@@ -442,19 +448,17 @@ void FormMain::menuVersion_Click()
     dialog.setObjectName(QStringLiteral("FormVersion"));
     dialog.setWindowTitle(qtText(kVersionCaption));
     auto* rows = new QVBoxLayout(&dialog);
-    auto* title = new QLabel(windowTitle(), &dialog);
+    rows->setContentsMargins(16, 16, 16, 12);
+    const std::string target = m_meter ? m_meter->settings().SearchWindowName : std::string("MapleStory");
+    auto* title = namedLabel(QStringLiteral("lblTitle"), qtText(FormMainCommands::versionHeading(target)), &dialog);
     QFont big = title->font();
     big.setPointSize(big.pointSize() + 4);
     big.setBold(true);
     title->setFont(big);
     rows->addWidget(title);
-    rows->addWidget(new QLabel(qtText(FormMainCommands::versionLine()), &dialog));
-    auto* link = new QLabel(
-        QStringLiteral("<a href=\"%1\">%2</a>").arg(qtText(kHomePage), qtText(kHomePageCaption)), &dialog);
-    link->setObjectName(QStringLiteral("lblHomePage"));
-    connect(link, &QLabel::linkActivated, this, [this] { m_commands->openHomePage(); });
-    rows->addWidget(link);
+    rows->addWidget(namedLabel(QStringLiteral("lblVersion"), qtText(FormMainCommands::versionLine()), &dialog));
     auto* ok = new QPushButton(QStringLiteral("OK"), &dialog);
+    ok->setDefault(true);
     connect(ok, &QPushButton::clicked, &dialog, &QDialog::accept);
     rows->addWidget(ok, 0, Qt::AlignRight);
     dialog.exec();

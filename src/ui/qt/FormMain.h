@@ -105,6 +105,8 @@ private:
     void menuVersion_Click();
     // Loads or unloads the gesture listener to follow the Gesture setting.
     void followGestureSetting();
+    // Snaps the window to the limits of the graph setting and lays out graph and debug area.
+    void Form_Resize();
 
     DebugLog& m_log;
     std::filesystem::path m_programFolder;

@@ -71,6 +71,16 @@ bool GraphFrame::eventFilter(QObject* watched, QEvent* event)
     return QFrame::eventFilter(watched, event);
 }
 
+void GraphFrame::mousePressEvent(QMouseEvent* event)
+{
+    event->accept();
+}
+
+void GraphFrame::mouseReleaseEvent(QMouseEvent* event)
+{
+    event->accept();
+}
+
 void GraphFrame::resizeEvent(QResizeEvent* event)
 {
     QFrame::resizeEvent(event);

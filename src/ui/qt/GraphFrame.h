@@ -47,6 +47,10 @@ protected:
     // The frame lays itself out again whenever the window gives it another size.
     void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
+    // A click on the graph (a label, the picture, the frame) is the graph's own and never
+    // reaches the window's background.
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
     void showView();

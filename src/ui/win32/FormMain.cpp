@@ -430,7 +430,7 @@ void FormMain::runCommand(MenuCommand command)
     case WindowAction::Close: SendMessageW(m_window, WM_CLOSE, 0, 0); break;
     case WindowAction::ShowOptions: menuOption_Click(); break;
     case WindowAction::ShowVersion:
-        showVersionWindow(m_window, windowText(m_window), [this] { m_commands->openHomePage(); });
+        showVersionWindow(m_window, FormMainCommands::versionHeading(m_meter->settings().SearchWindowName));
         break;
     case WindowAction::None: break;
     }

@@ -10,7 +10,6 @@ namespace {
 constexpr wchar_t kNoticeClass[] = L"TallivexNotice";
 constexpr wchar_t kVersionClass[] = L"TallivexVersion";
 constexpr int kOk = IDOK;
-constexpr int kLink = 101;
 
 // The client size a text needs in a font, at most `maxWidth` wide.
 SIZE measureText(HWND window, HFONT font, const std::wstring& text, int maxWidth)
@@ -139,40 +138,14 @@ void runModal(HWND owner, HWND window)
 namespace {
 
 struct VersionWindow {
-    std::function<void()> openHomePage;
     Font font;
     Font big;
-    Font link;
 
     LRESULT handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     {
-        switch (message) {
-        case WM_COMMAND:
-            if (LOWORD(wParam) == kOk || LOWORD(wParam) == IDCANCEL) {
-                DestroyWindow(window);
-                return 0;
-            }
-            if (LOWORD(wParam) == kLink && HIWORD(wParam) == STN_CLICKED && openHomePage) {
-                openHomePage();
-                return 0;
-            }
-            break;
-        case WM_CTLCOLORSTATIC:
-            if (GetDlgCtrlID(reinterpret_cast<HWND>(lParam)) == kLink) {
-                const auto dc = reinterpret_cast<HDC>(wParam);
-                SetTextColor(dc, RGB(0, 0, 0xCC));
-                SetBkMode(dc, TRANSPARENT);
-                return reinterpret_cast<LRESULT>(GetSysColorBrush(COLOR_BTNFACE));
-            }
-            break;
-        case WM_SETCURSOR:
-            if (GetDlgCtrlID(reinterpret_cast<HWND>(wParam)) == kLink) {
-                SetCursor(LoadCursorW(nullptr, MAKEINTRESOURCEW(32649))); // the hand
-                return TRUE;
-            }
-            break;
-        case WM_CLOSE: DestroyWindow(window); return 0;
-        default: break;
+        if ((message == WM_COMMAND && (LOWORD(wParam) == kOk || LOWORD(wParam) == IDCANCEL)) || message == WM_CLOSE) {
+            DestroyWindow(window);
+            return 0;
         }
         return DefWindowProcW(window, message, wParam, lParam);
     }
@@ -180,10 +153,10 @@ struct VersionWindow {
 
 } // namespace
 
-void showVersionWindow(HWND owner, std::string_view title, const std::function<void()>& openHomePage)
+void showVersionWindow(HWND owner, std::string_view title)
 {
     registerWindowClass(kVersionClass, &ownedWindowProc<VersionWindow>, GetSysColorBrush(COLOR_BTNFACE));
-    VersionWindow state{openHomePage, nullptr, nullptr, nullptr};
+    VersionWindow state{nullptr, nullptr};
     HWND window = CreateWindowExW(WS_EX_DLGMODALFRAME, kVersionClass, wide(kVersionCaption).c_str(),
                                   WS_POPUP | WS_CAPTION | WS_SYSMENU, CW_USEDEFAULT, CW_USEDEFAULT, 300, 200, owner,
                                   nullptr, GetModuleHandleW(nullptr), &state);
@@ -193,11 +166,6 @@ void showVersionWindow(HWND owner, std::string_view title, const std::function<v
     const Dpi dpi = Dpi::of(window);
     state.font = createFont(12, dpi);
     state.big = createFont(16, dpi);
-    state.link = createFont(12, dpi);
-    LOGFONTW underlined{};
-    GetObjectW(state.link.get(), sizeof underlined, &underlined);
-    underlined.lfUnderline = TRUE;
-    state.link = Font(CreateFontIndirectW(&underlined));
 
     const int margin = dpi(16);
     const SIZE titleSize = measureText(window, state.big.get(), wide(title), dpi(600));
@@ -207,10 +175,6 @@ void showVersionWindow(HWND owner, std::string_view title, const std::function<v
     int top = margin + titleSize.cy + dpi(8);
     HWND version = createControl(window, L"STATIC", FormMainCommands::versionLine(), SS_LEFT, 0, state.font.get());
     MoveWindow(version, margin, top, width - 2 * margin, dpi(18), FALSE);
-    top += dpi(24);
-    HWND link = createControl(window, L"STATIC", kHomePageCaption, SS_LEFT | SS_NOTIFY, kLink, state.link.get());
-    MoveWindow(link, margin, top, textWidth(state.link.get(), kHomePageCaption, dpi) * static_cast<int>(dpi.dpi) / 96 + 4,
-               dpi(18), FALSE);
     top += dpi(32);
     HWND ok = createControl(window, L"BUTTON", "OK", BS_DEFPUSHBUTTON | WS_TABSTOP, kOk, state.font.get());
     MoveWindow(ok, width - margin - dpi(80), top, dpi(80), dpi(24), FALSE);

@@ -35,9 +35,9 @@ private:
     Font m_font;
 };
 
-// FormVersion: the title, the version and a link to the author's home page, modal over
-// the owner until closed.
-void showVersionWindow(HWND owner, std::string_view title, const std::function<void()>& openHomePage);
+// FormVersion: the program and its target, then the version, modal over the owner until
+// closed.
+void showVersionWindow(HWND owner, std::string_view title);
 
 // Runs the window modally over its owner: the owner is disabled until the window is gone.
 // A quit request ends the loop and is handed back to the main loop.

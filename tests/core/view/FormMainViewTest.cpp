@@ -66,6 +66,19 @@ TEST(FormMainLayout, LogBoxAndDebugAreaShareTheHeight)
     }
 }
 
+TEST(FormMainLayout, EachCaptureCaptionStandsUnderItsOwnColumn)
+{
+    StepTrap trap;
+    const FormMainLayout layout = formMainLayout(400, false, 0, trap);
+    const char* columns[] = {"Lv", "Exp", "Money"}; // the regions' order
+    for (std::size_t region = 0; region < 3; ++region) {
+        const std::size_t field = kCaptureFields[region];
+        EXPECT_EQ(kResultFields[field], columns[region]);
+        EXPECT_EQ(layout.lblCapture[region].left, layout.values[0][field].left) << columns[region];
+        EXPECT_EQ(layout.lblCapture[region].width, layout.values[0][field].width) << columns[region];
+    }
+}
+
 TEST(FormMainLayout, AccountColumnsStayApartInsideThePanel)
 {
     StepTrap trap;
@@ -119,14 +132,38 @@ TEST_F(FormMainCommandsTest, EachCommandLogsAndSaysWhatTheWindowDoes)
     EXPECT_NE(meter.logBox().text().find("まだキャプチャしていません\r\n"), std::string::npos);
 }
 
-TEST_F(FormMainCommandsTest, DocumentsOpenFromTheirFolderAndTheHomePageFromItsLink)
+TEST_F(FormMainCommandsTest, HelpDocumentsOpenFromTheirFolder)
 {
     commands.setDocumentFolder(temp.path() / "docs");
-    machine.existingFiles = {pathUtf8(temp.path() / "docs" / utf8Path("使用方法M.mht"))};
-    commands.run(MenuCommand::HowToUse);
-    commands.openHomePage();
-    EXPECT_EQ(machine.count("open " + machine.existingFiles[0]), 1u);
-    EXPECT_EQ(machine.count("open https://"), 1u);
+    const struct {
+        MenuCommand command;
+        const char* line;
+        const char* document;
+    } cases[] = {
+        {MenuCommand::Quick, "Click : Show Quick Reference ", "とりあえず始めよう.mht"},
+        {MenuCommand::HowToUse, "Click : Show How To Use ", "使用方法M.mht"},
+        {MenuCommand::ReadMe, "Click : Show Read Me ", "ReadMeM.txt"},
+    };
+    for (const auto& c : cases) {
+        const std::string path = pathUtf8(temp.path() / "docs" / utf8Path(c.document));
+        machine.existingFiles = {path};
+        EXPECT_EQ(commands.run(c.command), WindowAction::None);
+        EXPECT_EQ(machine.count("open " + path), 1u) << c.document;
+        const std::string text = logText();
+        const std::size_t click = text.find(c.line);
+        ASSERT_NE(click, std::string::npos) << c.line;
+        EXPECT_NE(text.find("Execution File Start ･･･  " + path, click), std::string::npos) << c.document;
+    }
+    EXPECT_EQ(machine.count("message "), 0u);
+}
+
+TEST(FormMainVersion, NamesTheVersionOnce)
+{
+    const std::string heading = FormMainCommands::versionHeading("MapleStory");
+    const std::string line = FormMainCommands::versionLine();
+    EXPECT_EQ(heading, "Tallivex  for MapleStory");
+    EXPECT_EQ(line, "バージョン Ver.2.20");
+    EXPECT_EQ(programTitle("MapleStory").rfind(heading, 0), 0u) << "the heading is the title before its version";
 }
 
 TEST_F(FormMainCommandsTest, ClosingEndsTheLogBoxAndTheTimerFollowsTheInterval)

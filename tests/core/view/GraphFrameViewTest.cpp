@@ -81,6 +81,24 @@ TEST_F(GraphFrameViewTest, LaysOutPictureLabelsAndGridForTheFrame)
     EXPECT_TRUE(logText().empty()) << logText();
 }
 
+TEST_F(GraphFrameViewTest, WideScalesKeepEveryDigitInsideTheFrame)
+{
+    buffer.AddGraphData(Currency::fromDouble(95000.0), Currency::fromDouble(2400000.0), 3, settings.GraphTimeScale);
+    view.GraphFrameDisplay();
+    for (std::size_t i = 0; i < 4; ++i) {
+        for (const GraphLabel which : {static_cast<GraphLabel>(i), static_cast<GraphLabel>(4 + i)}) {
+            const GraphLabelView& label = view.label(which);
+            EXPECT_GE(label.rect.width, measure(label.text) + 2) << label.text;
+            EXPECT_GE(label.rect.left, 0) << label.text;
+            EXPECT_LE(label.rect.left + label.rect.width, 476) << label.text;
+        }
+    }
+    EXPECT_EQ(view.label(GraphLabel::El0).text, "100,000");
+    EXPECT_EQ(view.label(GraphLabel::Ml0).rect.left + view.label(GraphLabel::Ml0).rect.width, 476);
+    EXPECT_GT(view.label(GraphLabel::Ml0).rect.width, GraphFrameView::kScaleLabelWidth);
+    EXPECT_EQ(view.label(GraphLabel::Ml3).rect.width, GraphFrameView::kScaleLabelWidth) << "short texts keep the column";
+}
+
 TEST_F(GraphFrameViewTest, ClicksFindTheirLabelOrThePicture)
 {
     view.GraphFrameDisplay();
