@@ -2,6 +2,8 @@
 #include "base/Utf8Path.h"
 #include "FormMain.h"
 #include "StartGuard.h"
+#include "AppStart.h"
+#include "config/ConfigFile.h"
 
 #include "meter/Meter.h"
 #include "shell/DebugLog.h"
@@ -38,6 +40,56 @@ TEST(StartGuard, RefusesASecondInstanceAndTheTemporaryFolder)
     EXPECT_FALSE(app::guardStart(home.path(), home.path() / "Tallivex", {temp, ""}, prompter));
     ASSERT_EQ(prompter.shown.size(), 1u);
     EXPECT_EQ(prompter.shown[0].text.substr(0, prompter.shown[0].text.find("\r\n")), "テンポラリフォルダでは実行できません。");
+}
+
+TEST(StartUp, TheDebugLogTellsTheRunInOrder)
+{
+    test::TempFolder home;
+    test::TempFolder program;
+    test::FakeMachine machine;
+    test::ScriptedPrompter prompter;
+    test::MarkingCodec codec;
+    Settings settings = defaultSettings(pathUtf8(home.path()));
+    settings.SaveFolder = pathUtf8(home.path());
+    DebugLog log(home.path(), machine.clock);
+    ConfigFile config(settings, home.path(), prompter, codec, &log);
+    const app::LibraryCheck check{{{"present.so", "x"}, {"missing.so", "warning"}},
+                                  [](const std::string& name) { return name == "present.so"; }};
+    prompter.answers = {true, true}; // a first start: full screen, confirmed
+    app::startUp(log, programTitle("MapleStory"), program.path(), check, prompter, config);
+    {
+        settings.StartDelay = 0;
+        ui::FormMain window(programTitle("MapleStory"), log, program.path());
+        MeterPorts ports{machine.clock, machine, machine, machine, machine, machine, machine, window};
+        Meter meter(settings, ports, log);
+        window.attach(meter);
+        window.FormMain_Load();
+        window.close();
+    }
+    machine.events.clear();
+    app::unload(log, EnvironmentFacts{}, machine);
+
+    const std::string text = test::readAll(log.path());
+    const std::string lines[] = {
+        "Starting Program  Tallivex  for MapleStory    Ver.2.20\r\n",
+        "Execute Folder : " + pathUtf8(program.path()) + "\r\n",
+        "System File of missing.so is Not Find ",
+        "Result of System File Check : A missing item ",
+        "Reading ConfigFile ･･･ End ",
+        "Log AutoStart ･･･ ",
+        "Program StartUp Complete ",
+        "Closing Program ･･･ ",
+        "End of the Program ",
+        "OperatingInformation",
+    };
+    std::size_t at = 0;
+    for (const std::string& line : lines) {
+        const std::size_t found = text.find(line, at);
+        ASSERT_NE(found, std::string::npos) << line << "\n" << text;
+        at = found;
+    }
+    EXPECT_EQ(text.find("System File of present.so"), std::string::npos);
+    EXPECT_EQ(machine.events, std::vector<std::string>{"wait 500"}) << "half a second of events before the end";
 }
 
 // Button events as a test script gives them; start can be made to fail.

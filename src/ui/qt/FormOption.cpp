@@ -6,6 +6,8 @@
 #include "GlyphView.h"
 #include "QtText.h"
 
+#include "view/Placement.h"
+
 #include "base/HeldFlag.h"
 #include "config/ConfigFile.h"
 #include "ports/Waiter.h"
@@ -28,6 +30,7 @@
 #include <QRegularExpressionValidator>
 #include <QScreen>
 #include <QScrollArea>
+#include <QShowEvent>
 #include <QSignalBlocker>
 #include <QTabBar>
 #include <QTabWidget>
@@ -107,16 +110,42 @@ FormOption::FormOption(ConfigFile& configFile, const CaptureBitmap* lastCapture,
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_tabs, 1);
     layout->addLayout(buttons);
+    m_buttons = buttons;
     refresh();
+    fitToScreen();
+}
+
+void FormOption::fitToScreen()
+{
     // As large as the largest page, but never larger than the screen, so the buttons
-    // stay on it; the pages scroll instead.
+    // stay on it; the pages scroll instead. Placed over the main window, wholly on screen.
     QSize pages;
     for (int t = 0; t < m_tabs->count(); ++t)
         if (const auto* area = qobject_cast<QScrollArea*>(m_tabs->widget(t)))
             pages = pages.expandedTo(area->widget()->sizeHint());
-    const QSize wanted = pages + QSize(48, m_tabs->tabBar()->sizeHint().height() + buttons->sizeHint().height() + 56);
-    const QSize room = screen() ? screen()->availableSize() - QSize(16, 48) : wanted;
-    resize(wanted.boundedTo(room));
+    const QSize wanted =
+        pages + QSize(48, m_tabs->tabBar()->sizeHint().height() + m_buttons->sizeHint().height() + 56);
+    const QRect work = screen() ? screen()->availableGeometry() : QRect(QPoint(0, 0), wanted);
+    std::optional<ViewRect> owner;
+    if (const QWidget* main = parentWidget(); main != nullptr && main->isVisible()) {
+        const QRect frame = main->window()->frameGeometry();
+        owner = ViewRect{frame.x(), frame.y(), frame.width(), frame.height()};
+    }
+    // Room for the window's frame, which the work area must hold too.
+    const ViewRect placed = placeOver(owner, wanted.width(), wanted.height(),
+                                      {work.x(), work.y(), work.width() - 16, work.height() - 48});
+    resize(placed.width, placed.height);
+    move(placed.x, placed.y);
+}
+
+void FormOption::showEvent(QShowEvent* event)
+{
+    QDialog::showEvent(event);
+    // The previews have their pictures now; the first showing fits the window to them.
+    if (!m_fitted) {
+        m_fitted = true;
+        fitToScreen();
+    }
 }
 
 FormOption::~FormOption() = default;

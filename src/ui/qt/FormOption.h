@@ -15,6 +15,7 @@
 class QCheckBox;
 class QComboBox;
 class QLabel;
+class QLayout;
 class QLineEdit;
 class QPushButton;
 class QRadioButton;
@@ -70,8 +71,10 @@ signals:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
+    void fitToScreen();
     QWidget* buildRegionsTab();
     QWidget* buildPatternsTab();
     QWidget* buildRowsTab(OptionTab tab);
@@ -99,6 +102,8 @@ private:
     OptionsEditor m_editor;
 
     QTabWidget* m_tabs = nullptr;
+    QLayout* m_buttons = nullptr;
+    bool m_fitted = false;
     std::vector<std::function<void()>> m_refreshers;
     std::array<QLabel*, kRegionCount> m_picCapture{};
     std::array<GlyphView*, kRegionCount> m_picBinary{};

@@ -116,20 +116,32 @@ TEST_F(FormMainCommandsTest, EachCommandLogsAndSaysWhatTheWindowDoes)
         WindowAction action;
         const char* line;
     } cases[] = {
+        {MenuCommand::PatternSave, WindowAction::None, "Click : Pattern Save "},
         {MenuCommand::End, WindowAction::Close, "Click : END "},
         {MenuCommand::Option, WindowAction::ShowOptions, "Click : Option "},
-        {MenuCommand::Version, WindowAction::ShowVersion, "Click : VersionInformation "},
+        {MenuCommand::Run, WindowAction::None, "Click : Run "},
+        {MenuCommand::Stop, WindowAction::None, "Click : Stop "},
+        {MenuCommand::TimeLeft, WindowAction::None, "Click : Leftover Time "},
+        {MenuCommand::RandomOne, WindowAction::None, "Click : RandomOne "},
+        {MenuCommand::RandomSome, WindowAction::None, "Click : RandomSome "},
+        {MenuCommand::PrtScr, WindowAction::None, "Click : Print Screen "},
+        {MenuCommand::Quick, WindowAction::None, "Click : Show Quick Reference "},
+        {MenuCommand::HowToUse, WindowAction::None, "Click : Show How To Use "},
         {MenuCommand::ReadMe, WindowAction::None, "Click : Show Read Me "},
-        {MenuCommand::PatternSave, WindowAction::None, "Pattern Save ･･･ End "},
         {MenuCommand::OperatingInfo, WindowAction::None, "Click : Operating Information "},
+        {MenuCommand::Version, WindowAction::ShowVersion, "Click : VersionInformation "},
     };
+    ASSERT_EQ(std::size(cases), static_cast<std::size_t>(MenuCommand::Version) + 1) << "every command once";
     for (const auto& c : cases) {
+        const std::size_t before = logText().size();
         EXPECT_EQ(commands.run(c.command), c.action) << c.line;
-        EXPECT_NE(logText().find(c.line), std::string::npos) << c.line;
+        EXPECT_NE(logText().find(c.line, before), std::string::npos) << c.line;
     }
     // The documents are looked for beside the program; none is there.
     EXPECT_EQ(machine.count("message 実行エラー: ReadMeM.txtファイルが見つかりません。"), 1u);
+    EXPECT_EQ(machine.count("message 実行エラー: 使用方法M.mhtファイルが見つかりません。"), 1u);
     EXPECT_NE(meter.logBox().text().find("まだキャプチャしていません\r\n"), std::string::npos);
+    EXPECT_EQ(logText().find("Error Trap"), std::string::npos) << logText();
 }
 
 TEST_F(FormMainCommandsTest, HelpDocumentsOpenFromTheirFolder)

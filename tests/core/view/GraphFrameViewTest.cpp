@@ -83,7 +83,8 @@ TEST_F(GraphFrameViewTest, LaysOutPictureLabelsAndGridForTheFrame)
 
 TEST_F(GraphFrameViewTest, WideScalesKeepEveryDigitInsideTheFrame)
 {
-    buffer.AddGraphData(Currency::fromDouble(95000.0), Currency::fromDouble(2400000.0), 3, settings.GraphTimeScale);
+    for (int i = 0; i < 4; ++i)
+        buffer.AddGraphData(Currency::fromDouble(95000.0), Currency::fromDouble(2400000.0), 3, settings.GraphTimeScale);
     view.GraphFrameDisplay();
     for (std::size_t i = 0; i < 4; ++i) {
         for (const GraphLabel which : {static_cast<GraphLabel>(i), static_cast<GraphLabel>(4 + i)}) {
