@@ -167,8 +167,8 @@ void GraphFrameView::GraphDataDisplay(std::int32_t shift, float zoom)
 
 void GraphFrameView::fitScaleLabels()
 {
-    // A scale wider than its column ("100,000") reaches toward the picture rather than
-    // losing its leading digits at the frame's edge.
+    // The money scale is not cut ("100,000"): a text wider than its column reaches toward
+    // the picture rather than losing digits at the frame's edge.
     for (std::size_t i = 0; i < 4; ++i) {
         for (const bool experience : {true, false}) {
             GraphLabelView& label = at(scaleLabel(experience, i));

