@@ -8,6 +8,7 @@
 #include "ports/ScreenSource.h"
 #include "ports/Waiter.h"
 #include "shell/DebugLog.h"
+#include "view/OptionFields.h"
 
 #include <QComboBox>
 #include <QGridLayout>
@@ -24,9 +25,6 @@
 
 namespace tvx::ui {
 namespace {
-
-const std::array<QString, kRegionCount> kRegionNames{QStringLiteral("Lv (1)"), QStringLiteral("Exp (2)"),
-                                                      QStringLiteral("マネー (3)")};
 
 QString indexed(const char* name, int index)
 {
@@ -47,7 +45,7 @@ FormCalibrate::FormCalibrate(Settings& settings, const CaptureBitmap* screen, Pa
     auto* top = new QHBoxLayout;
     top->addWidget(new QLabel(QStringLiteral("ドラッグで決める領域：")));
     for (int r = 0; r < kRegionCount; ++r) {
-        auto* option = new QRadioButton(kRegionNames[static_cast<std::size_t>(r)]);
+        auto* option = new QRadioButton(qtText(regionCaption(r)));
         option->setObjectName(indexed("optRegion", r));
         connect(option, &QRadioButton::toggled, this, [this, r](bool on) {
             if (on) {
@@ -132,7 +130,7 @@ QWidget* FormCalibrate::buildRegionRow(int region, RegionRow& row)
     auto* box = new QWidget;
     auto* grid = new QGridLayout(box);
     grid->setContentsMargins(0, 2, 0, 2);
-    auto* name = new QLabel(kRegionNames[static_cast<std::size_t>(region)]);
+    auto* name = new QLabel(qtText(regionCaption(region)));
     name->setStyleSheet(QStringLiteral("color: %1; font-weight: bold;").arg(regionColour(region).darker(130).name()));
     row.number = new QLineEdit;
     row.number->setObjectName(indexed("txtNumber", region));
