@@ -18,6 +18,8 @@
 #include <QScreen>
 #include <QTabWidget>
 #include <QTest>
+#include <QScrollBar>
+#include <QScrollArea>
 
 #include <gtest/gtest.h>
 
@@ -203,6 +205,27 @@ TEST_F(FormOptionTest, ATemplateIsTakenFromTheBinarisedColumnsOrDrawnPixelByPixe
     QTest::mouseClick(editor, Qt::LeftButton, {}, editor->pixelCentre(0, 0));
     EXPECT_EQ(m_settings.PatternStrings[RegionLevel][5], "004F" + five.substr(4));
     EXPECT_EQ(decodePatternColumns(m_settings.PatternStrings[RegionLevel][5])->size(), 7u);
+}
+
+TEST_F(FormOptionTest, TheFirstShowingFitsTheRegionsOnTheScreen)
+{
+    // The pictures of the last capture widen the regions page; shown, the window takes them in.
+    const CaptureBitmap capture = screenWithLevel("137");
+    FormOption form(m_config, &capture);
+    form.show();
+    QTest::qWait(20);
+    const QRect work = form.screen()->availableGeometry();
+    EXPECT_TRUE(work.contains(form.geometry())) << form.geometry().width() << "x" << form.geometry().height();
+    auto* tabs = child<QTabWidget>(form, "tabOption");
+    const auto* regions = qobject_cast<QScrollArea*>(tabs->widget(0));
+    ASSERT_NE(regions, nullptr);
+    if (regions->widget()->sizeHint().width() + 64 < work.width()) {
+        EXPECT_FALSE(regions->horizontalScrollBar()->isVisible()) << "room enough on this screen";
+    }
+    for (const char* name : {"cmdSave", "cmdClose"}) {
+        const QWidget* button = child<QPushButton>(form, name);
+        EXPECT_TRUE(form.rect().contains(QRect(button->mapTo(&form, QPoint(0, 0)), button->size()))) << name;
+    }
 }
 
 // Not a check: with TALLIVEX_SHOT_DIR set, leaves a picture of every tab there.
