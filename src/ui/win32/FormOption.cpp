@@ -178,13 +178,16 @@ private:
             return TRUE;
         case WM_NOTIFY:
             if (reinterpret_cast<const NMHDR*>(lParam)->code == TCN_SELCHANGE)
-                self->showPage(static_cast<int>(SendMessageW(self->m_tabs, TCM_GETCURSEL, 0, 0)));
+                self->showPage(self->currentPage());
             return TRUE;
         case WM_CLOSE:
             self->guarded([self] { self->close(); });
             return TRUE;
         case WM_SIZE:
             self->layout();
+            return TRUE;
+        case WM_MOUSEWHEEL: // with the focus on the tabs or the buttons: the page scrolls
+            SendMessageW(self->m_pages[static_cast<std::size_t>(self->currentPage())], message, wParam, lParam);
             return TRUE;
         case WM_GETMINMAXINFO: {
             auto* limits = reinterpret_cast<MINMAXINFO*>(lParam);
@@ -203,11 +206,15 @@ private:
             SetWindowLongPtrW(page, DWLP_USER, lParam);
             return FALSE;
         }
-        if (message != WM_COMMAND)
-            return FALSE;
         auto* self = reinterpret_cast<FormOptionWindow*>(GetWindowLongPtrW(page, DWLP_USER));
-        if (self)
-            self->guarded([=] { self->command(LOWORD(wParam), HIWORD(wParam)); });
+        if (!self)
+            return FALSE;
+        if (message != WM_COMMAND) {
+            const auto index = static_cast<std::size_t>(
+                std::find(self->m_pages.begin(), self->m_pages.end(), page) - self->m_pages.begin());
+            return index < self->m_scrollers.size() && self->m_scrollers[index].handle(message, wParam, lParam);
+        }
+        self->guarded([=] { self->command(LOWORD(wParam), HIWORD(wParam)); });
         return TRUE;
     }
 
@@ -285,6 +292,9 @@ private:
         button(m_window, "読込み", cmdLoad, 0, 0, 80, 28);
         button(m_window, "初期化", cmdInit, 0, 0, 80, 28);
         button(m_window, "閉じる", cmdClose, 0, 0, 80, 28);
+        // Each page scrolls when the window is lower or narrower than its controls need.
+        for (std::size_t t = 0; t < m_pages.size(); ++t)
+            m_scrollers[t].attach(m_pages[t]);
         refresh();
         showPage(0);
     }
@@ -419,6 +429,11 @@ private:
         for (int t = 0; t < kOptionTabCount; ++t)
             ShowWindow(m_pages[static_cast<std::size_t>(t)], t == index ? SW_SHOW : SW_HIDE);
         SendMessageW(m_tabs, TCM_SETCURSEL, static_cast<WPARAM>(index), 0);
+    }
+
+    int currentPage() const
+    {
+        return std::clamp(static_cast<int>(SendMessageW(m_tabs, TCM_GETCURSEL, 0, 0)), 0, kOptionTabCount - 1);
     }
 
     void setText(int id, std::string_view text)
@@ -687,6 +702,7 @@ private:
     HWND m_window = nullptr;
     HWND m_tabs = nullptr;
     std::array<HWND, kOptionTabCount> m_pages{};
+    std::array<PageScroller, kOptionTabCount> m_scrollers;
     std::map<int, HWND> m_controls;
     std::array<GlyphCanvas, kRegionCount> m_binary;
     std::array<GlyphCanvas, kPatternCount> m_tiles;
