@@ -157,9 +157,9 @@ void PageScroller::attach(HWND page)
         m_content.cx = std::max<LONG>(m_content.cx, r.right - pageRect.left);
         m_content.cy = std::max<LONG>(m_content.cy, r.bottom - pageRect.top);
     }
-    // The same margin below and right as the controls keep above and left.
-    m_content.cx += scaled(8);
-    m_content.cy += scaled(8);
+    // A little room below and right of the last controls.
+    m_content.cx += scaled(4);
+    m_content.cy += scaled(4);
     fit();
 }
 
@@ -198,6 +198,8 @@ void PageScroller::scrollTo(int x, int y)
     m_position = {x, y};
     SetScrollPos(m_page, SB_HORZ, x, TRUE);
     SetScrollPos(m_page, SB_VERT, y, TRUE);
+    // Group boxes are drawn by the page's children: each is drawn again where it now is.
+    RedrawWindow(m_page, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
 bool PageScroller::handle(UINT message, WPARAM wParam, LPARAM lParam)

@@ -307,8 +307,8 @@ private:
     void buildRegionsPage(HWND page)
     {
         for (int r = 0; r < kRegionCount; ++r) {
-            const int top = 6 + r * 180;
-            add(page, L"BUTTON", regionCaption(r), BS_GROUPBOX, 0, 8, top, 762, 174);
+            const int top = 6 + r * 178;
+            add(page, L"BUTTON", regionCaption(r), BS_GROUPBOX, 0, 8, top, 762, 172);
             int order = 0;
             for (const NumberField* field : regionFields(r)) {
                 const int x = 14 + (order % 4) * 188;
@@ -324,9 +324,9 @@ private:
             glyph(page, picBinary0 + r, m_binary[static_cast<std::size_t>(r)], 80, top + 122, 444, 46);
             label(page, "", 534, top + 128, 230, 18, SS_LEFT, lblResult0 + r);
         }
-        const HWND capture = button(page, "10秒後にキャプチャ", cmdCapture, 14, 550, 160, 28);
+        const HWND capture = button(page, "10秒後にキャプチャ", cmdCapture, 14, 544, 160, 28);
         EnableWindow(capture, m_context.screen && m_context.waiter && m_context.clock);
-        label(page, "10秒のうちにゲームを前面に出してください。画面を保存し、各領域を表示します。", 184, 556, 580, 18,
+        label(page, "10秒のうちにゲームを前面に出してください。画面を保存し、各領域を表示します。", 184, 550, 580, 18,
               SS_LEFT, lblCaptureStatus);
     }
 
