@@ -356,17 +356,17 @@ private:
                              308, 292, 24, fixedFont());
         SendMessageW(hex, EM_SETLIMITTEXT, 256, 0);
         label(page, "", 470, 338, 292, 44, SS_LEFT, lblWidthNote);
-        add(page, L"BUTTON", "キャプチャ画像から取り込む", BS_GROUPBOX, 0, 8, 390, 762, 190);
+        add(page, L"BUTTON", "キャプチャ画像から取り込む", BS_GROUPBOX, 0, 8, 390, 762, 182);
         label(page,
               "最後のキャプチャをこの領域の境界値で２値化した画像です。数字の左端をクリックすると基準幅の列が"
               "選ばれます（ドラッグで範囲を変えられます）。",
-              18, 408, 744, 34);
-        const HWND columns = glyph(page, picColumns, m_columnsCanvas, 18, 444, 744, 16 * 5 + 4 + 18);
+              18, 406, 744, 32);
+        const HWND columns = glyph(page, picColumns, m_columnsCanvas, 18, 440, 744, 16 * 5 + 4 + 18);
         SetWindowLongPtrW(columns, GWL_STYLE, GetWindowLongPtrW(columns, GWL_STYLE) | WS_HSCROLL);
         SetWindowPos(columns, nullptr, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_FRAMECHANGED);
-        button(page, "選んだ列をこのパターンにする", cmdTakeColumns, 18, 548, 240, 26);
+        button(page, "選んだ列をこのパターンにする", cmdTakeColumns, 18, 543, 240, 26);
         EnableWindow(m_controls[cmdTakeColumns], FALSE);
-        label(page, "", 268, 553, 494, 18, SS_LEFT, lblPatternResult);
+        label(page, "", 268, 548, 494, 18, SS_LEFT, lblPatternResult);
         CheckRadioButton(page, optPatternRegion0, optPatternRegion0 + kRegionCount - 1, optPatternRegion0);
     }
 
@@ -484,9 +484,11 @@ private:
             tile.setRows(view.rows);
             tile.setColumns(view.tiles[static_cast<std::size_t>(j)]);
             tile.setChecked(j == m_editor.patternIndex());
-            // Each tile as large as its template, so the frame of the chosen one fits it.
-            SetWindowPos(m_controls[picPattern0 + j], nullptr, 0, 0, std::min(tile.width(), scaled(62)), tile.height(),
-                         SWP_NOMOVE | SWP_NOZORDER);
+            // Each tile as large as its template, so the frame of the chosen one fits it, and
+            // standing on its caption.
+            const int height = std::min(tile.height(), scaled(68));
+            SetWindowPos(m_controls[picPattern0 + j], nullptr, scaled(18 + j * 68), scaled(126) - height,
+                         std::min(tile.width(), scaled(62)), height, SWP_NOZORDER);
             updateGlyphControl(m_controls[picPattern0 + j]);
         }
         m_editorCanvas.setRows(view.rows);
