@@ -2,6 +2,7 @@
 
 #include "DesktopSupport.h"
 
+#include "measurement/MeasurementSession.h"
 #include "meter/Meter.h"
 #include "shell/DebugLog.h"
 #include "support/FakeMachine.h"
@@ -94,6 +95,45 @@ TEST_F(FormMainWin32Test, AutoStartRunsTheSessionUntilStopAndTheCloseEndsIt)
     EXPECT_NE(debugLog().find("Closing Program ･･･ "), std::string::npos);
     MSG quit;
     EXPECT_TRUE(PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) << "the main loop is told to end";
+}
+
+// Width in pixels of a text in the font a control draws with.
+int drawnWidth(HWND control, std::string_view text)
+{
+    HDC dc = GetDC(control);
+    const HGDIOBJ before = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)));
+    const std::wstring wide = win32ui::wide(text);
+    SIZE size{};
+    GetTextExtentPoint32W(dc, wide.c_str(), static_cast<int>(wide.size()), &size);
+    SelectObject(dc, before);
+    ReleaseDC(control, dc);
+    return size.cx;
+}
+
+HWND childWithText(HWND parent, const std::string& text)
+{
+    for (HWND child = GetWindow(parent, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT))
+        if (win32ui::windowText(child) == text)
+            return child;
+    return nullptr;
+}
+
+TEST_F(FormMainWin32Test, TheAccountsWidestTextsFitTheirLabelsAndTheLogRowsLineUpUnderTheHeader)
+{
+    machine.screens = {test::gameCapture({"200", "1234567890", "9999999999"})};
+    window.FormMain_Load();
+    meter.cycle().runCycle();
+    for (const char* name : {"lblStartTime", "lblStartLv", "lblStartExp", "lblStartExpPS", "lblStartMoney"}) {
+        const std::string text = window.controlText(name);
+        const HWND label = childWithText(window.handle(), text);
+        ASSERT_NE(label, nullptr) << name << " " << text;
+        RECT client{};
+        GetClientRect(label, &client);
+        EXPECT_LE(drawnWidth(label, text), client.right) << name << " " << text;
+    }
+    // The header has full-width characters; a record line of as many columns has none.
+    const std::string header(kLogHeader);
+    EXPECT_EQ(drawnWidth(window.txtLog(), header), drawnWidth(window.txtLog(), std::string(72, '0')));
 }
 
 TEST_F(FormMainWin32Test, LogBoxControlKeepsTheLast512LinesWithTheCaretAtTheEnd)

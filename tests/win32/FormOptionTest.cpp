@@ -227,6 +227,51 @@ TEST_F(FormOptionTest, APixelClickedInTheEditorAndColumnsTakenFromTheCaptureBeco
     EXPECT_EQ(m_settings.PatternStrings[RegionLevel][5], "004F" + five.substr(4));
 }
 
+// Whether a control lies wholly inside its parent's client area.
+bool inView(HWND control)
+{
+    RECT inside{};
+    GetWindowRect(control, &inside);
+    MapWindowPoints(nullptr, GetParent(control), reinterpret_cast<POINT*>(&inside), 2);
+    RECT client{};
+    GetClientRect(GetParent(control), &client);
+    return inside.left >= client.left && inside.top >= client.top && inside.right <= client.right &&
+           inside.bottom <= client.bottom;
+}
+
+TEST_F(FormOptionTest, AWindowTooSmallForAPageScrollsItAndKeepsItsButtonsInView)
+{
+    bool closeInView = false;
+    bool captureHidden = false;
+    bool captureScrolledIn = false;
+    bool captureInViewGrown = false;
+    show({
+        [] { return optionsWindow() != nullptr; },
+        [] {
+            SetWindowPos(optionsWindow(), nullptr, 0, 0, 560, 400, SWP_NOMOVE | SWP_NOZORDER);
+            return true;
+        },
+        [&] {
+            // The regions page's last row, far below a 400-pixel window.
+            const HWND capture = optionControl("cmdCapture");
+            const HWND page = GetParent(capture);
+            closeInView = inView(optionControl("cmdClose")) && inView(optionControl("cmdSave"));
+            captureHidden = !inView(capture);
+            SendMessageW(page, WM_VSCROLL, SB_BOTTOM, 0);
+            captureScrolledIn = inView(capture);
+            // Grown back, the page shows everything from its top again.
+            SetWindowPos(optionsWindow(), nullptr, 0, 0, 1000, 760, SWP_NOMOVE | SWP_NOZORDER);
+            captureInViewGrown = inView(capture);
+            PostMessageW(optionsWindow(), WM_CLOSE, 0, 0);
+            return true;
+        },
+    });
+    EXPECT_TRUE(closeInView);
+    EXPECT_TRUE(captureHidden);
+    EXPECT_TRUE(captureScrolledIn);
+    EXPECT_TRUE(captureInViewGrown);
+}
+
 // Not a check: with TALLIVEX_SHOT_DIR set, leaves a picture of every tab there.
 TEST_F(FormOptionTest, Screenshots)
 {

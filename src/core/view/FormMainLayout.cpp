@@ -9,9 +9,9 @@ constexpr std::int32_t kMargin = 8;
 constexpr std::int32_t kTableTop = 8;
 constexpr std::int32_t kRowHeight = 18;
 constexpr std::int32_t kCaptionWidth = 36;
-// Time, level, experience, per cent, money: wide enough for "2026/12/31 23:59", a level of
-// three digits, and amounts in the thousands of millions with their commas.
-constexpr std::array<std::int32_t, 5> kValueWidths{112, 28, 96, 56, 104};
+// Time, level, experience, per cent, money: wide enough for "2026/12/31 23:59:59", a level
+// of three digits, and amounts of eleven digits.
+constexpr std::array<std::int32_t, 5> kValueWidths{124, 28, 88, 56, 96};
 constexpr std::int32_t kGap = 6;
 constexpr std::int32_t kButtonHeight = 24;
 constexpr std::int32_t kTxtLogTop = kTableTop + 4 * kRowHeight + kButtonHeight + 10;

@@ -3,8 +3,10 @@
 #include "view/Placement.h"
 #include "win32/Win32Text.h"
 
+#include <algorithm>
 #include <memory>
 #include <optional>
+#include <tuple>
 
 namespace tvx::win32ui {
 namespace {
@@ -142,6 +144,102 @@ void placeOver(HWND window, HWND owner, int clientWidth, int clientHeight)
     SetWindowPos(window, nullptr, placed.x, placed.y, placed.width, placed.height, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+void PageScroller::attach(HWND page)
+{
+    m_page = page;
+    m_position = {};
+    RECT pageRect{};
+    GetWindowRect(page, &pageRect);
+    m_content = {};
+    for (HWND child = GetWindow(page, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+        RECT r{};
+        GetWindowRect(child, &r);
+        m_content.cx = std::max<LONG>(m_content.cx, r.right - pageRect.left);
+        m_content.cy = std::max<LONG>(m_content.cy, r.bottom - pageRect.top);
+    }
+    // A little room below and right of the last controls.
+    m_content.cx += scaled(4);
+    m_content.cy += scaled(4);
+    fit();
+}
+
+void PageScroller::fit()
+{
+    if (!m_page || m_fitting)
+        return;
+    m_fitting = true; // a bar that appears or goes resizes the page again
+    RECT client{};
+    for (int pass = 0; pass < 2; ++pass) {
+        GetClientRect(m_page, &client);
+        for (const auto& [bar, content, view] : {std::tuple{SB_HORZ, m_content.cx, client.right},
+                                                 std::tuple{SB_VERT, m_content.cy, client.bottom}}) {
+        // A page as large as the range hides the bar.
+            SCROLLINFO info{sizeof info, SIF_RANGE | SIF_PAGE, 0, static_cast<int>(content) - 1,
+                            static_cast<UINT>(std::max<LONG>(view, 0)), 0, 0};
+            SetScrollInfo(m_page, bar, &info, TRUE);
+        }
+    }
+    m_fitting = false;
+    GetClientRect(m_page, &client);
+    scrollTo(std::min<int>(m_position.x, std::max<LONG>(0, m_content.cx - client.right)),
+             std::min<int>(m_position.y, std::max<LONG>(0, m_content.cy - client.bottom)));
+}
+
+void PageScroller::scrollTo(int x, int y)
+{
+    RECT client{};
+    GetClientRect(m_page, &client);
+    x = std::clamp<int>(x, 0, std::max<LONG>(0, m_content.cx - client.right));
+    y = std::clamp<int>(y, 0, std::max<LONG>(0, m_content.cy - client.bottom));
+    if (x == m_position.x && y == m_position.y)
+        return;
+    ScrollWindowEx(m_page, m_position.x - x, m_position.y - y, nullptr, nullptr, nullptr, nullptr,
+                   SW_SCROLLCHILDREN | SW_INVALIDATE | SW_ERASE);
+    m_position = {x, y};
+    SetScrollPos(m_page, SB_HORZ, x, TRUE);
+    SetScrollPos(m_page, SB_VERT, y, TRUE);
+    // Group boxes are drawn by the page's children: each is drawn again where it now is.
+    RedrawWindow(m_page, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+}
+
+bool PageScroller::handle(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (!m_page)
+        return false;
+    if (message == WM_SIZE) {
+        fit();
+        return true;
+    }
+    if (message == WM_MOUSEWHEEL) {
+        const int notches = GET_WHEEL_DELTA_WPARAM(wParam) / WHEEL_DELTA;
+        scrollTo(m_position.x, m_position.y - notches * scaled(48));
+        return true;
+    }
+    // lParam names a scroll bar control; the page's own bars send none.
+    if ((message != WM_VSCROLL && message != WM_HSCROLL) || lParam != 0)
+        return false;
+    const int bar = message == WM_VSCROLL ? SB_VERT : SB_HORZ;
+    SCROLLINFO info{sizeof info, SIF_ALL, 0, 0, 0, 0, 0};
+    GetScrollInfo(m_page, bar, &info);
+    int target = info.nPos;
+    switch (LOWORD(wParam)) {
+    case SB_LINEUP: target -= scaled(20); break;
+    case SB_LINEDOWN: target += scaled(20); break;
+    case SB_PAGEUP: target -= static_cast<int>(info.nPage); break;
+    case SB_PAGEDOWN: target += static_cast<int>(info.nPage); break;
+    case SB_THUMBTRACK:
+    case SB_THUMBPOSITION: target = info.nTrackPos; break;
+    case SB_TOP: target = 0; break;
+    case SB_BOTTOM: target = info.nMax; break;
+    default: return true;
+    }
+    if (bar == SB_VERT)
+        scrollTo(m_position.x, target);
+    else
+        scrollTo(target, m_position.y);
+    return true;
+}
+
 int scaled(int pixels)
 {
     return MulDiv(pixels, screenDpi(), 96);
@@ -158,11 +256,8 @@ HFONT dialogFont()
 
 HFONT fixedFont()
 {
-    static const OwnedFont font{[] {
-        LOGFONTW wanted = fontFor({L"MS Gothic", L"Noto Sans Mono CJK JP", L"Courier New"});
-        wanted.lfPitchAndFamily = FIXED_PITCH | FF_MODERN;
-        return CreateFontIndirectW(&wanted);
-    }()};
+    // The log box's face, at the dialogs' nine points.
+    static const Font font = createFont(12, Dpi{static_cast<UINT>(screenDpi())}, true);
     return font.get();
 }
 

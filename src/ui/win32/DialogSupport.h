@@ -24,6 +24,25 @@ void runModal(HWND dialog, HWND owner, const std::function<bool()>& done,
 // it over owner, inside the owner's monitor work area.
 void placeOver(HWND window, HWND owner, int clientWidth, int clientHeight);
 
+// Scrolls a page whose controls reach beyond its window, as far as they reach: the page
+// (WS_VSCROLL | WS_HSCROLL) passes its size and scroll messages here.
+class PageScroller {
+public:
+    // The content is what the page's controls cover now, at scroll position 0.
+    void attach(HWND page);
+    // WM_SIZE, WM_VSCROLL, WM_HSCROLL and WM_MOUSEWHEEL; true when the message was one.
+    bool handle(UINT message, WPARAM wParam, LPARAM lParam);
+
+private:
+    void fit();
+    void scrollTo(int x, int y);
+
+    HWND m_page = nullptr;
+    SIZE m_content{};
+    POINT m_position{};
+    bool m_fitting = false;
+};
+
 // Pixels at 96 dpi on this screen.
 int scaled(int pixels);
 

@@ -195,6 +195,7 @@ void FormMain::setIntervalSeconds(std::int32_t seconds)
     if (m_meter == nullptr)
         return;
     m_meter->state().intervalSecondsOverride = seconds;
+    m_frmGraph->view().setIntervalSeconds(seconds); // the time axis counts seconds then
     m_captureTimerMs = static_cast<UINT>(FormMainCommands::captureTimerMs(seconds));
     if (m_timerOn[kTimCaptureInterval])
         SetTimer(m_window, kTimCaptureInterval, m_captureTimerMs, nullptr);

@@ -178,13 +178,16 @@ private:
             return TRUE;
         case WM_NOTIFY:
             if (reinterpret_cast<const NMHDR*>(lParam)->code == TCN_SELCHANGE)
-                self->showPage(static_cast<int>(SendMessageW(self->m_tabs, TCM_GETCURSEL, 0, 0)));
+                self->showPage(self->currentPage());
             return TRUE;
         case WM_CLOSE:
             self->guarded([self] { self->close(); });
             return TRUE;
         case WM_SIZE:
             self->layout();
+            return TRUE;
+        case WM_MOUSEWHEEL: // with the focus on the tabs or the buttons: the page scrolls
+            SendMessageW(self->m_pages[static_cast<std::size_t>(self->currentPage())], message, wParam, lParam);
             return TRUE;
         case WM_GETMINMAXINFO: {
             auto* limits = reinterpret_cast<MINMAXINFO*>(lParam);
@@ -203,11 +206,15 @@ private:
             SetWindowLongPtrW(page, DWLP_USER, lParam);
             return FALSE;
         }
-        if (message != WM_COMMAND)
-            return FALSE;
         auto* self = reinterpret_cast<FormOptionWindow*>(GetWindowLongPtrW(page, DWLP_USER));
-        if (self)
-            self->guarded([=] { self->command(LOWORD(wParam), HIWORD(wParam)); });
+        if (!self)
+            return FALSE;
+        if (message != WM_COMMAND) {
+            const auto index = static_cast<std::size_t>(
+                std::find(self->m_pages.begin(), self->m_pages.end(), page) - self->m_pages.begin());
+            return index < self->m_scrollers.size() && self->m_scrollers[index].handle(message, wParam, lParam);
+        }
+        self->guarded([=] { self->command(LOWORD(wParam), HIWORD(wParam)); });
         return TRUE;
     }
 
@@ -285,6 +292,9 @@ private:
         button(m_window, "読込み", cmdLoad, 0, 0, 80, 28);
         button(m_window, "初期化", cmdInit, 0, 0, 80, 28);
         button(m_window, "閉じる", cmdClose, 0, 0, 80, 28);
+        // Each page scrolls when the window is lower or narrower than its controls need.
+        for (std::size_t t = 0; t < m_pages.size(); ++t)
+            m_scrollers[t].attach(m_pages[t]);
         refresh();
         showPage(0);
     }
@@ -297,8 +307,8 @@ private:
     void buildRegionsPage(HWND page)
     {
         for (int r = 0; r < kRegionCount; ++r) {
-            const int top = 6 + r * 180;
-            add(page, L"BUTTON", regionCaption(r), BS_GROUPBOX, 0, 8, top, 762, 174);
+            const int top = 6 + r * 178;
+            add(page, L"BUTTON", regionCaption(r), BS_GROUPBOX, 0, 8, top, 762, 172);
             int order = 0;
             for (const NumberField* field : regionFields(r)) {
                 const int x = 14 + (order % 4) * 188;
@@ -314,9 +324,9 @@ private:
             glyph(page, picBinary0 + r, m_binary[static_cast<std::size_t>(r)], 80, top + 122, 444, 46);
             label(page, "", 534, top + 128, 230, 18, SS_LEFT, lblResult0 + r);
         }
-        const HWND capture = button(page, "10秒後にキャプチャ", cmdCapture, 14, 550, 160, 28);
+        const HWND capture = button(page, "10秒後にキャプチャ", cmdCapture, 14, 544, 160, 28);
         EnableWindow(capture, m_context.screen && m_context.waiter && m_context.clock);
-        label(page, "10秒のうちにゲームを前面に出してください。画面を保存し、各領域を表示します。", 184, 556, 580, 18,
+        label(page, "10秒のうちにゲームを前面に出してください。画面を保存し、各領域を表示します。", 184, 550, 580, 18,
               SS_LEFT, lblCaptureStatus);
     }
 
@@ -346,17 +356,17 @@ private:
                              308, 292, 24, fixedFont());
         SendMessageW(hex, EM_SETLIMITTEXT, 256, 0);
         label(page, "", 470, 338, 292, 44, SS_LEFT, lblWidthNote);
-        add(page, L"BUTTON", "キャプチャ画像から取り込む", BS_GROUPBOX, 0, 8, 390, 762, 190);
+        add(page, L"BUTTON", "キャプチャ画像から取り込む", BS_GROUPBOX, 0, 8, 390, 762, 182);
         label(page,
               "最後のキャプチャをこの領域の境界値で２値化した画像です。数字の左端をクリックすると基準幅の列が"
               "選ばれます（ドラッグで範囲を変えられます）。",
-              18, 408, 744, 34);
-        const HWND columns = glyph(page, picColumns, m_columnsCanvas, 18, 444, 744, 16 * 5 + 4 + 18);
+              18, 406, 744, 32);
+        const HWND columns = glyph(page, picColumns, m_columnsCanvas, 18, 440, 744, 16 * 5 + 4 + 18);
         SetWindowLongPtrW(columns, GWL_STYLE, GetWindowLongPtrW(columns, GWL_STYLE) | WS_HSCROLL);
         SetWindowPos(columns, nullptr, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_FRAMECHANGED);
-        button(page, "選んだ列をこのパターンにする", cmdTakeColumns, 18, 548, 240, 26);
+        button(page, "選んだ列をこのパターンにする", cmdTakeColumns, 18, 543, 240, 26);
         EnableWindow(m_controls[cmdTakeColumns], FALSE);
-        label(page, "", 268, 553, 494, 18, SS_LEFT, lblPatternResult);
+        label(page, "", 268, 548, 494, 18, SS_LEFT, lblPatternResult);
         CheckRadioButton(page, optPatternRegion0, optPatternRegion0 + kRegionCount - 1, optPatternRegion0);
     }
 
@@ -421,6 +431,11 @@ private:
         SendMessageW(m_tabs, TCM_SETCURSEL, static_cast<WPARAM>(index), 0);
     }
 
+    int currentPage() const
+    {
+        return std::clamp(static_cast<int>(SendMessageW(m_tabs, TCM_GETCURSEL, 0, 0)), 0, kOptionTabCount - 1);
+    }
+
     void setText(int id, std::string_view text)
     {
         if (windowText(m_controls[id]) != text)
@@ -469,9 +484,11 @@ private:
             tile.setRows(view.rows);
             tile.setColumns(view.tiles[static_cast<std::size_t>(j)]);
             tile.setChecked(j == m_editor.patternIndex());
-            // Each tile as large as its template, so the frame of the chosen one fits it.
-            SetWindowPos(m_controls[picPattern0 + j], nullptr, 0, 0, std::min(tile.width(), scaled(62)), tile.height(),
-                         SWP_NOMOVE | SWP_NOZORDER);
+            // Each tile as large as its template, so the frame of the chosen one fits it, and
+            // standing on its caption.
+            const int height = std::min(tile.height(), scaled(68));
+            SetWindowPos(m_controls[picPattern0 + j], nullptr, scaled(18 + j * 68), scaled(126) - height,
+                         std::min(tile.width(), scaled(62)), height, SWP_NOZORDER);
             updateGlyphControl(m_controls[picPattern0 + j]);
         }
         m_editorCanvas.setRows(view.rows);
@@ -687,6 +704,7 @@ private:
     HWND m_window = nullptr;
     HWND m_tabs = nullptr;
     std::array<HWND, kOptionTabCount> m_pages{};
+    std::array<PageScroller, kOptionTabCount> m_scrollers;
     std::map<int, HWND> m_controls;
     std::array<GlyphCanvas, kRegionCount> m_binary;
     std::array<GlyphCanvas, kPatternCount> m_tiles;

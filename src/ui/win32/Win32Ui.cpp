@@ -43,11 +43,37 @@ bool hasFace(const wchar_t* face)
     return found;
 }
 
+// A face whose full-width characters are exactly two of its half-width columns at the log
+// box's height, so its rows line up under the header. A missing face comes back as
+// another one (Wine gives Latin-only faces for Windows' Japanese ones), which this refuses.
+bool twoColumnFace(const wchar_t* face)
+{
+    constexpr int kLogHeight = 12;
+    HFONT font = CreateFontW(-kLogHeight, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
+                             CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, FIXED_PITCH | FF_MODERN, face);
+    if (font == nullptr)
+        return false;
+    HDC screen = GetDC(nullptr);
+    const HGDIOBJ before = SelectObject(screen, font);
+    std::array<wchar_t, LF_FACESIZE> used{};
+    GetTextFaceW(screen, static_cast<int>(used.size()), used.data());
+    SIZE half{};
+    SIZE space{};
+    SIZE full{};
+    GetTextExtentPoint32W(screen, L"0", 1, &half);
+    GetTextExtentPoint32W(screen, L" ", 1, &space);
+    GetTextExtentPoint32W(screen, L"\u7372", 1, &full); // 獲, as in the header
+    SelectObject(screen, before);
+    ReleaseDC(nullptr, screen);
+    DeleteObject(font);
+    return lstrcmpiW(used.data(), face) == 0 && half.cx > 0 && space.cx == half.cx && full.cx == 2 * half.cx;
+}
+
 // Windows' own Japanese faces first; the Noto faces are what Wine finds on Linux.
 const wchar_t* chooseFace(bool fixedPitch)
 {
     static const std::array<const wchar_t*, 4> kUi{L"Meiryo UI", L"MS UI Gothic", L"Yu Gothic UI", L"Noto Sans CJK JP"};
-    static const std::array<const wchar_t*, 3> kFixed{L"MS Gothic", L"Noto Sans Mono CJK JP", L"Noto Sans CJK JP"};
+    static const std::array<const wchar_t*, 2> kFixed{L"MS Gothic", L"Noto Sans Mono CJK JP"};
     static const wchar_t* ui = nullptr;
     static const wchar_t* fixed = nullptr;
     const wchar_t*& chosen = fixedPitch ? fixed : ui;
@@ -56,7 +82,7 @@ const wchar_t* chooseFace(bool fixedPitch)
         const auto* begin = fixedPitch ? kFixed.data() : kUi.data();
         const auto* end = begin + (fixedPitch ? kFixed.size() : kUi.size());
         for (const auto* face = begin; face != end; ++face) {
-            if (hasFace(*face)) {
+            if (hasFace(*face) && (!fixedPitch || twoColumnFace(*face))) {
                 chosen = *face;
                 break;
             }
