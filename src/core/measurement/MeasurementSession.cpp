@@ -111,6 +111,8 @@ void MeasurementSession::ChangeLogging(int mode)
         m_toldRecordFailure = false;
         // Nothing of an earlier session shows in this one's labels, summary or tools.
         clearReading();
+        m_level = -1;
+        m_exp = {};
         m_latestExpRate = Currency{};
         DisplayResult(kReset);
         m_logBox.write(std::string(kLogHeader) + std::string(kLineBreak));
@@ -123,9 +125,9 @@ void MeasurementSession::ChangeLogging(int mode)
         m_state.controls.runCaption = "開始";
         m_state.controls.captureTimerEnabled = false;
         SessionStamp.clear();
-        // The next session starts from fresh bases.
+        // The next session starts from fresh bases; the latest reading stays for the tools.
         m_previousLevel = 0;
-        m_exp = {};
+        m_exp = {m_exp.current, {}, {}};
         m_money = {};
         m_expTime = {};
         m_moneyTime = {};

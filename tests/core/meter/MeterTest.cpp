@@ -230,6 +230,7 @@ TEST_F(MeterTest, LevelWatchCapturesRisesOnceArmed)
         {{120, 119}, 0},            // a fall only arms
         {{120, 119, 120, 121}, 2},
     };
+    meter().menuRun_Click(); // the watch runs within a session
     for (const Case& k : cases) {
         LevelWatch& watch = meter().watch();
         watch.reset();
