@@ -94,14 +94,15 @@ void MeasurementSession::ChangeLogging(int mode)
         const auto& apps = m_settings.StartUp;
         if (apps[0].Enabled)
             m_launcher.RunFile(apps[0].Path, 500);
-        if (apps[1].Enabled) {
-            if (apps[0].Enabled) {
+        if (apps[1].Enabled && !m_state.closing) {
+            if (apps[0].Enabled)
                 m_ports.waiter.WaitMs(m_settings.StartUpDelay * 1000);
-                if (m_state.closing)
-                    return;
-            }
-            m_launcher.RunFile(apps[1].Path, 500);
+            if (!m_state.closing)
+                m_launcher.RunFile(apps[1].Path, 500);
         }
+        // Every launch waits; a close meanwhile starts no session.
+        if (m_state.closing)
+            return;
         m_state.controls.captureTimerEnabled = true;
         controlsChanged();
         const LocalDateTime now = m_ports.clock.now();

@@ -163,21 +163,44 @@ TEST_F(EngineCommandsTest, AStopOrACloseDuringAWaitEndsWhatWaited)
     }
 }
 
-TEST_F(EngineCommandsTest, ACloseDuringTheStartUpWaitEndsItAtOnce)
+TEST_F(EngineCommandsTest, ACloseDuringTheStartUpWaitsEndsThemAndStartsNothingMore)
 {
-    auto r = rig();
-    r->settings.StartDelay = 15;
-    r->settings.AutoStart = true;
-    r->machine.onWait = [&r](std::int32_t ms) {
-        if (ms == 15000)
-            r->meter->close();
+    struct Case {
+        const char* name;
+        std::int32_t waitMs;
+        std::size_t opened;
     };
-    test::FakeClock graphClock;
-    r->meter->load(graphClock);
-    EXPECT_EQ(r->machine.count("end waits"), 1u);
-    EXPECT_TRUE(r->meter->state().closing);
-    EXPECT_FALSE(r->meter->state().controls.captureTimerEnabled);
-    EXPECT_EQ(r->machine.grabs, 0);
+    const Case cases[] = {
+        {"the first application's launch", 500, 1},
+        {"the wait between the applications", 7000, 1},
+        {"the second application's launch", 500, 2},
+        {"the wait for the game", 15000, 2},
+    };
+    for (const Case& k : cases) {
+        SCOPED_TRACE(k.name);
+        auto r = rig();
+        r->settings.StartDelay = 15;
+        r->settings.StartUpDelay = 7;
+        r->settings.StartUp = {{{true, "/apps/one"}, {true, "/apps/two"}}};
+        r->machine.existingFiles = {"/apps/one", "/apps/two"};
+        std::size_t skip = k.opened == 2 && k.waitMs == 500 ? 1 : 0;
+        int waitsAfterClose = 0;
+        r->machine.onWait = [&](std::int32_t ms) {
+            if (r->meter->state().closing)
+                ++waitsAfterClose;
+            else if (ms == k.waitMs && skip-- == 0)
+                r->meter->close();
+        };
+        test::FakeClock graphClock;
+        r->settings.AutoStart = true;
+        r->meter->load(graphClock);
+        EXPECT_EQ(r->machine.count("end waits"), 1u);
+        EXPECT_EQ(r->machine.count("open /apps/"), k.opened);
+        EXPECT_EQ(waitsAfterClose, 0);
+        EXPECT_FALSE(r->meter->state().controls.captureTimerEnabled);
+        r->meter->cycle().timCaptureInterval_Timer();
+        EXPECT_EQ(r->machine.grabs, 0);
+    }
 }
 
 TEST_F(EngineCommandsTest, StopEndsTheSessionEvenWhenItsSummaryFails)
