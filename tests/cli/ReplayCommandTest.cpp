@@ -3,6 +3,7 @@
 #include "TextCodecFactory.h"
 #include "base/Utf8Path.h"
 
+#include "support/CsvFields.h"
 #include "support/ReadFile.h"
 #include "support/GameScreen.h"
 #include "support/TempFolder.h"
@@ -64,6 +65,39 @@ TEST_F(ReplayCommandTest, WritesTheRecordFileAndTheLogBox)
               "    終了  Lv: 138    Exp:          100      0.00％   ﾒﾙ:            5800 \r\n"
               "    増加  Lv:   1    Exp:     73599413      0.00％   ﾒﾙ:             800 \r\n"
               "\r\n");
+}
+
+TEST_F(ReplayCommandTest, MoneyNeverReadGivesNoMoneyFigure)
+{
+    frame("15.bmp", "137", "1000", "");
+    frame("375.bmp", "137", "4600", "");
+    frame("735.bmp", "137", "8200", "");
+    for (const bool scan : {false, true}) {
+        SCOPED_TRACE(scan ? "money scanned" : "money not scanned");
+        std::filesystem::remove_all(saves);
+        ASSERT_EQ(run(scan ? std::vector<std::string>{"--per-session", "--csv", "--money-scan"}
+                           : std::vector<std::string>{"--per-session", "--csv"}),
+                  0)
+            << err.str();
+        std::istringstream file(test::readAll(saves / "log" / utf8Path("給与明細202401312350.csv")));
+        std::string line;
+        std::getline(file, line); // the header
+        std::vector<std::vector<std::string>> records;
+        while (std::getline(file, line))
+            records.push_back(test::csvFields(line.substr(0, line.size() - 1)));
+        ASSERT_EQ(records.size(), 2u);
+        for (const auto& fields : records) {
+            EXPECT_EQ(fields[6], "6.0");
+            EXPECT_EQ(fields[3] + fields[5] + fields[8] + fields[9], "") << "no money, no money figure";
+        }
+        for (const std::string& shown : {std::string("23:56"), std::string("00:02")}) {
+            const std::size_t at = out.str().find(shown + "  137");
+            ASSERT_NE(at, std::string::npos) << out.str();
+            const std::string row = out.str().substr(at, out.str().find("\r\n", at) - at);
+            EXPECT_EQ(row.find('-'), std::string::npos) << row;
+            EXPECT_EQ(row.ends_with("     未認識 "), scan) << row;
+        }
+    }
 }
 
 TEST_F(ReplayCommandTest, RefusesBadArguments)

@@ -49,6 +49,7 @@ public:
         if (onWait)
             onWait(ms);
     }
+    void endWaits() override { events.push_back("end waits"); }
     GameWindowState state(std::string_view) override { return next(windows); }
     std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect> wanted) override
     {

@@ -75,13 +75,18 @@ void LevelWatch::CaptureLevelChange()
 
 void LevelWatch::burst()
 {
+    const std::uint64_t session = m_session.sessionNumber();
     PlayCaptureBeep(m_ports.sound, m_settings.CaptureBeep);
     const std::filesystem::path folder = screenshotFolder(m_settings.SaveFolder);
     const std::string base = "LvUP" + formatFileStamp(m_ports.clock.now());
     const char* suffixes[] = {"_a", "_b", "_c", "_d"};
     for (int shot = 0; shot < 4; ++shot) {
-        if (shot > 0)
+        if (shot > 0) {
             m_ports.waiter.WaitMs(300);
+            // A stop or a close during the burst ends it: no shot and no label after them.
+            if (m_state.closing || !m_session.running() || m_session.sessionNumber() != session)
+                return;
+        }
         m_images.PrintScreen(folder / (base + suffixes[shot]), m_settings.SaveFormat);
     }
     m_logBox.write(formatMonthDayTime(m_ports.clock.now()) + "  LvUP or Dead 検出 \r\n");

@@ -94,14 +94,15 @@ void MeasurementSession::ChangeLogging(int mode)
         const auto& apps = m_settings.StartUp;
         if (apps[0].Enabled)
             m_launcher.RunFile(apps[0].Path, 500);
-        if (apps[1].Enabled) {
-            if (apps[0].Enabled) {
+        if (apps[1].Enabled && !m_state.closing) {
+            if (apps[0].Enabled)
                 m_ports.waiter.WaitMs(m_settings.StartUpDelay * 1000);
-                if (m_state.closing)
-                    return;
-            }
-            m_launcher.RunFile(apps[1].Path, 500);
+            if (!m_state.closing)
+                m_launcher.RunFile(apps[1].Path, 500);
         }
+        // Every launch waits; a close meanwhile starts no session.
+        if (m_state.closing)
+            return;
         m_state.controls.captureTimerEnabled = true;
         controlsChanged();
         const LocalDateTime now = m_ports.clock.now();
@@ -111,6 +112,8 @@ void MeasurementSession::ChangeLogging(int mode)
         m_toldRecordFailure = false;
         // Nothing of an earlier session shows in this one's labels, summary or tools.
         clearReading();
+        m_level = -1;
+        m_exp = {};
         m_latestExpRate = Currency{};
         DisplayResult(kReset);
         m_logBox.write(std::string(kLogHeader) + std::string(kLineBreak));
@@ -123,9 +126,9 @@ void MeasurementSession::ChangeLogging(int mode)
         m_state.controls.runCaption = "開始";
         m_state.controls.captureTimerEnabled = false;
         SessionStamp.clear();
-        // The next session starts from fresh bases.
+        // The next session starts from fresh bases; the latest reading stays for the tools.
         m_previousLevel = 0;
-        m_exp = {};
+        m_exp = {m_exp.current, {}, {}};
         m_money = {};
         m_expTime = {};
         m_moneyTime = {};

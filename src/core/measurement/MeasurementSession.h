@@ -68,6 +68,9 @@ public:
     bool readingValid() const { return CurrentLv >= 0 && CurrentExp.raw() >= 0; }
     // The experience rate of the latest record (0 before the first).
     Currency latestExpRate() const { return m_latestExpRate; }
+    // The level and total experience of the latest reading that did not fail, kept after a
+    // Stop for the tools; -1 and 0 before the session's first.
+    std::int32_t latestLevel() const { return m_level; }
     Currency totalExp() const { return m_exp.current; }
 
     std::string SessionStamp;
@@ -110,7 +113,7 @@ private:
     std::function<void()> m_runCycle;
     std::function<void()> m_onStop;
 
-    std::int32_t m_level = 0;
+    std::int32_t m_level = -1;
     std::int32_t m_previousLevel = 0;
     RateRecord m_exp;
     RateRecord m_money;

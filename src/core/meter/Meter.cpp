@@ -158,7 +158,7 @@ void Meter::runGesture(Gesture gesture)
 void Meter::menuTimeLeft_Click()
 {
     trapErrors(m_log, "menuTimeLeft_Click", [this] {
-        tvx::menuTimeLeft_Click(m_session.CurrentLv, m_session.totalExp(), m_session.latestExpRate(), m_ports.prompter,
+        tvx::menuTimeLeft_Click(m_session.latestLevel(), m_session.totalExp(), m_session.latestExpRate(), m_ports.prompter,
                                 m_logBox, m_log);
     });
 }

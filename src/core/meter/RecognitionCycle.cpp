@@ -95,7 +95,8 @@ bool RecognitionCycle::stillWanted(std::uint64_t session) const
 
 void RecognitionCycle::runCycle()
 {
-    if (m_state.cycleSkip)
+    // A tick or a gesture that comes while the program closes reads nothing.
+    if (m_state.cycleSkip || m_state.closing)
         return;
     const std::uint64_t session = m_session.sessionNumber();
     const std::int64_t intervalSeconds = m_state.intervalSecondsOverride > 0 ? m_state.intervalSecondsOverride

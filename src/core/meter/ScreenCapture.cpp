@@ -2,6 +2,8 @@
 
 #include "ports/ScreenSource.h"
 #include "ports/Waiter.h"
+#include "base/Errors.h"
+#include "base/Utf8Path.h"
 #include "shell/DebugLog.h"
 
 #include <algorithm>
@@ -96,7 +98,21 @@ ScreenCapture::Result ScreenCapture::take(std::span<const CaptureRegionRect> wan
             return result;
         }
     }
+    if (wanted.empty())
+        keepInCaptureFile(*image);
     return Result::Taken;
+}
+
+void ScreenCapture::keepInCaptureFile(const CaptureBitmap& image)
+{
+    // The player builds templates from this file, whichever route took the screen; the
+    // reading does not depend on it.
+    if (m_captureFile.empty())
+        return;
+    trapErrors(m_log, "GetPictForClip", [&] {
+        if (!writeBitmap24(m_captureFile, toFrame(image)))
+            throw RuntimeError(ErrorNumber::PathFileAccessError, pathUtf8(m_captureFile));
+    });
 }
 
 } // namespace tvx

@@ -18,8 +18,9 @@ class Waiter;
 // Print Screen: press the key, wait Lag, take the clipboard's bitmap; with a capture
 // file set, the bitmap goes through that file and is read back from it. Where the
 // platform has no such route, the direct copy is used (said once in the debug log).
-// Direct: copy the screen now. A copy that comes back all black (an exclusive full-screen
-// game can give that) is taken again by the Print Screen route where there is one.
+// Direct: copy the screen now; a whole screen is kept in the capture file too. A copy that
+// comes back all black (an exclusive full-screen game can give that) is taken again by the
+// Print Screen route where there is one.
 class ScreenCapture {
 public:
     enum class Result : int { Taken = 0, NoPicture = -1, FileUnreadable = -2 };
@@ -35,6 +36,7 @@ public:
 private:
     Result printScreenRoute(std::optional<CaptureBitmap>& image, bool& routeExists);
     void noteOnce(bool& said, const char* line);
+    void keepInCaptureFile(const CaptureBitmap& image);
 
     const Settings& m_settings;
     ScreenSource& m_screen;

@@ -96,6 +96,113 @@ TEST_F(EngineCommandsTest, EveryEntryPointTrapsWhatItCallsAndTheSessionGoesOn)
     }
 }
 
+TEST_F(EngineCommandsTest, AStopOrACloseDuringAWaitEndsWhatWaited)
+{
+    using Step = std::function<void(Rig&)>;
+    const Step moneyHidden = [](Rig& r) {
+        r.settings.MoneyScan = true;
+        r.machine.screens = {test::gameCapture({"10", "100", ""})};
+    };
+    const Step nothing = [](Rig&) {};
+    const Step cycle = [](Rig& r) { r.meter->cycle().runCycle(); };
+    const Step levelUp = [](Rig& r) {
+        r.meter->watch().timDoHLInterval_Timer(); // where the level starts
+        r.machine.screens = {test::gameCapture({"11", "100", ""})};
+        r.meter->watch().timDoHLInterval_Timer();
+    };
+    struct Case {
+        const char* name;
+        std::int32_t waitMs;
+        bool stop; // else close
+        Step setup;
+        Step command;
+        int grabs;
+        std::size_t shots;
+    };
+    const std::vector<Case> cases{
+        {"money re-read, stop", 1500, true, moneyHidden, cycle, 1, 0},
+        {"money re-read, close", 1500, false, moneyHidden, cycle, 1, 0},
+        {"level-up shots, stop", 300, true, nothing, levelUp, 3, 1},
+        {"level-up shots, close", 300, false, nothing, levelUp, 3, 1},
+        {"resume, close", 3000, false, nothing,
+         [](Rig& r) {
+             r.meter->cycle().cmdTempStop_Click(3);
+             r.meter->cycle().cmdTempStop_Click(3);
+         },
+         0, 0},
+        {"print screen, close", 10000, false, nothing, [](Rig& r) { r.meter->menuPrtScr_Click(); }, 0, 0},
+        {"test capture, close", 10000, false, nothing, [](Rig& r) { r.meter->cycle().cmdCapture_Click(); }, 0, 0},
+    };
+    for (const Case& k : cases) {
+        SCOPED_TRACE(k.name);
+        std::filesystem::remove_all(temp.path() / "ss");
+        auto r = rig();
+        k.setup(*r);
+        Meter& m = *r->meter;
+        m.menuRun_Click();
+        bool done = false;
+        r->machine.onWait = [&](std::int32_t ms) {
+            if (ms != k.waitMs || done)
+                return;
+            done = true;
+            if (k.stop)
+                m.menuStop_Click();
+            else
+                m.close();
+        };
+        k.command(*r);
+        EXPECT_EQ(r->machine.grabs, k.grabs);
+        std::size_t shots = 0;
+        if (std::filesystem::exists(temp.path() / "ss"))
+            for ([[maybe_unused]] const auto& shot : std::filesystem::directory_iterator(temp.path() / "ss"))
+                ++shots;
+        EXPECT_EQ(shots, k.shots);
+        EXPECT_TRUE(m.state().labels.Start.Time.empty()) << "no reading shown after the wait";
+        EXPECT_EQ(m.logBox().text().find("LvUP or Dead 検出"), std::string::npos);
+        EXPECT_FALSE(m.state().controls.captureTimerEnabled);
+    }
+}
+
+TEST_F(EngineCommandsTest, ACloseDuringTheStartUpWaitsEndsThemAndStartsNothingMore)
+{
+    struct Case {
+        const char* name;
+        std::int32_t waitMs;
+        std::size_t opened;
+    };
+    const Case cases[] = {
+        {"the first application's launch", 500, 1},
+        {"the wait between the applications", 7000, 1},
+        {"the second application's launch", 500, 2},
+        {"the wait for the game", 15000, 2},
+    };
+    for (const Case& k : cases) {
+        SCOPED_TRACE(k.name);
+        auto r = rig();
+        r->settings.StartDelay = 15;
+        r->settings.StartUpDelay = 7;
+        r->settings.StartUp = {{{true, "/apps/one"}, {true, "/apps/two"}}};
+        r->machine.existingFiles = {"/apps/one", "/apps/two"};
+        std::size_t skip = k.opened == 2 && k.waitMs == 500 ? 1 : 0;
+        int waitsAfterClose = 0;
+        r->machine.onWait = [&](std::int32_t ms) {
+            if (r->meter->state().closing)
+                ++waitsAfterClose;
+            else if (ms == k.waitMs && skip-- == 0)
+                r->meter->close();
+        };
+        test::FakeClock graphClock;
+        r->settings.AutoStart = true;
+        r->meter->load(graphClock);
+        EXPECT_EQ(r->machine.count("end waits"), 1u);
+        EXPECT_EQ(r->machine.count("open /apps/"), k.opened);
+        EXPECT_EQ(waitsAfterClose, 0);
+        EXPECT_FALSE(r->meter->state().controls.captureTimerEnabled);
+        r->meter->cycle().timCaptureInterval_Timer();
+        EXPECT_EQ(r->machine.grabs, 0);
+    }
+}
+
 TEST_F(EngineCommandsTest, StopEndsTheSessionEvenWhenItsSummaryFails)
 {
     auto r = rig();
@@ -200,11 +307,31 @@ TEST_F(EngineCommandsTest, TheCycleKeepsAWholeScreenForThePatternSave)
     EXPECT_EQ(meter().cycle().lastCapture()->pixels, whole.pixels) << "a region capture is no picture to save";
 }
 
-TEST_F(EngineCommandsTest, TimeLeftBeforeAnyReadingProposesWithinItsBounds)
+TEST_F(EngineCommandsTest, TimeLeftAsksFromTheLatestReadingOfTheSession)
 {
+    const auto asked = [this](const std::string& now, int proposed) {
+        return machine.count("ask あと何時間？ | 目標Lvを入力してください  (現在:" + now + ") | 1 200 " +
+                             std::to_string(proposed) + ".000000 1");
+    };
+    machine.numbers = {121, 500, 121, 500, 121, 500};
     meter().menuRun_Click();
+    meter().menuTimeLeft_Click(); // nothing read yet: no level, a proposal within the bounds
+    EXPECT_EQ(asked("未認識", 1), 1u);
+
+    cycle(100, "120", "0", "");
+    cycle(460, "", "", ""); // a failed reading does not unknow the level
     meter().menuTimeLeft_Click();
-    EXPECT_EQ(machine.count("ask あと何時間？ | 目標Lvを入力してください  (現在:未認識) | 1 200 1.000000 1"), 1u);
+    EXPECT_EQ(asked("120", 121), 1u);
+    meter().menuStop_Click();
+    meter().logBox().clear();
+    meter().menuTimeLeft_Click(); // after the Stop the tools still know it
+    EXPECT_EQ(asked("120", 121), 2u);
+    EXPECT_NE(meter().logBox().text().find("Lv121まで、あと 29,716 Kexp、59.43時間です"), std::string::npos)
+        << meter().logBox().text();
+
+    meter().menuRun_Click();
+    meter().menuTimeLeft_Click(); // a new session starts from nothing
+    EXPECT_EQ(asked("未認識", 1), 2u);
 }
 
 } // namespace

@@ -158,21 +158,6 @@ TEST_F(MeterTest, MoneyIsReadAgainOnlyWhenItWasMissedAndScanned)
     }
 }
 
-TEST_F(MeterTest, CloseDuringTheStartUpDelayLaunchesNothingMore)
-{
-    settings.StartUp = {{{true, "/apps/one"}, {true, "/apps/two"}}};
-    machine.existingFiles = {"/apps/one", "/apps/two"};
-    machine.onWait = [this](std::int32_t ms) {
-        if (ms == settings.StartUpDelay * 1000)
-            meter().state().closing = true;
-    };
-    meter().menuRun_Click();
-    EXPECT_EQ(machine.count("open /apps/one"), 1u);
-    EXPECT_EQ(machine.count("open /apps/two"), 0u);
-    EXPECT_FALSE(meter().state().controls.captureTimerEnabled);
-    EXPECT_FALSE(meter().session().running());
-}
-
 TEST_F(MeterTest, SuspendPausesTheTimerAndResumeReadsOnce)
 {
     meter().session().ChangeSuspend(0); // idle: only the log line
@@ -230,6 +215,7 @@ TEST_F(MeterTest, LevelWatchCapturesRisesOnceArmed)
         {{120, 119}, 0},            // a fall only arms
         {{120, 119, 120, 121}, 2},
     };
+    meter().menuRun_Click(); // the watch runs within a session
     for (const Case& k : cases) {
         LevelWatch& watch = meter().watch();
         watch.reset();
