@@ -3,11 +3,14 @@
 #include "SystemClock.h"
 #include "TextCodecFactory.h"
 
+#include "HomeFolder.h"
+
 #include "config/ConfigFile.h"
 #include "shell/DebugLog.h"
 #include "base/Utf8Path.h"
 
 #include <ostream>
+#include <system_error>
 
 namespace tvx::cli {
 namespace {
@@ -74,10 +77,24 @@ Settings loadCliSettings(const std::filesystem::path& homeDir, const CliAnswers&
     DebugLog log(homeDir, clock);
     CliPrompter prompter(answers, err);
     const auto codec = platform::makeTextCodec();
-    ConfigFile(settings, homeDir, prompter, *codec, &log).run(ConfigFile::Load);
+    ConfigFile file(settings, homeDir, prompter, *codec, &log);
+    file.run(ConfigFile::Load);
+    // The program only logs these; a command's user would otherwise not see why a reading changed.
+    for (const std::string& line : file.clampedSettings())
+        err << "[" << ConfigFile::kFileName << "] " << line << '\n';
     if (writeFailed)
         *writeFailed = prompter.writeFailed();
     return settings;
+}
+
+std::optional<std::filesystem::path> cliHomeFolder(const std::optional<std::filesystem::path>& home, std::ostream& err)
+{
+    const std::filesystem::path folder = platform::homeFolder(home);
+    std::error_code ec;
+    if (std::filesystem::is_directory(folder, ec))
+        return folder;
+    err << "tallivex-cli: the home folder " << pathUtf8(folder) << " is not a folder and cannot be made one\n";
+    return std::nullopt;
 }
 
 } // namespace tvx::cli

@@ -47,4 +47,8 @@ private:
 Settings loadCliSettings(const std::filesystem::path& homeDir, const CliAnswers& answers, std::ostream& err,
                          bool* writeFailed = nullptr);
 
+// The home folder given with --home, or the default one, made when missing. nullopt, with a
+// line on err naming it, when it is a file or cannot be made.
+std::optional<std::filesystem::path> cliHomeFolder(const std::optional<std::filesystem::path>& home, std::ostream& err);
+
 } // namespace tvx::cli

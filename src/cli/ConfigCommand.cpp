@@ -112,7 +112,10 @@ int runConfig(const std::vector<std::string>& args, std::ostream& out, std::ostr
         return 1;
     }
 
-    const std::filesystem::path folder = platform::homeFolder(home);
+    const auto usable = cliHomeFolder(home, err);
+    if (!usable)
+        return 2;
+    const std::filesystem::path& folder = *usable;
     bool failed = false;
     Settings settings = loadCliSettings(folder, answers, err, &failed);
     if (action != "show") {

@@ -141,7 +141,10 @@ int runLearn(const std::vector<std::string>& args, std::ostream& out, std::ostre
     Options options;
     if (!parseOptions(args, options, err))
         return 1;
-    const std::filesystem::path folder = platform::homeFolder(options.home);
+    const auto home = cliHomeFolder(options.home, err);
+    if (!home)
+        return 2;
+    const std::filesystem::path& folder = *home;
     Settings settings = loadCliSettings(folder, options.answers, err);
     std::array<TemplateLearner, kRegionCount> learners{TemplateLearner(settings, RegionLevel),
                                                        TemplateLearner(settings, RegionExp),

@@ -96,9 +96,11 @@ int runRecognize(const std::vector<std::string>& args, std::ostream& out, std::o
         return 1;
     // With a home folder its configuration decides; --window-mode then only answers the
     // screen question should the file have to be made afresh.
-    const Settings settings = options.home
-                                  ? loadCliSettings(platform::homeFolder(options.home), options.answers, err)
-                                  : defaultSettings("", options.answers.screen);
+    const auto home = options.home ? cliHomeFolder(options.home, err) : std::nullopt;
+    if (options.home && !home)
+        return 2;
+    const Settings settings =
+        home ? loadCliSettings(*home, options.answers, err) : defaultSettings("", options.answers.screen);
     ScreenRecognizer recognizer(settings);
     CaptureBitmap bitmap;
     int status = 0;

@@ -231,14 +231,16 @@ int runReplay(const std::vector<std::string>& args, std::ostream& out, std::ostr
     ReplayScreen screen;
     Headless headless(err);
     // A home's configuration, or the defaults of the screen mode.
-    Settings settings = options.home.empty()
-                            ? defaultSettings(options.saveFolder, options.windowMode ? ScreenMode::Window : ScreenMode::FullScreen)
-                            : loadCliSettings(utf8Path(options.home), CliAnswers{}, err);
+    std::optional<std::filesystem::path> home;
+    if (!options.home.empty() && !(home = cliHomeFolder(utf8Path(options.home), err)))
+        return 2;
+    Settings settings = home ? loadCliSettings(*home, CliAnswers{}, err)
+                             : defaultSettings(options.saveFolder, options.windowMode ? ScreenMode::Window : ScreenMode::FullScreen);
     settings.SaveFolder = options.saveFolder;
     settings.SaveCsv = options.csv;
     settings.SaveMonthly = !options.perSession;
     settings.MoneyScan = options.moneyScan;
-    DebugLog log(options.home.empty() ? std::filesystem::path() : utf8Path(options.home), clock);
+    DebugLog log(home.value_or(std::filesystem::path()), clock);
     const std::unique_ptr<TextCodec> codec = platform::makeTextCodec();
     MeterPorts ports{clock, headless, screen, screen, headless, headless, headless, headless, nullptr, codec.get()};
     Meter meter(settings, ports, log);

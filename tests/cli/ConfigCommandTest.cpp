@@ -1,5 +1,7 @@
 #include "ConfigCommand.h"
+#include "LearnCommand.h"
 #include "RecognizeCommand.h"
+#include "ReplayCommand.h"
 
 #include "config/ConfigFile.h"
 #include "recognition/CaptureFile.h"
@@ -110,44 +112,93 @@ TEST_F(ConfigCommandTest, BadUsageAndAFailedWriteHaveTheirOwnExitCodes)
     EXPECT_FALSE(std::filesystem::exists(m_home / "TV2MConfigBack.ini"));
 }
 
-// Settings no screen can have, read by the commands that use a home's configuration.
+// Settings no screen can have, read by the commands that use a home's configuration: the
+// file is replaced by the defaults, or the value clamped and said on stderr, and neither
+// recognize nor replay crashes, hangs or reads a number that is not on the screen.
 TEST_F(ConfigCommandTest, ImpossibleSettingsNeitherCrashNorMisreadTheCommands)
 {
-    Frame frame = test::gameScreen({"50", "1234", "777"});
-    ASSERT_TRUE(writeBitmap24(m_home / "shot.bmp", frame));
+    const Frame frame = test::gameScreen({"50", "1234", "777"});
+    const std::filesystem::path frames = m_home / "frames";
+    std::filesystem::create_directories(frames);
+    for (const char* name : {"shot.bmp", "frames/0.bmp", "frames/400.bmp"})
+        ASSERT_TRUE(writeBitmap24(m_home / name, frame));
     const std::string image = pathUtf8(m_home / "shot.bmp");
+    constexpr const char* kRead = "\"level\":50,\"exp\":1234,\"money\":777";
     struct Case {
         const char* name;
         void (*damage)(Settings&);
-        const char* json; // what the image then reads as
-        bool damaged;     // the file was replaced by the defaults
+        const char* json;    // what recognize reads the image as
+        const char* clamped; // the stderr line of a clamped value, or null when the file is damaged
+        const char* replayed = "開始  Lv:  50"; // what replay's log box shows
     };
     const Case cases[] = {
-        {"region wider than a screen", [](Settings& s) { s.CaptureRegion[0].SizeX = 70000; },
-         "\"level\":50,\"exp\":1234,\"money\":777", true},
-        {"region of 65535 x 65535", [](Settings& s) { s.CaptureRegion[0] = {35, 578, 65535, 65535}; },
-         "\"level\":50,\"exp\":1234,\"money\":777", true},
-        {"region of size 0", [](Settings& s) { s.CaptureRegion[1].SizeX = 0; },
-         "\"level\":50,\"exp\":1234,\"money\":777", true},
-        {"damaged digit template", [](Settings& s) { s.PatternStrings[0][0] = "7C0"; },
-         "\"level\":50,\"exp\":1234,\"money\":777", true},
-        {"glyph width -7", [](Settings& s) { s.ReferenceSize[2].Width = -7; },
-         "\"level\":50,\"exp\":1234,\"money\":777", true},
-        // A clamped threshold reads nothing rather than overflowing.
+        {"region 70000 wide", [](Settings& s) { s.CaptureRegion[0].SizeX = 70000; }, kRead, nullptr},
+        {"region 2147483647 wide", [](Settings& s) { s.CaptureRegion[2].SizeX = 2147483647; }, kRead, nullptr},
+        {"region of 65535 x 65535", [](Settings& s) { s.CaptureRegion[0] = {35, 578, 65535, 65535}; }, kRead, nullptr},
+        {"region of 65535 x 2000", [](Settings& s) { s.CaptureRegion[1] = {463, 570, 65535, 2000}; }, kRead, nullptr},
+        {"region of size 0", [](Settings& s) { s.CaptureRegion[1].SizeX = 0; }, kRead, nullptr},
+        {"template of 3 characters", [](Settings& s) { s.PatternStrings[0][0] = "7C0"; }, kRead, nullptr},
+        {"template not hexadecimal", [](Settings& s) { s.PatternStrings[0][5] = std::string(28, 'Z'); }, kRead,
+         nullptr},
+        {"empty template", [](Settings& s) { s.PatternStrings[1][10] = ""; }, kRead, nullptr},
+        {"glyph width 0", [](Settings& s) { s.ReferenceSize[0].Width = 0; }, kRead, nullptr},
+        {"glyph width -7", [](Settings& s) { s.ReferenceSize[2].Width = -7; }, kRead, nullptr},
+        // A clamped threshold reads nothing rather than overflowing, and says why.
         {"threshold 600000000", [](Settings& s) { s.BinaryThreshold[1] = 600000000; },
-         "\"level\":50,\"exp\":-1,\"money\":777", false},
+         "\"level\":50,\"exp\":-1,\"money\":777", "BinaryThreshold(2) 600000000 -> 255", "10:06  認識失敗  Exp NG"},
+        // The level's digits are white: the brightest threshold still finds them.
+        {"threshold 99999", [](Settings& s) { s.BinaryThreshold[0] = 99999; }, kRead, "BinaryThreshold(1) 99999 -> 255"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        Settings s = defaultSettings(pathUtf8(m_home));
-        c.damage(s);
-        writeConfig(s);
+        for (const bool replay : {false, true}) {
+            Settings s = defaultSettings(pathUtf8(m_home));
+            c.damage(s);
+            writeConfig(s);
+            m_out.str("");
+            m_err.str("");
+            const int status =
+                replay ? cli::runReplay({pathUtf8(frames), "--save-folder", pathUtf8(m_home / "saves"), "--home",
+                                         pathUtf8(m_home), "--start", "2024-05-01 10:00", "--per-session"},
+                                        m_out, m_err)
+                       : cli::runRecognize({"--home", pathUtf8(m_home), image}, m_out, m_err);
+            EXPECT_EQ(status, 0) << m_err.str();
+            EXPECT_TRUE(has(m_out.str(), replay ? c.replayed : c.json)) << m_out.str() << m_err.str();
+            EXPECT_EQ(has(m_err.str(), "読込みできない設定ファイルです。"), c.clamped == nullptr) << m_err.str();
+            if (c.clamped) {
+                EXPECT_TRUE(has(m_err.str(), "[TV2MConfig.ini] Setting Out Of Range : " + std::string(c.clamped) + " \n"))
+                    << m_err.str();
+            }
+            EXPECT_FALSE(has(m_err.str(), "Error Trap")) << m_err.str();
+        }
+    }
+}
+
+// A home that is a file cannot hold a configuration: every command says so and stops.
+TEST_F(ConfigCommandTest, AHomeThatIsAFileIsRefusedByEveryCommand)
+{
+    const std::filesystem::path file = m_home / "home.txt";
+    std::ofstream(file) << "not a folder";
+    ASSERT_TRUE(writeBitmap24(m_home / "0.bmp", test::gameScreen({"50", "1234", "777"})));
+    const std::string home = pathUtf8(file);
+    const std::string image = pathUtf8(m_home / "0.bmp");
+    using Command = int (*)(const std::vector<std::string>&, std::ostream&, std::ostream&);
+    const std::pair<Command, std::vector<std::string>> commands[] = {
+        {cli::runConfig, {"show", "--home", home}},
+        {cli::runRecognize, {"--home", home, image}},
+        {cli::runReplay, {pathUtf8(m_home), "--save-folder", pathUtf8(m_home / "saves"), "--home", home}},
+        {cli::runLearn, {"--home", home, image, "50", "1234", "777"}},
+    };
+    for (const auto& [command, args] : commands) {
+        SCOPED_TRACE(args[0]);
         m_out.str("");
         m_err.str("");
-        EXPECT_EQ(cli::runRecognize({"--home", pathUtf8(m_home), image}, m_out, m_err), 0) << m_err.str();
-        EXPECT_TRUE(has(m_out.str(), c.json)) << m_out.str() << m_err.str();
-        EXPECT_EQ(has(m_err.str(), "読込みできない設定ファイルです。"), c.damaged) << m_err.str();
+        EXPECT_EQ(command(args, m_out, m_err), 2);
+        EXPECT_TRUE(m_err.str().starts_with("tallivex-cli: the home folder ")) << m_err.str();
+        EXPECT_TRUE(m_err.str().ends_with("home.txt is not a folder and cannot be made one\n")) << m_err.str();
+        EXPECT_EQ(m_out.str(), "");
     }
+    EXPECT_FALSE(std::filesystem::exists(m_home / "saves"));
 }
 
 TEST_F(ConfigCommandTest, RecognizeReadsTheRegionsOfTheHomeConfiguration)

@@ -164,5 +164,16 @@ TEST_F(ReplayCommandTest, ARecordFileNameTooLongForTheFileSystemIsReportedNotFat
     EXPECT_NE(out.str().find("01/31 23:56  137"), std::string::npos) << out.str();
 }
 
+TEST_F(ReplayCommandTest, AHomeNotYetMadeIsMadeWithItsConfigurationAndLog)
+{
+    frame("10.bmp", "137", "1000", "5000");
+    frame("370.bmp", "137", "4600", "5000");
+    const auto home = temp.path() / "new" / "home";
+    EXPECT_EQ(run({"--home", pathUtf8(home)}), 0) << err.str();
+    EXPECT_TRUE(std::filesystem::exists(home / "TV2MConfig.ini"));
+    EXPECT_TRUE(std::filesystem::exists(home / "debug.txt"));
+    EXPECT_NE(out.str().find("01/31 23:56  137"), std::string::npos) << out.str() << err.str();
+}
+
 } // namespace
 } // namespace tvx

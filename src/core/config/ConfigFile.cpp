@@ -431,6 +431,7 @@ void ConfigFile::load()
 {
     std::error_code ec;
     bool rewrite = false;
+    m_clamped.clear();
     if (std::filesystem::exists(path(), ec)) {
         Settings read = m_settings;
         std::string target;
@@ -450,8 +451,7 @@ void ConfigFile::load()
             replaceDamagedFile(*error, detail);
             return;
         }
-        for (const std::string& line : clamped)
-            logLine(line);
+        noteClamped(std::move(clamped));
         const std::string current = m_settings.SearchWindowName;
         m_settings = std::move(read);
         m_settings.SearchWindowName = current;
@@ -492,8 +492,7 @@ void ConfigFile::load()
                 // The older file holds no recognition parameters; its regions go with them.
                 m_settings = std::move(read);
                 resetRecognitionDefaults(m_settings, askScreenMode(m_prompter, m_settings.SearchWindowName));
-                for (const std::string& line : enforceSettingRanges(m_settings))
-                    logLine(line);
+                noteClamped(enforceSettingRanges(m_settings));
             }
         } else {
             restoreDefaults();
@@ -585,6 +584,13 @@ void ConfigFile::logLine(std::string_view text)
     } catch (const RuntimeError&) {
         // A log that cannot be written must not stop the configuration.
     }
+}
+
+void ConfigFile::noteClamped(std::vector<std::string> lines)
+{
+    for (const std::string& line : lines)
+        logLine(line);
+    m_clamped = std::move(lines);
 }
 
 void ConfigFile::logError(std::string_view procedure, ErrorNumber number)

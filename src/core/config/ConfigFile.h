@@ -9,6 +9,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tvx {
 
@@ -42,6 +43,8 @@ public:
     const std::filesystem::path& programFolder() const { return m_folder; }
     Prompter& prompter() const { return m_prompter; }
     DebugLog* log() const { return m_log; }
+    // The debug-log lines of the settings the last load set to their nearest bound.
+    const std::vector<std::string>& clampedSettings() const { return m_clamped; }
 
     std::filesystem::path path() const { return m_folder / kFileName; }
     std::filesystem::path oldPath() const { return m_folder / kOldFileName; }
@@ -56,6 +59,7 @@ private:
     bool write();
     void logLine(std::string_view text);
     void logError(std::string_view procedure, ErrorNumber number);
+    void noteClamped(std::vector<std::string> lines);
 
     Settings& m_settings;
     std::filesystem::path m_folder;
@@ -63,6 +67,7 @@ private:
     TextCodec& m_codec;
     DebugLog* m_log;
     std::function<void()> m_securePixels;
+    std::vector<std::string> m_clamped;
 };
 
 // N(x): the text right-aligned in six bytes of CP932 with a blank either side; a longer

@@ -215,7 +215,11 @@ CaptureLoadResult LoadCaptureBitmap(const std::filesystem::path& path, CaptureBi
         return failed(bitmap, result);
 
     // The header read may already hold the first pixel bytes; the rest comes in one read.
+    // A file too short for its header is refused before its buffer is made.
     const std::size_t size = pixelBytes(bitmap);
+    const std::uintmax_t fileBytes = std::filesystem::file_size(path, ec);
+    if (!ec && fileBytes < pixelStart + size)
+        return failed(bitmap, CaptureLoadResult::Truncated);
     bitmap.pixels.resize(size);
     std::size_t have = headBytes > pixelStart ? std::min(headBytes - pixelStart, size) : 0;
     std::copy_n(head.data() + pixelStart, have, bitmap.pixels.data());
