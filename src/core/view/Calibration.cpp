@@ -35,8 +35,9 @@ std::string joined(const std::vector<std::string>& lines, std::string_view separ
 } // namespace
 
 Calibration::Calibration(const Settings& settings, DebugLog* log)
-    : m_log(log), m_picker(settings), m_learners{TemplateLearner(settings, RegionLevel), TemplateLearner(settings, RegionExp),
-                                     TemplateLearner(settings, RegionMoney)}
+    : m_log(log), m_picker(settings),
+      m_learners{TemplateLearner(settings, RegionLevel), TemplateLearner(settings, RegionExp),
+                 TemplateLearner(settings, RegionMoney)}
 {
 }
 
