@@ -67,6 +67,8 @@ protected:
 
 TEST_F(GameScreenTest, ProbeTellsFrontBackgroundAndMissing)
 {
+    // A loaded wine server may activate a new window a moment after it shows.
+    ASSERT_TRUE(game.bringToFront());
     EXPECT_EQ(screen->state("MapleStory"), GameWindowState::Front);
     EXPECT_EQ(screen->state("MapleStory Launcher"), GameWindowState::Missing);
     EXPECT_EQ(screen->state(""), GameWindowState::Missing);
