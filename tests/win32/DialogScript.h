@@ -1,8 +1,12 @@
 #pragma once
 
+#include "recognition/CaptureFile.h"
+
 #include <windows.h>
 
+#include <algorithm>
 #include <deque>
+#include <filesystem>
 #include <functional>
 #include <string>
 
@@ -113,6 +117,35 @@ inline void pressKey(WPARAM key)
     const HWND target = GetFocus();
     PostMessageW(target, WM_KEYDOWN, key, 1);
     PostMessageW(target, WM_KEYUP, key, 0xC0000001);
+}
+
+// Saves what the screen shows of a window as a 24-bit bitmap file: the window as the player
+// sees it, its children and the frame included.
+inline bool saveWindowPicture(HWND window, const std::filesystem::path& file)
+{
+    RECT r;
+    GetWindowRect(window, &r);
+    const int width = r.right - r.left;
+    const int height = r.bottom - r.top;
+    const int stride = (width * 3 + 3) & ~3;
+    const HDC screen = GetDC(nullptr);
+    const HDC memory = CreateCompatibleDC(screen);
+    const HBITMAP bitmap = CreateCompatibleBitmap(screen, width, height);
+    const HGDIOBJ old = SelectObject(memory, bitmap);
+    BitBlt(memory, 0, 0, width, height, screen, r.left, r.top, SRCCOPY);
+    BITMAPINFO info{};
+    info.bmiHeader = {sizeof info.bmiHeader, width, -height, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
+    Frame frame(width, height);
+    std::vector<std::uint8_t> rows(static_cast<std::size_t>(stride) * static_cast<std::size_t>(height));
+    GetDIBits(memory, bitmap, 0, static_cast<UINT>(height), rows.data(), &info, DIB_RGB_COLORS);
+    for (int y = 0; y < height; ++y)
+        std::copy_n(rows.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(stride), width * 3,
+                    frame.row(y));
+    SelectObject(memory, old);
+    DeleteObject(bitmap);
+    DeleteDC(memory);
+    ReleaseDC(nullptr, screen);
+    return writeBitmap24(file, frame);
 }
 
 } // namespace tvx::test

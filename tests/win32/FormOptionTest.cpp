@@ -279,27 +279,7 @@ TEST_F(FormOptionTest, Screenshots)
     if (!folder)
         GTEST_SKIP() << "TALLIVEX_SHOT_DIR not set";
     const auto shoot = [folder](const std::string& name) {
-        RECT r;
-        GetWindowRect(GetForegroundWindow(), &r);
-        const HDC screen = GetDC(nullptr);
-        const HDC memory = CreateCompatibleDC(screen);
-        const int width = r.right - r.left;
-        const int height = r.bottom - r.top;
-        const HBITMAP bitmap = CreateCompatibleBitmap(screen, width, height);
-        const HGDIOBJ old = SelectObject(memory, bitmap);
-        BitBlt(memory, 0, 0, width, height, screen, r.left, r.top, SRCCOPY);
-        BITMAPINFO info{};
-        info.bmiHeader = {sizeof info.bmiHeader, width, -height, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
-        Frame frame(width, height);
-        std::vector<std::uint8_t> rows(static_cast<std::size_t>(((width * 3 + 3) & ~3) * height));
-        GetDIBits(memory, bitmap, 0, static_cast<UINT>(height), rows.data(), &info, DIB_RGB_COLORS);
-        for (int y = 0; y < height; ++y)
-            std::copy_n(rows.data() + static_cast<std::size_t>(y * ((width * 3 + 3) & ~3)), width * 3, frame.row(y));
-        SelectObject(memory, old);
-        DeleteObject(bitmap);
-        DeleteDC(memory);
-        ReleaseDC(nullptr, screen);
-        writeBitmap24(std::filesystem::path(folder) / (name + ".bmp"), frame);
+        test::saveWindowPicture(GetForegroundWindow(), std::filesystem::path(folder) / (name + ".bmp"));
     };
     std::deque<std::function<bool()>> steps{[] { return optionsWindow() != nullptr; }};
     for (int tab = 0; tab < 4; ++tab)

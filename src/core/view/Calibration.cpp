@@ -2,6 +2,8 @@
 
 #include "base/Errors.h"
 #include "config/PatternColumns.h"
+#include "ports/ScreenSource.h"
+#include "shell/DebugLog.h"
 
 #include <algorithm>
 
@@ -22,11 +24,20 @@ bool skipped(const std::string& typed)
     return typed.empty() || typed == "-";
 }
 
+std::string joined(const std::vector<std::string>& lines, std::string_view separator)
+{
+    std::string out;
+    for (const std::string& line : lines)
+        out += (out.empty() ? "" : std::string(separator)) + line;
+    return out;
+}
+
 } // namespace
 
-Calibration::Calibration(const Settings& settings)
-    : m_picker(settings), m_learners{TemplateLearner(settings, RegionLevel), TemplateLearner(settings, RegionExp),
-                                     TemplateLearner(settings, RegionMoney)}
+Calibration::Calibration(const Settings& settings, DebugLog* log)
+    : m_log(log), m_picker(settings),
+      m_learners{TemplateLearner(settings, RegionLevel), TemplateLearner(settings, RegionExp),
+                 TemplateLearner(settings, RegionMoney)}
 {
 }
 
@@ -41,7 +52,14 @@ void Calibration::regionMoved(int region)
 
 void Calibration::setTyped(int region, std::string text)
 {
+    const auto first = text.find_first_not_of(' ');
+    text = first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(' ') - first + 1);
     m_typed.at(static_cast<std::size_t>(region)) = std::move(text);
+}
+
+bool Calibration::acceptsNumberCharacter(char32_t typed)
+{
+    return (typed >= U'0' && typed <= U'9') || typed == U',' || typed == U' ' || typed == U'-';
 }
 
 bool Calibration::learn()
@@ -60,6 +78,51 @@ bool Calibration::learn()
         m_messages[r] = outcomeText(region, outcome);
     }
     return tried;
+}
+
+void Calibration::log(const std::string& line) const
+{
+    if (!m_log)
+        return;
+    try {
+        m_log->WriteDebugLog(line);
+    } catch (const RuntimeError&) {
+        // A log that cannot be written must not stop the calibration.
+    }
+}
+
+std::string Calibration::learnCommand()
+{
+    log("Click : Calibration Learn ");
+    if (!m_picker.screen())
+        return "先に画面を取り込んでください。";
+    return learn() ? "" : "数字を入力してください。";
+}
+
+std::string Calibration::beginCapture()
+{
+    log("Click : Calibration Capture ");
+    return "10秒後に取り込みます。ゲームを前面に出してください…";
+}
+
+std::string Calibration::captureScreen(ScreenSource& screen)
+{
+    try {
+        std::optional<CaptureBitmap> image = screen.grab({});
+        if (!image)
+            throw RuntimeError(ErrorNumber::InvalidProcedureCall, "no screen image");
+        m_picker.setScreen(*std::move(image));
+        return "取り込みました。数字を入力して「学習する」を押してください。";
+    } catch (const std::exception& e) {
+        log(errorTrapLine("cmdCalibrationCapture_Click", errorNumberOf(e)));
+        return "画面を取り込めませんでした。";
+    }
+}
+
+void Calibration::applyCommand(Settings& settings) const
+{
+    log("Click : Calibration Apply ");
+    applyTo(settings);
 }
 
 std::string Calibration::outcomeText(int region, const LearnOutcome& outcome) const
@@ -112,6 +175,10 @@ CalibrationRegionView Calibration::view(int region) const
         }
         out.readBack.push_back(learner.number(i) + " → " + read);
     }
+    out.text = out.message;
+    if (!out.readBack.empty())
+        out.text += "\n読み返し： " + joined(out.readBack, "、") +
+                    (out.missing.empty() ? "　全数字を学習済み" : "　未学習： " + out.missing);
     return out;
 }
 
@@ -121,6 +188,11 @@ RegionPreview Calibration::preview(int region) const
     m_learners.at(static_cast<std::size_t>(region)).applyTo(learnt);
     const auto& screen = m_picker.screen();
     return previewRegion(screen ? &*screen : nullptr, learnt, region);
+}
+
+std::string Calibration::readingText(const RegionPreview& preview)
+{
+    return "読み取り： " + preview.reading;
 }
 
 bool Calibration::hasChanges() const

@@ -5,9 +5,15 @@
 
 #include <array>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tvx {
+
+class DebugLog;
+class ScreenSource;
+
+inline constexpr std::string_view kCalibrationTitle = "画面から学習";
 
 // What the calibration window shows of one region.
 struct CalibrationRegionView {
@@ -19,6 +25,7 @@ struct CalibrationRegionView {
     std::array<bool, kPatternCount> learnt{};
     std::string missing;                        // digits not learnt yet
     std::vector<std::string> readBack;          // one line per image: "137 → 137"
+    std::string text;                           // the message and the read-back, as shown
 };
 
 // "Learn from the screen": the player types the three numbers the game shows, the meter
@@ -26,21 +33,34 @@ struct CalibrationRegionView {
 // learning over. The settings change only through applyTo, when the player confirms.
 class Calibration {
 public:
-    explicit Calibration(const Settings& settings);
+    // log may be null (no debug log).
+    explicit Calibration(const Settings& settings, DebugLog* log = nullptr);
 
     RegionPicker& picker() { return m_picker; }
     const RegionPicker& picker() const { return m_picker; }
 
     // A region was dragged or nudged: what was learnt for it no longer fits.
     void regionMoved(int region);
+    // Blanks around the number do not count.
     void setTyped(int region, std::string text);
+    // What the number fields let through: digits, separators, blanks and the skipping "-".
+    static bool acceptsNumberCharacter(char32_t typed);
     // Learns from the picker's screen with the typed numbers. False when nothing was tried
     // (no screen, or no number typed).
     bool learn();
 
+    // The player's commands, logged: each returns the status line to show.
+    std::string learnCommand(); // empty once something was tried
+    std::string beginCapture(); // while the window waits 10 s
+    std::string captureScreen(ScreenSource& screen);
+    // Writes the result into the settings, the player having confirmed it.
+    void applyCommand(Settings& settings) const;
+
     CalibrationRegionView view(int region) const;
     // The region on the present screen, read with what was learnt for it.
     RegionPreview preview(int region) const;
+    // "読み取り： " and what the preview reads.
+    static std::string readingText(const RegionPreview& preview);
     // True once some region learnt something or a region was moved.
     bool hasChanges() const;
     // Writes the regions and what was learnt into the settings.
@@ -48,7 +68,9 @@ public:
 
 private:
     std::string outcomeText(int region, const LearnOutcome& outcome) const;
+    void log(const std::string& line) const;
 
+    DebugLog* m_log;
     RegionPicker m_picker;
     std::array<TemplateLearner, kRegionCount> m_learners;
     std::array<std::string, kRegionCount> m_typed;

@@ -39,6 +39,11 @@ void RegionPicker::setZoom(std::int32_t zoom)
     m_zoom = chosen;
 }
 
+std::string RegionPicker::zoomCaption(std::int32_t zoom)
+{
+    return std::to_string(zoom) + " 倍";
+}
+
 ScreenPoint RegionPicker::screenPixel(std::int32_t pictureX, std::int32_t pictureY) const
 {
     const auto inside = [this](std::int32_t value, std::int32_t size) {
@@ -53,6 +58,12 @@ CaptureRegionRect RegionPicker::pictureRect(int region) const
 {
     const CaptureRegionRect& r = m_settings.CaptureRegion.at(static_cast<std::size_t>(region));
     return {r.StartX * m_zoom, r.StartY * m_zoom, r.SizeX * m_zoom, r.SizeY * m_zoom};
+}
+
+ScreenPoint RegionPicker::selectedCentre() const
+{
+    const CaptureRegionRect box = pictureRect(m_region);
+    return {box.StartX + box.SizeX / 2, box.StartY + box.SizeY / 2};
 }
 
 bool RegionPicker::press(std::int32_t pictureX, std::int32_t pictureY)
@@ -101,6 +112,20 @@ bool RegionPicker::nudge(std::int32_t dx, std::int32_t dy)
     region.StartX = x;
     region.StartY = y;
     return true;
+}
+
+std::uint32_t regionColour(int region)
+{
+    constexpr std::uint32_t colours[kRegionCount] = {0xFF3C3C, 0x28C8FF, 0xFFC800};
+    return colours[std::clamp(region, 0, kRegionCount - 1)];
+}
+
+std::uint32_t regionTextColour(int region)
+{
+    // The same hue at three quarters of its brightness, readable on a window's grey.
+    const std::uint32_t c = regionColour(region);
+    const auto darker = [c](int shift) { return ((c >> shift & 0xFF) * 3 / 4) << shift; };
+    return darker(16) | darker(8) | darker(0);
 }
 
 } // namespace tvx

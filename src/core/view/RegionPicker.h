@@ -37,11 +37,15 @@ public:
     // 1, 2, 4, 8 or 16 times; other values go to the nearest of them.
     void setZoom(std::int32_t zoom);
     std::int32_t zoom() const { return m_zoom; }
+    // "2 倍": how the zoom choices are named.
+    static std::string zoomCaption(std::int32_t zoom);
 
     // The screen pixel under a point of the zoomed picture, kept inside the screen.
     ScreenPoint screenPixel(std::int32_t pictureX, std::int32_t pictureY) const;
     // A region in zoomed picture pixels, for drawing.
     CaptureRegionRect pictureRect(int region) const;
+    // The middle of the selected region in zoomed picture pixels: what a new zoom scrolls to.
+    ScreenPoint selectedCentre() const;
 
     // A drag from press to release spans the region's new rectangle, both corner pixels
     // included, at most kMaxRows high. Returns true when the rectangle changed.
@@ -66,5 +70,10 @@ private:
     std::int32_t m_zoom = 1;
     std::optional<ScreenPoint> m_anchor;
 };
+
+// The colour (0xRRGGBB) a region is drawn in over the screen, and a darker one for its
+// name on a light background.
+std::uint32_t regionColour(int region);
+std::uint32_t regionTextColour(int region);
 
 } // namespace tvx

@@ -4,8 +4,6 @@
 #include "QtText.h"
 #include "ScreenPicture.h"
 
-#include "base/Errors.h"
-#include "ports/ScreenSource.h"
 #include "ports/Waiter.h"
 #include "shell/DebugLog.h"
 #include "view/OptionFields.h"
@@ -19,12 +17,25 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QRegularExpressionValidator>
+#include <QValidator>
 #include <QScrollArea>
 #include <QVBoxLayout>
 
 namespace tvx::ui {
 namespace {
+
+// Lets through what the calibration takes for a number.
+class NumberValidator : public QValidator {
+public:
+    using QValidator::QValidator;
+    State validate(QString& input, int&) const override
+    {
+        for (const char32_t c : input.toUcs4())
+            if (!Calibration::acceptsNumberCharacter(c))
+                return Invalid;
+        return Acceptable;
+    }
+};
 
 QString indexed(const char* name, int index)
 {
@@ -35,10 +46,10 @@ QString indexed(const char* name, int index)
 
 FormCalibrate::FormCalibrate(Settings& settings, const CaptureBitmap* screen, PatternCaptureServices capture,
                              DebugLog* log, QWidget* parent)
-    : QDialog(parent), m_settings(settings), m_calibration(settings), m_captureServices(capture), m_log(log)
+    : QDialog(parent), m_settings(settings), m_calibration(settings, log), m_captureServices(capture)
 {
     setObjectName(QStringLiteral("FormCalibrate"));
-    setWindowTitle(QStringLiteral("画面から学習"));
+    setWindowTitle(qtText(kCalibrationTitle));
     if (screen)
         m_calibration.picker().setScreen(*screen);
 
@@ -61,7 +72,7 @@ FormCalibrate::FormCalibrate(Settings& settings, const CaptureBitmap* screen, Pa
     m_zoom = new QComboBox;
     m_zoom->setObjectName(QStringLiteral("cboZoom"));
     for (int zoom = 1; zoom <= RegionPicker::kMaxZoom; zoom *= 2)
-        m_zoom->addItem(QStringLiteral("%1 倍").arg(zoom), zoom);
+        m_zoom->addItem(qtText(RegionPicker::zoomCaption(zoom)), zoom);
     top->addWidget(m_zoom);
     top->addStretch(1);
     m_cmdCapture = new QPushButton(QStringLiteral("10秒後に画面を取り込む"));
@@ -84,9 +95,8 @@ FormCalibrate::FormCalibrate(Settings& settings, const CaptureBitmap* screen, Pa
         // Keep the selected region in view at the new zoom.
         m_calibration.picker().setZoom(m_zoom->itemData(index).toInt());
         m_picture->refresh();
-        const CaptureRegionRect box = m_calibration.picker().pictureRect(m_calibration.picker().selectedRegion());
-        m_scroll->ensureVisible(box.StartX + box.SizeX / 2, box.StartY + box.SizeY / 2, m_scroll->width() / 2,
-                                m_scroll->height() / 2);
+        const ScreenPoint centre = m_calibration.picker().selectedCentre();
+        m_scroll->ensureVisible(centre.x, centre.y, m_scroll->width() / 2, m_scroll->height() / 2);
     });
 
     auto* regions = new QGroupBox(QStringLiteral("ゲームに表示されている数字を入力して「学習する」を押してください"));
@@ -131,15 +141,15 @@ QWidget* FormCalibrate::buildRegionRow(int region, RegionRow& row)
     auto* grid = new QGridLayout(box);
     grid->setContentsMargins(0, 2, 0, 2);
     auto* name = new QLabel(qtText(regionCaption(region)));
-    name->setStyleSheet(QStringLiteral("color: %1; font-weight: bold;").arg(regionColour(region).darker(130).name()));
+    name->setStyleSheet(
+        QStringLiteral("color: %1; font-weight: bold;").arg(QColor::fromRgb(regionTextColour(region)).name()));
     row.number = new QLineEdit;
     row.number->setObjectName(indexed("txtNumber", region));
     row.number->setPlaceholderText(QStringLiteral("- で学習しない"));
     row.number->setFixedWidth(120);
-    row.number->setValidator(
-        new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[-0-9, ]*")), row.number));
+    row.number->setValidator(new NumberValidator(row.number));
     connect(row.number, &QLineEdit::textChanged, this,
-            [this, region](const QString& text) { m_calibration.setTyped(region, coreText(text.trimmed())); });
+            [this, region](const QString& text) { m_calibration.setTyped(region, coreText(text)); });
     row.columns = new GlyphView(GlyphView::Mode::Show);
     row.columns->setObjectName(indexed("picColumns", region));
     row.columns->setPixelSize(2);
@@ -190,7 +200,7 @@ void FormCalibrate::refreshRegion(int region)
     const RegionPreview preview = m_calibration.preview(region);
     row.columns->setRows(std::max(1, preview.rows));
     row.columns->setColumns(preview.columns);
-    row.reading->setText(QStringLiteral("読み取り： ") + qtText(preview.reading));
+    row.reading->setText(qtText(Calibration::readingText(preview)));
 
     const CalibrationRegionView view = m_calibration.view(region);
     for (std::size_t k = 0; k < kPatternCount; ++k) {
@@ -198,74 +208,34 @@ void FormCalibrate::refreshRegion(int region)
         row.glyphs[k]->setColumns(view.glyphs[k]);
         row.glyphs[k]->setChecked(view.learnt[k]); // a frame marks what was learnt
     }
-    QString text = qtText(view.message);
-    if (!view.readBack.empty()) {
-        QStringList lines;
-        for (const std::string& line : view.readBack)
-            lines << qtText(line);
-        text += QStringLiteral("\n読み返し： ") + lines.join(QStringLiteral("、"));
-        text += view.missing.empty() ? QStringLiteral("　全数字を学習済み")
-                                     : QStringLiteral("　未学習： ") + qtText(view.missing);
-    }
-    row.message->setText(text);
+    row.message->setText(qtText(view.text));
     row.message->setStyleSheet(view.refused ? QStringLiteral("color: #c00000;") : QString());
-}
-
-void FormCalibrate::logLine(const std::string& line)
-{
-    if (!m_log)
-        return;
-    try {
-        m_log->WriteDebugLog(line);
-    } catch (const RuntimeError&) {
-        // A log that cannot be written must not stop the calibration.
-    }
 }
 
 void FormCalibrate::cmdLearn_Click()
 {
-    logLine("Click : Calibration Learn ");
-    if (!m_calibration.picker().screen()) {
-        m_status->setText(QStringLiteral("先に画面を取り込んでください。"));
-        return;
-    }
-    if (!m_calibration.learn()) {
-        m_status->setText(QStringLiteral("数字を入力してください。"));
-        return;
-    }
-    m_status->setText(QString());
+    m_status->setText(qtText(m_calibration.learnCommand()));
     refreshAll();
 }
 
 void FormCalibrate::cmdCapture_Click()
 {
-    logLine("Click : Calibration Capture ");
     QPointer<FormCalibrate> alive(this);
     m_cmdCapture->setEnabled(false);
-    m_status->setText(QStringLiteral("10秒後に取り込みます。ゲームを前面に出してください…"));
-    try {
-        // The wait keeps events flowing, so the window may be gone when it returns.
-        m_captureServices.waiter->WaitMs(10000);
-        if (!alive)
-            return;
-        std::optional<CaptureBitmap> image = m_captureServices.screen->grab({});
-        if (!image)
-            throw RuntimeError(ErrorNumber::InvalidProcedureCall, "no screen image");
-        showScreen(*std::move(image));
-        m_status->setText(QStringLiteral("取り込みました。数字を入力して「学習する」を押してください。"));
-    } catch (const RuntimeError& e) {
-        if (!alive)
-            return;
-        m_status->setText(QStringLiteral("画面を取り込めませんでした。"));
-        logLine(errorTrapLine("cmdCalibrationCapture_Click", e.number()));
-    }
+    m_status->setText(qtText(m_calibration.beginCapture()));
+    // The wait keeps events flowing, so the window may be gone when it returns.
+    m_captureServices.waiter->WaitMs(10000);
+    if (!alive)
+        return;
+    m_status->setText(qtText(m_calibration.captureScreen(*m_captureServices.screen)));
+    m_picture->refresh();
+    refreshAll();
     m_cmdCapture->setEnabled(true);
 }
 
 void FormCalibrate::cmdApply_Click()
 {
-    logLine("Click : Calibration Apply ");
-    m_calibration.applyTo(m_settings);
+    m_calibration.applyCommand(m_settings);
     accept();
 }
 

@@ -56,12 +56,10 @@ private:
     void cmdLearn_Click();
     void cmdCapture_Click();
     void cmdApply_Click();
-    void logLine(const std::string& line);
 
     Settings& m_settings;
     Calibration m_calibration;
     PatternCaptureServices m_captureServices;
-    DebugLog* m_log;
     ScreenPicture* m_picture = nullptr;
     QScrollArea* m_scroll = nullptr;
     QComboBox* m_zoom = nullptr;

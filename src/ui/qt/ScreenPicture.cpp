@@ -10,12 +10,6 @@
 
 namespace tvx::ui {
 
-QColor regionColour(int region)
-{
-    static const QColor colours[] = {QColor(255, 60, 60), QColor(40, 200, 255), QColor(255, 200, 0)};
-    return colours[std::clamp(region, 0, kRegionCount - 1)];
-}
-
 ScreenPicture::ScreenPicture(RegionPicker& picker, QWidget* parent) : QWidget(parent), m_picker(picker)
 {
     setFocusPolicy(Qt::StrongFocus);
@@ -53,7 +47,7 @@ void ScreenPicture::paintEvent(QPaintEvent* event)
     for (int r = 0; r < kRegionCount; ++r) {
         const CaptureRegionRect box = m_picker.pictureRect(r);
         const bool selected = r == m_picker.selectedRegion();
-        painter.setPen(QPen(regionColour(r), selected ? 2 : 1, selected ? Qt::SolidLine : Qt::DashLine));
+        painter.setPen(QPen(QColor::fromRgb(tvx::regionColour(r)), selected ? 2 : 1, selected ? Qt::SolidLine : Qt::DashLine));
         painter.setBrush(Qt::NoBrush);
         painter.drawRect(box.StartX, box.StartY, box.SizeX - 1, box.SizeY - 1);
     }

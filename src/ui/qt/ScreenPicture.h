@@ -38,7 +38,4 @@ private:
     QImage m_image;
 };
 
-// The colour a region is drawn in, everywhere it is shown.
-QColor regionColour(int region);
-
 } // namespace tvx::ui

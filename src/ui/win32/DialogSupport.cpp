@@ -1,9 +1,13 @@
 #include "DialogSupport.h"
 
+#include "base/Errors.h"
+#include "shell/DebugLog.h"
 #include "view/Placement.h"
 #include "win32/Win32Text.h"
 
 #include <algorithm>
+#include <commctrl.h>
+
 #include <memory>
 #include <optional>
 #include <tuple>
@@ -84,6 +88,16 @@ std::optional<ViewRect> rectOf(HWND window)
     if (!window || !IsWindowVisible(window) || !GetWindowRect(window, &r))
         return std::nullopt;
     return ViewRect{r.left, r.top, r.right - r.left, r.bottom - r.top};
+}
+
+LRESULT CALLBACK filterProc(HWND edit, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR accepts)
+{
+    if (message == WM_CHAR && wParam >= 0x20 &&
+        !reinterpret_cast<bool (*)(char32_t)>(accepts)(static_cast<char32_t>(wParam)))
+        return 0;
+    if (message == WM_NCDESTROY)
+        RemoveWindowSubclass(edit, &filterProc, 1);
+    return DefSubclassProc(edit, message, wParam, lParam);
 }
 
 } // namespace
@@ -270,6 +284,26 @@ HWND addControl(HWND parent, const wchar_t* windowClass, std::string_view text, 
                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr), nullptr);
     SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font ? font : dialogFont()), FALSE);
     return control;
+}
+
+void guarded(DebugLog* log, const char* procedure, const std::function<void()>& action)
+{
+    try {
+        action();
+    } catch (const std::exception& e) {
+        if (!log)
+            return;
+        try {
+            log->WriteDebugLog(errorTrapLine(procedure, errorNumberOf(e)));
+        } catch (const RuntimeError&) {
+            // The window goes on without a writable log.
+        }
+    }
+}
+
+void filterCharacters(HWND edit, bool (*accepts)(char32_t))
+{
+    SetWindowSubclass(edit, &filterProc, 1, reinterpret_cast<DWORD_PTR>(accepts));
 }
 
 } // namespace tvx::win32ui

@@ -8,6 +8,10 @@
 #include <string>
 #include <string_view>
 
+namespace tvx {
+class DebugLog;
+}
+
 namespace tvx::win32ui {
 
 // A dialog box with no controls of its own (they are made in WM_INITDIALOG), so the
@@ -55,5 +59,12 @@ HFONT fixedFont();
 // manager and the tests.
 HWND addControl(HWND parent, const wchar_t* windowClass, std::string_view text, DWORD style, int id, int x, int y,
                 int width, int height, HFONT font = nullptr);
+
+// Runs a window's reaction to an event; whatever it throws ends here as the error-trap line
+// of procedure in the debug log (log may be null), so nothing reaches the message loop.
+void guarded(DebugLog* log, const char* procedure, const std::function<void()>& action);
+
+// An edit control that drops the typed characters accepts refuses (control keys pass).
+void filterCharacters(HWND edit, bool (*accepts)(char32_t));
 
 } // namespace tvx::win32ui

@@ -1,6 +1,7 @@
 #include "FormOption.h"
 
 #include "DialogSupport.h"
+#include "FormCalibrate.h"
 #include "GlyphControl.h"
 
 #include "base/Errors.h"
@@ -41,6 +42,7 @@ enum Fixed : int {
     lblPatternResult,
     picEditor,
     picColumns,
+    cmdCalibrate,
     optPatternRegion0 = 130,
     picPattern0 = 140,
     picCapture0 = 160,
@@ -78,6 +80,7 @@ const std::map<std::string, int, std::less<>>& controlIds()
             {"lblPatternResult", lblPatternResult},
             {"picEditor", picEditor},
             {"picColumns", picColumns},
+            {"cmdCalibrate", cmdCalibrate},
         };
         for (int r = 0; r < kRegionCount; ++r) {
             const std::string index = std::to_string(r);
@@ -326,8 +329,10 @@ private:
         }
         const HWND capture = button(page, "10秒後にキャプチャ", cmdCapture, 14, 544, 160, 28);
         EnableWindow(capture, m_context.screen && m_context.waiter && m_context.clock);
-        label(page, "10秒のうちにゲームを前面に出してください。画面を保存し、各領域を表示します。", 184, 550, 580, 18,
+        label(page, "10秒のうちにゲームを前面に出してください。画面を保存し、各領域を表示します。", 184, 544, 420, 36,
               SS_LEFT, lblCaptureStatus);
+        // Regions dragged on the screen and templates learnt from it, kept only when confirmed.
+        button(page, "画面から学習…", cmdCalibrate, 622, 544, 140, 28);
     }
 
     void buildPatternsPage(HWND page)
@@ -564,6 +569,7 @@ private:
                 m_editor.takeColumns(m_columnsCanvas.selectionStart(), m_columnsCanvas.selectionLength());
             });
         case cmdCapture: return capture();
+        case cmdCalibrate: return calibrate();
         case cmdSave: return runConfigFile(ConfigFile::Save);
         case cmdLoad: return runConfigFile(ConfigFile::Load);
         case cmdInit: return runConfigFile(ConfigFile::Defaults);
@@ -677,6 +683,17 @@ private:
         setText(lblCaptureStatus, m_editor.capturePattern(*m_context.screen, *m_context.clock, m_config));
         EnableWindow(button, TRUE);
         refresh();
+    }
+
+    void calibrate()
+    {
+        const CalibrationContext calibration{&m_editor.settings(), m_editor.capture(), m_context.screen,
+                                             m_context.waiter, m_config.log()};
+        if (!ShowFormCalibrate(m_window, calibration))
+            return;
+        m_config.sizeBuffers();
+        m_editor.refresh();
+        changed();
     }
 
     void runConfigFile(int mode)

@@ -78,26 +78,6 @@ void paintCanvas(HWND window, HDC dc, const GlyphCanvas& canvas)
     }
 }
 
-void onScroll(HWND window, WPARAM wParam)
-{
-    SCROLLINFO info{};
-    info.cbSize = sizeof info;
-    info.fMask = SIF_ALL;
-    GetScrollInfo(window, SB_HORZ, &info);
-    int position = info.nPos;
-    switch (LOWORD(wParam)) {
-    case SB_LINELEFT: position -= 20; break;
-    case SB_LINERIGHT: position += 20; break;
-    case SB_PAGELEFT: position -= static_cast<int>(info.nPage); break;
-    case SB_PAGERIGHT: position += static_cast<int>(info.nPage); break;
-    case SB_THUMBTRACK:
-    case SB_THUMBPOSITION: position = info.nTrackPos; break;
-    default: break;
-    }
-    SetScrollPos(window, SB_HORZ, position, TRUE);
-    InvalidateRect(window, nullptr, FALSE);
-}
-
 void forward(HWND window, GlyphCanvas::Change change)
 {
     switch (change) {
@@ -147,7 +127,7 @@ LRESULT CALLBACK glyphProc(HWND window, UINT message, WPARAM wParam, LPARAM lPar
         ReleaseCapture();
         return 0;
     case WM_HSCROLL:
-        onScroll(window, wParam);
+        scrollWith(window, SB_HORZ, wParam);
         return 0;
     case WM_SETCURSOR:
         if (LOWORD(lParam) == HTCLIENT && canvas->mode() != GlyphCanvas::Mode::Show) {
@@ -215,6 +195,26 @@ void registerClass(const wchar_t* name, WNDPROC procedure)
 }
 
 } // namespace
+
+void scrollWith(HWND window, int bar, WPARAM wParam)
+{
+    SCROLLINFO info{};
+    info.cbSize = sizeof info;
+    info.fMask = SIF_ALL;
+    GetScrollInfo(window, bar, &info);
+    int position = info.nPos;
+    switch (LOWORD(wParam)) {
+    case SB_LINELEFT: position -= 20; break;
+    case SB_LINERIGHT: position += 20; break;
+    case SB_PAGELEFT: position -= static_cast<int>(info.nPage); break;
+    case SB_PAGERIGHT: position += static_cast<int>(info.nPage); break;
+    case SB_THUMBTRACK:
+    case SB_THUMBPOSITION: position = info.nTrackPos; break;
+    default: break;
+    }
+    SetScrollPos(window, bar, position, TRUE);
+    InvalidateRect(window, nullptr, FALSE);
+}
 
 HWND createGlyphControl(HWND parent, int id, GlyphCanvas& canvas, int x, int y, int width, int height)
 {

@@ -20,6 +20,10 @@ HWND createGlyphControl(HWND parent, int id, GlyphCanvas& canvas, int x, int y, 
 // After the canvas changed: redraw and fit the scroll bar.
 void updateGlyphControl(HWND control);
 
+// A scroll bar message (WM_HSCROLL with SB_HORZ, WM_VSCROLL with SB_VERT) moves the
+// window's own scroll bar by lines of 20 pixels or by pages, and repaints the window.
+void scrollWith(HWND window, int bar, WPARAM wParam);
+
 // A child window that shows 0xRRGGBB pixels enlarged by a whole factor.
 HWND createPixelImage(HWND parent, int id, int x, int y, int width, int height);
 void setPixelImage(HWND control, int width, int height, std::vector<std::uint32_t> pixels, int scale);

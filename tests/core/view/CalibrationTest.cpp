@@ -1,6 +1,11 @@
 #include "view/Calibration.h"
 
+#include "ports/ScreenSource.h"
+#include "shell/DebugLog.h"
 #include "support/BitmapFont.h"
+#include "support/FakeClock.h"
+#include "support/ReadFile.h"
+#include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -34,12 +39,15 @@ TEST(CalibrationTest, LearnsFromScreensAndKeepsTheResultUntilConfirmed)
     EXPECT_EQ(exp.width, 6);
     EXPECT_EQ(exp.missing, "");
     EXPECT_EQ(exp.readBack, (std::vector<std::string>{"1234567 → 1234567", "8890123 → 8890123", "4455667 → 4455667"}));
+    EXPECT_EQ(exp.text, "学習しました（文字幅 6 列）\n読み返し： 1234567 → 1234567、8890123 → 8890123、4455667 → "
+                        "4455667　全数字を学習済み");
     EXPECT_EQ(exp.glyphs[5], test::fontGlyph('5'));
     EXPECT_EQ(calibration.preview(RegionExp).reading, "4455667"); // the last screen, with what was learnt
     EXPECT_FALSE(calibration.picker().preview(RegionExp).read); // the built-in templates cannot
 
     const CalibrationRegionView money = calibration.view(RegionMoney);
     EXPECT_EQ(money.message, "");
+    EXPECT_EQ(money.text, "");
     EXPECT_EQ(money.missing, "0123456789");
     EXPECT_EQ(money.glyphs[0].size(), 7u);
 
@@ -81,6 +89,52 @@ TEST(CalibrationTest, RefusalsAreExplainedAndMovingARegionStartsItAnew)
     calibration.applyTo(settings);
     EXPECT_EQ(settings.CaptureRegion[RegionLevel].StartX, kDefaults.CaptureRegion[RegionLevel].StartX + 1);
     EXPECT_EQ(settings.PatternStrings, kDefaults.PatternStrings);
+}
+
+class OneScreen : public ScreenSource {
+public:
+    std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect>) override { return std::exchange(screen, {}); }
+    std::optional<CaptureBitmap> screen;
+};
+
+TEST(CalibrationTest, TheCommandsAreLoggedAndSayWhatHappened)
+{
+    test::TempFolder home;
+    test::FakeClock clock{LocalDateTime{2024, 3, 9, 7, 5, 2}};
+    DebugLog log{home.path(), clock};
+    Calibration calibration(kDefaults, &log);
+    OneScreen source;
+    EXPECT_EQ(calibration.learnCommand(), "先に画面を取り込んでください。");
+    EXPECT_EQ(calibration.beginCapture(), "10秒後に取り込みます。ゲームを前面に出してください…");
+    EXPECT_EQ(calibration.captureScreen(source), "画面を取り込めませんでした。");
+    EXPECT_FALSE(calibration.picker().screen());
+
+    source.screen = toCaptureBitmap(test::fontScreen({"", "1234567", ""}));
+    EXPECT_EQ(calibration.captureScreen(source), "取り込みました。数字を入力して「学習する」を押してください。");
+    EXPECT_EQ(calibration.learnCommand(), "数字を入力してください。"); // nothing typed
+    calibration.setTyped(RegionExp, "  1,234,567 "); // blanks around do not count
+    EXPECT_EQ(calibration.view(RegionExp).typed, "1,234,567");
+    EXPECT_EQ(calibration.learnCommand(), "");
+    const std::string text = calibration.view(RegionExp).text;
+    EXPECT_NE(text.find("\n読み返し： 1234567 → 1234567　未学習： 089"), std::string::npos) << text;
+    EXPECT_EQ(Calibration::readingText(calibration.preview(RegionExp)), "読み取り： 1234567");
+
+    Settings settings = kDefaults;
+    calibration.applyCommand(settings);
+    EXPECT_EQ(settings.ReferenceSize[RegionExp].Width, calibration.view(RegionExp).width);
+    EXPECT_NE(settings.PatternStrings[RegionExp][1], kDefaults.PatternStrings[RegionExp][1]);
+    const std::string written = test::readAll(log.path());
+    for (const char* line : {"Click : Calibration Learn ", "Click : Calibration Capture ",
+                             "Error Trap : cmdCalibrationCapture_Click", "Click : Calibration Apply "})
+        EXPECT_NE(written.find(line), std::string::npos) << line << "\n" << written;
+}
+
+TEST(CalibrationTest, TheNumberFieldsTakeDigitsSeparatorsAndTheSkippingDash)
+{
+    for (const char32_t c : {U'0', U'5', U'9', U',', U' ', U'-'})
+        EXPECT_TRUE(Calibration::acceptsNumberCharacter(c)) << static_cast<std::uint32_t>(c);
+    for (const char32_t c : {U'a', U'.', U'+', U'\u3000', U'\uFF11', U'\t'})
+        EXPECT_FALSE(Calibration::acceptsNumberCharacter(c)) << static_cast<std::uint32_t>(c);
 }
 
 } // namespace

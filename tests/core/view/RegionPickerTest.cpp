@@ -60,6 +60,8 @@ TEST(RegionPickerTest, ADragSpansTheRectangleOfItsCornerPixels)
     }
     EXPECT_EQ(picker.settings().CaptureRegion[RegionLevel], defaultSettings("").CaptureRegion[RegionLevel]);
     EXPECT_EQ(picker.pictureRect(RegionExp), (CaptureRegionRect{400, 2140, 404, 64}));
+    EXPECT_EQ(picker.selectedCentre().x, 400 + 202); // where a new zoom scrolls to
+    EXPECT_EQ(picker.selectedCentre().y, 2140 + 32);
     EXPECT_FALSE(picker.drag(0, 0)); // no drag without a press
 }
 
