@@ -8,6 +8,7 @@
 #include "ports/Waiter.h"
 #include "base/Utf8Path.h"
 #include "support/BitmapFont.h"
+#include "support/ScriptedScreen.h"
 #include "support/FakeClock.h"
 #include "support/ReadFile.h"
 #include "support/ScriptedPrompter.h"
@@ -25,29 +26,9 @@
 namespace tvx::ui {
 namespace {
 
-class InstantWaiter : public Waiter {
-public:
-    void WaitMs(std::int32_t) override {}
-};
-
-class ScriptedScreen : public ScreenSource {
-public:
-    std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect> wanted) override
-    {
-        EXPECT_TRUE(wanted.empty()) << "the whole screen is asked for";
-        if (screens.empty())
-            return std::nullopt;
-        CaptureBitmap next = screens.front();
-        screens.erase(screens.begin());
-        return next;
-    }
-    std::vector<CaptureBitmap> screens;
-};
-
-CaptureBitmap fontCapture(const std::array<std::string, kRegionCount>& numbers, std::uint32_t seed)
-{
-    return toCaptureBitmap(test::fontScreen(numbers, seed));
-}
+using test::fontCapture;
+using test::InstantWaiter;
+using test::ScriptedScreen;
 
 template <typename T>
 T* child(QWidget& form, const QString& name)

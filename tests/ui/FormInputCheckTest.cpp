@@ -99,10 +99,10 @@ TEST_F(FormInputCheckTest, SteppingStaysWithinTheLimitsGivenInEitherOrder)
         const char* button;
         const char* expected;
     };
+    // The stepping rules are the core's; here each button reaches them.
     const Case cases[] = {
-        {"5", "1200", "1", "100", "cmdInc", "101"},    {"1200", "5", "-5", "1198", "cmdInc", "1200"},
-        {"1200", "5", "1", "1200", "cmdInc", "1200"},  {"5", "1200", "10", "7", "cmdDec", "5"},
-        {"-1", "255", "1", "0", "cmdDec", "-1"},       {"0", "10", "0.5", "1E0", "cmdInc", "1.5"},
+        {"1200", "5", "-5", "1198", "cmdInc", "1200"},
+        {"5", "1200", "10", "7", "cmdDec", "5"},
     };
     for (const Case& c : cases) {
         open(c.a, c.b, 0, c.step);
@@ -121,13 +121,11 @@ TEST_F(FormInputCheckTest, ConfirmationChecksCharactersAndLimits)
         std::string message;
         std::string title;
     };
+    // The checks are the core's; here an answer, and each kind of refusal, reach the player.
     const Case cases[] = {
         {"1E3", 1000, "", ""},
-        {" 7 ", 7, "", ""},
         {"4", 19999, "入力下限を超えています", "入力エラー"},
-        {"1201", 19999, "入力上限を超えています", "入力エラー"},
         {"12３", 19999, "無効文字が含まれています。", "入力チェック"},
-        {"1+2", 19999, "無効文字が含まれています。", "入力チェック"},
     };
     for (const Case& c : cases) {
         open("1200", "5", 100);

@@ -10,6 +10,7 @@
 #include "ports/ScreenSource.h"
 #include "ports/Waiter.h"
 #include "support/BitmapFont.h"
+#include "support/ScriptedScreen.h"
 #include "support/FakeClock.h"
 #include "support/ReadFile.h"
 #include "support/TempFolder.h"
@@ -25,29 +26,9 @@ using test::DialogScript;
 using test::textOf;
 using test::typeInto;
 
-class InstantWaiter : public Waiter {
-public:
-    void WaitMs(std::int32_t) override {}
-};
-
-class ScriptedScreen : public ScreenSource {
-public:
-    std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect> wanted) override
-    {
-        EXPECT_TRUE(wanted.empty()) << "the whole screen is asked for";
-        if (screens.empty())
-            return std::nullopt;
-        CaptureBitmap next = screens.front();
-        screens.erase(screens.begin());
-        return next;
-    }
-    std::vector<CaptureBitmap> screens;
-};
-
-CaptureBitmap fontCapture(const std::array<std::string, kRegionCount>& numbers, std::uint32_t seed)
-{
-    return toCaptureBitmap(test::fontScreen(numbers, seed));
-}
+using test::fontCapture;
+using test::InstantWaiter;
+using test::ScriptedScreen;
 
 // The first control with this identifier under a shown top-level window with this title.
 HWND controlOf(const wchar_t* title, int id)

@@ -306,4 +306,29 @@ void filterCharacters(HWND edit, bool (*accepts)(char32_t))
     SetWindowSubclass(edit, &filterProc, 1, reinterpret_cast<DWORD_PTR>(accepts));
 }
 
+HWND DialogControls::add(HWND parent, const wchar_t* windowClass, std::string_view text, DWORD style, int id, int x,
+                         int y, int width, int height, HFONT font)
+{
+    const HWND control = addControl(parent, windowClass, text, style, id, x, y, width, height, font);
+    if (id > 0)
+        m_controls[id] = control;
+    return control;
+}
+
+HWND DialogControls::label(HWND parent, std::string_view text, int x, int y, int width, int height, DWORD style, int id)
+{
+    return add(parent, L"STATIC", text, style | SS_NOPREFIX, id, x, y, width, height);
+}
+
+HWND DialogControls::button(HWND parent, std::string_view text, int id, int x, int y, int width, int height)
+{
+    return add(parent, L"BUTTON", text, BS_PUSHBUTTON | WS_TABSTOP, id, x, y, width, height);
+}
+
+int controlIdIn(const std::map<std::string, int, std::less<>>& ids, std::string_view name)
+{
+    const auto found = ids.find(name);
+    return found == ids.end() ? 0 : found->second;
+}
+
 } // namespace tvx::win32ui

@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -59,6 +60,22 @@ HFONT fixedFont();
 // manager and the tests.
 HWND addControl(HWND parent, const wchar_t* windowClass, std::string_view text, DWORD style, int id, int x, int y,
                 int width, int height, HFONT font = nullptr);
+
+// The controls of one dialog by identifier, and the helpers its window class builds them
+// with (a control with identifier 0 is not kept).
+class DialogControls {
+protected:
+    HWND add(HWND parent, const wchar_t* windowClass, std::string_view text, DWORD style, int id, int x, int y,
+             int width, int height, HFONT font = nullptr);
+    HWND label(HWND parent, std::string_view text, int x, int y, int width, int height = 18, DWORD style = SS_LEFT,
+               int id = 0);
+    HWND button(HWND parent, std::string_view text, int id, int x, int y, int width, int height = 26);
+
+    std::map<int, HWND> m_controls;
+};
+
+// The identifier of a named control in a dialog's table of names; 0 for an unknown name.
+int controlIdIn(const std::map<std::string, int, std::less<>>& ids, std::string_view name);
 
 // Runs a window's reaction to an event; whatever it throws ends here as the error-trap line
 // of procedure in the debug log (log may be null), so nothing reaches the message loop.

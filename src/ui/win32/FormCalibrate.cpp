@@ -71,7 +71,7 @@ COLORREF colourRef(std::uint32_t rgb)
     return RGB(rgb >> 16 & 0xFF, rgb >> 8 & 0xFF, rgb & 0xFF);
 }
 
-class FormCalibrateWindow {
+class FormCalibrateWindow : DialogControls {
 public:
     explicit FormCalibrateWindow(const CalibrationContext& context)
         : m_context(context), m_calibration(*context.settings, context.log)
@@ -160,26 +160,6 @@ private:
 
     // ---- building ----
 
-    HWND add(HWND parent, const wchar_t* windowClass, std::string_view text, DWORD style, int id, int x, int y,
-             int width, int height)
-    {
-        const HWND control = addControl(parent, windowClass, text, style, id, x, y, width, height);
-        if (id > 0)
-            m_controls[id] = control;
-        return control;
-    }
-
-    HWND label(HWND parent, std::string_view text, int x, int y, int width, int height = 18, DWORD style = SS_LEFT,
-               int id = 0)
-    {
-        return add(parent, L"STATIC", text, style | SS_NOPREFIX, id, x, y, width, height);
-    }
-
-    HWND button(HWND parent, std::string_view text, int id, int x, int y, int width)
-    {
-        return add(parent, L"BUTTON", text, BS_PUSHBUTTON | WS_TABSTOP, id, x, y, width, 28);
-    }
-
     void build()
     {
         setText(m_window, kCalibrationTitle);
@@ -194,7 +174,7 @@ private:
         for (int z = 1; z <= RegionPicker::kMaxZoom; z *= 2)
             SendMessageW(zoom, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(wide(RegionPicker::zoomCaption(z)).c_str()));
         SendMessageW(zoom, CB_SETCURSEL, 0, 0);
-        button(m_window, "10秒後に画面を取り込む", cmdCapture, 612, 7, 200);
+        button(m_window, "10秒後に画面を取り込む", cmdCapture, 612, 7, 200, 28);
         EnableWindow(m_controls[cmdCapture], m_context.screen && m_context.waiter);
         m_controls[picScreen] = createScreenPicture(m_window, picScreen, m_calibration.picker(), kMargin, kPictureTop,
                                                     kPanelWidth, 280);
@@ -211,10 +191,10 @@ private:
         for (int r = 0; r < kRegionCount; ++r)
             buildRow(r, 22 + r * kRowHeight);
         const int bottom = 30 + kRegionCount * kRowHeight;
-        button(m_panel, "学習する", cmdLearn, 0, bottom, 100);
+        button(m_panel, "学習する", cmdLearn, 0, bottom, 100, 28);
         label(m_panel, "", 110, bottom + 6, 620, 18, SS_LEFT, lblStatus);
-        button(m_panel, "反映する", cmdApply, kPanelWidth - 200, bottom, 96);
-        button(m_panel, "キャンセル", cmdCancel, kPanelWidth - 100, bottom, 96);
+        button(m_panel, "反映する", cmdApply, kPanelWidth - 200, bottom, 96, 28);
+        button(m_panel, "キャンセル", cmdCancel, kPanelWidth - 100, bottom, 96, 28);
     }
 
     void buildRow(int region, int top)
@@ -356,7 +336,6 @@ private:
     HWND m_window = nullptr;
     HWND m_panel = nullptr;
     POINT m_minimum{};
-    std::map<int, HWND> m_controls;
     std::array<GlyphCanvas, kRegionCount> m_columns;
     std::array<std::array<GlyphCanvas, kPatternCount>, kRegionCount> m_glyphs;
     std::array<bool, kRegionCount> m_refused{};
@@ -368,8 +347,7 @@ private:
 
 int calibrateControlId(std::string_view name)
 {
-    const auto found = controlIds().find(name);
-    return found == controlIds().end() ? 0 : found->second;
+    return controlIdIn(controlIds(), name);
 }
 
 bool ShowFormCalibrate(HWND owner, const CalibrationContext& context)

@@ -130,7 +130,7 @@ LRESULT CALLBACK textProc(HWND edit, UINT message, WPARAM wParam, LPARAM lParam,
     return DefSubclassProc(edit, message, wParam, lParam);
 }
 
-class FormOptionWindow {
+class FormOptionWindow : DialogControls {
 public:
     FormOptionWindow(const OptionsContext& context)
         : m_context(context), m_config(*context.config),
@@ -245,26 +245,6 @@ private:
     }
 
     // ---- building ----
-
-    HWND add(HWND parent, const wchar_t* windowClass, std::string_view text, DWORD style, int id, int x, int y,
-             int width, int height, HFONT font = nullptr)
-    {
-        const HWND control = addControl(parent, windowClass, text, style, id, x, y, width, height, font);
-        if (id > 0)
-            m_controls[id] = control;
-        return control;
-    }
-
-    HWND label(HWND parent, std::string_view text, int x, int y, int width, int height = 18, DWORD style = SS_LEFT,
-               int id = 0)
-    {
-        return add(parent, L"STATIC", text, style | SS_NOPREFIX, id, x, y, width, height);
-    }
-
-    HWND button(HWND parent, std::string_view text, int id, int x, int y, int width, int height = 26)
-    {
-        return add(parent, L"BUTTON", text, BS_PUSHBUTTON | WS_TABSTOP, id, x, y, width, height);
-    }
 
     HWND glyph(HWND parent, int id, GlyphCanvas& canvas, int x, int y, int width, int height)
     {
@@ -722,7 +702,6 @@ private:
     HWND m_tabs = nullptr;
     std::array<HWND, kOptionTabCount> m_pages{};
     std::array<PageScroller, kOptionTabCount> m_scrollers;
-    std::map<int, HWND> m_controls;
     std::array<GlyphCanvas, kRegionCount> m_binary;
     std::array<GlyphCanvas, kPatternCount> m_tiles;
     GlyphCanvas m_editorCanvas{GlyphCanvas::Mode::Edit};
@@ -734,8 +713,7 @@ private:
 
 int optionControlId(std::string_view name)
 {
-    const auto found = controlIds().find(name);
-    return found == controlIds().end() ? 0 : found->second;
+    return controlIdIn(controlIds(), name);
 }
 
 void ShowFormOption(HWND owner, const OptionsContext& context)
