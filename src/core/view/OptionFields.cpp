@@ -96,26 +96,26 @@ std::vector<NumberField> makeNumberFields()
         fields.push_back({name, caption, prompt, lower, upper, tab, -1, row, false, value});
     };
     plain("cmdCaptureInterval", "キャプチャインターバル(分)", "キャプチャインターバル(分)を入力してください", 1, 1440,
-          Tab::Timing, 1, &plainValue<&Settings::CaptureInterval>);
+          Tab::Timing, 2, &plainValue<&Settings::CaptureInterval>);
     plain("cmdCaptureBeep", "キャプチャ時の音（0 で鳴らさない、1～5）",
-          "キャプチャ時の音を入力してください（0 で鳴らさない）", 0, 5, Tab::Timing, 2,
+          "キャプチャ時の音を入力してください（0 で鳴らさない）", 0, 5, Tab::Timing, 3,
           &plainValue<&Settings::CaptureBeep>);
-    plain("cmdLag", "キャプチャ調整時間(m秒)", "キャプチャ調整時間(m秒)を入力してください", 0, 10000, Tab::Timing, 3,
+    plain("cmdLag", "キャプチャ調整時間(m秒)", "キャプチャ調整時間(m秒)を入力してください", 0, 10000, Tab::Timing, 8,
           &plainValue<&Settings::Lag>);
     plain("cmdStartDelay", "起動時のゲーム起動確認遅延時間(秒)", "起動確認遅延時間(秒)を入力してください", 0, 3600,
           Tab::Timing, 5, &plainValue<&Settings::StartDelay>);
     plain("cmdDoHLInterval", "撮影チェックインターバル(m秒)", "撮影チェックインターバル(m秒)を入力してください", 100,
-          60000, Tab::Timing, 6, &plainValue<&Settings::DoHLInterval>);
+          60000, Tab::Timing, 11, &plainValue<&Settings::DoHLInterval>);
     plain("cmdGestureTime", "ジェスチャ入力待ち時間(m秒)", "ジェスチャ入力待ち時間(m秒)を入力してください", 100, 10000,
-          Tab::Timing, 7, &plainValue<&Settings::GestureTime>);
+          Tab::Timing, 12, &plainValue<&Settings::GestureTime>);
     plain("cmdMoneyWait", "お金を認識するときの待機時間(m秒)", "お金を認識するときの待機時間(m秒)を入力してください", 0,
-          60000, Tab::Timing, 8, &plainValue<&Settings::MoneyWait>);
-    plain("cmdGraphTimeScale", "グラフ時間軸データ数", "グラフ時間軸データ数を入力してください", 2, 512, Tab::Timing, 9,
+          60000, Tab::Timing, 9, &plainValue<&Settings::MoneyWait>);
+    plain("cmdGraphTimeScale", "グラフ時間軸データ数", "グラフ時間軸データ数を入力してください", 2, 512, Tab::Files, 6,
           &plainValue<&Settings::GraphTimeScale>);
-    plain("cmdGraphAveNum", "グラフの平均化データ数", "グラフの平均化データ数を入力してください", 1, 100, Tab::Timing,
-          10, &plainValue<&Settings::GraphAveNum>);
+    plain("cmdGraphAveNum", "グラフの平均化データ数", "グラフの平均化データ数を入力してください", 1, 100, Tab::Files,
+          7, &plainValue<&Settings::GraphAveNum>);
     plain("cmdStartUpDelay", "アプリケーション2を自動起動させる遅延時間(秒)",
-          "アプリケーション2を自動起動させる遅延時間(秒)を入力してください", 0, 3600, Tab::Files, 7,
+          "アプリケーション2を自動起動させる遅延時間(秒)を入力してください", 0, 3600, Tab::Files, 13,
           &plainValue<&Settings::StartUpDelay>);
     return fields;
 }
@@ -145,7 +145,7 @@ void setSaveFormat(Settings& s, const std::string& value)
 std::string_view optionTabCaption(OptionTab tab)
 {
     constexpr std::array<std::string_view, kOptionTabCount> captions{"キャプチャ領域", "認識パターン", "動作",
-                                                                      "記録・起動"};
+                                                                      "記録・グラフ・起動"};
     return captions[static_cast<std::size_t>(tab)];
 }
 
@@ -164,17 +164,17 @@ const std::vector<NumberField>& numberFields()
 const std::vector<FlagField>& flagFields()
 {
     static const std::vector<FlagField> fields{
-        {"chkAutoStart", "起動後に自動で計測を始める", Tab::Timing, 0, &flagValue<&Settings::AutoStart>},
-        {"chkDoHLCheckExec", "レベルアップ・死亡時に撮影する", Tab::Timing, 6, &flagValue<&Settings::DoHLCheckExec>},
-        {"chkGesture", "マウスボタンジェスチャを監視する", Tab::Timing, 7, &flagValue<&Settings::Gesture>},
-        {"chkMoneyScan", "お金の時給も計測する", Tab::Timing, 8, &flagValue<&Settings::MoneyScan>},
-        {"chkGraph", "グラフを表示する", Tab::Timing, 9, &flagValue<&Settings::Graph>},
-        {"chkSaveCsv", "時給ファイルをCSVで保存する", Tab::Files, 2, &flagValue<&Settings::SaveCsv>},
-        {"chkSaveMonthly", "時給記録ファイルを一ヶ月追記する", Tab::Files, 3, &flagValue<&Settings::SaveMonthly>},
-        {"chkStartUp0", "アプリケーション1を自動起動する", Tab::Files, 5, &startUpEnabled<0>},
-        {"chkStartUp1", "アプリケーション2を自動起動する", Tab::Files, 6, &startUpEnabled<1>},
+        {"chkAutoStart", "起動後に自動で計測を始める", Tab::Timing, 1, &flagValue<&Settings::AutoStart>},
+        {"chkDoHLCheckExec", "レベルアップ・死亡時に撮影する", Tab::Timing, 11, &flagValue<&Settings::DoHLCheckExec>},
+        {"chkGesture", "マウスボタンジェスチャを監視する", Tab::Timing, 12, &flagValue<&Settings::Gesture>},
+        {"chkMoneyScan", "お金の時給も計測する", Tab::Timing, 9, &flagValue<&Settings::MoneyScan>},
+        {"chkGraph", "グラフを表示する", Tab::Files, 6, &flagValue<&Settings::Graph>},
+        {"chkSaveCsv", "時給ファイルをCSVで保存する", Tab::Files, 3, &flagValue<&Settings::SaveCsv>},
+        {"chkSaveMonthly", "時給記録ファイルを一ヶ月追記する", Tab::Files, 4, &flagValue<&Settings::SaveMonthly>},
+        {"chkStartUp0", "アプリケーション1を自動起動する", Tab::Files, 11, &startUpEnabled<0>},
+        {"chkStartUp1", "アプリケーション2を自動起動する", Tab::Files, 12, &startUpEnabled<1>},
         // The running meter's switch, not a setting: no value in the settings.
-        {"chkDebugMode", "デバッグモード", Tab::Timing, 12, nullptr},
+        {"chkDebugMode", "デバッグモード", Tab::Timing, 14, nullptr},
     };
     return fields;
 }
@@ -183,13 +183,13 @@ const std::vector<TextField>& textFields()
 {
     using Browse = TextField::Browse;
     static const std::vector<TextField> fields{
-        {"txtSearchWindowName", "検索ウィンドウ名", Tab::Timing, 11, Browse::None, "",
+        {"txtSearchWindowName", "検索ウィンドウ名", Tab::Timing, 4, Browse::None, "",
          &textValue<&Settings::SearchWindowName>},
-        {"txtSaveFolder", "時給ファイル保存場所", Tab::Files, 0, Browse::Folder, "cmdSaveFolder",
+        {"txtSaveFolder", "時給ファイル保存場所", Tab::Files, 1, Browse::Folder, "cmdSaveFolder",
          &textValue<&Settings::SaveFolder>},
-        {"txtSaveFile", "時給ファイル名", Tab::Files, 1, Browse::None, "", &textValue<&Settings::SaveFile>},
-        {"txtStartUpPath0", "", Tab::Files, 5, Browse::File, "cmdStartUpPath0", &startUpPath<0>},
-        {"txtStartUpPath1", "", Tab::Files, 6, Browse::File, "cmdStartUpPath1", &startUpPath<1>},
+        {"txtSaveFile", "時給ファイル名", Tab::Files, 2, Browse::None, "", &textValue<&Settings::SaveFile>},
+        {"txtStartUpPath0", "", Tab::Files, 11, Browse::File, "cmdStartUpPath0", &startUpPath<0>},
+        {"txtStartUpPath1", "", Tab::Files, 12, Browse::File, "cmdStartUpPath1", &startUpPath<1>},
     };
     return fields;
 }
@@ -201,14 +201,14 @@ const std::vector<ChoiceField>& choiceFields()
         {"cboScreenCapture",
          "画面の取り込み方法",
          Tab::Timing,
-         4,
+         7,
          {{"0", "直接取り込む（推奨）"}, {"1", "PrintScreenキーとクリップボード"}},
          &screenCaptureText,
          &setScreenCapture},
         {"cboSaveFormat",
          "画像ファイルの保存形式",
          Tab::Files,
-         4,
+         9,
          {{".bmp", "BMP (.bmp)"}, {".png", "PNG (.png)"}, {".jpg70", "JPEG 品質70 (.jpg)"}, {".jpg90", "JPEG 品質90 (.jpg)"}},
          &saveFormatText,
          &setSaveFormat},
@@ -226,6 +226,22 @@ std::string_view OptionRow::caption() const
         return choice->caption;
     return {};
 }
+
+namespace {
+
+struct Heading {
+    Tab tab;
+    int row;
+    std::string_view caption;
+};
+
+constexpr Heading kHeadings[] = {
+    {Tab::Timing, 0, "計測"},         {Tab::Timing, 6, "画面の取り込み"}, {Tab::Timing, 10, "撮影・ジェスチャ"},
+    {Tab::Timing, 13, "その他"},      {Tab::Files, 0, "時給記録"},        {Tab::Files, 5, "グラフ"},
+    {Tab::Files, 8, "画像ファイル"}, {Tab::Files, 10, "自動起動"},
+};
+
+} // namespace
 
 std::vector<OptionRow> optionRows(OptionTab tab)
 {
@@ -247,6 +263,9 @@ std::vector<OptionRow> optionRows(OptionTab tab)
     for (const ChoiceField& f : choiceFields())
         if (f.tab == tab)
             at(f.row).choice = &f;
+    for (const Heading& h : kHeadings)
+        if (h.tab == tab)
+            at(h.row).heading = h.caption;
     return rows;
 }
 

@@ -79,8 +79,10 @@ const std::vector<FlagField>& flagFields();
 const std::vector<TextField>& textFields();
 const std::vector<ChoiceField>& choiceFields();
 
-// One line of the timing and files tabs: [flag] [caption] [number, text or choice] [browse].
+// One line of the timing and files tabs: [flag] [caption] [number, text or choice] [browse],
+// or a heading over the lines that belong together.
 struct OptionRow {
+    std::string_view heading;
     const FlagField* flag = nullptr;
     const NumberField* number = nullptr;
     const TextField* text = nullptr;

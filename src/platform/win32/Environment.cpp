@@ -275,13 +275,20 @@ EnvironmentFacts gatherEnvironment()
     return facts;
 }
 
+// The system files in the order players know from the check, each as this 64-bit program
+// loads it: the C runtime stands for the program's runtime, and the common controls the
+// options window is built on take the ActiveX controls' row. The 32-bit-only files of the
+// old runtime (its Japanese resources, ASYCFILT.dll, dx8vb.dll, MSCOMCTL.ocx) cannot be
+// loaded by a 64-bit process at all and would warn at every start.
 std::vector<RequiredLibrary> requiredLibraries()
 {
     return {
-        {"GDI32.dll", kMayFail},   {"user32.dll", kMayFail},   {"gdiplus.dll", kMayFail},
-        {"ole32.dll", kMayFail},   {"kernel32.dll", kMayFail}, {"winmm.dll", kMayFail},
-        {"shlwapi.dll", kMayFail}, {"comdlg32.dll", kMayFail}, {"shell32.dll", kMayFail},
-        {"OLEAUT32.dll", kMayFail},
+        {"GDI32.dll", kMayFail},    {"user32.dll", kMayFail},   {"olepro32.dll", kMayFail},
+        {"gdiplus.dll", kMayFail},  {"ole32.dll", kMayFail},    {"kernel32.dll", kMayFail},
+        {"winmm.dll", kMayFail},    {"shlwapi.dll", kMayFail},  {"comdlg32.dll", kMayFail},
+        {"shell32.dll", kMayFail},  {"msvcrt.dll", kMayFail},   {"OLEAUT32.dll", kMayFail},
+        {"COMCAT.dll", kMayFail},   {"scrrun.dll", kMayFail},
+        {"COMCTL32.dll", "オプションウィンドウを開けない可能性があります。"},
     };
 }
 

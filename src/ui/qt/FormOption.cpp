@@ -51,6 +51,17 @@ QLabel* caption(std::string_view text)
     return new QLabel(qtText(text));
 }
 
+// A bold title over the rows that belong together, set apart from the rows above it.
+QLabel* heading(std::string_view text)
+{
+    auto* label = caption(text);
+    QFont font = label->font();
+    font.setBold(true);
+    label->setFont(font);
+    label->setContentsMargins(0, 8, 0, 0);
+    return label;
+}
+
 QPixmap previewPixmap(const RegionPreview& preview)
 {
     const QImage image = pixelImage(preview.width, preview.height, preview.pixels);
@@ -437,6 +448,10 @@ QWidget* FormOption::buildRowsTab(OptionTab tab)
     auto* grid = new QGridLayout(page);
     int row = 0;
     for (const OptionRow& line : optionRows(tab)) {
+        if (!line.heading.empty()) {
+            grid->addWidget(heading(line.heading), row++, 0, 1, 4);
+            continue;
+        }
         if (line.flag)
             grid->addWidget(flagBox(*line.flag), row, 0);
         // Captions end where their editors begin; without a switch they may use its room.

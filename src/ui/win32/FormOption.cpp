@@ -359,6 +359,13 @@ private:
     {
         int y = 10;
         for (const OptionRow& row : optionRows(tab)) {
+            if (!row.heading.empty()) {
+                // A title with an etched rule under it: the rows below belong together.
+                label(page, row.heading, 16, y + 6, 746, 18);
+                add(page, L"STATIC", "", SS_ETCHEDHORZ, 0, 16, y + 26, 746, 2);
+                y += 34;
+                continue;
+            }
             if (row.flag)
                 add(page, L"BUTTON", row.flag->caption, BS_AUTOCHECKBOX | WS_TABSTOP,
                     idOf(flagFields(), row.flag, kFlagBase), 16, y, 236, 24);

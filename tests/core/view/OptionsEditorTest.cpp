@@ -15,7 +15,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-
 #include <map>
 #include <set>
 
@@ -90,12 +89,13 @@ TEST(OptionFieldsTest, RowsPairASwitchWithItsNumberAndChoicesKeepAHandEditedValu
         std::string_view caption;
     };
     const Row rows[] = {
-        {OptionTab::Timing, 0, "chkAutoStart", "", ""},
-        {OptionTab::Timing, 4, "", "cboScreenCapture", "画面の取り込み方法"},
-        {OptionTab::Timing, 6, "chkDoHLCheckExec", "cmdDoHLInterval", "撮影チェックインターバル(m秒)"},
-        {OptionTab::Timing, 11, "", "txtSearchWindowName", "検索ウィンドウ名"},
-        {OptionTab::Files, 5, "chkStartUp0", "txtStartUpPath0", ""},
-        {OptionTab::Files, 7, "", "cmdStartUpDelay", "アプリケーション2を自動起動させる遅延時間(秒)"},
+        {OptionTab::Timing, 1, "chkAutoStart", "", ""},
+        {OptionTab::Timing, 4, "", "txtSearchWindowName", "検索ウィンドウ名"},
+        {OptionTab::Timing, 7, "", "cboScreenCapture", "画面の取り込み方法"},
+        {OptionTab::Timing, 11, "chkDoHLCheckExec", "cmdDoHLInterval", "撮影チェックインターバル(m秒)"},
+        {OptionTab::Files, 6, "chkGraph", "cmdGraphTimeScale", "グラフ時間軸データ数"},
+        {OptionTab::Files, 11, "chkStartUp0", "txtStartUpPath0", ""},
+        {OptionTab::Files, 13, "", "cmdStartUpDelay", "アプリケーション2を自動起動させる遅延時間(秒)"},
     };
     for (const Row& r : rows) {
         const std::vector<OptionRow> all = optionRows(r.tab);
@@ -108,8 +108,31 @@ TEST(OptionFieldsTest, RowsPairASwitchWithItsNumberAndChoicesKeepAHandEditedValu
         EXPECT_EQ(editor, r.editor) << r.row;
         EXPECT_EQ(row.caption(), r.caption) << r.row;
     }
-    EXPECT_EQ(optionRows(OptionTab::Timing).size(), 13u);
-    EXPECT_EQ(optionRows(OptionTab::Files).size(), 8u);
+    // Two fields given one place would hide one of them; a heading stands alone; no gaps.
+    for (const OptionTab tab : {OptionTab::Timing, OptionTab::Files}) {
+        std::map<std::pair<int, int>, int> taken; // (row, kind) -> fields
+        for (const NumberField& f : numberFields())
+            if (f.tab == tab && f.region < 0)
+                ++taken[{f.row, 0}];
+        for (const FlagField& f : flagFields())
+            if (f.tab == tab)
+                ++taken[{f.row, 1}];
+        for (const TextField& f : textFields())
+            if (f.tab == tab)
+                ++taken[{f.row, 2}];
+        for (const ChoiceField& f : choiceFields())
+            if (f.tab == tab)
+                ++taken[{f.row, 3}];
+        for (const auto& [place, count] : taken)
+            EXPECT_EQ(count, 1) << optionTabCaption(tab) << " row " << place.first;
+        const std::vector<OptionRow> all = optionRows(tab);
+        EXPECT_FALSE(all.front().heading.empty()) << optionTabCaption(tab);
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            const OptionRow& row = all[i];
+            const bool field = row.flag || row.number || row.text || row.choice;
+            EXPECT_NE(field, !row.heading.empty()) << optionTabCaption(tab) << " row " << i;
+        }
+    }
 
     const ChoiceField& format = choiceFields()[1];
     Settings s = defaultSettings("");
