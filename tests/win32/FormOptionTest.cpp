@@ -16,6 +16,8 @@
 #include <commctrl.h>
 
 #include <cstdlib>
+#include <string>
+#include <vector>
 
 namespace tvx::win32ui {
 namespace {
@@ -245,9 +247,14 @@ TEST_F(FormOptionTest, AWindowTooSmallForAPageScrollsItAndKeepsItsButtonsInView)
     bool captureHidden = false;
     bool captureScrolledIn = false;
     bool captureInViewGrown = false;
+    std::vector<std::string> scrolledAtFirst;
     show({
         [] { return optionsWindow() != nullptr; },
-        [] {
+        [&] {
+            // As it opens, every page fits: no bars.
+            for (const char* control : {"cmdCapture", "txtPattern", "chkDebugMode", "cmdGraphTimeScale"})
+                if (GetWindowLongPtrW(GetParent(optionControl(control)), GWL_STYLE) & (WS_VSCROLL | WS_HSCROLL))
+                    scrolledAtFirst.emplace_back(control);
             SetWindowPos(optionsWindow(), nullptr, 0, 0, 560, 400, SWP_NOMOVE | SWP_NOZORDER);
             return true;
         },
@@ -266,6 +273,7 @@ TEST_F(FormOptionTest, AWindowTooSmallForAPageScrollsItAndKeepsItsButtonsInView)
             return true;
         },
     });
+    EXPECT_TRUE(scrolledAtFirst.empty()) << "the page of " << scrolledAtFirst.front();
     EXPECT_TRUE(closeInView);
     EXPECT_TRUE(captureHidden);
     EXPECT_TRUE(captureScrolledIn);

@@ -309,8 +309,9 @@ private:
         }
         const HWND capture = button(page, "10秒後にキャプチャ", cmdCapture, 14, 544, 160, 28);
         EnableWindow(capture, m_context.screen && m_context.waiter && m_context.clock);
-        label(page, "10秒のうちにゲームを前面に出してください。画面を保存し、各領域を表示します。", 184, 544, 420, 36,
-              SS_LEFT, lblCaptureStatus);
+        // One line, so the page needs no scrolling; a long saved path is shortened in its middle.
+        label(page, "10秒のうちにゲームを前面に出してください。", 184, 550, 428, 18, SS_LEFT | SS_PATHELLIPSIS,
+              lblCaptureStatus);
         // Regions dragged on the screen and templates learnt from it, kept only when confirmed.
         button(page, "画面から学習…", cmdCalibrate, 622, 544, 140, 28);
     }
