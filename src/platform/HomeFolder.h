@@ -10,6 +10,12 @@ namespace tvx::platform {
 // The folder of the running program.
 std::filesystem::path programFolder();
 
+// Whether this user may create files in the folder.
+bool isWritableFolder(const std::filesystem::path& folder);
+
+// The per-user data folder, for a program folder that is not writable.
+std::filesystem::path userDataFolder();
+
 // Where configuration, debug log and capture file live: the override when given, else the
 // program's folder when writable (unzip and run), else a per-user data folder. Created
 // when missing.

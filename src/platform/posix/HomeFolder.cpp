@@ -4,9 +4,8 @@
 #include <unistd.h>
 
 namespace tvx::platform {
-namespace {
 
-bool writable(const std::filesystem::path& folder)
+bool isWritableFolder(const std::filesystem::path& folder)
 {
     return access(folder.c_str(), W_OK) == 0;
 }
@@ -19,28 +18,12 @@ std::filesystem::path userDataFolder()
     return std::filesystem::path(home && *home ? home : "/tmp") / ".local/share/tallivex";
 }
 
-} // namespace
-
 std::filesystem::path programFolder()
 {
     std::error_code ec;
     const std::filesystem::path exe = std::filesystem::read_symlink("/proc/self/exe", ec);
     return ec ? std::filesystem::current_path() : exe.parent_path();
 }
-
-std::filesystem::path homeFolder(const std::optional<std::filesystem::path>& override)
-{
-    std::filesystem::path folder = override ? *override : programFolder();
-    if (!override && !writable(folder))
-        folder = userDataFolder();
-    std::error_code ec;
-    std::filesystem::create_directories(folder, ec);
-    return std::filesystem::absolute(folder, ec);
-}
-
-} // namespace tvx::platform
-
-namespace tvx::platform {
 
 std::pair<std::string, std::string> temporaryFolder()
 {

@@ -1,4 +1,5 @@
 #include "HomeFolder.h"
+#include "Win32Text.h"
 
 #include <windows.h>
 
@@ -6,9 +7,8 @@
 #include <fstream>
 
 namespace tvx::platform {
-namespace {
 
-bool writable(const std::filesystem::path& folder)
+bool isWritableFolder(const std::filesystem::path& folder)
 {
     // Program Files is read-only for players; probe with a real file.
     const std::filesystem::path probe = folder / L".tallivex-write-test";
@@ -28,8 +28,6 @@ std::filesystem::path userDataFolder()
     return std::filesystem::path(local && *local ? local : L".") / L"Tallivex";
 }
 
-} // namespace
-
 std::filesystem::path programFolder()
 {
     wchar_t buffer[MAX_PATH * 4];
@@ -39,34 +37,6 @@ std::filesystem::path programFolder()
     return std::filesystem::path(std::wstring(buffer, length)).parent_path();
 }
 
-std::filesystem::path homeFolder(const std::optional<std::filesystem::path>& override)
-{
-    std::filesystem::path folder = override ? *override : programFolder();
-    if (!override && !writable(folder))
-        folder = userDataFolder();
-    std::error_code ec;
-    std::filesystem::create_directories(folder, ec);
-    return std::filesystem::absolute(folder, ec);
-}
-
-} // namespace tvx::platform
-
-namespace tvx::platform {
-
-namespace {
-
-std::string utf8(const std::wstring& text)
-{
-    if (text.empty())
-        return {};
-    const int size = WideCharToMultiByte(CP_UTF8, 0, text.c_str(), static_cast<int>(text.size()), nullptr, 0, nullptr, nullptr);
-    std::string result(static_cast<std::size_t>(size), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.c_str(), static_cast<int>(text.size()), result.data(), size, nullptr, nullptr);
-    return result;
-}
-
-} // namespace
-
 std::pair<std::string, std::string> temporaryFolder()
 {
     wchar_t longPath[MAX_PATH + 1] = {};
@@ -75,7 +45,7 @@ std::pair<std::string, std::string> temporaryFolder()
         return {};
     wchar_t shortPath[MAX_PATH + 1] = {};
     const DWORD shortLength = GetShortPathNameW(longPath, shortPath, MAX_PATH + 1);
-    return {utf8(longPath), shortLength > 0 && shortLength <= MAX_PATH ? utf8(shortPath) : std::string()};
+    return {win32::utf8(longPath), shortLength > 0 && shortLength <= MAX_PATH ? win32::utf8(shortPath) : std::string()};
 }
 
 } // namespace tvx::platform
