@@ -17,16 +17,6 @@ namespace tvx::test {
 
 inline const LocalDateTime kStart{2009, 4, 1, 13, 5, 0};
 
-// The lines of a CR LF text.
-inline std::vector<std::string> splitLines(const std::string& text)
-{
-    std::vector<std::string> lines;
-    std::size_t start = 0;
-    for (std::size_t end; (end = text.find("\r\n", start)) != std::string::npos; start = end + 2)
-        lines.push_back(text.substr(start, end - start));
-    return lines;
-}
-
 // The whole engine over the fake machine, with its own save folder and debug log.
 class MeterFixture : public testing::Test {
 protected:
