@@ -20,11 +20,16 @@ inline const LocalDateTime kStart{2009, 4, 1, 13, 5, 0};
 // The whole engine over the fake machine, with its own save folder and debug log.
 class MeterFixture : public testing::Test {
 protected:
-    MeterFixture()
+    MeterFixture() { restart(); }
+
+    // A fresh machine and engine over the same folder and log, the settings as at first.
+    void restart()
     {
-        settings.SaveFolder = pathUtf8(temp.path());
-        settings.StartDelay = 0;
+        m_meter.reset();
+        machine = FakeMachine{};
         machine.clock.setNow(kStart);
+        settings = defaultSettings(pathUtf8(temp.path()));
+        settings.StartDelay = 0;
     }
 
     Meter& meter()
