@@ -52,20 +52,6 @@ protected:
     clsGraphBuffer buffer{clock};
 };
 
-TEST_F(GraphBufferTest, FreshBufferIsEmptyEntriesWithZeroMaxima)
-{
-    EXPECT_EQ(buffer.BufferSize(), 512);
-    for (std::int32_t i = 0; i < buffer.BufferSize(); ++i)
-        EXPECT_EQ(buffer.Value(i), clsGraphFormat()) << "position " << i;
-    EXPECT_EQ(buffer.MaxNum(), 0);
-    EXPECT_EQ(buffer.AveNum(), 0);
-    EXPECT_EQ(buffer.MaxValueTime(), 0);
-    EXPECT_EQ(buffer.MaxValueRateE(), Currency());
-    EXPECT_EQ(buffer.MaxValueRateM(), Currency());
-    EXPECT_EQ(buffer.MaxValueRateAveE(), Currency());
-    EXPECT_EQ(buffer.MaxValueRateAveM(), Currency());
-}
-
 TEST_F(GraphBufferTest, AdditionsKeepTheLengthAndDropTheOldest)
 {
     for (int i = 1; i <= 513; ++i)

@@ -37,8 +37,6 @@ TEST(MainMenu, ListsEveryCommandOnceUnderItsMenu)
     }
     EXPECT_EQ(seen.size(), static_cast<std::size_t>(MenuCommand::Version) + 1);
     EXPECT_EQ(bar, (std::vector<std::string_view>{"ファイル", "設定", "開始", "停止", "ツール", "ヘルプ"}));
-    EXPECT_EQ(menuItem(MenuCommand::RandomSome).caption, "らんだまーステキなサムシング");
-    EXPECT_EQ(menuItem(MenuCommand::Version).name, "menuVersion");
 }
 
 TEST(FormMainLayout, LogBoxAndDebugAreaShareTheHeight)
@@ -167,15 +165,6 @@ TEST_F(FormMainCommandsTest, HelpDocumentsOpenFromTheirFolder)
         EXPECT_NE(text.find("Execution File Start ･･･  " + path, click), std::string::npos) << c.document;
     }
     EXPECT_EQ(machine.count("message "), 0u);
-}
-
-TEST(FormMainVersion, NamesTheVersionOnce)
-{
-    const std::string heading = FormMainCommands::versionHeading("MapleStory");
-    const std::string line = FormMainCommands::versionLine();
-    EXPECT_EQ(heading, "Tallivex  for MapleStory");
-    EXPECT_EQ(line, "バージョン Ver.2.20");
-    EXPECT_EQ(programTitle("MapleStory").rfind(heading, 0), 0u) << "the heading is the title before its version";
 }
 
 TEST_F(FormMainCommandsTest, ClosingEndsTheLogBoxAndTheTimerFollowsTheInterval)

@@ -79,35 +79,8 @@ TEST(OptionFieldsTest, EveryFieldIsNamedOnceReadsItsOwnSettingAndAcceptsItsDefau
     EXPECT_EQ(number("cmdSizeY2").value(const_cast<Settings&>(defaults), 2), 9);
 }
 
-TEST(OptionFieldsTest, RowsPairASwitchWithItsNumberAndChoicesKeepAHandEditedValue)
+TEST(OptionFieldsTest, EachRowHoldsOneFieldOfAKindAndChoicesKeepAHandEditedValue)
 {
-    struct Row {
-        OptionTab tab;
-        std::size_t row;
-        const char* flag;
-        const char* editor;
-        std::string_view caption;
-    };
-    const Row rows[] = {
-        {OptionTab::Timing, 1, "chkAutoStart", "", ""},
-        {OptionTab::Timing, 4, "", "txtSearchWindowName", "検索ウィンドウ名"},
-        {OptionTab::Timing, 7, "", "cboScreenCapture", "画面の取り込み方法"},
-        {OptionTab::Timing, 11, "chkDoHLCheckExec", "cmdDoHLInterval", "撮影チェックインターバル(m秒)"},
-        {OptionTab::Files, 6, "chkGraph", "cmdGraphTimeScale", "グラフ時間軸データ数"},
-        {OptionTab::Files, 11, "chkStartUp0", "txtStartUpPath0", ""},
-        {OptionTab::Files, 13, "", "cmdStartUpDelay", "アプリケーション2を自動起動させる遅延時間(秒)"},
-    };
-    for (const Row& r : rows) {
-        const std::vector<OptionRow> all = optionRows(r.tab);
-        ASSERT_LT(r.row, all.size());
-        const OptionRow& row = all[r.row];
-        EXPECT_EQ(row.flag ? row.flag->name : "", r.flag) << r.row;
-        const std::string editor = row.number ? row.number->name : row.text ? row.text->name
-                                                               : row.choice ? row.choice->name
-                                                                            : "";
-        EXPECT_EQ(editor, r.editor) << r.row;
-        EXPECT_EQ(row.caption(), r.caption) << r.row;
-    }
     // Two fields given one place would hide one of them; a heading stands alone; no gaps.
     for (const OptionTab tab : {OptionTab::Timing, OptionTab::Files}) {
         std::map<std::pair<int, int>, int> taken; // (row, kind) -> fields
