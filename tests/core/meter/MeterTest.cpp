@@ -62,17 +62,6 @@ TEST_F(MeterTest, WholeSessionMakesTheRecordsOfEveryCase)
     EXPECT_EQ(meter().state().graph->Value(settings.GraphAveNum).RateM(), Currency::fromInt(-1));
 }
 
-TEST_F(MeterTest, FailedReadingIsReportedAndChangesNothing)
-{
-    meter().menuRun_Click();
-    cycle(100, "", "", "");
-    cycle(200, "7", "", "33");
-    EXPECT_EQ(meter().logBox().text(), std::string(kLogHeader) +
-                                           "\r\n04/01 13:06  認識失敗  全部 NG\r\n04/01 13:08  認識失敗  Exp NG\r\n");
-    EXPECT_NE(debugText().find("ImageRecognition misstep :Exp NG"), std::string::npos);
-    EXPECT_FALSE(std::filesystem::exists(temp.path() / "log"));
-}
-
 TEST_F(MeterTest, MissingGameShowsTheNoticeOnce)
 {
     machine.windows = {GameWindowState::Missing, GameWindowState::Missing, GameWindowState::Front};
