@@ -76,26 +76,5 @@ TEST(RegionPickerTest, NudgingKeepsTheRegionOnTheScreen)
     EXPECT_EQ(picker.settings().CaptureRegion[RegionMoney], (CaptureRegionRect{1024 - 146, 768 - 9, 146, 9}));
 }
 
-TEST(RegionPickerTest, PreviewsShowTheColumnsAndWhatTheTemplatesRead)
-{
-    RegionPicker picker = pickerOnGameScreen();
-    const RegionPreview level = picker.preview(RegionLevel);
-    EXPECT_TRUE(level.read);
-    EXPECT_EQ(level.reading, "137");
-    EXPECT_EQ(level.rows, 9);
-    ASSERT_EQ(level.columns.size(), 50u);
-    EXPECT_EQ(level.columns[1 + 7 + 2], 0x0092); // the third column of the "3"
-    EXPECT_EQ(picker.preview(RegionMoney).reading, "1234567890");
-
-    picker.selectRegion(RegionLevel);
-    picker.press(35, 578);
-    picker.release(55, 586); // ends before the end mark
-    EXPECT_FALSE(picker.preview(RegionLevel).read);
-    EXPECT_EQ(picker.preview(RegionLevel).reading, "認識できません");
-    picker.settings().CaptureRegion[RegionLevel] = {1000, 760, 50, 9};
-    EXPECT_EQ(picker.preview(RegionLevel).reading, "領域が画像の外です");
-    EXPECT_EQ(RegionPicker(defaultSettings("")).preview(RegionExp).reading, "キャプチャ画像がありません");
-}
-
 } // namespace
 } // namespace tvx
