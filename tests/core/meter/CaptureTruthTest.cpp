@@ -99,11 +99,12 @@ TEST_F(CaptureTruthTest, TheImagesKeptForThePlayerAreTheWholeScreen)
         return read.pixels;
     };
     restart();
-    const CaptureBitmap screen = test::gameCapture({"50", "1", "1"});
+    const CaptureBitmap screen = test::gameCapture({"50", "1", ""});
     settings.SaveFormat = ".bmp";
+    settings.MoneyScan = true;
     meter().menuRun_Click();
     machine.screens = {screen};
-    meter().cycle().runCycle();
+    meter().cycle().runCycle(); // the whole screen, then the money region twice
     EXPECT_EQ(frameOf(temp.path() / "Capture.bmp"), screen.pixels) << "the direct route keeps the capture file";
 
     // The level watch reads its region only; its shots are whole screens, and none of
@@ -113,15 +114,16 @@ TEST_F(CaptureTruthTest, TheImagesKeptForThePlayerAreTheWholeScreen)
     const CaptureBitmap later = test::gameCapture({"51", "1", "1"}, ScreenMode::FullScreen, 2);
     machine.screens = {later};
     meter().watch().timDoHLInterval_Timer(); // a rise: four shots
-    EXPECT_EQ(frameOf(temp.path() / "ss" / "LvUP_20090401130500_d.bmp"), later.pixels);
+    EXPECT_EQ(frameOf(temp.path() / "ss" / "LvUP_20090401130502_d.bmp"), later.pixels);
     FormMainCommands commands(meter(), log, temp.path());
     commands.run(MenuCommand::PatternSave);
-    EXPECT_EQ(frameOf(temp.path() / "Capture_0401130500.bmp"), screen.pixels);
+    EXPECT_EQ(frameOf(temp.path() / ("Capture" + formatPatternStamp(machine.clock.now()) + ".bmp")), screen.pixels);
 
     meter().menuPrtScr_Click();
     meter().runGesture(Gesture::PrintScreen);
-    // The cycle, the watch's two region reads, its four shots, the two print screens.
-    EXPECT_EQ(machine.grabbedRegions, (std::vector<std::size_t>{0, 1, 1, 0, 0, 0, 0, 0, 0}));
+    // The cycle and its money re-reads, the watch's two region reads, its four shots, the
+    // two print screens.
+    EXPECT_EQ(machine.grabbedRegions, (std::vector<std::size_t>{0, 1, 1, 1, 1, 0, 0, 0, 0, 0, 0}));
 
     // A capture file that cannot be written costs its line, not the reading.
     meter().capture().setCaptureFile(temp.path() / "missing" / "Capture.bmp");

@@ -263,19 +263,6 @@ TEST_F(EngineCommandsTest, CycleSkipHoldsTheCycleAndTheWatch)
     EXPECT_EQ(machine.grabs, 1) << "the held cycle runs at the next tick";
 }
 
-TEST_F(EngineCommandsTest, TheCycleKeepsAWholeScreenForThePatternSave)
-{
-    settings.MoneyScan = true;
-    show("50", "1", "");
-    meter().menuRun_Click();
-    meter().cycle().runCycle(); // the whole screen, then money twice
-    const CaptureBitmap whole = *meter().cycle().lastCapture();
-    show("51", "1", "1");
-    meter().watch().timDoHLInterval_Timer();
-    EXPECT_EQ(machine.grabbedRegions, (std::vector<std::size_t>{0, 1, 1, 1}));
-    EXPECT_EQ(meter().cycle().lastCapture()->pixels, whole.pixels) << "a region capture is no picture to save";
-}
-
 TEST_F(EngineCommandsTest, TimeLeftAsksFromTheLatestReadingOfTheSession)
 {
     const auto asked = [this](const std::string& now, int proposed) {
