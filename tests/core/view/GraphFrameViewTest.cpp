@@ -75,8 +75,6 @@ TEST_F(GraphFrameViewTest, LaysOutPictureLabelsAndGridForTheFrame)
         EXPECT_NEAR(rect.left + rect.width / 2.0, centre, 1) << view.label(which).text;
         EXPECT_EQ(rect.top + rect.height, 224) << view.label(which).text;
     }
-    EXPECT_EQ(view.label(GraphLabel::Tt).text, "経過時間(30分間隔)");
-    EXPECT_EQ(view.label(GraphLabel::El0).text, "    10");
     EXPECT_EQ(view.label(GraphLabel::Ml0).toolTip, " 縦軸を一時的に拡大 ");
     EXPECT_EQ(view.label(GraphLabel::Ml0).align, TextAlign::Left);
     EXPECT_EQ(view.label(GraphLabel::El0).align, TextAlign::Right);
