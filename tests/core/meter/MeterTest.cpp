@@ -62,19 +62,6 @@ TEST_F(MeterTest, WholeSessionMakesTheRecordsOfEveryCase)
     EXPECT_EQ(meter().state().graph->Value(settings.GraphAveNum).RateM(), Currency::fromInt(-1));
 }
 
-TEST_F(MeterTest, MissingGameShowsTheNoticeOnce)
-{
-    machine.windows = {GameWindowState::Missing, GameWindowState::Missing, GameWindowState::Front};
-    show("1", "2", "3");
-    meter().cycle().runCycle();
-    meter().cycle().runCycle();
-    EXPECT_EQ(machine.count("notice エラー: MapleStoryが起動していません"), 1u);
-    EXPECT_EQ(machine.grabs, 0);
-    meter().cycle().runCycle();
-    EXPECT_EQ(machine.count("notice hidden"), 1u);
-    EXPECT_EQ(machine.grabs, 1);
-}
-
 TEST_F(MeterTest, GameBehindAnotherWindowIsTriedAgainIn15Seconds)
 {
     machine.windows = {GameWindowState::Background};

@@ -175,14 +175,18 @@ TEST_F(SessionFiguresTest, AnUnwritableRecordFolderIsToldOnceAndTheSessionGoesOn
     EXPECT_EQ(machine.count("message エラー: 時給記録ファイルに書き込めません。"), 2u) << "told again next session";
 }
 
-TEST_F(SessionFiguresTest, ANewSessionStartsFromNothingOfTheLastOne)
+TEST_F(SessionFiguresTest, AMissingGameIsToldOnceASessionAndANewSessionStartsFromNothing)
 {
     settings.MoneyScan = true;
     meter().menuRun_Click();
     cycle(100, "10", "100", "5000");
     cycle(460, "10", "350", "5900");
     machine.windows = {GameWindowState::Missing};
+    const int grabs = machine.grabs;
     meter().cycle().runCycle();
+    meter().cycle().runCycle();
+    EXPECT_EQ(machine.count("notice エラー: MapleStoryが起動していません"), 1u);
+    EXPECT_EQ(machine.grabs, grabs) << "nothing to take a picture of";
     meter().menuStop_Click();
     EXPECT_EQ(machine.count("notice hidden"), 1u) << "the notice goes with the session";
 
@@ -193,6 +197,7 @@ TEST_F(SessionFiguresTest, ANewSessionStartsFromNothingOfTheLastOne)
     EXPECT_EQ(machine.count("notice エラー: MapleStoryが起動していません"), 2u) << "said again in the new session";
     machine.windows = {GameWindowState::Front};
     cycle(900, "", "", "");
+    EXPECT_EQ(machine.count("notice hidden"), 2u) << "the game is back";
     meter().logBox().clear();
     meter().menuStop_Click();
     const std::string summary = meter().logBox().text();
