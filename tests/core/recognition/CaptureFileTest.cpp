@@ -1,6 +1,7 @@
 #include "recognition/CaptureFile.h"
 #include "recognition/PixelLevels.h"
 #include "base/Errors.h"
+#include "support/ExpectError.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -227,12 +228,8 @@ TEST(FillPixelLevels, RegionOutsideTheBitmapIsASubscriptError)
                                          CaptureRegionRect{-1, 0, 2, 1}, CaptureRegionRect{0, -1, 1, 2}}) {
         PixelLevels levels;
         levels.SecurePixels({rect, rect, rect});
-        try {
-            FillPixelLevels(levels, 0, rect, bitmap);
-            ADD_FAILURE() << "region at " << rect.StartX << "," << rect.StartY << " was accepted";
-        } catch (const RuntimeError& e) {
-            EXPECT_EQ(e.number(), ErrorNumber::SubscriptOutOfRange);
-        }
+        SCOPED_TRACE(testing::Message() << "region at " << rect.StartX << "," << rect.StartY);
+        test::expectError(ErrorNumber::SubscriptOutOfRange, [&] { FillPixelLevels(levels, 0, rect, bitmap); });
     }
     // The edge itself is fine; a top-down file puts every row outside.
     PixelLevels levels;
