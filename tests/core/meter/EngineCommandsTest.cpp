@@ -216,6 +216,10 @@ TEST_F(EngineCommandsTest, DebugModeShowsTheDebugAreaAndItsCommandsWork)
     EXPECT_EQ(meter().session().CurrentLv, 10);
     EXPECT_EQ(meter().session().CurrentExp, Currency::fromInt(100));
 
+    machine.windows = {GameWindowState::Missing, GameWindowState::Front};
+    meter().cycle().runCycle(); // no session to stop, but the trace says the game went
+    EXPECT_NE(debugText().find("Lost MapleStory Then Capture Stop "), std::string::npos);
+
     meter().setDebugMode(false);
     const std::size_t captions = machine.count("caption 0 認識中…");
     meter().cycle().cmdRecognize_Click();

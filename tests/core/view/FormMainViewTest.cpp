@@ -167,6 +167,13 @@ TEST_F(FormMainCommandsTest, HelpDocumentsOpenFromTheirFolder)
     EXPECT_EQ(machine.count("message "), 0u);
 }
 
+TEST(FormMainVersion, TheHeadingAndTheVersionLineMakeUpTheTitle)
+{
+    const std::string title = programTitle("Game");
+    EXPECT_TRUE(title.starts_with(FormMainCommands::versionHeading("Game"))) << title;
+    EXPECT_TRUE(FormMainCommands::versionLine().ends_with(title.substr(title.rfind(' ') + 1))) << title;
+}
+
 TEST_F(FormMainCommandsTest, ClosingEndsTheLogBoxAndTheTimerFollowsTheInterval)
 {
     commands.closing();

@@ -60,6 +60,11 @@ TEST(OptionFieldsTest, EveryFieldIsNamedOnceReadsItsOwnSettingAndAcceptsItsDefau
         EXPECT_EQ(seen, 1) << f.name;
         EXPECT_FALSE(f.prompt.empty()) << f.name;
     }
+    for (int region = 0; region < kRegionCount; ++region) {
+        EXPECT_FALSE(regionFields(region).empty());
+        for (const NumberField* f : regionFields(region))
+            EXPECT_EQ(f->region, region) << f->name;
+    }
     for (const FlagField& f : flagFields()) {
         EXPECT_TRUE(names.insert(f.name).second) << f.name;
         if (!f.value)
@@ -101,6 +106,10 @@ TEST(OptionFieldsTest, EachRowHoldsOneFieldOfAKindAndChoicesKeepAHandEditedValue
             const OptionRow& row = all[i];
             const bool field = row.flag || row.number || row.text || row.choice;
             EXPECT_NE(field, !row.heading.empty()) << optionTabCaption(tab) << " row " << i;
+            // An editor without a switch to name it is captioned on its row.
+            if (!row.flag) {
+                EXPECT_EQ(!row.caption().empty(), field) << optionTabCaption(tab) << " row " << i;
+            }
         }
     }
 

@@ -1,4 +1,5 @@
 #include "view/RegionPicker.h"
+#include "view/RegionPreview.h"
 
 #include "support/GameScreen.h"
 
@@ -74,6 +75,16 @@ TEST(RegionPickerTest, NudgingKeepsTheRegionOnTheScreen)
     EXPECT_EQ(picker.settings().CaptureRegion[RegionMoney], (CaptureRegionRect{3, 267, 146, 9}));
     EXPECT_TRUE(picker.nudge(5000, 5000));
     EXPECT_EQ(picker.settings().CaptureRegion[RegionMoney], (CaptureRegionRect{1024 - 146, 768 - 9, 146, 9}));
+}
+
+TEST(RegionPixelsTest, PixelsOffThePictureReadBlackAndTheRestAs0xRRGGBB)
+{
+    Frame frame(4, 2);
+    for (int x = 0; x < 4; ++x)
+        for (int y = 0; y < 2; ++y)
+            frame.setPixel(x, y, 1, 2, static_cast<std::uint8_t>(10 * x + y)); // blue, green, red
+    const std::vector<std::uint32_t> pixels = regionPixels(toCaptureBitmap(frame), {2, 1, 3, 2});
+    EXPECT_EQ(pixels, (std::vector<std::uint32_t>{0x150201, 0x1F0201, 0, 0, 0, 0}));
 }
 
 } // namespace
