@@ -88,10 +88,10 @@ TEST_F(RecognizeCommandTest, UnreadableImagesAreNamedAndTheRestStillRead)
                    good}),
               2);
     const std::string err = m_err.str();
-    for (const std::string& said : {path("broken.bmp") + ": cannot read the image (result -4",
-                                   path("missing.bmp") + ": cannot read the image (result -5",
-                                   path("short.bmp") + ": cannot read the image (", path("folder.bmp") + ": cannot read the image (",
-                                   path("small.bmp") + ": level region: error 9"})
+    const std::string cannot = ": cannot read the image (";
+    for (const std::string& said :
+         {path("broken.bmp") + cannot + "result -4", path("missing.bmp") + cannot + "result -5",
+          path("short.bmp") + cannot, path("folder.bmp") + cannot, path("small.bmp") + ": level region: error 9"})
         EXPECT_NE(err.find(said), std::string::npos) << said << "\n" << err;
     EXPECT_TRUE(m_out.str().ends_with("{\"file\":\"" + test::jsonPath(utf8Path(good)) +
                                       "\",\"level\":9,\"exp\":9,\"money\":9}\n"))

@@ -88,7 +88,8 @@ TEST_F(ReplayCommandTest, FramesThatCannotBeReadAreNamedAndFailedReadings)
     frame("720.bmp", "137", "4600", "5000");
     EXPECT_EQ(run({"--per-session", "--csv"}), 2);
     for (const char* name : {"180.bmp", "360.bmp", "540.bmp"})
-        EXPECT_NE(err.str().find(pathUtf8(frames / name) + ": cannot read the image ("), std::string::npos) << err.str();
+        EXPECT_NE(err.str().find(pathUtf8(frames / name) + ": cannot read the image ("), std::string::npos)
+            << err.str();
     EXPECT_NE(out.str().find("01/31 23:56  認識失敗  全部 NG\r\n"), std::string::npos) << out.str();
     // The frame at 720 s makes the only record.
     const auto lines = test::splitLines(test::readAll(saves / "log" / utf8Path("給与明細202401312350.csv")));

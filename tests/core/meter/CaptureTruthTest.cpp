@@ -36,7 +36,8 @@ TEST_F(CaptureTruthTest, AFailedCaptureIsAFailedReadingWithItsOwnDebugLine)
         std::function<void()> arm;
     };
     const std::vector<Case> cases{
-        {"no picture", "PrintScreen MissTake ", [this] { machine.onGrab = [this] { machine.screens = {std::nullopt}; }; }},
+        {"no picture", "PrintScreen MissTake ",
+         [this] { machine.onGrab = [this] { machine.screens = {std::nullopt}; }; }},
         {"the screen source fails", "Error Trap : GetPictForClip : CODE70  Permission denied",
          [this] { machine.onGrab = [] { throw RuntimeError(ErrorNumber::PermissionDenied); }; }},
         {"a region beyond the screen", "Error Trap : GetPictForClip2 : CODE9  Subscript out of range",

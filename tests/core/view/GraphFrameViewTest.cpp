@@ -70,7 +70,8 @@ TEST_F(GraphFrameViewTest, LaysOutPictureLabelsAndGridForTheFrame)
     // The time ends are centred on the picture's edges, its title a little right of its
     // middle, the labels fitted to their text and standing on the frame's bottom.
     EXPECT_EQ(view.label(GraphLabel::Tl0).rect.width, measure("現在") + 2);
-    for (const auto& [which, centre] : {std::pair{GraphLabel::Tl0, 438}, {GraphLabel::Tl1, 38}, {GraphLabel::Tt, 242}}) {
+    const std::pair<GraphLabel, int> centres[] = {{GraphLabel::Tl0, 438}, {GraphLabel::Tl1, 38}, {GraphLabel::Tt, 242}};
+    for (const auto& [which, centre] : centres) {
         const PixelRect& rect = view.label(which).rect;
         EXPECT_NEAR(rect.left + rect.width / 2.0, centre, 1) << view.label(which).text;
         EXPECT_EQ(rect.top + rect.height, 224) << view.label(which).text;
