@@ -42,16 +42,6 @@ protected:
 
     std::string config() const { return test::readAll(m_home.path() / "TV2MConfig.ini"); }
 
-    // Lines first..last (counted from 1) of a file's text.
-    static std::vector<std::string> lines(const std::string& text, std::size_t first, std::size_t last)
-    {
-        std::vector<std::string> all;
-        std::istringstream in(text);
-        for (std::string line; std::getline(in, line);)
-            all.push_back(line);
-        return {all.begin() + static_cast<std::ptrdiff_t>(first - 1), all.begin() + static_cast<std::ptrdiff_t>(std::min(last, all.size()))};
-    }
-
     test::TempFolder m_temp;
     test::TempFolder m_home;
     std::ostringstream m_out;
@@ -60,19 +50,14 @@ protected:
 
 TEST_F(LearnCommandTest, AFewScreensTeachAnUnknownFontThatRecognizeThenReads)
 {
-    const std::vector<std::string> taught{
-        screen("a.bmp", {"58", "1234567", "90,210"}, 1),     screen("b.bmp", {"147", "8890123", "5,006,400"}, 2),
-        screen("c.bmp", {"203", "4455667", "77,318"}, 3),    screen("d.bmp", {"96", "9087654", "1,234,589"}, 4),
-        screen("e.bmp", {"110", "3141592", "2,718,281"}, 5),
+    const std::array<std::string, kRegionCount> taught[] = {
+        {"58", "1234567", "90,210"},  {"147", "8890123", "5,006,400"}, {"203", "4455667", "77,318"},
+        {"96", "9087654", "1,234,589"}, {"110", "3141592", "2,718,281"},
     };
-    const std::vector<std::string> numbers{"58",  "1234567", "90,210", "147", "8890123", "5,006,400", "203",
-                                           "4455667", "77,318", "96",      "9087654", "1,234,589", "110", "3141592",
-                                           "2,718,281"};
     std::vector<std::string> args;
-    for (std::size_t i = 0; i < taught.size(); ++i) {
-        args.push_back(taught[i]);
-        args.insert(args.end(), numbers.begin() + static_cast<std::ptrdiff_t>(3 * i),
-                    numbers.begin() + static_cast<std::ptrdiff_t>(3 * i + 3));
+    for (std::uint32_t i = 0; i < std::size(taught); ++i) {
+        args.push_back(screen(std::to_string(i) + ".bmp", taught[i], i + 1));
+        args.insert(args.end(), taught[i].begin(), taught[i].end());
     }
     ASSERT_EQ(learn(args), 0) << m_err.str();
     EXPECT_EQ(m_out.str(),
@@ -101,10 +86,13 @@ TEST_F(LearnCommandTest, SkippedRegionsKeepTheirTemplatesAndReportWhatIsMissing)
     EXPECT_NE(out.find("{\"region\":\"exp\",\"images\":0,\"width\":5,\"learnt\":\"\",\"missing\":\"0123456789\""),
               std::string::npos)
         << out;
-    const std::string after = config();
-    // Lines 34 to 59 hold the experience and money settings.
-    EXPECT_EQ(lines(after, 34, 59), lines(before, 34, 59));
-    EXPECT_NE(lines(after, 21, 33), lines(before, 21, 33));
+    // Lines 21 to 33 hold the level's settings, 34 to 59 those of the experience and money.
+    const auto lines = [](const std::string& text, std::ptrdiff_t first, std::ptrdiff_t last) {
+        const std::vector<std::string> all = test::splitLines(text);
+        return std::vector<std::string>(all.begin() + first - 1, all.begin() + last);
+    };
+    EXPECT_EQ(lines(config(), 34, 59), lines(before, 34, 59));
+    EXPECT_NE(lines(config(), 21, 33), lines(before, 21, 33));
 }
 
 TEST_F(LearnCommandTest, ARefusedImageSavesNothing)

@@ -2,12 +2,12 @@
 
 #include "base/DateTime.h"
 #include "base/Errors.h"
+#include "support/ExpectError.h"
 #include "support/FakeClock.h"
 
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,16 +18,6 @@ namespace {
 Currency money(double value)
 {
     return Currency::fromDouble(value);
-}
-
-void expectSubscriptError(const std::function<void()>& call)
-{
-    try {
-        call();
-        ADD_FAILURE() << "no error raised";
-    } catch (const RuntimeError& e) {
-        EXPECT_EQ(e.number(), ErrorNumber::SubscriptOutOfRange);
-    }
 }
 
 // RateE of each entry, newest first; an entry equal to a fresh one reads as "fresh".
@@ -51,20 +41,6 @@ protected:
     test::FakeClock clock{LocalDateTime{2024, 3, 15, 18, 30, 0}};
     clsGraphBuffer buffer{clock};
 };
-
-TEST_F(GraphBufferTest, FreshBufferIsEmptyEntriesWithZeroMaxima)
-{
-    EXPECT_EQ(buffer.BufferSize(), 512);
-    for (std::int32_t i = 0; i < buffer.BufferSize(); ++i)
-        EXPECT_EQ(buffer.Value(i), clsGraphFormat()) << "position " << i;
-    EXPECT_EQ(buffer.MaxNum(), 0);
-    EXPECT_EQ(buffer.AveNum(), 0);
-    EXPECT_EQ(buffer.MaxValueTime(), 0);
-    EXPECT_EQ(buffer.MaxValueRateE(), Currency());
-    EXPECT_EQ(buffer.MaxValueRateM(), Currency());
-    EXPECT_EQ(buffer.MaxValueRateAveE(), Currency());
-    EXPECT_EQ(buffer.MaxValueRateAveM(), Currency());
-}
 
 TEST_F(GraphBufferTest, AdditionsKeepTheLengthAndDropTheOldest)
 {
@@ -198,7 +174,7 @@ TEST_F(GraphBufferTest, ValueOutsideTheBufferFails)
     EXPECT_EQ(buffer.Value(511), clsGraphFormat());
     for (std::int32_t index : {-1, 512, INT_MIN, INT_MAX}) {
         SCOPED_TRACE(index);
-        expectSubscriptError([&] { (void)buffer.Value(index); });
+        test::expectError(ErrorNumber::SubscriptOutOfRange, [&] { (void)buffer.Value(index); });
     }
 }
 
@@ -213,7 +189,7 @@ TEST_F(GraphBufferTest, BufferSizeTrimsAndExtendsAtTheOldestEnd)
     buffer.setBufferSize(4);
     EXPECT_EQ(rateEs(buffer), (std::vector<std::string>{"3", "2", "fresh", "fresh"}));
 
-    expectSubscriptError([&] { buffer.setBufferSize(0); });
+    test::expectError(ErrorNumber::SubscriptOutOfRange, [&] { buffer.setBufferSize(0); });
     EXPECT_EQ(buffer.BufferSize(), 4);
     buffer.setBufferSize(70000);
     EXPECT_EQ(buffer.BufferSize(), 65535);

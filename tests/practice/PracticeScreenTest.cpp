@@ -114,56 +114,47 @@ protected:
     test::TempFolder m_folder;
 };
 
-TEST_F(PracticeWindowTest, GrabbedWindowReadsBackAsItsState)
+TEST_F(PracticeWindowTest, KeysAndTicksChangeWhatTheGrabbedWindowShowsAndEveryChangeIsNoted)
 {
-    PracticeWindow window(options({77, 123'456, 9'876'543'210}));
+    const CharacterState start{77, 123'456, 9'876'543'210};
+    PracticeWindow window(options(start));
     EXPECT_EQ(window.windowTitle(), QStringLiteral("MapleStory"));
     EXPECT_TRUE(window.windowFlags().testFlag(Qt::FramelessWindowHint));
     window.show();
     const QImage shot = window.grab().toImage();
     ASSERT_EQ(shot.size(), QSize(800, 600));
-    EXPECT_EQ(readBack(toFrame(shot)), (CharacterState{77, 123'456, 9'876'543'210}));
+    EXPECT_EQ(readBack(toFrame(shot)), start);
 
-    QTest::keyClick(&window, Qt::Key_U);
-    window.tick();
-    const CharacterState risen{78, 1000, 9'876'543'217};
-    EXPECT_EQ(window.state(), risen);
-    EXPECT_EQ(readBack(toFrame(window.grab().toImage())), risen);
-}
-
-TEST_F(PracticeWindowTest, KeysChangeTheStateAndEveryChangeIsNoted)
-{
-    PracticeWindow window(options({2, 30, 100}));
-    window.show();
+    PracticeCharacter expected(start);
+    std::vector<std::string> lines{"77 123456 9876543210"};
+    const auto note = [&] {
+        const CharacterState& s = expected.state();
+        lines.push_back(std::to_string(s.level) + ' ' + std::to_string(s.exp) + ' ' + std::to_string(s.money));
+    };
     QTest::keyClick(&window, Qt::Key_Space);
     EXPECT_TRUE(window.paused());
     window.tick(); // paused: nothing rises, nothing is noted
     QTest::keyClick(&window, Qt::Key_Space);
     EXPECT_FALSE(window.paused());
-    window.tick(); // 30 + 1000 crosses levels 2 (34) and 3 (57) and more
-    const CharacterState risen = window.state();
-    QTest::keyClick(&window, Qt::Key_D);
-    QTest::keyClick(&window, Qt::Key_D);
-    QTest::keyClick(&window, Qt::Key_C);
-    const CharacterState changed = window.state();
-    EXPECT_EQ(readBack(toFrame(window.grab().toImage())), changed);
-
-    PracticeCharacter expected({2, 30, 100});
+    QTest::keyClick(&window, Qt::Key_U);
+    expected.levelUp();
+    note();
+    window.tick();
     expected.rise(1000, 7);
-    EXPECT_EQ(risen, expected.state());
+    note();
+    EXPECT_EQ(readBack(toFrame(window.grab().toImage())), expected.state());
+    QTest::keyClick(&window, Qt::Key_D);
     expected.die();
-    const CharacterState died = expected.state();
+    note();
+    QTest::keyClick(&window, Qt::Key_D);
     expected.die();
-    const CharacterState diedTwice = expected.state();
+    note();
+    QTest::keyClick(&window, Qt::Key_C);
     expected.change();
-    EXPECT_EQ(changed, expected.state());
-
-    auto line = [](const CharacterState& s) {
-        return std::to_string(s.level) + ' ' + std::to_string(s.exp) + ' ' + std::to_string(s.money);
-    };
-    const std::vector<std::string> expectedLines = {"2 30 100", line(risen), line(died), line(diedTwice),
-                                                    line(changed)};
-    EXPECT_EQ(stateLines(), expectedLines);
+    note();
+    EXPECT_EQ(window.state(), expected.state());
+    EXPECT_EQ(readBack(toFrame(window.grab().toImage())), expected.state());
+    EXPECT_EQ(stateLines(), lines);
 }
 
 } // namespace

@@ -1,11 +1,6 @@
 #include "PracticeSession.h"
 
-#include "support/ReadFile.h"
-#include "support/TempFolder.h"
-
 #include <gtest/gtest.h>
-
-#include <sstream>
 
 namespace tvx::practice {
 namespace {
@@ -56,36 +51,6 @@ TEST(PracticeSession, EachTickAndKeySaysWhatToRedraw)
         EXPECT_EQ(redraw, step.expected);
         EXPECT_EQ(session.state() != before, redraw == Redraw::Scene);
     }
-}
-
-TEST(PracticeSession, TheStateFileGetsEachDrawnStateOnce)
-{
-    test::TempFolder folder;
-    PracticeOptions options;
-    options.start = {2, 30, 100};
-    options.expPerTick = 0;
-    options.moneyPerTick = 5;
-    options.stateFile = pathUtf8(folder.path() / "state.txt");
-    PracticeSession session(options);
-
-    session.drawn();
-    session.drawn(); // a repaint of the same picture
-    session.tick();
-    session.press(PracticeKey::Pause);
-    session.drawn();
-    session.tick(); // paused
-    session.drawn();
-    session.press(PracticeKey::Die);
-    session.drawn();
-
-    std::istringstream text(test::readAll(folder.path() / "state.txt"));
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(text, line);) {
-        EXPECT_GT(std::stoll(line), 1'600'000'000) << line;
-        lines.push_back(line.substr(line.find(' ') + 1));
-    }
-    EXPECT_EQ(lines, (std::vector<std::string>{"2 30 100", "2 30 105", "1 0 105"}));
-    EXPECT_EQ(stateLine(1'700'000'123, {12, 345, 6789}), "1700000123 12 345 6789");
 }
 
 TEST(PracticeSession, HintLineIsJapaneseAndNamesEveryKey)

@@ -39,6 +39,9 @@ public:
     bool shellOpens = true; // false: the desktop has nothing to open a file with
     std::vector<std::string> events;
     std::function<void(std::int32_t)> onWait;
+    // Run before each look at the game window and each grab: they may throw, or change the script.
+    std::function<void()> onProbe;
+    std::function<void()> onGrab;
     int grabs = 0;
     std::vector<std::size_t> grabbedRegions; // per grab; 0 is the whole screen
 
@@ -50,9 +53,16 @@ public:
             onWait(ms);
     }
     void endWaits() override { events.push_back("end waits"); }
-    GameWindowState state(std::string_view) override { return next(windows); }
+    GameWindowState state(std::string_view) override
+    {
+        if (onProbe)
+            onProbe();
+        return next(windows);
+    }
     std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect> wanted) override
     {
+        if (onGrab)
+            onGrab();
         ++grabs;
         grabbedRegions.push_back(wanted.size());
         return screens.empty() ? std::nullopt : next(screens);

@@ -17,24 +17,19 @@ namespace tvx::test {
 
 inline const LocalDateTime kStart{2009, 4, 1, 13, 5, 0};
 
-// The lines of a CR LF text.
-inline std::vector<std::string> splitLines(const std::string& text)
-{
-    std::vector<std::string> lines;
-    std::size_t start = 0;
-    for (std::size_t end; (end = text.find("\r\n", start)) != std::string::npos; start = end + 2)
-        lines.push_back(text.substr(start, end - start));
-    return lines;
-}
-
 // The whole engine over the fake machine, with its own save folder and debug log.
 class MeterFixture : public testing::Test {
 protected:
-    MeterFixture()
+    MeterFixture() { restart(); }
+
+    // A fresh machine and engine over the same folder and log, the settings as at first.
+    void restart()
     {
-        settings.SaveFolder = pathUtf8(temp.path());
-        settings.StartDelay = 0;
+        m_meter.reset();
+        machine = FakeMachine{};
         machine.clock.setNow(kStart);
+        settings = defaultSettings(pathUtf8(temp.path()));
+        settings.StartDelay = 0;
     }
 
     Meter& meter()

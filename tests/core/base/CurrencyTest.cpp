@@ -1,5 +1,6 @@
 #include "base/Currency.h"
 #include "base/Errors.h"
+#include "support/ExpectError.h"
 
 #include <gtest/gtest.h>
 
@@ -51,14 +52,7 @@ TEST(Currency, OverflowIsReportedNotWrapped)
 {
     const Currency top = Currency::fromRaw(std::numeric_limits<std::int64_t>::max());
     const Currency bottom = Currency::fromRaw(std::numeric_limits<std::int64_t>::min());
-    const auto expectOverflow = [](auto&& operation) {
-        try {
-            operation();
-            ADD_FAILURE() << "no overflow";
-        } catch (const RuntimeError& e) {
-            EXPECT_EQ(e.number(), ErrorNumber::Overflow);
-        }
-    };
+    const auto expectOverflow = [](auto&& operation) { test::expectError(ErrorNumber::Overflow, operation); };
     expectOverflow([&] { return top + Currency::fromRaw(1); });
     expectOverflow([&] { return bottom - Currency::fromRaw(1); });
     expectOverflow([&] { return -bottom; });

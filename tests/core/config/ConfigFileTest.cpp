@@ -336,6 +336,7 @@ TEST_F(ConfigFileTest, TheOlderFileIsMigratedOnRequest)
     old.SaveFile = "旧記録";
     old.CaptureRegion[0] = {1, 1, 1, 1};
     old.BinaryThreshold[0] = 5;
+    old.Lag = 99999; // out of range: clamped when taken over
     const std::string oldText = configFileText(old);
     const std::string oldBody = firstLines(oldText, 20).substr(firstLines(oldText, 1).size());
     struct Case {
@@ -363,6 +364,7 @@ TEST_F(ConfigFileTest, TheOlderFileIsMigratedOnRequest)
         EXPECT_EQ(m_prompter.shown[0].text, "以前の設定ファイルが見つかりました。\r\n　　共通する設定を引き継ぎますか？");
         EXPECT_EQ(m_settings.CaptureInterval, c.interval);
         EXPECT_EQ(m_settings.Gesture, c.interval == 3);
+        EXPECT_EQ(m_settings.Lag, c.interval == 3 ? 10000 : 500);
         // Regions and recognition always start afresh, here in window mode.
         EXPECT_EQ(m_settings.CaptureRegion, defaultCaptureRegions(ScreenMode::Window));
         EXPECT_EQ(m_settings.BinaryThreshold, defaults().BinaryThreshold);
@@ -371,6 +373,7 @@ TEST_F(ConfigFileTest, TheOlderFileIsMigratedOnRequest)
     }
     EXPECT_EQ(m_prompter.shown[1].text, "読込みできない設定ファイルです。\r\n　　初期値で設定ファイルを再作成します。");
     EXPECT_NE(logText().find("Error Trap : ConfigFileOld : CODE62  Input past end of file"), std::string::npos);
+    EXPECT_NE(logText().find("Setting Out Of Range : Lag 99999 -> 10000 "), std::string::npos);
     EXPECT_FALSE(std::filesystem::exists(m_home / "TV2MConfigBack.ini"));
 }
 
@@ -550,18 +553,6 @@ TEST_F(SettingRangesTest, AnUnknownImageFormatBecomesThePngDefault)
     EXPECT_EQ(outcome.settings.SaveFormat, ".png");
     EXPECT_NE(outcome.log.find("Setting Out Of Range : SaveFormat \".gif\" -> .png \r\n"), std::string::npos)
         << outcome.log;
-}
-
-TEST_F(SettingRangesTest, ASettingMigratedFromTheOlderFileIsClampedToo)
-{
-    Settings old = defaults();
-    old.Lag = 99999;
-    const std::string oldText = configFileText(old);
-    writeAll(m_home / "TV2Config.ini", m_codec->toCp932(oldText.substr(firstLines(oldText, 1).size())));
-    m_prompter.answers = {true, true, true};
-    run(ConfigFile::Load);
-    EXPECT_EQ(m_settings.Lag, 10000);
-    EXPECT_NE(logText().find("Setting Out Of Range : Lag 99999 -> 10000 "), std::string::npos);
 }
 
 TEST_F(ConfigFileTest, AFolderInThePlaceOfTheFilePromisesNoBackUpAndSaysTheWriteFailed)

@@ -10,24 +10,6 @@
 namespace tvx {
 namespace {
 
-TEST(GraphFrameLayout, PlacesThePictureAndLabelsInTwips)
-{
-    // Time labels 80 x 12, 30 x 12 and 45 x 12 pixels.
-    GraphFrameInput input{476, 224, {0, 0}, {1200, 180}, {450, 180}, {675, 180}};
-    StepTrap trap;
-    const GraphFrameLayout layout = graphFrameLayout(input, trap);
-    EXPECT_EQ(layout.picGraph, (TwipRect{570, 90, 6000, 3000}));
-    EXPECT_EQ(layout.scaleTop, (std::array<std::int32_t, 4>{0, 750, 1500, 2250}));
-    EXPECT_EQ(layout.axisTitleTop, 2880);
-    EXPECT_EQ(layout.scaleLeftE, 0);
-    EXPECT_EQ(layout.scaleLeftM, 6600);
-    EXPECT_EQ(layout.lblGraph_TtLeft, 570 + 60 + 2400);
-    EXPECT_EQ(layout.lblGraph_Tl0Left, 570 + 6000 - 225);
-    EXPECT_EQ(layout.lblGraph_Tl1Left, 570 - 337);
-    EXPECT_EQ(layout.timeLabelTop, 3360 - 180);
-    EXPECT_FALSE(trap.error());
-}
-
 TEST(GraphFrameLayout, AFrameTooSmallKeepsThePictureAndLaysOutTheRest)
 {
     GraphFrameInput input{70, 20, {3000, 1500}, {1200, 180}, {450, 180}, {450, 180}};
@@ -70,26 +52,6 @@ TEST(FormResizeLayout, SnapsBackToTheMinimumSizes)
         }
         EXPECT_EQ(layout.txtLogWidth, 465);
     }
-}
-
-TEST(DebugItemLayout, FitsTheLogBoxAboveOrInPlaceOfTheDebugArea)
-{
-    StepTrap trap;
-    DebugItemLayout shown = debugItemLayout(true, 400, 100, 40, trap);
-    EXPECT_TRUE(shown.frmDebugVisible);
-    EXPECT_EQ(shown.frmDebugTop, 292);
-    EXPECT_EQ(shown.txtLogHeight, 244);
-
-    const DebugItemLayout hidden = debugItemLayout(false, 400, 100, 40, trap);
-    EXPECT_FALSE(hidden.frmDebugVisible);
-    EXPECT_FALSE(hidden.frmDebugTop);
-    EXPECT_EQ(hidden.txtLogHeight, 352);
-    EXPECT_FALSE(trap.error());
-
-    shown = debugItemLayout(true, 300, 280, 40, trap);
-    EXPECT_EQ(shown.frmDebugTop, 12) << "the debug area still moves";
-    EXPECT_FALSE(shown.txtLogHeight) << "a negative height is a failed step";
-    EXPECT_TRUE(trap.error());
 }
 
 TEST(GraphLayout, TwipsToPixelsRoundsToTheNearestPixel)

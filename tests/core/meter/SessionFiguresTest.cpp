@@ -90,22 +90,35 @@ TEST_F(SessionFiguresTest, AfterAChangeOfCharacterMoneyWaitsForItsOwnReading)
     EXPECT_EQ(fields[9], "") << lines[1];
 }
 
-TEST_F(SessionFiguresTest, AFailedReadingChangesNeitherLabelsNorSummary)
+TEST_F(SessionFiguresTest, AFailedReadingIsReportedAndChangesNeitherLabelsNorRecordsNorSummary)
 {
+    settings.SaveCsv = true;
     meter().menuRun_Click();
+    cycle(40, "", "", "");
+    EXPECT_TRUE(meter().logBox().text().ends_with("\r\n04/01 13:05  認識失敗  全部 NG\r\n"));
+    EXPECT_FALSE(std::filesystem::exists(temp.path() / "log")) << "no record before a reading";
     cycle(100, "10", "100", "");
     cycle(460, "11", "50", "");
     const ResultLabels before = meter().state().labels;
     ASSERT_EQ(before.Elapse.Lv, "1");
-    for (const auto& [lv, exp] : {std::pair{"", ""}, {"12", ""}, {"", "70"}}) {
-        cycle(820, lv, exp, "");
+    const struct {
+        const char* lv;
+        const char* exp;
+        const char* said;
+    } failures[] = {{"", "", "LvとExp NG"}, {"12", "", "Exp NG"}, {"", "70", "Lv NG"}};
+    for (const auto& f : failures) {
+        cycle(820, f.lv, f.exp, "33");
         meter().session().DisplayResult(MeasurementSession::kUpdate); // as the level watch's burst does
+        EXPECT_TRUE(meter().logBox().text().ends_with(std::string("04/01 13:18  認識失敗  ") + f.said + "\r\n"))
+            << meter().logBox().text();
         const ResultLabels& now = meter().state().labels;
-        EXPECT_EQ(now.End.Lv, before.End.Lv) << lv << "/" << exp;
+        EXPECT_EQ(now.End.Lv, before.End.Lv) << f.said;
         EXPECT_EQ(now.End.Exp, before.End.Exp);
         EXPECT_EQ(now.Elapse.Lv, before.Elapse.Lv);
         EXPECT_EQ(now.Elapse.Exp, before.Elapse.Exp);
     }
+    EXPECT_NE(debugText().find("ImageRecognition misstep :Exp NG"), std::string::npos);
+    EXPECT_EQ(recordLines(temp.path()).size(), 1u);
     meter().menuStop_Click();
     const std::string box = meter().logBox().text();
     EXPECT_NE(box.find("    終了  Lv:  11    Exp:           50 "), std::string::npos) << box;
@@ -162,14 +175,18 @@ TEST_F(SessionFiguresTest, AnUnwritableRecordFolderIsToldOnceAndTheSessionGoesOn
     EXPECT_EQ(machine.count("message エラー: 時給記録ファイルに書き込めません。"), 2u) << "told again next session";
 }
 
-TEST_F(SessionFiguresTest, ANewSessionStartsFromNothingOfTheLastOne)
+TEST_F(SessionFiguresTest, AMissingGameIsToldOnceASessionAndANewSessionStartsFromNothing)
 {
     settings.MoneyScan = true;
     meter().menuRun_Click();
     cycle(100, "10", "100", "5000");
     cycle(460, "10", "350", "5900");
     machine.windows = {GameWindowState::Missing};
+    const int grabs = machine.grabs;
     meter().cycle().runCycle();
+    meter().cycle().runCycle();
+    EXPECT_EQ(machine.count("notice エラー: MapleStoryが起動していません"), 1u);
+    EXPECT_EQ(machine.grabs, grabs) << "nothing to take a picture of";
     meter().menuStop_Click();
     EXPECT_EQ(machine.count("notice hidden"), 1u) << "the notice goes with the session";
 
@@ -180,6 +197,7 @@ TEST_F(SessionFiguresTest, ANewSessionStartsFromNothingOfTheLastOne)
     EXPECT_EQ(machine.count("notice エラー: MapleStoryが起動していません"), 2u) << "said again in the new session";
     machine.windows = {GameWindowState::Front};
     cycle(900, "", "", "");
+    EXPECT_EQ(machine.count("notice hidden"), 2u) << "the game is back";
     meter().logBox().clear();
     meter().menuStop_Click();
     const std::string summary = meter().logBox().text();

@@ -1,5 +1,6 @@
 #include "recognition/Binarize.h"
 #include "base/Errors.h"
+#include "support/ExpectError.h"
 
 #include <gtest/gtest.h>
 
@@ -82,12 +83,7 @@ TEST(BinarizeRegion, MaskPastThirtyOneBitsOverflows)
     tall.levels.at(0, 0, 30) = 1020;
     EXPECT_EQ(tall.binarize(133, -1), "0000");
     tall.levels.at(0, 0, 31) = 1020;
-    try {
-        tall.binarize(133, -1);
-        FAIL() << "expected an overflow";
-    } catch (const RuntimeError& e) {
-        EXPECT_EQ(e.number(), ErrorNumber::Overflow);
-    }
+    test::expectError(ErrorNumber::Overflow, [&] { tall.binarize(133, -1); });
 }
 
 TEST(BinarizeRegion, EmptyAndOversizedRegions)

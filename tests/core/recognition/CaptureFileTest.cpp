@@ -1,6 +1,7 @@
 #include "recognition/CaptureFile.h"
 #include "recognition/PixelLevels.h"
 #include "base/Errors.h"
+#include "support/ExpectError.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -20,8 +21,7 @@ struct BitmapBuilder {
     std::int32_t width = 4;
     std::int32_t height = 3;
     std::uint16_t bits = 24;
-    std::vector<std::uint8_t> extra; // between the headers and the pixels
-    std::vector<std::uint8_t> pixels;
+    std::vector<std::uint8_t> pixels{};
 
     static void put(std::vector<std::uint8_t>& out, std::uint64_t value, int bytes)
     {
@@ -33,7 +33,7 @@ struct BitmapBuilder {
     {
         std::vector<std::uint8_t> out;
         put(out, type, 2);
-        put(out, 54 + extra.size() + pixels.size(), 4);
+        put(out, 54 + pixels.size(), 4);
         put(out, 0, 4);
         put(out, offset, 4);
         put(out, 40, 4);
@@ -42,7 +42,6 @@ struct BitmapBuilder {
         put(out, 1, 2);
         put(out, bits, 2);
         put(out, 0, 24);
-        out.insert(out.end(), extra.begin(), extra.end());
         out.insert(out.end(), pixels.begin(), pixels.end());
         return out;
     }
@@ -62,24 +61,55 @@ std::vector<std::uint8_t> sequence(std::size_t count)
     return bytes;
 }
 
-TEST(CaptureFile, StrideFollowsTheBitDepthAndWidth)
+TEST(CaptureFile, TheHeadersDecideTheStrideAndWhatIsRefused)
 {
+    // 4 x 3 at 24 bits unless told: rows of 12 bytes, 36 pixel bytes; an offset other than
+    // 54 adds four.
     struct Case {
-        std::uint16_t bits;
-        std::int32_t width;
-        std::int64_t stride;
+        const char* name;
+        BitmapBuilder header;
+        std::size_t pixelBytes;
+        CaptureLoadResult result;
+        std::int64_t stride = 0;
     };
-    for (const Case c : {Case{24, 1, 4}, Case{24, 4, 12}, Case{24, 5, 16}, Case{32, 3, 12}, Case{8, 5, 8},
-                         Case{1, 33, 8}, Case{16, 3, 8}}) {
-        BitmapBuilder builder;
-        builder.bits = c.bits;
-        builder.width = c.width;
-        builder.pixels = sequence(static_cast<std::size_t>(c.stride) * 3);
-        CaptureBitmap bitmap;
-        ASSERT_EQ(parse(builder, bitmap), CaptureLoadResult::Read);
-        EXPECT_EQ(bitmap.stride, c.stride) << c.bits << " bits, width " << c.width;
-        EXPECT_EQ(bitmap.rows, 3);
+    using R = CaptureLoadResult;
+    const Case cases[] = {
+        {"24 bits, 1 wide", {.width = 1}, 12, R::Read, 4},
+        {"24 bits, 4 wide", {}, 36, R::Read, 12},
+        {"24 bits, 5 wide", {.width = 5}, 48, R::Read, 16},
+        {"32 bits", {.width = 3, .bits = 32}, 36, R::Read, 12},
+        {"8 bits", {.width = 5, .bits = 8}, 24, R::Read, 8},
+        {"1 bit", {.width = 33, .bits = 1}, 24, R::Read, 8},
+        {"16 bits", {.width = 3, .bits = 16}, 24, R::Read, 8},
+        {"top-down", {.height = -3}, 36, R::Read, 12},
+        {"one byte short", {}, 35, R::Truncated},
+        {"no pixels", {}, 0, R::Truncated},
+        {"offset 58, whole", {.offset = 58}, 40, R::Read, 12},
+        {"offset 58, one byte short", {.offset = 58}, 39, R::Truncated},
+        {"offset 58, two bytes", {.offset = 58}, 2, R::Truncated},
+        {"png signature", {.type = 0x5089}, 36, R::NotBitmapType},
+        {"zero width", {.width = 0}, 36, R::BadDimensions},
+        {"zero height", {.height = 0}, 36, R::BadDimensions},
+        {"negative width", {.width = -4}, 36, R::BadDimensions},
+        {"zero depth", {.bits = 0}, 36, R::BadDimensions},
+        {"huge", {.width = 2000000000, .height = 2000000000, .bits = 32}, 36, R::BadDimensions},
+        {"most negative height", {.height = INT32_MIN}, 36, R::BadDimensions},
+    };
+    CaptureBitmap bitmap;
+    for (Case c : cases) {
+        SCOPED_TRACE(c.name);
+        c.header.pixels = sequence(c.pixelBytes);
+        EXPECT_EQ(parse(c.header, bitmap), c.result);
+        // A refused file leaves no pixels behind to be read as a picture.
+        EXPECT_EQ(bitmap.pixels.empty(), c.result != R::Read);
+        if (c.result == R::Read) {
+            EXPECT_EQ(bitmap.stride, c.stride);
+            EXPECT_EQ(bitmap.pixels.size(), static_cast<std::size_t>(c.stride) * 3);
+        }
     }
+    const std::vector<std::uint8_t> tiny = {'B', 'M', 0};
+    EXPECT_EQ(parseCaptureBitmap(tiny, bitmap), CaptureLoadResult::BadDimensions);
+    EXPECT_EQ(parseCaptureBitmap({}, bitmap), CaptureLoadResult::NotBitmapType);
 }
 
 TEST(CaptureFile, PixelsAreReadRightAfterTheHeadersWhateverTheOffset)
@@ -98,60 +128,6 @@ TEST(CaptureFile, PixelsAreReadRightAfterTheHeadersWhateverTheOffset)
         EXPECT_EQ(bitmap.pixels, (std::vector<std::uint8_t>{first, std::uint8_t(first + 1), std::uint8_t(first + 2),
                                                              std::uint8_t(first + 3)}))
             << "offset " << offset;
-    }
-}
-
-TEST(CaptureFile, FilesShorterThanTheirHeaderSaysAreRefused)
-{
-    // 4x3 at 24 bits: rows of 12 bytes, 36 pixel bytes; an offset other than 54 adds four.
-    struct Case {
-        std::uint32_t offset;
-        std::size_t pixelBytes;
-        CaptureLoadResult result;
-    };
-    CaptureBitmap bitmap;
-    for (const Case c : {Case{54, 36, CaptureLoadResult::Read}, Case{54, 35, CaptureLoadResult::Truncated},
-                         Case{54, 0, CaptureLoadResult::Truncated}, Case{58, 40, CaptureLoadResult::Read},
-                         Case{58, 39, CaptureLoadResult::Truncated}, Case{58, 2, CaptureLoadResult::Truncated}}) {
-        BitmapBuilder builder;
-        builder.offset = c.offset;
-        builder.pixels = sequence(c.pixelBytes);
-        EXPECT_EQ(parse(builder, bitmap), c.result) << "offset " << c.offset << ", " << c.pixelBytes << " bytes";
-        // A refused file leaves no pixels behind to be read as a picture.
-        EXPECT_EQ(bitmap.pixels.size(), c.result == CaptureLoadResult::Read ? 36u : 0u);
-    }
-}
-
-TEST(CaptureFile, BadHeadersAreRefused)
-{
-    CaptureBitmap bitmap;
-    const std::vector<std::uint8_t> tiny = {'B', 'M', 0};
-    EXPECT_EQ(parseCaptureBitmap(tiny, bitmap), CaptureLoadResult::BadDimensions);
-    EXPECT_EQ(parseCaptureBitmap({}, bitmap), CaptureLoadResult::NotBitmapType);
-
-    struct Case {
-        const char* name;
-        std::uint16_t type;
-        std::int32_t width, height;
-        std::uint16_t bits;
-        CaptureLoadResult result;
-    };
-    for (const Case& c : {Case{"png signature", 0x5089, 4, 3, 24, CaptureLoadResult::NotBitmapType},
-                          Case{"zero width", kBitmapType, 0, 3, 24, CaptureLoadResult::BadDimensions},
-                          Case{"zero height", kBitmapType, 4, 0, 24, CaptureLoadResult::BadDimensions},
-                          Case{"negative width", kBitmapType, -4, 3, 24, CaptureLoadResult::BadDimensions},
-                          Case{"zero depth", kBitmapType, 4, 3, 0, CaptureLoadResult::BadDimensions},
-                          Case{"huge", kBitmapType, 2000000000, 2000000000, 32, CaptureLoadResult::BadDimensions},
-                          Case{"most negative height", kBitmapType, 4, INT32_MIN, 24,
-                               CaptureLoadResult::BadDimensions},
-                          Case{"top-down", kBitmapType, 4, -3, 24, CaptureLoadResult::Read}}) {
-        BitmapBuilder builder;
-        builder.type = c.type;
-        builder.width = c.width;
-        builder.height = c.height;
-        builder.bits = c.bits;
-        builder.pixels = sequence(36);
-        EXPECT_EQ(parse(builder, bitmap), c.result) << c.name;
     }
 }
 
@@ -252,12 +228,8 @@ TEST(FillPixelLevels, RegionOutsideTheBitmapIsASubscriptError)
                                          CaptureRegionRect{-1, 0, 2, 1}, CaptureRegionRect{0, -1, 1, 2}}) {
         PixelLevels levels;
         levels.SecurePixels({rect, rect, rect});
-        try {
-            FillPixelLevels(levels, 0, rect, bitmap);
-            ADD_FAILURE() << "region at " << rect.StartX << "," << rect.StartY << " was accepted";
-        } catch (const RuntimeError& e) {
-            EXPECT_EQ(e.number(), ErrorNumber::SubscriptOutOfRange);
-        }
+        SCOPED_TRACE(testing::Message() << "region at " << rect.StartX << "," << rect.StartY);
+        test::expectError(ErrorNumber::SubscriptOutOfRange, [&] { FillPixelLevels(levels, 0, rect, bitmap); });
     }
     // The edge itself is fine; a top-down file puts every row outside.
     PixelLevels levels;

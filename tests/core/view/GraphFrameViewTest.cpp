@@ -67,13 +67,15 @@ TEST_F(GraphFrameViewTest, LaysOutPictureLabelsAndGridForTheFrame)
     EXPECT_EQ(view.label(GraphLabel::Mt).rect.top, 192);
     EXPECT_EQ(view.grid().linGraphY[8].y1, 199);
     EXPECT_EQ(view.grid().linGraphX[4].x1, 399);
-    // The time ends are centred on the picture's edges, the labels fitted to their text.
-    const GraphLabelView& now = view.label(GraphLabel::Tl0);
-    EXPECT_EQ(now.rect.width, measure("現在") + 2);
-    EXPECT_NEAR(now.rect.left + now.rect.width / 2.0, 438, 1);
-    EXPECT_EQ(now.rect.top + now.rect.height, 224);
-    EXPECT_EQ(view.label(GraphLabel::Tt).text, "経過時間(30分間隔)");
-    EXPECT_EQ(view.label(GraphLabel::El0).text, "    10");
+    // The time ends are centred on the picture's edges, its title a little right of its
+    // middle, the labels fitted to their text and standing on the frame's bottom.
+    EXPECT_EQ(view.label(GraphLabel::Tl0).rect.width, measure("現在") + 2);
+    const std::pair<GraphLabel, int> centres[] = {{GraphLabel::Tl0, 438}, {GraphLabel::Tl1, 38}, {GraphLabel::Tt, 242}};
+    for (const auto& [which, centre] : centres) {
+        const PixelRect& rect = view.label(which).rect;
+        EXPECT_NEAR(rect.left + rect.width / 2.0, centre, 1) << view.label(which).text;
+        EXPECT_EQ(rect.top + rect.height, 224) << view.label(which).text;
+    }
     EXPECT_EQ(view.label(GraphLabel::Ml0).toolTip, " 縦軸を一時的に拡大 ");
     EXPECT_EQ(view.label(GraphLabel::Ml0).align, TextAlign::Left);
     EXPECT_EQ(view.label(GraphLabel::El0).align, TextAlign::Right);

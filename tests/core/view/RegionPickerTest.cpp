@@ -1,4 +1,5 @@
 #include "view/RegionPicker.h"
+#include "view/RegionPreview.h"
 
 #include "support/GameScreen.h"
 
@@ -76,25 +77,14 @@ TEST(RegionPickerTest, NudgingKeepsTheRegionOnTheScreen)
     EXPECT_EQ(picker.settings().CaptureRegion[RegionMoney], (CaptureRegionRect{1024 - 146, 768 - 9, 146, 9}));
 }
 
-TEST(RegionPickerTest, PreviewsShowTheColumnsAndWhatTheTemplatesRead)
+TEST(RegionPixelsTest, PixelsOffThePictureReadBlackAndTheRestAs0xRRGGBB)
 {
-    RegionPicker picker = pickerOnGameScreen();
-    const RegionPreview level = picker.preview(RegionLevel);
-    EXPECT_TRUE(level.read);
-    EXPECT_EQ(level.reading, "137");
-    EXPECT_EQ(level.rows, 9);
-    ASSERT_EQ(level.columns.size(), 50u);
-    EXPECT_EQ(level.columns[1 + 7 + 2], 0x0092); // the third column of the "3"
-    EXPECT_EQ(picker.preview(RegionMoney).reading, "1234567890");
-
-    picker.selectRegion(RegionLevel);
-    picker.press(35, 578);
-    picker.release(55, 586); // ends before the end mark
-    EXPECT_FALSE(picker.preview(RegionLevel).read);
-    EXPECT_EQ(picker.preview(RegionLevel).reading, "認識できません");
-    picker.settings().CaptureRegion[RegionLevel] = {1000, 760, 50, 9};
-    EXPECT_EQ(picker.preview(RegionLevel).reading, "領域が画像の外です");
-    EXPECT_EQ(RegionPicker(defaultSettings("")).preview(RegionExp).reading, "キャプチャ画像がありません");
+    Frame frame(4, 2);
+    for (int x = 0; x < 4; ++x)
+        for (int y = 0; y < 2; ++y)
+            frame.setPixel(x, y, 1, 2, static_cast<std::uint8_t>(10 * x + y)); // blue, green, red
+    const std::vector<std::uint32_t> pixels = regionPixels(toCaptureBitmap(frame), {2, 1, 3, 2});
+    EXPECT_EQ(pixels, (std::vector<std::uint32_t>{0x150201, 0x1F0201, 0, 0, 0, 0}));
 }
 
 } // namespace
