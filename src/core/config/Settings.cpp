@@ -2,13 +2,14 @@
 
 namespace tvx {
 
+std::string programName(std::string_view searchWindowName)
+{
+    return "Tallivex  for " + std::string(searchWindowName);
+}
+
 std::string programTitle(std::string_view searchWindowName)
 {
-    std::string title = "Tallivex  for ";
-    title += searchWindowName;
-    title += "    ";
-    title += kVersionText;
-    return title;
+    return programName(searchWindowName) + "    " + std::string(kVersionText);
 }
 
 const std::array<PatternSet, kRegionCount>& defaultPatternStrings()

@@ -82,7 +82,9 @@ struct Settings {
 
 inline constexpr std::string_view kVersionText = "Ver.2.20";
 
-// "Tallivex  for " + window name + four blanks + version; rebuilt after every load.
+// "Tallivex  for " + window name: the program's name as the version window heads it.
+std::string programName(std::string_view searchWindowName);
+// The name + four blanks + version; rebuilt after every load.
 std::string programTitle(std::string_view searchWindowName);
 
 const std::array<PatternSet, kRegionCount>& defaultPatternStrings();

@@ -77,7 +77,7 @@ std::string FormMainCommands::versionLine()
 
 std::string FormMainCommands::versionHeading(std::string_view searchWindowName)
 {
-    return "Tallivex  for " + std::string(searchWindowName);
+    return programName(searchWindowName);
 }
 
 void FormMainCommands::closing()
