@@ -97,6 +97,26 @@ inline std::wstring staticTexts(HWND window)
     return all;
 }
 
+// The first control with this identifier anywhere under the window (on its pages too).
+inline HWND childWithId(HWND window, int id)
+{
+    struct Search {
+        int id;
+        HWND found;
+    } search{id, nullptr};
+    EnumChildWindows(
+        window,
+        [](HWND child, LPARAM into) -> BOOL {
+            auto* s = reinterpret_cast<Search*>(into);
+            if (GetDlgCtrlID(child) != s->id)
+                return TRUE;
+            s->found = child;
+            return FALSE;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
 // A visible top-level window of this thread with the given title.
 inline HWND shownWindow(const std::wstring& title)
 {

@@ -41,18 +41,8 @@ HWND controlOf(const wchar_t* title, int id)
     EnumWindows(
         [](HWND window, LPARAM into) -> BOOL {
             auto* s = reinterpret_cast<Search*>(into);
-            if (!IsWindowVisible(window) || textOf(window) != s->title)
-                return TRUE;
-            EnumChildWindows(
-                window,
-                [](HWND child, LPARAM into) -> BOOL {
-                    auto* s = reinterpret_cast<Search*>(into);
-                    if (GetDlgCtrlID(child) != s->id)
-                        return TRUE;
-                    s->found = child;
-                    return FALSE;
-                },
-                into);
+            if (IsWindowVisible(window) && textOf(window) == s->title)
+                s->found = test::childWithId(window, s->id);
             return s->found == nullptr;
         },
         reinterpret_cast<LPARAM>(&search));

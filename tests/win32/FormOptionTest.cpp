@@ -54,19 +54,7 @@ HWND optionsWindow()
 
 HWND optionControl(const char* name)
 {
-    // The controls sit on the window or on one of its pages.
-    Search search{optionControlId(name), nullptr};
-    EnumChildWindows(
-        optionsWindow(),
-        [](HWND child, LPARAM into) -> BOOL {
-            auto* s = reinterpret_cast<Search*>(into);
-            if (GetDlgCtrlID(child) != s->id)
-                return TRUE;
-            s->found = child;
-            return FALSE;
-        },
-        reinterpret_cast<LPARAM>(&search));
-    return search.found;
+    return test::childWithId(optionsWindow(), optionControlId(name));
 }
 
 void click(const char* name)
