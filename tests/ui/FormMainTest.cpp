@@ -41,6 +41,15 @@ protected:
         window.attach(meter);
     }
 
+    // Loaded and shown at the size the window opens with.
+    void loadAndShow()
+    {
+        window.FormMain_Load();
+        window.show();
+        window.resize(900, 560);
+        QTest::qWait(20);
+    }
+
     QString labelText(const char* name) const
     {
         return window.findChild<QLabel*>(QString::fromLatin1(name))->text();
@@ -140,10 +149,7 @@ TEST_F(FormMainTest, SwitchingTheGraphReshapesTheWindowAtOnce)
     window.setConfigFile(&config, {});
     settings.AutoStart = false;
     settings.Graph = false;
-    window.FormMain_Load();
-    window.show();
-    window.resize(900, 560);
-    QTest::qWait(20);
+    loadAndShow();
     auto* frmGraph = window.findChild<ui::GraphFrame*>();
     ASSERT_NE(frmGraph, nullptr);
     EXPECT_EQ(window.width(), kPanelClientWidth) << "without the graph, the panel's width only";
@@ -171,10 +177,7 @@ TEST_F(FormMainTest, SwitchingTheGraphReshapesTheWindowAtOnce)
 TEST_F(FormMainTest, AGraphClickIsTheGraphsAndABackgroundClickRefreshes)
 {
     settings.AutoStart = false;
-    window.FormMain_Load();
-    window.show();
-    window.resize(900, 560);
-    QTest::qWait(20);
+    loadAndShow();
     auto* frmGraph = window.findChild<ui::GraphFrame*>();
     for (const GraphLabel label : {GraphLabel::El0, GraphLabel::Tl1, GraphLabel::Tt})
         QTest::mouseClick(frmGraph->label(label), Qt::LeftButton);
