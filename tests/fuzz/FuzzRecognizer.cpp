@@ -65,7 +65,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         (void)RecognizeNumber(RegionLevel,
                               RecognizerInput{columns, &settings.PatternStrings[0], in.ConsumeIntegral<std::int32_t>(),
-                                              in.ConsumeIntegral<std::int32_t>()},
+                                              in.ConsumeIntegral<std::int32_t>(), {}},
                               true);
     } catch (const RuntimeError&) {
     }

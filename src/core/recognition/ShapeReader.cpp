@@ -1,0 +1,196 @@
+#include "recognition/ShapeReader.h"
+
+#include <algorithm>
+#include <array>
+
+namespace tvx {
+namespace {
+
+// How much nearer to its glyph than to any other a piece must be.
+constexpr double kClearRatio = 2.0;
+constexpr double kClearMargin = 0.02;
+constexpr double kWholeSetShare = 0.5;
+
+constexpr int kGroup = 3;
+
+std::string glyphLabel(int glyph)
+{
+    if (glyph >= 0 && glyph < 10)
+        return std::to_string(glyph);
+    switch (glyph) {
+    case kShapeEndMark: return "end";
+    case kShapeSeparator: return "separator";
+    case kShapeOther: return "label";
+    default: return "?";
+    }
+}
+
+bool groupedInThrees(const std::vector<std::size_t>& groups)
+{
+    if (groups.size() < 2)
+        return true;
+    if (groups.front() < 1 || groups.front() > kGroup)
+        return false;
+    return std::all_of(groups.begin() + 1, groups.end(), [](std::size_t n) { return n == kGroup; });
+}
+
+ShapeReading failed(ShapeReading reading, ShapeFailure why, std::int32_t column, std::string line)
+{
+    reading.digits.clear();
+    reading.failure = why;
+    reading.column = column;
+    reading.trace.push_back(std::move(line));
+    return reading;
+}
+
+} // namespace
+
+std::int32_t edgeRoom(std::int32_t innerGap)
+{
+    return std::max(2, innerGap + 1);
+}
+
+double toleranceOf(const RegionReading& reading)
+{
+    return reading.Tolerance / 1000.0;
+}
+
+ShapeMatch matchShape(const GlyphShape& piece, const std::vector<GlyphShape>& shapes, double tolerance)
+{
+    std::array<double, kShapeGlyphCount> nearest;
+    std::array<const GlyphShape*, kShapeGlyphCount> nearestShape{};
+    nearest.fill(kIncomparable);
+    std::array<bool, 10> digitTaught{};
+    for (const GlyphShape& shape : shapes) {
+        if (shape.glyph < 0 || shape.glyph >= kShapeGlyphCount)
+            continue;
+        if (shape.glyph < 10)
+            digitTaught[static_cast<std::size_t>(shape.glyph)] = true;
+        const double d = shapeDistance(piece, shape);
+        if (d < nearest[static_cast<std::size_t>(shape.glyph)]) {
+            nearest[static_cast<std::size_t>(shape.glyph)] = d;
+            nearestShape[static_cast<std::size_t>(shape.glyph)] = &shape;
+        }
+    }
+    ShapeMatch match;
+    for (int g = 0; g < kShapeGlyphCount; ++g) {
+        const double d = nearest[static_cast<std::size_t>(g)];
+        if (d < match.distance) {
+            match.runnerUp = match.distance;
+            match.distance = d;
+            match.glyph = g;
+        } else if (d < match.runnerUp) {
+            match.runnerUp = d;
+        }
+    }
+    if (match.distance >= kIncomparable) {
+        match.glyph = -1;
+        return match;
+    }
+    // With every digit taught, the shape matched may be strayed from by half of what sets
+    // it apart from every other glyph's shapes: nearer that, the piece is nearer to it.
+    double allowed = tolerance;
+    if (std::all_of(digitTaught.begin(), digitTaught.end(), [](bool t) { return t; })) {
+        const GlyphShape& matched = *nearestShape[static_cast<std::size_t>(match.glyph)];
+        double apart = kIncomparable;
+        for (const GlyphShape& shape : shapes)
+            if (shape.glyph != matched.glyph)
+                apart = std::min(apart, shapeDistance(matched, shape));
+        allowed = std::max(allowed, kWholeSetShare * apart);
+    }
+    match.clear = match.distance <= allowed && match.runnerUp > tolerance &&
+                  match.runnerUp >= kClearRatio * match.distance + kClearMargin;
+    return match;
+}
+
+ShapeReading readShapes(const InkGrid& grid, const RegionReading& reading)
+{
+    ShapeReading out;
+    const std::vector<InkPiece> pieces = inkPieces(grid);
+    std::vector<std::size_t> groups;
+    bool inNumber = false;
+    bool separatorPending = false;
+    std::int32_t lastRight = 0;
+    std::int32_t innerGap = 0;
+    const auto endsByGap = [&](std::int32_t nextLeft) {
+        return reading.EndGap > 0 && nextLeft - lastRight >= reading.EndGap;
+    };
+    bool endedByGap = false;
+    for (const InkPiece& piece : pieces) {
+        if (inNumber && !separatorPending && endsByGap(piece.left)) {
+            endedByGap = true;
+            break;
+        }
+        const ShapeMatch match = matchShape(piece.shape, reading.Shapes, toleranceOf(reading));
+        out.trace.push_back(std::to_string(piece.left) + ":" + glyphLabel(match.glyph) + (match.clear ? "" : "?"));
+        if (!match.clear) {
+            // Before the number an unclear piece could be its first digit.
+            return failed(std::move(out), ShapeFailure::Unclear, piece.left, " 字形不明 ");
+        }
+        const int g = match.glyph;
+        if (inNumber)
+            innerGap = std::max(innerGap, piece.left - lastRight);
+        else {
+            if (g >= 10)
+                continue; // a label, or what ends a number before this one
+            inNumber = true;
+            groups.push_back(0);
+        }
+        if (g < 10) {
+            out.digits += static_cast<char>('0' + g);
+            ++groups.back();
+            separatorPending = false;
+        } else if (g == kShapeSeparator && !separatorPending) {
+            groups.push_back(0);
+            separatorPending = true;
+        } else if (g == kShapeEndMark && !separatorPending) {
+            if (!groupedInThrees(groups))
+                return failed(std::move(out), ShapeFailure::Grouping, piece.left, " 桁区切り不正 ");
+            out.trace.push_back(" 認識:デリミタ");
+            return out;
+        } else {
+            return failed(std::move(out), ShapeFailure::Unclear, piece.left, " 字形不明 ");
+        }
+        lastRight = piece.right;
+    }
+    if (!inNumber)
+        return failed(std::move(out), ShapeFailure::NoDigit, -1, " 数値が見つかりませんでした");
+    // The region's edge ends the number when the player left room after it: more blank
+    // than inside the number, and at least two columns.
+    if (!endedByGap && (separatorPending || reading.EndGap == 0 || grid.width() - lastRight < edgeRoom(innerGap)))
+        return failed(std::move(out), ShapeFailure::NoEnd, lastRight, " デリミタ未検出 ");
+    if (!groupedInThrees(groups))
+        return failed(std::move(out), ShapeFailure::Grouping, lastRight, " 桁区切り不正 ");
+    out.trace.push_back(" 認識:空白");
+    return out;
+}
+
+RecognitionResult shapeRecognition(int region, const InkGrid& grid, const RegionReading& reading, bool trace)
+{
+    ShapeReading read = readShapes(grid, reading);
+    RecognitionResult result;
+    result.digits = read.digits;
+    if (!read.digits.empty())
+        result.caption = read.digits;
+    else
+        result.caption = read.failure == ShapeFailure::NoDigit ? kCaptionNotFound : kCaptionFailed;
+    if (trace) {
+        std::string line = "category" + std::to_string(region) + " 字形 :";
+        for (const std::string& step : read.trace)
+            line += " " + step;
+        result.trace.push_back(std::move(line));
+    }
+    return result;
+}
+
+std::string missingShapeDigits(const RegionReading& reading)
+{
+    std::string missing;
+    for (int d = 0; d < 10; ++d)
+        if (std::none_of(reading.Shapes.begin(), reading.Shapes.end(),
+                         [d](const GlyphShape& s) { return s.glyph == d; }))
+            missing += static_cast<char>('0' + d);
+    return missing;
+}
+
+} // namespace tvx
