@@ -21,13 +21,18 @@ struct ScaledDrawing {
     bool smooth = false;
     bool narrowOne = false; // "1" three columns wide instead of five
     std::string_view label; // ink before the number, as columns of the font ("" for none)
+    bool builtIn = false;   // the meter's own experience glyphs, which touch: no spacing columns
 };
 
-inline std::vector<std::uint16_t> scaledFontColumns(std::string_view text, bool narrowOne)
+inline std::vector<std::uint16_t> scaledFontColumns(std::string_view text, bool narrowOne, bool builtIn)
 {
     std::vector<std::uint16_t> columns;
     for (const char c : text) {
         std::vector<std::uint16_t> glyph = fontGlyph(c);
+        if (builtIn && c >= '0' && c <= '9')
+            glyph = *decodePatternColumns(defaultPatternStrings()[RegionExp][static_cast<std::size_t>(c - '0')]);
+        if (builtIn && c == ']')
+            glyph = *decodePatternColumns(defaultPatternStrings()[RegionExp][kDelimiterIndex]);
         if (c == '1' && narrowOne)
             glyph = glyphFromRows({".#", "##", ".#", ".#", ".#", ".#", ".#"}, 1);
         if (c == ':')
@@ -48,7 +53,7 @@ inline std::vector<std::uint16_t> scaledFontColumns(std::string_view text, bool 
 inline void drawScaledText(Frame& frame, const CaptureRegionRect& rect, std::string_view text,
                            const ScaledDrawing& how)
 {
-    const std::vector<std::uint16_t> columns = scaledFontColumns(text, how.narrowOne);
+    const std::vector<std::uint16_t> columns = scaledFontColumns(text, how.narrowOne, how.builtIn);
     const auto ink = [&](double fx, double fy) {
         const auto x = static_cast<std::int64_t>(std::floor(fx));
         const auto y = static_cast<std::int64_t>(std::floor(fy));

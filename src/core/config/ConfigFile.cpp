@@ -234,17 +234,19 @@ void readOwnLines(FieldReader& in, Settings& s, std::vector<std::string>& notes)
             s.ScreenCapture = CaptureMethod::PrintScreen;
     });
     for (std::size_t r = 0; r < kRegionCount; ++r)
-        line(4, "Reading(" + std::to_string(r + 1) + ")", [&] {
+        line(5, "Reading(" + std::to_string(r + 1) + ")", [&] {
             const std::int32_t mode = in.integer();
             const std::int32_t endGap = in.integer();
             const std::int32_t tolerance = in.integer();
+            const std::int32_t pitch = in.integer();
             const std::string separator = in.text();
             if (mode < 0 || mode > 1 || endGap < 0 || endGap > kMaxScreenSide || tolerance < 0 || tolerance > 1000 ||
-                !decodePatternColumns(separator))
+                pitch < 0 || pitch > 100 * kMaxShapeWidth || !decodePatternColumns(separator))
                 throw RuntimeError(ErrorNumber::InvalidProcedureCall);
             s.Reading[r].Mode = static_cast<ReadingMode>(mode);
             s.Reading[r].EndGap = endGap;
             s.Reading[r].Tolerance = tolerance;
+            s.Reading[r].Pitch = pitch;
             s.Reading[r].Separator = separator;
         });
     for (std::size_t r = 0; r < kRegionCount; ++r)
@@ -420,8 +422,8 @@ std::string configFileText(const Settings& s)
     line(N(static_cast<std::int32_t>(s.ScreenCapture)) + ",          画面の取り込み方法(0:直接 1:PrintScreenキー)");
     for (std::size_t r = 0; r < kRegionCount; ++r)
         line(N(static_cast<std::int32_t>(s.Reading[r].Mode)) + "," + N(s.Reading[r].EndGap) + "," +
-             N(s.Reading[r].Tolerance) + ", " + s.Reading[r].Separator +
-             " , 読み取り方式(0:完全一致 1:字形)、数字の後の空白幅、字形の許容差(千分率)、桁区切りパターン" +
+             N(s.Reading[r].Tolerance) + "," + N(s.Reading[r].Pitch) + ", " + s.Reading[r].Separator +
+             " , 読み取り方式(0:完全一致 1:字形)、数字の後の空白幅、字形の許容差(千分率)、数字の間隔(百分率)、桁区切りパターン" +
              std::to_string(r + 1));
     for (std::size_t r = 0; r < kRegionCount; ++r)
         line(shapesText(s.Reading[r].Shapes) + " , 字形一覧" + std::to_string(r + 1));

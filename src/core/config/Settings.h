@@ -58,6 +58,9 @@ struct RegionReading {
     std::int32_t EndGap = 0;
     // Exact: the thousands separator's columns once learnt (the walk steps over it).
     std::string Separator;
+    // Shapes: the columns from one digit to the next (in hundredths) where digits touch, so
+    // that a piece of several is cut as it was when taught (0: none seen).
+    std::int32_t Pitch = 0;
     // Shapes: how unlike a taught shape (in thousandths) a glyph may be and still be it.
     std::int32_t Tolerance = 0;
     // Shapes: every way each glyph was seen drawn.

@@ -30,15 +30,13 @@ std::vector<std::uint64_t> columnsOf(const GlyphShape& s, std::int32_t down)
     return columns;
 }
 
-// Ink of one column the other lacks, twice over, and once where the other has ink a row
-// above or below: smoothing moves a stroke's edge by a row.
+// Pixels where two columns differ: twice over where the difference runs over two rows or
+// more, once where it is a single row, as a stroke's edge moved by smoothing leaves it.
 std::int32_t columnDifference(std::uint64_t a, std::uint64_t b)
 {
-    const std::uint64_t aNear = a << 1 | a >> 1;
-    const std::uint64_t bNear = b << 1 | b >> 1;
-    const std::uint64_t onlyA = a & ~b;
-    const std::uint64_t onlyB = b & ~a;
-    return 2 * std::popcount((onlyA & ~bNear) | (onlyB & ~aNear)) + std::popcount((onlyA & bNear) | (onlyB & aNear));
+    const std::uint64_t differ = a ^ b;
+    const std::uint64_t runs = differ & (differ << 1 | differ >> 1);
+    return 2 * std::popcount(runs) + std::popcount(differ & ~runs);
 }
 
 // Ink pixels that differ when the columns of a and b are paired in order, a column of
@@ -102,6 +100,35 @@ InkGrid binarizeGrid(const RegionLevels& levels, std::int32_t threshold, std::in
     return grid;
 }
 
+InkPiece cellPiece(const InkGrid& grid, std::int32_t left, std::int32_t right)
+{
+    InkPiece piece;
+    piece.left = left;
+    piece.right = right;
+    std::int32_t top = grid.height();
+    std::int32_t bottom = -1;
+    for (std::int32_t y = 0; y < grid.height(); ++y)
+        for (std::int32_t c = left; c < right; ++c)
+            if (grid.at(c, y)) {
+                top = std::min(top, y);
+                bottom = std::max(bottom, y);
+            }
+    if (bottom < 0)
+        return piece;
+    piece.top = top;
+    piece.shape.width = right - left;
+    piece.shape.height = bottom - top + 1;
+    if (piece.shape.width <= kMaxShapeWidth && piece.shape.height <= kMaxShapeHeight)
+        for (std::int32_t y = top; y <= bottom; ++y) {
+            std::uint64_t row = 0;
+            for (std::int32_t c = left; c < right; ++c)
+                if (grid.at(c, y))
+                    row |= std::uint64_t{1} << (c - left);
+            piece.shape.rows.push_back(row);
+        }
+    return piece;
+}
+
 std::vector<InkPiece> inkPieces(const InkGrid& grid)
 {
     const auto columnInk = [&](std::int32_t x) {
@@ -116,37 +143,29 @@ std::vector<InkPiece> inkPieces(const InkGrid& grid)
             ++x;
             continue;
         }
-        InkPiece piece;
-        piece.left = x;
+        const std::int32_t left = x;
         while (x < grid.width() && columnInk(x))
             ++x;
-        piece.right = x;
-        std::int32_t top = grid.height();
-        std::int32_t bottom = -1;
-        std::int32_t ink = 0;
-        for (std::int32_t y = 0; y < grid.height(); ++y)
-            for (std::int32_t c = piece.left; c < piece.right; ++c)
-                if (grid.at(c, y)) {
-                    top = std::min(top, y);
-                    bottom = std::max(bottom, y);
-                    ++ink;
-                }
-        if (ink < kMinPieceInk)
-            continue;
-        piece.top = top;
-        piece.shape.width = piece.right - piece.left;
-        piece.shape.height = bottom - top + 1;
-        if (piece.shape.width <= kMaxShapeWidth && piece.shape.height <= kMaxShapeHeight)
-            for (std::int32_t y = top; y <= bottom; ++y) {
-                std::uint64_t row = 0;
-                for (std::int32_t c = piece.left; c < piece.right; ++c)
-                    if (grid.at(c, y))
-                        row |= std::uint64_t{1} << (c - piece.left);
-                piece.shape.rows.push_back(row);
-            }
-        pieces.push_back(std::move(piece));
+        InkPiece piece = cellPiece(grid, left, x);
+        if (piece.shape.width > kMaxShapeWidth || piece.shape.ink() >= kMinPieceInk)
+            pieces.push_back(std::move(piece));
     }
     return pieces;
+}
+
+std::vector<InkPiece> splitPiece(const InkGrid& grid, const InkPiece& piece, std::int32_t count)
+{
+    std::vector<InkPiece> out;
+    const std::int32_t width = piece.right - piece.left;
+    std::int32_t left = piece.left;
+    for (std::int32_t k = 1; k <= count; ++k) {
+        const std::int32_t cut = piece.left + (width * k + count / 2) / count;
+        if (cut <= left)
+            return {};
+        out.push_back(cellPiece(grid, left, cut));
+        left = cut;
+    }
+    return out;
 }
 
 double shapeDistance(const GlyphShape& a, const GlyphShape& b)
@@ -164,13 +183,6 @@ double shapeDistance(const GlyphShape& a, const GlyphShape& b)
     std::int32_t best = std::numeric_limits<std::int32_t>::max();
     for (std::int32_t down = 0; down <= 2; ++down)
         best = std::min(best, warpedDifference(ca, columnsOf(b, down)));
-    // Smoothing also draws every horizontal stroke a row thicker at some places.
-    const auto thicker = [](std::vector<std::uint64_t> columns) {
-        for (std::uint64_t& c : columns)
-            c |= c << 1;
-        return columns;
-    };
-    best = std::min({best, warpedDifference(thicker(ca), columnsOf(b, 1)), warpedDifference(ca, thicker(columnsOf(b, 1)))});
     return std::min(1.0, best / (2 * total));
 }
 

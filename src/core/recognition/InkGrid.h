@@ -57,6 +57,11 @@ struct InkPiece {
 
 // Pieces of two ink pixels or fewer are specks of noise and left out.
 std::vector<InkPiece> inkPieces(const InkGrid& grid);
+// The ink of the columns [left, right) as a piece, cut to its rows.
+InkPiece cellPiece(const InkGrid& grid, std::int32_t left, std::int32_t right);
+// A piece holding `count` glyphs drawn touching, cut into equal shares of its width: the
+// digits of most fonts share one width.
+std::vector<InkPiece> splitPiece(const InkGrid& grid, const InkPiece& piece, std::int32_t count);
 
 // How unlike two glyphs are: the ink pixels that differ, as a part of both glyphs' ink
 // (0 the same, 1 nothing in common), with their columns paired so that a column drawn

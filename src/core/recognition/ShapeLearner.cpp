@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <cstdio>
+#include <memory>
 
 namespace tvx {
 namespace {
@@ -14,8 +17,10 @@ constexpr double kSameShape = 0.02;
 constexpr std::size_t kShapesPerGlyph = 8;
 // Ways of placing the numbers of all screens tried before giving up.
 constexpr std::size_t kMaxSearch = 4000;
+// Touching digits cut at pitches this far apart are not one font.
+constexpr double kPitchSpread = 0.1;
 // Glyphs this alike could not be told apart.
-constexpr double kIndistinct = 0.05;
+constexpr double kIndistinct = 0.01;
 // One digit drawn twice on a screen differs at most this much, however it is scaled.
 constexpr double kSameDigitAtMost = 0.35;
 // A glyph may differ from its taught shapes by half as much again as they differ among
@@ -71,6 +76,7 @@ bool isSeparatorBoundary(std::size_t digits, std::size_t k)
 } // namespace
 
 struct ShapeLearner::Placement {
+    std::shared_ptr<const std::vector<InkPiece>> pieces; // the screen's, touching glyphs cut apart
     std::int32_t agreements = 0;          // digits the shapes known so far read as they are
     std::size_t start = 0;                // first digit piece
     std::vector<std::size_t> digitPieces; // one per digit
@@ -79,21 +85,26 @@ struct ShapeLearner::Placement {
     std::int32_t blankEnd = 0;            // else the blank columns before the next piece (0: the edge)
     std::int32_t innerGap = 0;            // the widest blank between the number's pieces
     std::int32_t height = 0;              // of the tallest digit
+    double pitch = 0;                     // columns a digit where touching ones were cut apart (0: none)
 };
 
 ShapeLearner::ShapeLearner(RegionReading prior) : m_prior(std::move(prior)), m_reading(m_prior) {}
 
 namespace {
 
-// Every way the pieces can be the number: its digits one piece each, a low piece where a
-// group of three begins taken as a separator, then an end mark or enough blank.
-std::vector<ShapeLearner::Placement> placements(const std::vector<InkPiece>& pieces, const std::string& digits,
-                                                std::int32_t width)
+// Every way the pieces can be the number from the first piece `from` to `to` (all when
+// they are the whole list): its digits one piece each, a low piece where a group of three
+// begins taken as a separator, then an end mark or enough blank.
+std::vector<ShapeLearner::Placement> placements(const std::shared_ptr<const std::vector<InkPiece>>& list,
+                                                const std::string& digits, std::int32_t width, std::size_t from,
+                                                std::size_t to)
 {
     using Placement = ShapeLearner::Placement;
+    const std::vector<InkPiece>& pieces = *list;
     std::vector<Placement> out;
-    for (std::size_t start = 0; start < pieces.size(); ++start) {
+    for (std::size_t start = from; start < std::min(to, pieces.size()); ++start) {
         Placement p;
+        p.pieces = list;
         p.start = start;
         std::size_t i = start;
         bool fits = true;
@@ -141,6 +152,61 @@ std::vector<ShapeLearner::Placement> placements(const std::vector<InkPiece>& pie
     return out;
 }
 
+// The ways of reading a screen's pieces as the number, touching digits included: where the
+// pieces from one to another are fewer than the digits, those wider than the rest hold
+// several, in proportion to their width.
+std::vector<ShapeLearner::Placement> allPlacements(const InkGrid& grid, const std::vector<InkPiece>& pieces,
+                                                   const std::string& digits, std::int32_t knownPitch)
+{
+    auto whole = std::make_shared<const std::vector<InkPiece>>(pieces);
+    std::vector<ShapeLearner::Placement> out = placements(whole, digits, grid.width(), 0, pieces.size());
+    const auto n = static_cast<std::int32_t>(digits.size());
+    for (std::size_t i = 0; i < pieces.size(); ++i)
+        for (std::size_t j = i; j < pieces.size() && static_cast<std::int32_t>(j - i + 1) < n; ++j) {
+            // Every share of the digits among the pieces that some one digit pitch gives; the
+            // pitch taught before, when there is one.
+            std::int32_t widest = 0;
+            for (std::size_t k = i; k <= j; ++k)
+                widest = std::max(widest, pieces[k].right - pieces[k].left);
+            std::vector<std::vector<std::int32_t>> shares;
+            for (double pitch = knownPitch > 0 ? knownPitch / 100.0 : 2.0; pitch <= widest; pitch += 0.25) {
+                std::vector<std::int32_t> counts;
+                std::int32_t total = 0;
+                for (std::size_t k = i; k <= j; ++k) {
+                    counts.push_back(cellsIn(pieces[k], static_cast<std::int32_t>(pitch * 100)));
+                    total += counts.back();
+                }
+                if (total == n && std::find(shares.begin(), shares.end(), counts) == shares.end())
+                    shares.push_back(std::move(counts));
+                if (knownPitch > 0)
+                    break;
+            }
+            for (const std::vector<std::int32_t>& counts : shares) {
+                auto split =
+                    std::make_shared<std::vector<InkPiece>>(pieces.begin(), pieces.begin() + static_cast<std::ptrdiff_t>(i));
+                std::int32_t cutWidth = 0;
+                std::int32_t cutCells = 0;
+                for (std::size_t k = i; k <= j; ++k) {
+                    const std::vector<InkPiece> cells = splitPiece(grid, pieces[k], counts[k - i]);
+                    if (cells.size() != static_cast<std::size_t>(counts[k - i]))
+                        break;
+                    if (counts[k - i] > 1) {
+                        cutWidth += pieces[k].right - pieces[k].left;
+                        cutCells += counts[k - i];
+                    }
+                    split->insert(split->end(), cells.begin(), cells.end());
+                }
+                if (split->size() != i + static_cast<std::size_t>(n) || cutCells == 0)
+                    continue;
+                split->insert(split->end(), pieces.begin() + static_cast<std::ptrdiff_t>(j + 1), pieces.end());
+                std::vector<ShapeLearner::Placement> more = placements(split, digits, grid.width(), i, i + 1);
+                for (ShapeLearner::Placement& p : more)
+                    p.pitch = static_cast<double>(cutWidth) / cutCells;
+                out.insert(out.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));
+            }
+        }
+    return out;
+}
 
 void addShape(std::vector<GlyphShape>& shapes, GlyphShape shape)
 {
@@ -166,6 +232,7 @@ struct ShapeLearner::State {
     bool blankEnds = false;       // some number ended in blank, not an end mark
     std::int32_t priorEndGap = 0;
     std::int32_t height = 0;
+    double pitch = 0; // where touching digits were cut apart
     std::vector<const Placement*> chosen;
 };
 
@@ -182,11 +249,12 @@ bool ShapeLearner::solve(const RegionReading& prior, Search& search) const
 {
     search.failure.refusal = LearnRefusal::NoSplit;
     for (const Sample& sample : m_samples)
-        search.candidates.push_back(placements(sample.pieces, sample.digits, sample.grid.width()));
+        search.candidates.push_back(allPlacements(sample.grid, sample.pieces, sample.digits, prior.Pitch));
     State start;
     start.shapes = prior.Shapes;
     start.tolerance = prior.Tolerance / 1000.0;
     start.priorEndGap = prior.EndGap;
+    start.pitch = prior.Pitch / 100.0;
     return extend(0, start, search);
 }
 
@@ -199,12 +267,14 @@ bool ShapeLearner::extend(std::size_t index, const State& state, Search& search)
         trial.Mode = ReadingMode::Shapes;
         trial.Shapes = state.shapes;
         trial.Tolerance = toleranceFor(state.shapes);
+        trial.Pitch = static_cast<std::int32_t>(state.pitch * 100 + 0.5);
         trial.EndGap = state.blankEnds ? endGapFor(state.innerGap, state.height) : state.priorEndGap;
         if (state.minBlankEnd > 0 && state.minBlankEnd < trial.EndGap)
             return false; // the end cannot be told from a gap between digits
         for (const Sample& sample : m_samples) {
             const ShapeReading read = readShapes(sample.grid, trial);
             if (read.digits != sample.digits) {
+                { std::string t; for (auto& x : read.trace) t += x + " "; std::fprintf(stderr, "readback %s: %s tol %d\n", sample.digits.c_str(), t.c_str(), trial.Tolerance); for (auto& sh : trial.Shapes) std::fprintf(stderr, " [%d %dx%d]", sh.glyph, sh.width, sh.height); std::fprintf(stderr, "\n"); }
                 search.failure.refusal = LearnRefusal::ReadBack;
                 search.failure.readBack = read.digits;
                 return false;
@@ -212,21 +282,21 @@ bool ShapeLearner::extend(std::size_t index, const State& state, Search& search)
         }
         search.result = std::move(trial);
         search.height = state.height;
-        const Sample& last = m_samples.back();
         const Placement& p = *state.chosen.back();
-        search.accepted.layout.width = last.pieces[p.digitPieces.front()].shape.width;
+        const std::vector<InkPiece>& last = *p.pieces;
+        search.accepted.layout.width = last[p.digitPieces.front()].shape.width;
         for (const std::size_t d : p.digitPieces)
-            search.accepted.layout.digitColumns.push_back(last.pieces[d].left);
+            search.accepted.layout.digitColumns.push_back(last[d].left);
         for (const std::size_t x : p.separatorPieces)
-            search.accepted.layout.separatorColumns.push_back(last.pieces[x].left);
-        search.accepted.layout.endColumn = last.pieces[p.digitPieces.back()].right;
+            search.accepted.layout.separatorColumns.push_back(last[x].left);
+        search.accepted.layout.endColumn = last[p.digitPieces.back()].right;
         return true;
     }
 
     const Sample& sample = m_samples[index];
-    const std::vector<InkPiece>& pieces = sample.pieces;
     std::vector<Placement*> fitting;
     for (Placement& p : search.candidates[index]) {
+        const std::vector<InkPiece>& pieces = *p.pieces;
         bool consistent = true;
         p.agreements = 0;
         for (std::size_t k = 0; k < p.digitPieces.size() && consistent; ++k) {
@@ -257,11 +327,18 @@ bool ShapeLearner::extend(std::size_t index, const State& state, Search& search)
             fitting.push_back(&p);
     }
     // What agrees with the screens before first, then the leftmost number.
-    std::stable_sort(fitting.begin(), fitting.end(),
-                     [](const Placement* a, const Placement* b) { return a->agreements > b->agreements; });
+    std::stable_sort(fitting.begin(), fitting.end(), [](const Placement* a, const Placement* b) {
+        return a->agreements != b->agreements ? a->agreements > b->agreements : a->start < b->start;
+    });
 
     for (const Placement* p : fitting) {
+        // One font cuts at one pitch.
+        if (p->pitch > 0 && state.pitch > 0 && std::abs(p->pitch - state.pitch) > kPitchSpread * state.pitch)
+            continue;
+        const std::vector<InkPiece>& pieces = *p->pieces;
         State next = state;
+        if (next.pitch == 0)
+            next.pitch = p->pitch;
         for (std::size_t k = 0; k < p->digitPieces.size(); ++k) {
             GlyphShape shape = pieces[p->digitPieces[k]].shape;
             shape.glyph = sample.digits[k] - '0';

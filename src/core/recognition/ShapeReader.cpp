@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 namespace tvx {
 namespace {
@@ -10,6 +11,8 @@ namespace {
 constexpr double kClearRatio = 2.0;
 constexpr double kClearMargin = 0.02;
 constexpr double kWholeSetShare = 0.5;
+constexpr double kUntaughtShare = 0.5;
+constexpr double kWholeSetRatio = 1.5;
 
 constexpr int kGroup = 3;
 
@@ -44,6 +47,13 @@ ShapeReading failed(ShapeReading reading, ShapeFailure why, std::int32_t column,
 }
 
 } // namespace
+
+std::int32_t cellsIn(const InkPiece& piece, std::int32_t pitch)
+{
+    if (pitch <= 0)
+        return 1;
+    return std::max(1, static_cast<std::int32_t>((100 * (piece.right - piece.left) + pitch / 2) / pitch));
+}
 
 std::int32_t edgeRoom(std::int32_t innerGap)
 {
@@ -89,8 +99,11 @@ ShapeMatch matchShape(const GlyphShape& piece, const std::vector<GlyphShape>& sh
     }
     // With every digit taught, the shape matched may be strayed from by half of what sets
     // it apart from every other glyph's shapes: nearer that, the piece is nearer to it.
-    double allowed = tolerance;
+    // Until then a digit not taught may look like one that was, or like the end mark: only
+    // a piece close to a shape taught is taken for it.
+    double allowed = kUntaughtShare * tolerance;
     if (std::all_of(digitTaught.begin(), digitTaught.end(), [](bool t) { return t; })) {
+        allowed = tolerance;
         const GlyphShape& matched = *nearestShape[static_cast<std::size_t>(match.glyph)];
         double apart = kIncomparable;
         for (const GlyphShape& shape : shapes)
@@ -98,15 +111,76 @@ ShapeMatch matchShape(const GlyphShape& piece, const std::vector<GlyphShape>& sh
                 apart = std::min(apart, shapeDistance(matched, shape));
         allowed = std::max(allowed, kWholeSetShare * apart);
     }
+    const double ratio = allowed > tolerance * kUntaughtShare ? kWholeSetRatio : kClearRatio;
     match.clear = match.distance <= allowed && match.runnerUp > tolerance &&
-                  match.runnerUp >= kClearRatio * match.distance + kClearMargin;
+                  match.runnerUp >= ratio * match.distance + kClearMargin;
     return match;
 }
+
+namespace {
+
+struct MatchedPiece {
+    InkPiece piece;
+    ShapeMatch match;
+};
+
+double nearestDistance(const GlyphShape& shape, const std::vector<GlyphShape>& shapes)
+{
+    double nearest = kIncomparable;
+    for (const GlyphShape& s : shapes)
+        nearest = std::min(nearest, shapeDistance(shape, s));
+    return nearest;
+}
+
+// Equal shares of a piece of touching digits can be a column off where the ends of the piece
+// were smoothed: each cut moves by a column where the cells on either side then look more
+// like glyphs taught.
+std::vector<InkPiece> refinedCells(const InkGrid& grid, std::vector<InkPiece> cells, const std::vector<GlyphShape>& shapes)
+{
+    for (std::size_t i = 1; i < cells.size(); ++i) {
+        InkPiece& before = cells[i - 1];
+        InkPiece& after = cells[i];
+        std::int32_t bestCut = after.left;
+        double best = kIncomparable * 2;
+        for (std::int32_t cut = after.left - 1; cut <= after.left + 1; ++cut) {
+            if (cut <= before.left + 1 || cut >= after.right - 1)
+                continue;
+            const double cost = nearestDistance(cellPiece(grid, before.left, cut).shape, shapes) +
+                                nearestDistance(cellPiece(grid, cut, after.right).shape, shapes);
+            if (cost < best - 1e-9) {
+                best = cost;
+                bestCut = cut;
+            }
+        }
+        before = cellPiece(grid, before.left, bestCut);
+        after = cellPiece(grid, bestCut, after.right);
+    }
+    return cells;
+}
+
+// The pieces with what each is nearest to, a piece too wide for any one glyph cut into cells.
+std::vector<MatchedPiece> matchedPieces(const InkGrid& grid, const RegionReading& reading)
+{
+    const double tolerance = toleranceOf(reading);
+    std::vector<MatchedPiece> out;
+    for (const InkPiece& piece : inkPieces(grid)) {
+        // Touching digits, cut as they were when taught.
+        const std::int32_t count = cellsIn(piece, reading.Pitch);
+        if (count > 1) {
+            for (const InkPiece& cell : refinedCells(grid, splitPiece(grid, piece, count), reading.Shapes))
+                out.push_back({cell, matchShape(cell.shape, reading.Shapes, tolerance)});
+            continue;
+        }
+        out.push_back({piece, matchShape(piece.shape, reading.Shapes, tolerance)});
+    }
+    return out;
+}
+
+} // namespace
 
 ShapeReading readShapes(const InkGrid& grid, const RegionReading& reading)
 {
     ShapeReading out;
-    const std::vector<InkPiece> pieces = inkPieces(grid);
     std::vector<std::size_t> groups;
     bool inNumber = false;
     bool separatorPending = false;
@@ -116,12 +190,11 @@ ShapeReading readShapes(const InkGrid& grid, const RegionReading& reading)
         return reading.EndGap > 0 && nextLeft - lastRight >= reading.EndGap;
     };
     bool endedByGap = false;
-    for (const InkPiece& piece : pieces) {
+    for (const auto& [piece, match] : matchedPieces(grid, reading)) {
         if (inNumber && !separatorPending && endsByGap(piece.left)) {
             endedByGap = true;
             break;
         }
-        const ShapeMatch match = matchShape(piece.shape, reading.Shapes, toleranceOf(reading));
         out.trace.push_back(std::to_string(piece.left) + ":" + glyphLabel(match.glyph) + (match.clear ? "" : "?"));
         if (!match.clear) {
             // Before the number an unclear piece could be its first digit.

@@ -42,6 +42,9 @@ struct ShapeReading {
 // number would become a gain and a record line.
 ShapeReading readShapes(const InkGrid& grid, const RegionReading& reading);
 
+// How many touching digits a piece holds at a pitch in hundredths of a column (0: one).
+std::int32_t cellsIn(const InkPiece& piece, std::int32_t pitch);
+
 // The blank columns a number needs before the region's right edge for the edge to end it.
 std::int32_t edgeRoom(std::int32_t innerGap);
 

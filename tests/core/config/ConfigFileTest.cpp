@@ -130,8 +130,8 @@ TEST_F(ConfigFileTest, AFreshInstallationWritesTheDefaultFileByteForByte)
     expected += "MapleStory     , 検索ウィンドウ名\r\n";
     expected += "      0 ,          画面の取り込み方法(0:直接 1:PrintScreenキー)\r\n";
     for (const char* r : {"1", "2", "3"})
-        expected += std::string("      0 ,      0 ,      0 ,  , 読み取り方式(0:完全一致 1:字形)、数字の後の空白幅、"
-                                "字形の許容差(千分率)、桁区切りパターン") + r + "\r\n";
+        expected += std::string("      0 ,      0 ,      0 ,      0 ,  , 読み取り方式(0:完全一致 1:字形)、数字の後の空白幅、"
+                                "字形の許容差(千分率)、数字の間隔(百分率)、桁区切りパターン") + r + "\r\n";
     for (const char* r : {"1", "2", "3"})
         expected += std::string(" , 字形一覧") + r + "\r\n";
 

@@ -24,6 +24,7 @@ struct DrawnFont {
     bool separators;       // "12,345" rather than "12345"
     bool endMark;          // "]" after the number, else blank to the region's edge
     ReadingMode mode;      // what the learner should choose
+    int readRight = 39;    // of forty other screens, the rest not read at all
 };
 
 std::string withSeparators(const std::string& digits)
@@ -137,7 +138,7 @@ TEST_P(DrawnFontTest, FiveScreensTaughtReadFortyOthersRightOrNotAtAll)
         else
             EXPECT_EQ(read, "") << "screen " << i << " shows " << digits;
     }
-    EXPECT_GE(right, 39);
+    EXPECT_GE(right, font.readRight);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -148,7 +149,13 @@ INSTANTIATE_TEST_SUITE_P(
                     DrawnFont{"Scaled15", {1.5, 0, 0, false, false, ""}, 16, true, true, ReadingMode::Shapes},
                     DrawnFont{"Smoothed2", {2.0, 0, 0, true, false, ""}, 20, false, true, ReadingMode::Shapes},
                     DrawnFont{"Scaled25", {2.5, 0, 0, false, false, ""}, 24, true, false, ReadingMode::Shapes},
-                    DrawnFont{"Rows24", {3.4, 0, 0, true, true, ""}, 30, false, true, ReadingMode::Shapes}),
+                    DrawnFont{"Rows24", {3.4, 0, 0, true, true, ""}, 30, false, true, ReadingMode::Shapes},
+                    // The built-in glyphs touch one another: each piece of ink holds several.
+                    DrawnFont{"TouchingScaled15", {1.5, 0, 0, false, false, "", true}, 16, false, true, ReadingMode::Shapes},
+                    // Smoothing leaves 3, 6, 8 and 9 of these glyphs a pixel or two apart: some of them
+                    // are not read, none is read wrong.
+                    DrawnFont{"TouchingSmoothed2", {2.0, 0, 0, true, false, "", true}, 20, false, true, ReadingMode::Shapes, 33},
+                    DrawnFont{"TouchingScaled25", {2.5, 0, 0, false, false, "", true}, 24, false, true, ReadingMode::Shapes}),
     [](const testing::TestParamInfo<DrawnFont>& info) { return std::string(info.param.name); });
 
 } // namespace
