@@ -241,7 +241,8 @@ void readOwnLines(FieldReader& in, Settings& s, std::vector<std::string>& notes)
             const std::int32_t pitch = in.integer();
             const std::string separator = in.text();
             if (mode < 0 || mode > 1 || endGap < 0 || endGap > kMaxScreenSide || tolerance < 0 || tolerance > 1000 ||
-                pitch < 0 || pitch > 100 * kMaxShapeWidth || !decodePatternColumns(separator))
+                pitch < 0 || (pitch > 0 && pitch < 100) || pitch > 100 * kMaxShapeWidth ||
+                !decodePatternColumns(separator))
                 throw RuntimeError(ErrorNumber::InvalidProcedureCall);
             s.Reading[r].Mode = static_cast<ReadingMode>(mode);
             s.Reading[r].EndGap = endGap;

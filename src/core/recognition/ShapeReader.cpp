@@ -166,8 +166,9 @@ std::vector<MatchedPiece> matchedPieces(const InkGrid& grid, const RegionReading
     for (const InkPiece& piece : inkPieces(grid)) {
         // Touching digits, cut as they were when taught.
         const std::int32_t count = cellsIn(piece, reading.Pitch);
-        if (count > 1) {
-            for (const InkPiece& cell : refinedCells(grid, splitPiece(grid, piece, count), reading.Shapes))
+        std::vector<InkPiece> cells = count > 1 ? splitPiece(grid, piece, count) : std::vector<InkPiece>{};
+        if (count > 1 && cells.size() == static_cast<std::size_t>(count)) {
+            for (const InkPiece& cell : refinedCells(grid, std::move(cells), reading.Shapes))
                 out.push_back({cell, matchShape(cell.shape, reading.Shapes, tolerance)});
             continue;
         }

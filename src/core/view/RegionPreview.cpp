@@ -42,8 +42,11 @@ std::string failureText(const Settings& settings, int region, const RecognitionR
     const RegionReading& reading = settings.Reading.at(static_cast<std::size_t>(region));
     std::string untaught = result.untaught;
     if (reading.Mode == ReadingMode::Shapes)
-        for (const char digit : missingShapeDigits(reading))
-            untaught += (untaught.empty() ? "" : " ") + std::string(1, digit);
+        for (const char digit : missingShapeDigits(reading)) {
+            if (!untaught.empty())
+                untaught += ' ';
+            untaught += digit;
+        }
     return untaught.empty() ? "認識できません" : "認識できません（未学習： " + untaught + "）";
 }
 
