@@ -8,6 +8,7 @@
 #include "ports/Waiter.h"
 #include "base/Utf8Path.h"
 #include "support/BitmapFont.h"
+#include "support/ScaledFont.h"
 #include "support/ScriptedScreen.h"
 #include "support/FakeClock.h"
 #include "support/ReadFile.h"
@@ -125,6 +126,41 @@ TEST(FormCalibrateTest, DraggingOnTheZoomedScreenSetsTheRegionAndShowsItsReading
     // For the README: TALLIVEX_SCREENSHOT=file.png saves the window as the player sees it.
     if (const QByteArray path = qgetenv("TALLIVEX_SCREENSHOT"); !path.isEmpty())
         form.grab().save(QString::fromLocal8Bit(path));
+}
+
+// A UI scaled by one and a half draws the digits a column wider in some places than in
+// others: taught, the region is read by shape, which the window says.
+TEST(FormCalibrateTest, AScaledUiIsTaughtAsShapesAndTheWindowSaysSo)
+{
+    Settings settings = defaultSettings("");
+    const CaptureRegionRect rect{300, 100, 110, 16};
+    settings.CaptureRegion[RegionExp] = rect;
+    settings.BinaryThreshold[RegionExp] = 135;
+    const auto drawn = [&rect](const char* text, double origin) {
+        return test::scaledScreen(rect, text, {1.5, origin, 0.3, false, false, "", false});
+    };
+    FormCalibrate form(settings, nullptr, {});
+    form.resize(1280, 760);
+    const std::pair<const char*, double> screens[] = {
+        {"3,141,592]", 1.2}, {"6,535,897]", 1.7}, {"9,323,846]", 2.1}, {"2,643,383]", 1.4}, {"2,795,028]", 2.6}};
+    for (const auto& [text, origin] : screens) {
+        form.showScreen(drawn(text, origin));
+        child<QLineEdit>(form, QStringLiteral("txtNumber1"))->setText(QString::fromUtf8(text).remove(QLatin1Char(']')));
+        child<QPushButton>(form, QStringLiteral("cmdLearn"))->click();
+    }
+    const QString message = child<QLabel>(form, QStringLiteral("lblMessage1"))->text();
+    EXPECT_TRUE(message.startsWith(QStringLiteral("学習しました（字形、高さ "))) << message.toStdString();
+    EXPECT_TRUE(message.contains(QStringLiteral("読み方： 字形、しきい値 135"))) << message.toStdString();
+    EXPECT_TRUE(message.contains(QStringLiteral("2795028 → 2795028　全数字を学習済み"))) << message.toStdString();
+    form.showScreen(drawn("1,024,768]", 2.3));
+    EXPECT_EQ(child<QLabel>(form, QStringLiteral("lblReading1"))->text(), QStringLiteral("読み取り： 1024768"));
+    EXPECT_FALSE(child<GlyphView>(form, QStringLiteral("picGlyph107"))->columns().empty());
+
+    // For the README: TALLIVEX_SCREENSHOT_SHAPES=file.png saves the window as the player sees it.
+    if (const QByteArray path = qgetenv("TALLIVEX_SCREENSHOT_SHAPES"); !path.isEmpty())
+        form.grab().save(QString::fromLocal8Bit(path));
+    child<QPushButton>(form, QStringLiteral("cmdApply"))->click();
+    EXPECT_EQ(settings.Reading[RegionExp].Mode, ReadingMode::Shapes);
 }
 
 TEST(FormCalibrateTest, TheOptionsWindowOpensItAndTakesWhatIsConfirmed)
