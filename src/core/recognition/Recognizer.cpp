@@ -56,10 +56,21 @@ std::optional<DigitMatch> firstDigitMatch(std::string_view s, const PatternSet& 
     return std::nullopt;
 }
 
+constexpr std::array<bool, 256> kHexDigit = [] {
+    std::array<bool, 256> table{};
+    for (char c : std::string_view("0123456789ABCDEF"))
+        table[static_cast<unsigned char>(c)] = true;
+    return table;
+}();
+
 bool wholeTemplate(const std::string& pattern, std::size_t length)
 {
-    return pattern.size() == length && length > 0 &&
-           std::all_of(pattern.begin(), pattern.end(), [](char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F'); });
+    if (pattern.size() != length || length == 0)
+        return false;
+    bool hex = true;
+    for (const char c : pattern)
+        hex &= kHexDigit[static_cast<unsigned char>(c)];
+    return hex;
 }
 
 bool blankColumns(std::string_view groups)
@@ -114,6 +125,9 @@ private:
 bool wholeTemplateSet(const PatternSet& patterns, std::int32_t glyphWidth)
 {
     const auto length = 4 * static_cast<std::size_t>(std::max(glyphWidth, 0));
+    // Sizes first: they settle most sets without reading a character.
+    if (std::any_of(patterns.begin(), patterns.end(), [length](const std::string& p) { return p.size() != length; }))
+        return false;
     return std::all_of(patterns.begin(), patterns.end(), [length](const std::string& p) { return wholeTemplate(p, length); });
 }
 
@@ -158,13 +172,21 @@ RecognitionResult RecognizeNumber(int region, const RecognizerInput& input, bool
     // A set with a template missing cannot tell a digit it lacks from a gap: ink it would
     // step over fails the reading instead of dropping a digit, and an empty template, which
     // is found anywhere, does not start the number. Whole sets walk as always.
-    const bool whole = wholeTemplateSet(patterns, input.glyphWidth);
+    // Whether the set is whole is asked only where ink would be stepped over, which a whole
+    // set reading its own glyphs rarely does.
+    std::optional<bool> wholeSet;
+    const auto whole = [&] {
+        if (!wholeSet)
+            wholeSet = wholeTemplateSet(patterns, input.glyphWidth);
+        return *wholeSet;
+    };
+    const bool anyEmpty = std::any_of(patterns.begin(), patterns.end(), [](const std::string& p) { return p.empty(); });
 
     // First search: the leftmost digit template anywhere, not bound to column groups; at
     // equal positions the lower digit wins. A match must start before the last character.
     std::int64_t best = length;
     int firstDigit = 0;
-    if (const auto found = firstDigitMatch(s, patterns, !whole)) {
+    if (const auto found = firstDigitMatch(s, patterns, anyEmpty)) {
         best = found->position;
         firstDigit = found->digit;
     }
@@ -181,9 +203,10 @@ RecognitionResult RecognizeNumber(int region, const RecognizerInput& input, bool
         result.caption = kCaptionFailed;
         return result;
     };
-    if (!whole && glyph > 0 && ((best - 1) % 4 != 0 || !blankColumns(s.substr(static_cast<std::size_t>(
-                                                           std::max<std::int64_t>(best - 1 - glyph, 0)),
-                                                       static_cast<std::size_t>(std::min(best - 1, glyph))))))
+    if (glyph > 0 &&
+        ((best - 1) % 4 != 0 || !blankColumns(s.substr(static_cast<std::size_t>(std::max<std::int64_t>(best - 1 - glyph, 0)),
+                                                        static_cast<std::size_t>(std::min(best - 1, glyph))))) &&
+        !whole())
         return untaught();
 
     // Walk on the grid the first match set. A glyph touching the right edge is never
@@ -224,7 +247,7 @@ RecognitionResult RecognizeNumber(int region, const RecognizerInput& input, bool
             result.digits += static_cast<char>('0' + winner);
             progress.line(std::to_string(winner) + " 認識:");
             pos += glyph;
-        } else if (!whole && glyph > 0 && !blankColumns(mid(s, pos, 4))) {
+        } else if (glyph > 0 && !blankColumns(mid(s, pos, 4)) && !whole()) {
             if (input.separator.empty() || mid(s, pos, static_cast<std::int64_t>(input.separator.size())) != input.separator)
                 return untaught();
             pos += static_cast<std::int64_t>(input.separator.size());
