@@ -15,6 +15,8 @@ constexpr std::int32_t kExactRows = 16;
 constexpr std::int32_t kFirstProposal = 30;
 constexpr std::int32_t kLastProposal = 250;
 constexpr std::int32_t kProposalStep = 10;
+// A smoothed glyph drawn at another place is about as if binarised this much darker or lighter.
+constexpr std::int32_t kAlternateShift = 16;
 
 PixelLevels pixelLevelsOf(const RegionLevels& levels)
 {
@@ -104,7 +106,11 @@ RegionLearner::Attempt RegionLearner::attempt(std::int32_t threshold, std::int32
     a.mode = ReadingMode::Shapes;
     LearnOutcome exactRefusal = a.last;
     for (const Sample& sample : m_samples) {
-        a.last = a.shapes.add(binarizeGrid(sample.levels, threshold, mask), sample.digits);
+        std::vector<InkGrid> alternates;
+        for (const std::int32_t shift : {-kAlternateShift, kAlternateShift})
+            if (threshold + shift > 0 && threshold + shift < 255)
+                alternates.push_back(binarizeGrid(sample.levels, threshold + shift, mask));
+        a.last = a.shapes.add(binarizeGrid(sample.levels, threshold, mask), sample.digits, std::move(alternates));
         if (!a.last.accepted()) {
             // The exact learner's reason is the clearer one for a region it could have fit.
             if (exactRefusal.refusal != LearnRefusal::None && &sample == &m_samples.back())

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdio>
 #include <memory>
+#include <optional>
 
 namespace tvx {
 namespace {
@@ -208,6 +209,38 @@ std::vector<ShapeLearner::Placement> allPlacements(const InkGrid& grid, const st
     return out;
 }
 
+// The glyph of a piece as another binarisation draws it: in the same columns where its
+// neighbours touch it, else with as much of the blank beside it as that ink takes.
+std::optional<GlyphShape> alternateShape(const InkGrid& alternate, const std::vector<InkPiece>& pieces, std::size_t index)
+{
+    const InkPiece& piece = pieces[index];
+    const bool touchesLeft = index > 0 && pieces[index - 1].right == piece.left;
+    const bool touchesRight = index + 1 < pieces.size() && pieces[index + 1].left == piece.right;
+    std::int32_t left = piece.left;
+    std::int32_t right = piece.right;
+    const auto columnInk = [&](std::int32_t x) {
+        for (std::int32_t y = 0; y < alternate.height(); ++y)
+            if (alternate.at(x, y))
+                return true;
+        return false;
+    };
+    if (!touchesLeft && left > 0 && (index == 0 || pieces[index - 1].right < left - 1) && columnInk(left - 1))
+        --left;
+    if (!touchesRight && right < alternate.width() && (index + 1 == pieces.size() || pieces[index + 1].left > right + 1) &&
+        columnInk(right))
+        ++right;
+    while (left < right && !columnInk(left))
+        ++left;
+    while (right > left && !columnInk(right - 1))
+        --right;
+    if (right <= left)
+        return std::nullopt;
+    InkPiece cell = cellPiece(alternate, left, right);
+    if (cell.shape.rows.empty())
+        return std::nullopt;
+    return cell.shape;
+}
+
 void addShape(std::vector<GlyphShape>& shapes, GlyphShape shape)
 {
     std::size_t same = 0;
@@ -342,6 +375,11 @@ bool ShapeLearner::extend(std::size_t index, const State& state, Search& search)
         for (std::size_t k = 0; k < p->digitPieces.size(); ++k) {
             GlyphShape shape = pieces[p->digitPieces[k]].shape;
             shape.glyph = sample.digits[k] - '0';
+            for (const InkGrid& alternate : sample.alternates)
+                if (std::optional<GlyphShape> other = alternateShape(alternate, pieces, p->digitPieces[k])) {
+                    other->glyph = shape.glyph;
+                    addShape(next.shapes, *std::move(other));
+                }
             addShape(next.shapes, std::move(shape));
         }
         const auto addAs = [&](std::size_t piece, int glyph) {
@@ -369,9 +407,9 @@ bool ShapeLearner::extend(std::size_t index, const State& state, Search& search)
     return false;
 }
 
-LearnOutcome ShapeLearner::add(const InkGrid& grid, const std::string& digits)
+LearnOutcome ShapeLearner::add(const InkGrid& grid, const std::string& digits, std::vector<InkGrid> alternates)
 {
-    m_samples.push_back(Sample{grid, digits, inkPieces(grid)});
+    m_samples.push_back(Sample{grid, digits, inkPieces(grid), std::move(alternates)});
     Search search;
     if (solve(m_prior, search)) {
         m_reading = std::move(search.result);

@@ -21,7 +21,9 @@ public:
     // prior: the shapes taught before with the same binarisation (may be empty).
     explicit ShapeLearner(RegionReading prior = {});
 
-    LearnOutcome add(const InkGrid& grid, const std::string& digits);
+    // alternates: the same region binarised a little darker and lighter; the digits' cells
+    // there are kept as well, as a smoothed UI draws them at other places.
+    LearnOutcome add(const InkGrid& grid, const std::string& digits, std::vector<InkGrid> alternates = {});
 
     bool learnt() const { return !m_samples.empty(); }
     std::size_t imageCount() const { return m_samples.size(); }
@@ -40,6 +42,7 @@ private:
         InkGrid grid;
         std::string digits;
         std::vector<InkPiece> pieces;
+        std::vector<InkGrid> alternates;
     };
     struct State;
     struct Search;
