@@ -2,6 +2,7 @@
 
 #include "config/ConfigFile.h"
 #include "recognition/ScreenRecognizer.h"
+#include "recognition/ShapeReader.h"
 #include "TextCodecFactory.h"
 #include "base/Utf8Path.h"
 #include "support/FakeClock.h"
@@ -163,6 +164,36 @@ INSTANTIATE_TEST_SUITE_P(
 
 namespace tvx {
 namespace {
+
+// Taught one screen a call, each through the file and back, a scaled UI's region adds up
+// what every call taught and reads the screens of all of them.
+TEST(RegionLearnerTest, AScaledUiTaughtOneScreenACallAddsUp)
+{
+    const DrawnFont font{"Scaled25", {2.5, 0, 0, false, false, "", true}, 24, false, true, ReadingMode::Shapes};
+    DrawnScreens screens(font, 11);
+    Settings settings = regionSettings(screens.rect());
+    std::vector<std::pair<CaptureBitmap, std::string>> taught;
+    for (const char* number : {"3141592", "6535897", "9323846", "2643383", "2795028"}) {
+        taught.push_back(screens.next(number));
+        RegionLearner learner(settings, RegionExp);
+        ASSERT_TRUE(learner.add(taught.back().first, taught.back().second).accepted()) << number;
+        EXPECT_FALSE(learner.replacedPrior()) << number;
+        learner.applyTo(settings);
+        settings = savedAndLoaded(settings);
+        for (const auto& [image, digits] : taught)
+            EXPECT_EQ(readWith(settings, image), digits) << "after " << number;
+    }
+    EXPECT_EQ(missingShapeDigits(settings.Reading[RegionExp]), "");
+    int right = 0;
+    for (int i = 0; i < 40; ++i) {
+        auto [image, digits] = screens.next();
+        const std::string read = readWith(settings, image);
+        right += read == digits ? 1 : 0;
+        if (read != digits)
+            EXPECT_EQ(read, "") << digits;
+    }
+    EXPECT_GE(right, 39);
+}
 
 // A digit no screen showed is read as nothing, never as the taught digit it looks most like.
 TEST(RegionLearnerTest, ADigitNeverTaughtFailsTheReading)
