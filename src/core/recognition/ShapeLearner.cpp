@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <memory>
 #include <optional>
 
@@ -307,7 +306,6 @@ bool ShapeLearner::extend(std::size_t index, const State& state, Search& search)
         for (const Sample& sample : m_samples) {
             const ShapeReading read = readShapes(sample.grid, trial);
             if (read.digits != sample.digits) {
-                { std::string t; for (auto& x : read.trace) t += x + " "; std::fprintf(stderr, "readback %s: %s tol %d\n", sample.digits.c_str(), t.c_str(), trial.Tolerance); for (auto& sh : trial.Shapes) std::fprintf(stderr, " [%d %dx%d]", sh.glyph, sh.width, sh.height); std::fprintf(stderr, "\n"); }
                 search.failure.refusal = LearnRefusal::ReadBack;
                 search.failure.readBack = read.digits;
                 return false;
