@@ -216,10 +216,15 @@ std::string RegionLearner::missing() const
     const auto r = static_cast<std::size_t>(m_region);
     if (s.Reading[r].Mode == ReadingMode::Shapes)
         return missingShapeDigits(s.Reading[r]);
+    // Templates emptied, cut or mistyped read no more than missing ones.
     std::string out;
-    for (std::size_t d = 0; d < 10; ++d)
-        if (s.PatternStrings[r][d].empty())
+    const PatternSet& patterns = s.PatternStrings[r];
+    for (std::size_t d = 0; d < 10; ++d) {
+        PatternSet one;
+        one.fill(patterns[d]);
+        if (!wholeTemplateSet(one, s.ReferenceSize[r].Width))
             out += static_cast<char>('0' + d);
+    }
     return out;
 }
 
