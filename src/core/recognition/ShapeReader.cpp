@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
+#include <limits>
 #include <optional>
 
 namespace tvx {
@@ -13,6 +15,8 @@ constexpr double kClearMargin = 0.02;
 constexpr double kWholeSetShare = 0.5;
 constexpr double kUntaughtShare = 0.5;
 constexpr double kWholeSetRatio = 1.5;
+// Pieces this near a shape may be told from its close neighbour by the pixels between them.
+constexpr double kCloseDistance = 0.12;
 
 constexpr int kGroup = 3;
 
@@ -65,6 +69,66 @@ double toleranceOf(const RegionReading& reading)
     return reading.Tolerance / 1000.0;
 }
 
+namespace {
+
+// The shape's rows in a frame of the given height, moved right by x and down by y.
+std::vector<std::uint64_t> placedRows(const GlyphShape& s, std::int32_t frameHeight, std::int32_t x, std::int32_t y)
+{
+    std::vector<std::uint64_t> rows(static_cast<std::size_t>(frameHeight), 0);
+    for (std::int32_t r = 0; r < s.height; ++r)
+        rows[static_cast<std::size_t>(r + y)] = s.rows[static_cast<std::size_t>(r)] << x;
+    return rows;
+}
+
+// Where a piece lies between two glyphs that differ by a stroke or so: on the pixels where
+// their shapes differ in blocks (not along an edge, which a pixel of smoothing moves), the
+// piece must agree with the first almost everywhere.
+bool sidesWith(const GlyphShape& piece, const GlyphShape& first, const GlyphShape& second)
+{
+    constexpr std::int32_t kMargin = 2;
+    constexpr std::int32_t kLeastBlock = 4;
+    constexpr double kAgreement = 0.85;
+    const std::int32_t width = std::max({piece.width, first.width, second.width}) + 2 * kMargin;
+    const std::int32_t height = std::max({piece.height, first.height, second.height}) + 2 * kMargin;
+    if (width > 64)
+        return false;
+    const auto centred = [&](const GlyphShape& s, std::int32_t dx, std::int32_t dy) {
+        return placedRows(s, height, kMargin + (width - 2 * kMargin - s.width) / 2 + dx,
+                          kMargin + (height - 2 * kMargin - s.height) / 2 + dy);
+    };
+    const std::vector<std::uint64_t> p = centred(piece, 0, 0);
+    const auto aligned = [&](const GlyphShape& s) {
+        std::vector<std::uint64_t> best;
+        std::int32_t fewest = std::numeric_limits<std::int32_t>::max();
+        for (std::int32_t dy = -1; dy <= 1; ++dy)
+            for (std::int32_t dx = -1; dx <= 1; ++dx) {
+                std::vector<std::uint64_t> rows = centred(s, dx, dy);
+                std::int32_t differ = 0;
+                for (std::size_t y = 0; y < rows.size(); ++y)
+                    differ += std::popcount(rows[y] ^ p[y]);
+                if (differ < fewest) {
+                    fewest = differ;
+                    best = std::move(rows);
+                }
+            }
+        return best;
+    };
+    const std::vector<std::uint64_t> a = aligned(first);
+    const std::vector<std::uint64_t> b = aligned(second);
+    std::int32_t block = 0;
+    std::int32_t agree = 0;
+    for (std::size_t y = 1; y + 1 < p.size(); ++y) {
+        const std::uint64_t d = a[y] ^ b[y];
+        const std::uint64_t vertical = (a[y - 1] ^ b[y - 1]) | (a[y + 1] ^ b[y + 1]);
+        const std::uint64_t solid = d & vertical & (d << 1 | d >> 1);
+        block += std::popcount(solid);
+        agree += std::popcount(solid & ~(p[y] ^ a[y]));
+    }
+    return block >= kLeastBlock && agree >= kAgreement * block;
+}
+
+} // namespace
+
 ShapeMatch matchShape(const GlyphShape& piece, const std::vector<GlyphShape>& shapes, double tolerance)
 {
     std::array<double, kShapeGlyphCount> nearest;
@@ -111,9 +175,24 @@ ShapeMatch matchShape(const GlyphShape& piece, const std::vector<GlyphShape>& sh
                 apart = std::min(apart, shapeDistance(matched, shape));
         allowed = std::max(allowed, kWholeSetShare * apart);
     }
-    const double ratio = allowed > tolerance * kUntaughtShare ? kWholeSetRatio : kClearRatio;
+    const bool everyDigit = allowed > tolerance * kUntaughtShare;
+    const double ratio = everyDigit ? kWholeSetRatio : kClearRatio;
     match.clear = match.distance <= allowed && match.runnerUp > tolerance &&
                   match.runnerUp >= ratio * match.distance + kClearMargin;
+    // Digits a stroke apart, every digit taught: the pixels that tell the nearest from each
+    // of the others as near decide, and none of those may be anything but a digit.
+    if (!match.clear && everyDigit && match.glyph < 10 && match.distance <= kCloseDistance) {
+        const GlyphShape& nearestOne = *nearestShape[static_cast<std::size_t>(match.glyph)];
+        bool told = true;
+        for (int g = 0; g < kShapeGlyphCount && told; ++g) {
+            const double d = nearest[static_cast<std::size_t>(g)];
+            if (g == match.glyph || d >= ratio * match.distance + kClearMargin)
+                continue;
+            const GlyphShape& other = *nearestShape[static_cast<std::size_t>(g)];
+            told = g < 10 && sidesWith(piece, nearestOne, other) && !sidesWith(piece, other, nearestOne);
+        }
+        match.clear = told;
+    }
     return match;
 }
 
