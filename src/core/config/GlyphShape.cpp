@@ -1,5 +1,7 @@
 #include "config/GlyphShape.h"
 
+#include "config/PatternColumns.h"
+
 #include <bit>
 #include <charconv>
 
@@ -7,17 +9,6 @@ namespace tvx {
 namespace {
 
 constexpr char kHex[] = "0123456789ABCDEF";
-
-int hexValue(char c)
-{
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    return -1;
-}
 
 std::optional<std::int32_t> number(std::string_view text)
 {
@@ -76,7 +67,7 @@ std::optional<GlyphShape> parseShape(std::string_view text)
     for (std::size_t y = 0; y < static_cast<std::size_t>(*height); ++y) {
         std::uint64_t row = 0;
         for (std::size_t k = 0; k < static_cast<std::size_t>(digits); ++k) {
-            const int value = hexValue(hex[y * static_cast<std::size_t>(digits) + k]);
+            const int value = hexDigitValue(hex[y * static_cast<std::size_t>(digits) + k]);
             if (value < 0)
                 return std::nullopt;
             row = row << 4 | static_cast<std::uint64_t>(value);
