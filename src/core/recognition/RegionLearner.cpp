@@ -88,12 +88,14 @@ RegionLearner::Attempt RegionLearner::attempt(std::int32_t threshold, std::int32
               ReadingMode::Exact, {}, false};
     // A region taught as shapes before stays so: its screens did not fit exact templates.
     bool exact = m_rect.SizeY <= kExactRows && s.Reading[r].Mode == ReadingMode::Exact;
+    bool exactFailedLast = false;
     if (exact) {
         a.exact.emplace(s, m_region);
         for (const Sample& sample : m_samples) {
             a.last = a.exact->addColumns(columnStringOf(sample.levels, threshold, mask), sample.digits);
             if (!a.last.accepted()) {
                 exact = false;
+                exactFailedLast = &sample == &m_samples.back();
                 break;
             }
         }
@@ -112,8 +114,8 @@ RegionLearner::Attempt RegionLearner::attempt(std::int32_t threshold, std::int32
                 alternates.push_back(binarizeGrid(sample.levels, threshold + shift, mask));
         a.last = a.shapes.add(binarizeGrid(sample.levels, threshold, mask), sample.digits, std::move(alternates));
         if (!a.last.accepted()) {
-            // The exact learner's reason is the clearer one for a region it could have fit.
-            if (exactRefusal.refusal != LearnRefusal::None && &sample == &m_samples.back())
+            // For the screen the exact templates fitted no more, theirs is the clearer reason.
+            if (exactFailedLast && &sample == &m_samples.back())
                 a.last = exactRefusal;
             return a;
         }
