@@ -7,6 +7,7 @@
 #include "recognition/ShapeReader.h"
 
 #include <algorithm>
+#include <sstream>
 
 namespace tvx {
 
@@ -39,15 +40,24 @@ RegionPreview previewRegion(const CaptureBitmap* screen, const Settings& setting
 
 std::string failureText(const Settings& settings, int region, const RecognitionResult& result)
 {
+    // Short enough for the options window's line: the digits run together, the end mark named.
     const RegionReading& reading = settings.Reading.at(static_cast<std::size_t>(region));
-    std::string untaught = result.untaught;
-    if (reading.Mode == ReadingMode::Shapes)
-        for (const char digit : missingShapeDigits(reading)) {
-            if (!untaught.empty())
-                untaught += ' ';
-            untaught += digit;
+    std::string digits;
+    bool endMark = false;
+    if (reading.Mode == ReadingMode::Shapes) {
+        digits = missingShapeDigits(reading);
+    } else {
+        std::istringstream list(result.untaught);
+        for (int index = 0; list >> index;) {
+            if (index == kDelimiterIndex)
+                endMark = true;
+            else
+                digits += static_cast<char>('0' + index);
         }
-    return untaught.empty() ? "認識できません" : "認識できません（未学習： " + untaught + "）";
+    }
+    if (digits.empty() && !endMark)
+        return "認識できません";
+    return "認識できません（未学習：" + digits + (endMark ? (digits.empty() ? "終わりの記号" : "・終わりの記号") : "") + "）";
 }
 
 std::string readingModeName(ReadingMode mode)

@@ -185,6 +185,12 @@ TEST_F(OptionsEditorTest, PreviewsShowEachRegionItsColumnsAndWhatTheTemplatesRea
     ASSERT_TRUE(editor.answer(number("cmdStartY2"), 9000));
     EXPECT_EQ(editor.previewResult(RegionMoney), "認識結果： 領域が画像の外です　［完全一致］");
     EXPECT_EQ(editor.previews()[RegionMoney].pixels, std::vector<std::uint32_t>(146 * 9, 0));
+    // Templates the number needs and the region lacks are named.
+    Settings lacking = m_settings;
+    lacking.PatternStrings[RegionLevel][3] = "";
+    lacking.PatternStrings[RegionLevel][kDelimiterIndex] = "00";
+    OptionsEditor untaught(lacking, &capture);
+    EXPECT_EQ(untaught.previewResult(RegionLevel), "認識結果： 認識できません（未学習：3・終わりの記号）　［完全一致］");
     // A region too narrow for the number and its delimiter reads nothing.
     ASSERT_TRUE(editor.answer(number("cmdSizeX0"), 20));
     EXPECT_EQ(editor.previewResult(RegionLevel), "認識結果： 認識できません　［完全一致］");
