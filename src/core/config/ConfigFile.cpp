@@ -6,6 +6,7 @@
 #include "config/SettingRanges.h"
 #include "shell/TextWidth.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <fstream>
@@ -219,6 +220,13 @@ void readOwnLines(FieldReader& in, Settings& s, std::vector<std::string>& notes)
     const Settings fresh;
     s.ScreenCapture = fresh.ScreenCapture;
     s.Reading = fresh.Reading;
+    s.StallAlarm = fresh.StallAlarm;
+    s.StallMinutes = fresh.StallMinutes;
+    s.NextLevelWindow = fresh.NextLevelWindow;
+    s.CompactX = fresh.CompactX;
+    s.CompactY = fresh.CompactY;
+    s.CompactOpacity = fresh.CompactOpacity;
+    s.CompactShown = fresh.CompactShown;
     const auto line = [&](std::size_t values, const std::string& name, const auto& read) {
         if (in.atEnd())
             return;
@@ -257,6 +265,32 @@ void readOwnLines(FieldReader& in, Settings& s, std::vector<std::string>& notes)
                 throw RuntimeError(ErrorNumber::TypeMismatch);
             s.Reading[r].Shapes = *std::move(shapes);
         });
+    const auto within = [](std::int32_t value, std::int32_t low, std::int32_t high) {
+        if (value < low || value > high)
+            throw RuntimeError(ErrorNumber::InvalidProcedureCall);
+        return value;
+    };
+    line(2, "StallAlarm", [&] {
+        const bool alarm = in.flag();
+        s.StallMinutes = within(in.integer(), kStallMinutesRange.first, kStallMinutesRange.second);
+        s.StallAlarm = alarm;
+    });
+    line(1, "NextLevelWindow", [&] {
+        const std::int32_t minutes = in.integer();
+        if (std::find(kRateWindowChoices.begin(), kRateWindowChoices.end(), minutes) == kRateWindowChoices.end())
+            throw RuntimeError(ErrorNumber::InvalidProcedureCall);
+        s.NextLevelWindow = minutes;
+    });
+    line(4, "CompactWindow", [&] {
+        const std::int32_t x = within(in.integer(), kUnplaced, kMaxScreenSide);
+        const std::int32_t y = within(in.integer(), kUnplaced, kMaxScreenSide);
+        const std::int32_t opacity = within(in.integer(), kCompactOpacityRange.first, kCompactOpacityRange.second);
+        const bool shown = in.flag();
+        s.CompactX = x;
+        s.CompactY = y;
+        s.CompactOpacity = opacity;
+        s.CompactShown = shown;
+    });
 }
 
 // Reads the current file into s and returns the target name it holds.
@@ -428,6 +462,10 @@ std::string configFileText(const Settings& s)
              std::to_string(r + 1));
     for (std::size_t r = 0; r < kRegionCount; ++r)
         line(shapesText(s.Reading[r].Shapes) + " , 字形一覧" + std::to_string(r + 1));
+    line(N(s.StallAlarm) + "," + N(s.StallMinutes) + ",          停滞を知らせるかどうかと、停滞とみなす時間(分)");
+    line(N(s.NextLevelWindow) + ",          次のレベルまでの時間に使う時給の期間(分 0:全体)");
+    line(N(s.CompactX) + "," + N(s.CompactY) + "," + N(s.CompactOpacity) + "," + N(s.CompactShown) +
+         ",          小窓の位置、不透明度(％)、表示するかどうか");
     return out;
 }
 

@@ -136,6 +136,8 @@ void FormMain::runCommand(MenuCommand command)
     case WindowAction::Close: close(); break;
     case WindowAction::ShowOptions: menuOption_Click(); break;
     case WindowAction::ShowVersion: menuVersion_Click(); break;
+    case WindowAction::ToggleCompact:
+    case WindowAction::ShowHistory:
     case WindowAction::None: break;
     }
 }

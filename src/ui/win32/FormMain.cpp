@@ -433,6 +433,8 @@ void FormMain::runCommand(MenuCommand command)
     case WindowAction::ShowVersion:
         showVersionWindow(m_window, FormMainCommands::versionHeading(m_meter->settings().SearchWindowName));
         break;
+    case WindowAction::ToggleCompact:
+    case WindowAction::ShowHistory:
     case WindowAction::None: break;
     }
 }

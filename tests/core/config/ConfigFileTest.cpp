@@ -134,6 +134,9 @@ TEST_F(ConfigFileTest, AFreshInstallationWritesTheDefaultFileByteForByte)
                                 "字形の許容差(千分率)、数字の間隔(百分率)、桁区切りパターン") + r + "\r\n";
     for (const char* r : {"1", "2", "3"})
         expected += std::string(" , 字形一覧") + r + "\r\n";
+    expected += "  False ,     15 ,          停滞を知らせるかどうかと、停滞とみなす時間(分)\r\n"
+                "     30 ,          次のレベルまでの時間に使う時給の期間(分 0:全体)\r\n"
+                " -32768 , -32768 ,     90 ,  False ,          小窓の位置、不透明度(％)、表示するかどうか\r\n";
 
     const std::string bytes = test::readAll(file());
     EXPECT_EQ(m_codec->fromCp932(bytes), expected);
@@ -175,6 +178,13 @@ TEST_F(ConfigFileTest, EveryFieldSurvivesASaveAndALoad)
     s.PatternStrings[2][10] = "FFFF0001FFFF0001FFFF00010000";
     s.SearchWindowName = "MapleStory Test";
     s.ScreenCapture = CaptureMethod::PrintScreen;
+    s.StallAlarm = true;
+    s.StallMinutes = 45;
+    s.NextLevelWindow = 0;
+    s.CompactX = -120;
+    s.CompactY = 700;
+    s.CompactOpacity = 35;
+    s.CompactShown = true;
     run(ConfigFile::Save);
     EXPECT_TRUE(m_prompter.shown.empty());
     const Settings saved = s;
@@ -204,6 +214,12 @@ TEST_F(ConfigFileTest, OurLineAfterTheSixtyIsOptionalAndNeverCondemnsTheFile)
         {"abc , 壊れた値\r\n", CaptureMethod::Direct},
         {"7\r\n", CaptureMethod::Direct},
     };
+    // Values out of their range keep the defaults, line by line.
+    const std::string badLive = "0\r\n0\r\n0\r\n0\r\n\r\n\r\n\r\n1,0\r\n45\r\n0,0,101,1\r\n";
+    writeAll(file(), m_codec->toCp932(sixty + badLive));
+    run(ConfigFile::Load);
+    EXPECT_EQ(std::tie(m_settings.StallAlarm, m_settings.NextLevelWindow, m_settings.CompactOpacity),
+              std::make_tuple(false, 30, 90));
     for (const auto& c : cases) {
         writeAll(file(), m_codec->toCp932(sixty + c.extra));
         m_settings.ScreenCapture = c.expected == CaptureMethod::Direct ? CaptureMethod::PrintScreen : CaptureMethod::Direct;
