@@ -280,7 +280,7 @@ void MeasurementSession::saveHistory()
     if (!m_live.row())
         return;
     const std::filesystem::path path = historyFilePath(m_settings);
-    if (trapErrors(m_log, "SaveHistoryRow", [&] { saveHistoryRow(path, *m_live.row()); }))
+    if (trapErrors(m_log, "SaveHistoryRow", [&] { m_history.save(path, *m_live.row()); }))
         return;
     if (m_toldHistoryFailure)
         return;

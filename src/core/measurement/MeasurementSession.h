@@ -3,6 +3,7 @@
 #include "config/Settings.h"
 #include "base/Currency.h"
 #include "measurement/LiveFigures.h"
+#include "measurement/SessionHistory.h"
 #include "meter/MeterPorts.h"
 #include "meter/MeterState.h"
 #include "base/DateTime.h"
@@ -131,6 +132,7 @@ private:
     bool m_toldRecordFailure = false;
     bool m_toldHistoryFailure = false;
     LiveTracker m_live;
+    HistoryWriter m_history;
 
     // What the start row shows, for the end and increase rows.
     LocalDateTime m_startTime;

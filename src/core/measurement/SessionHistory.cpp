@@ -170,18 +170,18 @@ std::vector<HistoryRow> loadHistory(const std::filesystem::path& path)
     }
 }
 
-void saveHistoryRow(const std::filesystem::path& path, const HistoryRow& row)
+namespace {
+
+std::string linesOf(const std::vector<HistoryRow>& rows)
 {
-    std::vector<HistoryRow> rows = loadHistory(path);
-    const auto same = std::find_if(rows.begin(), rows.end(), [&](const HistoryRow& r) { return r.start == row.start; });
-    if (same != rows.end())
-        *same = row;
-    else
-        rows.push_back(row);
-    std::string text = std::string(kHistoryHeader) + "\r\n";
+    std::string text;
     for (const HistoryRow& r : rows)
         text += historyLine(r) + "\r\n";
+    return text;
+}
 
+void writeHistory(const std::filesystem::path& path, const std::string& text)
+{
     std::error_code error;
     std::filesystem::create_directories(path.parent_path(), error);
     if (error)
@@ -203,6 +203,42 @@ void saveHistoryRow(const std::filesystem::path& path, const HistoryRow& row)
         std::filesystem::remove(temporary, error);
         throw RuntimeError(ErrorNumber::PathFileAccessError, pathUtf8(path));
     }
+}
+
+} // namespace
+
+void saveHistoryRow(const std::filesystem::path& path, const HistoryRow& row)
+{
+    std::vector<HistoryRow> rows = loadHistory(path);
+    const auto same = std::find_if(rows.begin(), rows.end(), [&](const HistoryRow& r) { return r.start == row.start; });
+    if (same != rows.end())
+        *same = row;
+    else
+        rows.push_back(row);
+    writeHistory(path, std::string(kHistoryHeader) + "\r\n" + linesOf(rows));
+}
+
+void HistoryWriter::save(const std::filesystem::path& path, const HistoryRow& row)
+{
+    std::error_code error;
+    const auto stampNow = [&]() -> std::optional<Stamp> {
+        const auto size = std::filesystem::file_size(path, error);
+        if (error)
+            return std::nullopt;
+        const auto time = std::filesystem::last_write_time(path, error);
+        return error ? std::nullopt : std::optional(Stamp{size, time});
+    };
+    // The kept rows hold while nobody else wrote the file since; else it is read again.
+    if (path != m_path || row.start != m_start || !m_written || stampNow() != m_written) {
+        m_written.reset();
+        std::vector<HistoryRow> rows = loadHistory(path);
+        std::erase_if(rows, [&](const HistoryRow& r) { return r.start == row.start; });
+        m_others = linesOf(rows);
+        m_path = path;
+        m_start = row.start;
+    }
+    writeHistory(path, std::string(kHistoryHeader) + "\r\n" + m_others + historyLine(row) + "\r\n");
+    m_written = stampNow();
 }
 
 } // namespace tvx

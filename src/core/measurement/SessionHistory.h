@@ -35,4 +35,22 @@ std::vector<HistoryRow> loadHistory(const std::filesystem::path& path);
 // replaced whole, and one that cannot be read is left as it is (RuntimeError).
 void saveHistoryRow(const std::filesystem::path& path, const HistoryRow& row);
 
+// saveHistoryRow for a session that saves its row after every reading: the other rows are
+// read once and kept while the file stays as this writer left it.
+class HistoryWriter {
+public:
+    void save(const std::filesystem::path& path, const HistoryRow& row);
+
+private:
+    struct Stamp {
+        std::uintmax_t size = 0;
+        std::filesystem::file_time_type time{};
+        friend bool operator==(const Stamp&, const Stamp&) = default;
+    };
+    std::filesystem::path m_path;
+    LocalDateTime m_start;
+    std::string m_others; // every other row's line, in file order
+    std::optional<Stamp> m_written;
+};
+
 } // namespace tvx

@@ -83,6 +83,15 @@ TEST(SessionHistoryTest, RowsSurviveTheFileAndAStrangeFileIsRefused)
         EXPECT_THROW(saveHistoryRow(path, row), RuntimeError) << text;
         EXPECT_EQ(test::readAll(path), text);
     }
+    // A session's writer keeps the other rows, and notices a row another meter added meanwhile.
+    const auto other = temp.path() / "other.csv";
+    HistoryWriter writer;
+    writer.save(other, row);
+    saveHistoryRow(other, later);
+    row.stalls = 4;
+    writer.save(other, row);
+    EXPECT_EQ(loadHistory(other), (std::vector<HistoryRow>{later, row}));
+
     for (const char* line : {"2025/06/31 12:00:00,2025/06/01 13:30:06,90.1,1,1,1,,,,0,0",
                              "2025/06/01 12:00:00,2025/06/01 13:30:06,90,1,1,1,,,,0,0",
                              "2025/06/01 12:00:00,2025/06/01 13:30:06,90.1,1,1,1,,x,,0,0"})
