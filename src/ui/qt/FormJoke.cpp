@@ -51,15 +51,10 @@ FormJoke::FormJoke(QWidget* parent) : QDialog(parent)
     connect(m_cmdClose, &QPushButton::clicked, this, &FormJoke::reject);
 }
 
-void FormJoke::start()
+void FormJoke::run()
 {
     m_popup.open();
     draw();
-}
-
-void FormJoke::run()
-{
-    start();
     exec();
 }
 

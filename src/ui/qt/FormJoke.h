@@ -19,10 +19,6 @@ public:
 
     // Plays the script from its first line; returns once the popup has let go.
     void run();
-    // The opening half of run(), without the modal loop (tests show the popup themselves).
-    void start();
-
-    const JokePopup& popup() const { return m_popup; }
 
     void reject() override;
 
