@@ -3,6 +3,7 @@
 #include "Fonts.h"
 
 #include "FormDirectX.h"
+#include "FormJoke.h"
 #include "GraphFrame.h"
 
 #include "QtPorts.h"
@@ -460,9 +461,21 @@ void FormMain::menuVersion_Click()
     rows->addWidget(title);
     rows->addWidget(namedLabel(QStringLiteral("lblVersion"), qtText(FormMainCommands::versionLine()), &dialog));
     auto* ok = new QPushButton(QStringLiteral("OK"), &dialog);
+    ok->setObjectName(QStringLiteral("cmdOK"));
     ok->setDefault(true);
     connect(ok, &QPushButton::clicked, &dialog, &QDialog::accept);
-    rows->addWidget(ok, 0, Qt::AlignRight);
+    auto* joke = new QPushButton(qtText(JokePopup::kOpenCaption), &dialog);
+    joke->setObjectName(QStringLiteral("cmdJoke"));
+    joke->setAutoDefault(false);
+    connect(joke, &QPushButton::clicked, &dialog, [&dialog] {
+        FormJoke popup(&dialog);
+        popup.run();
+    });
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(joke);
+    buttons->addStretch(1);
+    buttons->addWidget(ok);
+    rows->addLayout(buttons);
     dialog.exec();
 }
 
