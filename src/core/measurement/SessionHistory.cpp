@@ -78,7 +78,9 @@ std::optional<HistoryRow> parseRow(std::string_view line)
     const auto gained = wholeNumber(fields[5]);
     const auto levelUps = wholeNumber(fields[9]);
     const auto stalls = wholeNumber(fields[10]);
-    if (!start || !end || !seconds || !startLevel || !endLevel || !gained || !levelUps || !stalls)
+    const auto small = [](const std::optional<std::int64_t>& v) { return v && *v >= 0 && *v <= 1'000'000; };
+    if (!start || !end || !seconds || !small(startLevel) || !small(endLevel) || !gained || !small(levelUps) ||
+        !small(stalls))
         return std::nullopt;
     const auto optionalField = [&](std::size_t i, std::optional<std::int64_t>& out) {
         if (fields[i].empty())
