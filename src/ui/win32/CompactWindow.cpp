@@ -114,6 +114,8 @@ void CompactWindow::show(const LiveView& view)
         keepPlace(); // where the player left it, not where it first opened
         place();
     }
+    // A game that makes itself topmost would cover it: every new figure puts it back in front.
+    SetWindowPos(m_window, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     InvalidateRect(m_window, nullptr, FALSE);
 }
 
