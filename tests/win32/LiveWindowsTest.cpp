@@ -163,8 +163,8 @@ TEST_F(LiveWindowsWin32Test, TheCompactWindowShowsTheLiveTextsOverTheGameAndKeep
     ASSERT_NE(compact, nullptr);
     EXPECT_EQ(win32ui::windowText(compact), kCompactTitle);
     const auto style = GetWindowLongPtrW(compact, GWL_EXSTYLE);
-    EXPECT_EQ(style & (WS_EX_TOPMOST | WS_EX_LAYERED | WS_EX_TOOLWINDOW),
-              WS_EX_TOPMOST | WS_EX_LAYERED | WS_EX_TOOLWINDOW);
+    constexpr LONG_PTR overlay = WS_EX_TOPMOST | WS_EX_LAYERED | WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE;
+    EXPECT_EQ(style & overlay, overlay);
     SetWindowPos(game.handle(), HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
     EXPECT_TRUE(above(compact, game.handle())) << "the game brought to the front stays under it";
     EXPECT_EQ(opacityOf(compact), settings.CompactOpacity);
@@ -183,9 +183,12 @@ TEST_F(LiveWindowsWin32Test, TheCompactWindowShowsTheLiveTextsOverTheGameAndKeep
     EXPECT_EQ(client.bottom, 2 * kCompactMargin + static_cast<int>(view.compact.size() + 2) * kCompactLineHeight);
     shoot(compact, "compact-reading.bmp");
 
-    // Moved and made more transparent: the file knows at once.
-    SetWindowPos(compact, nullptr, 300, 200, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-    SendMessageW(compact, WM_EXITSIZEMOVE, 0, 0);
+    // Dragged and made more transparent: the file knows at once.
+    SetWindowPos(compact, nullptr, 250, 150, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    SendMessageW(compact, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(40, 30));
+    SendMessageW(compact, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(70, 50));
+    SendMessageW(compact, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(60, 60)); // in the moved window
+    SendMessageW(compact, WM_LBUTTONUP, 0, MAKELPARAM(40, 30));
     SendMessageW(compact, WM_COMMAND, CompactWindow::kCmdOpacity + 3, 0);
     EXPECT_EQ(opacityOf(compact), 60);
     Settings file = saved();

@@ -53,9 +53,11 @@ CompactWindow::~CompactWindow()
 void CompactWindow::create()
 {
     registerWindowClass(kClass, &ownedWindowProc<CompactWindow>, nullptr);
-    // No owner: the meter may be minimised while this stays over the game.
-    m_window = CreateWindowExW(WS_EX_TOPMOST | WS_EX_LAYERED | WS_EX_TOOLWINDOW, kClass, wide(kCompactTitle).c_str(),
-                               WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, GetModuleHandleW(nullptr), this);
+    // No owner: the meter may be minimised while this stays over the game. Never activated:
+    // the meter reads only while the game is in front, so a drag must leave it there.
+    m_window = CreateWindowExW(WS_EX_TOPMOST | WS_EX_LAYERED | WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE, kClass,
+                               wide(kCompactTitle).c_str(), WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
+                               GetModuleHandleW(nullptr), this);
     if (m_window == nullptr)
         return;
     m_dpi = Dpi::of(m_window);
@@ -72,7 +74,6 @@ void CompactWindow::open(const LiveView& view, bool remember)
         return;
     applyOpacity();
     place();
-    // Not activated: the game keeps the keyboard.
     ShowWindow(m_window, SW_SHOWNOACTIVATE);
     InvalidateRect(m_window, nullptr, FALSE);
     if (remember) {
@@ -166,6 +167,19 @@ void CompactWindow::keepPlace()
     m_settings.CompactY = at.top;
 }
 
+void CompactWindow::endDrag()
+{
+    if (!m_dragging)
+        return;
+    m_dragging = false;
+    const int x = m_settings.CompactX;
+    const int y = m_settings.CompactY;
+    keepPlace();
+    // A click that did not move it writes nothing.
+    if (x != m_settings.CompactX || y != m_settings.CompactY)
+        m_save();
+}
+
 RECT CompactWindow::closeBox() const
 {
     RECT client{};
@@ -247,11 +261,17 @@ void CompactWindow::showMenu(POINT at)
     }
     AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
     AppendMenuW(menu, MF_STRING, kCmdClose, wide(kCompactCloseCaption).c_str());
-    // The menu closes on a click elsewhere only when its window is in front.
+    // The menu closes on a click elsewhere only when its window is in front; the game gets
+    // the front back when it has.
+    const HWND before = GetForegroundWindow();
     SetForegroundWindow(m_window);
-    TrackPopupMenu(menu, TPM_RIGHTBUTTON, at.x, at.y, 0, m_window, nullptr);
+    const int chosen = TrackPopupMenu(menu, TPM_RIGHTBUTTON | TPM_RETURNCMD, at.x, at.y, 0, m_window, nullptr);
     PostMessageW(m_window, WM_NULL, 0, 0);
     DestroyMenu(menu);
+    if (before != nullptr && before != m_window && IsWindow(before))
+        SetForegroundWindow(before);
+    if (chosen != 0)
+        command(chosen);
 }
 
 void CompactWindow::command(int id)
@@ -283,24 +303,41 @@ LRESULT CompactWindow::handle(HWND window, UINT message, WPARAM wParam, LPARAM l
                 return TRUE;
             }
             break;
+        case WM_MOUSEACTIVATE: return MA_NOACTIVATE;
         case WM_LBUTTONDOWN: {
             const POINT at{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
             const RECT cross = closeBox();
             if (!PtInRect(&cross, at)) {
-                // A drag anywhere moves it; WM_EXITSIZEMOVE tells where it was left.
-                ReleaseCapture();
-                SendMessageW(window, WM_SYSCOMMAND, SC_MOVE | HTCAPTION, 0);
+                // A drag anywhere moves it. Moved here rather than by the system's move loop,
+                // which would activate it and take the front from the game.
+                m_dragFrom = at;
+                m_dragging = true;
+                SetCapture(window);
             }
             return 0;
         }
+        case WM_MOUSEMOVE:
+            if (m_dragging) {
+                RECT r{};
+                GetWindowRect(window, &r);
+                SetWindowPos(window, nullptr, r.left + GET_X_LPARAM(lParam) - m_dragFrom.x,
+                             r.top + GET_Y_LPARAM(lParam) - m_dragFrom.y, 0, 0,
+                             SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+            }
+            return 0;
         case WM_LBUTTONUP: {
+            if (m_dragging) {
+                ReleaseCapture(); // WM_CAPTURECHANGED ends the drag
+                return 0;
+            }
             const POINT at{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
             const RECT cross = closeBox();
             if (PtInRect(&cross, at))
                 close();
             return 0;
         }
-        case WM_EXITSIZEMOVE:
+        case WM_CAPTURECHANGED: endDrag(); return 0;
+        case WM_EXITSIZEMOVE: // moved by the system after all
             keepPlace();
             m_save();
             return 0;

@@ -16,10 +16,10 @@ struct Settings;
 
 namespace tvx::win32ui {
 
-// frmCompact: the live figures in a small window that stays over the game. It has no frame:
-// a drag anywhere moves it, the cross in its corner closes it, and its context menu sets
-// the opacity. Its place, opacity and being open live in the settings; whenever the player
-// changes one, saveSettings writes them.
+// frmCompact: the live figures in a small window that stays over the game and never takes
+// the front from it. It has no frame: a drag anywhere moves it, the cross in its corner
+// closes it, and its context menu sets the opacity. Its place, opacity and being open live
+// in the settings; whenever the player changes one, saveSettings writes them.
 class CompactWindow {
 public:
     // Context-menu commands: one per entry of kCompactOpacities, then close.
@@ -56,6 +56,7 @@ private:
     void place();
     void applyOpacity();
     void keepPlace();
+    void endDrag();
     void paint(HDC dc, const RECT& client);
     RECT closeBox() const;
     void showMenu(POINT at);
@@ -70,6 +71,8 @@ private:
     LiveView m_view;
     std::vector<std::string> m_drawn;
     bool m_clipped = false;
+    bool m_dragging = false;
+    POINT m_dragFrom{}; // where the drag holds it, in its client pixels
 };
 
 } // namespace tvx::win32ui
