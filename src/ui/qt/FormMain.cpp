@@ -2,7 +2,9 @@
 #include "CaptureImage.h"
 #include "Fonts.h"
 
+#include "FormCompact.h"
 #include "FormDirectX.h"
+#include "FormHistory.h"
 #include "GraphFrame.h"
 
 #include "QtPorts.h"
@@ -11,6 +13,10 @@
 #include "graph/GraphLayout.h"
 #include "view/FormMainCommands.h"
 #include "view/FormMainLayout.h"
+#include "view/LiveView.h"
+#include "view/LiveWindows.h"
+#include "measurement/SessionHistory.h"
+#include "config/ConfigFile.h"
 #include "meter/Meter.h"
 #include "recognition/CaptureFile.h"
 #include "shell/DebugLog.h"
@@ -85,6 +91,13 @@ FormMain::FormMain(std::string_view title, DebugLog& log, std::filesystem::path 
     m_txtLog->setFixedWidth(kTxtLogWidth);
     rows->addWidget(m_txtLog, 1);
     rows->addWidget(buildDebugArea());
+    // The live figures: two lines at the foot of the panel.
+    m_lblLiveRates = namedLabel(QStringLiteral("lblLiveRates"), QString(), left);
+    m_lblLiveOutlook = namedLabel(QStringLiteral("lblLiveOutlook"), QString(), left);
+    for (QLabel* line : {m_lblLiveRates, m_lblLiveOutlook}) {
+        line->setFixedSize(kTxtLogWidth, (kLiveLinesHeight - 2) / 2);
+        rows->addWidget(line);
+    }
     columns->addWidget(left);
 
     m_frmGraph = new GraphFrame(central);
@@ -99,6 +112,8 @@ FormMain::FormMain(std::string_view title, DebugLog& log, std::filesystem::path 
     m_timDoHLInterval->setObjectName(QStringLiteral("timDoHLInterval"));
     resize(900, 560);
 }
+
+FormMain::~FormMain() = default;
 
 QAction* FormMain::action(const char* name) const
 {
@@ -136,8 +151,8 @@ void FormMain::runCommand(MenuCommand command)
     case WindowAction::Close: close(); break;
     case WindowAction::ShowOptions: menuOption_Click(); break;
     case WindowAction::ShowVersion: menuVersion_Click(); break;
-    case WindowAction::ToggleCompact:
-    case WindowAction::ShowHistory:
+    case WindowAction::ToggleCompact: menuCompact_Click(); break;
+    case WindowAction::ShowHistory: menuHistory_Click(); break;
     case WindowAction::None: break;
     }
 }
@@ -234,6 +249,9 @@ void FormMain::FormMain_Load()
         m_frmGraph->setVisible(m_meter->settings().Graph);
         // Gestures first: an auto start waits StartDelay, and they must work meanwhile.
         followGestureSetting();
+        // Open when the meter last closed: back at once, before an auto start's wait.
+        if (m_meter->settings().CompactShown)
+            menuCompact_Click();
         m_meter->load(m_meter->clock());
         if (m_closing)
             return; // closed during the start-up wait
@@ -272,6 +290,22 @@ void FormMain::resultsChanged()
     showRow(labels.Elapse, m_elapseRow);
 }
 
+void FormMain::liveChanged()
+{
+    showLive();
+}
+
+void FormMain::showLive()
+{
+    if (!m_meter)
+        return;
+    const LiveView view = meterLiveView(*m_meter);
+    m_lblLiveRates->setText(qtText(view.rates));
+    m_lblLiveOutlook->setText(qtText(view.outlook));
+    if (m_formCompact)
+        m_formCompact->showView(view);
+}
+
 void FormMain::controlsChanged()
 {
     const MeterControls& controls = m_meter->state().controls;
@@ -291,6 +325,8 @@ void FormMain::controlsChanged()
         m_timDoHLInterval->setInterval(controls.doHLIntervalMs);
     run(m_timCaptureInterval, controls.captureTimerEnabled);
     run(m_timDoHLInterval, controls.doHLTimerEnabled);
+    // A start, stop or suspend changes the state the live lines show.
+    showLive();
 }
 
 void FormMain::showNotice(const std::string& text, const std::string& title)
@@ -416,6 +452,7 @@ void FormMain::menuOption_Click()
             setWindowTitle(qtText(programTitle(m_meter->settings().SearchWindowName)));
             followGestureSetting();
             m_meter->settingsChanged();
+            showLive();
             // The graph may have been switched on or off: the window takes its new shape now.
             Form_Resize();
         });
@@ -466,10 +503,48 @@ void FormMain::menuVersion_Click()
     dialog.exec();
 }
 
+void FormMain::menuCompact_Click()
+{
+    if (!m_meter)
+        return;
+    if (!m_formCompact)
+        m_formCompact = std::make_unique<FormCompact>(m_meter->settings(), [this] { rememberCompact(); });
+    if (m_formCompact->isVisible()) {
+        m_formCompact->close();
+    } else {
+        showLive();
+        m_formCompact->open();
+    }
+}
+
+void FormMain::rememberCompact()
+{
+    // The whole file is written: the settings hold no other place for the window.
+    if (m_config)
+        m_config->run(ConfigFile::Save);
+}
+
+void FormMain::menuHistory_Click()
+{
+    if (!m_config)
+        return;
+    if (!m_formHistory) {
+        m_formHistory = new FormHistory(m_config->prompter(), this);
+        m_formHistory->setWindowFlag(Qt::Window);
+    }
+    m_formHistory->show();
+    m_formHistory->raise();
+    // Read afresh each time: the running session adds to it.
+    m_formHistory->load(historyFilePath(m_meter->settings()));
+}
+
 void FormMain::closeEvent(QCloseEvent* event)
 {
     if (!m_closing && m_meter) {
         m_closing = true;
+        // Hidden, not closed: an open compact window opens again at the next start.
+        if (m_formCompact)
+            m_formCompact->hide();
         m_commands->closing();
         if (m_formDirectX)
             m_formDirectX->Form_Unload();
