@@ -107,10 +107,11 @@ TEST_F(LiveWindowsTest, TheLiveLinesAndTheCompactWindowDrawTheLiveViewAndFollowT
 {
     settings.StallAlarm = true;
     settings.StallMinutes = 1;
+    // Open when the meter last closed: it opens before the session starts, and follows it.
+    settings.CompactShown = true;
     Desk desk(settings, temp.path(), machine, log, prompter, *codec);
     desk.window.FormMain_Load();
     desk.window.show();
-    desk.window.action("menuCompact")->trigger();
     ui::FormCompact* compact = desk.window.formCompact();
     ASSERT_NE(compact, nullptr);
     EXPECT_TRUE(compact->isVisible());
@@ -137,10 +138,10 @@ TEST_F(LiveWindowsTest, TheLiveLinesAndTheCompactWindowDrawTheLiveViewAndFollowT
     };
     EXPECT_EQ(expectShown("waiting").stateText, "待機中");
 
-    machine.screens = {test::gameCapture({"50", "1000", "2000"})};
+    machine.screens = {test::gameCapture({"180", "1000", "2000"})};
     desk.meter.cycle().runCycle();
     machine.clock.advanceMs(10 * 60 * 1000);
-    machine.screens = {test::gameCapture({"50", "5000", "9000"})};
+    machine.screens = {test::gameCapture({"180", "5000", "9000"})};
     desk.meter.cycle().runCycle();
     const LiveView reading = expectShown("reading");
     EXPECT_EQ(reading.stateText, "読み取り中");
@@ -156,6 +157,17 @@ TEST_F(LiveWindowsTest, TheLiveLinesAndTheCompactWindowDrawTheLiveViewAndFollowT
     EXPECT_EQ(compact->findChild<QLabel*>(QStringLiteral("shpState"))->property("stateColour").toUInt(), 0xD02020u);
     if (const char* folder = std::getenv("TALLIVEX_SHOT_DIR"))
         compact->grab().save(QString::fromUtf8(folder) + QStringLiteral("/qt-compact-stall.png"));
+
+    // Rates of a high level, billions an hour, still fit the main window's line.
+    machine.clock.advanceMs(10 * 60 * 1000);
+    machine.screens = {test::gameCapture({"180", "600000000", "9000"})};
+    desk.meter.cycle().runCycle();
+    const LiveView high = expectShown("high rates");
+    ASSERT_NE(high.rates.find("10分 3,599,970k/h"), std::string::npos) << high.rates;
+    for (const char* name : {"lblLiveRates", "lblLiveOutlook"}) {
+        const QLabel* line = child(desk.window, QString::fromLatin1(name));
+        EXPECT_LE(line->fontMetrics().horizontalAdvance(line->text()), line->width()) << name;
+    }
 
     desk.window.findChild<QPushButton*>(QStringLiteral("cmdTempStop"))->click();
     EXPECT_EQ(expectShown("suspended").stateText, "一時停止中");

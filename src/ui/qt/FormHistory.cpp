@@ -14,6 +14,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QScreen>
 #include <QStandardPaths>
 #include <QTabWidget>
@@ -34,14 +35,13 @@ QTableWidget* makeGrid(const QString& name, QWidget* parent)
     grid->setAlternatingRowColors(true);
     grid->verticalHeader()->setVisible(false);
     grid->verticalHeader()->setDefaultSectionSize(20);
-    grid->horizontalHeader()->setStretchLastSection(true);
     return grid;
 }
 
 QString documentsFolder()
 {
     const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    return documents.isEmpty() ? QDir::homePath() : documents;
+    return !documents.isEmpty() && QDir(documents).exists() ? documents : QDir::homePath();
 }
 
 } // namespace
@@ -79,9 +79,8 @@ FormHistory::FormHistory(Prompter& prompter, QWidget* parent) : QDialog(parent),
     connect(cmdExport, &QPushButton::clicked, this, &FormHistory::cmdExport_Click);
     connect(cmdClose, &QPushButton::clicked, this, &QDialog::close);
 
-    // Wide enough for the sessions' eleven columns, never wider than the screen.
     const QRect work = QGuiApplication::primaryScreen()->availableGeometry();
-    resize(std::min(1000, work.width() - 40), std::min(440, work.height() - 80));
+    resize(std::min(800, work.width() - 40), std::min(440, work.height() - 80));
 }
 
 void FormHistory::load(const std::filesystem::path& historyFile)
@@ -92,6 +91,18 @@ void FormHistory::load(const std::filesystem::path& historyFile)
     fill(m_grdSessions, historySessions(m_rows));
     fill(m_grdDays, historyDays(m_rows));
     fill(m_grdWeeks, historyWeeks(m_rows));
+    if (!m_fitted) {
+        // The first time, as wide as the sessions' columns and the scroll bar need, never
+        // wider than the screen; afterwards the player's size stays.
+        m_fitted = true;
+        const QRect work = QGuiApplication::primaryScreen()->availableGeometry();
+        const int columns = m_grdSessions->horizontalHeader()->length() + 2 * m_grdSessions->frameWidth() +
+                            m_grdSessions->verticalScrollBar()->sizeHint().width();
+        const QMargins margins = layout()->contentsMargins();
+        // The tab page's own frame is a few pixels either side.
+        const int wanted = columns + margins.left() + margins.right() + 8;
+        resize(std::clamp(wanted, 480, work.width() - 40), height());
+    }
     if (loaded.message)
         m_prompter.message(*loaded.message, std::string(kHistoryTitle));
 }

@@ -51,6 +51,7 @@ private:
     QTableWidget* m_grdSessions = nullptr;
     QTableWidget* m_grdDays = nullptr;
     QTableWidget* m_grdWeeks = nullptr;
+    bool m_fitted = false;
 };
 
 } // namespace tvx::ui

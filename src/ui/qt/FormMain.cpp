@@ -30,6 +30,7 @@
 #include <QResizeEvent>
 #include <QDialog>
 #include <QFontDatabase>
+#include <QFontMetrics>
 #include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -54,6 +55,22 @@ QLabel* namedLabel(const QString& name, const QString& text, QWidget* parent)
     auto* label = new QLabel(text, parent);
     label->setObjectName(name);
     return label;
+}
+
+// A live line keeps to its place: long rates (high levels earn billions an hour) are drawn
+// a little smaller rather than cut off.
+void showFitted(QLabel* label, const QString& text)
+{
+    QFont font = label->parentWidget()->font();
+    if (font.pointSizeF() <= 0) {
+        label->setText(text);
+        return;
+    }
+    const qreal smallest = font.pointSizeF() - 2;
+    while (QFontMetrics(font).horizontalAdvance(text) > label->width() && font.pointSizeF() > smallest)
+        font.setPointSizeF(font.pointSizeF() - 0.5);
+    label->setFont(font);
+    label->setText(text);
 }
 
 } // namespace
@@ -288,6 +305,8 @@ void FormMain::resultsChanged()
     showRow(labels.Start, m_startRow);
     showRow(labels.End, m_endRow);
     showRow(labels.Elapse, m_elapseRow);
+    // A session that begins shows its account first: the live state follows it.
+    showLive();
 }
 
 void FormMain::liveChanged()
@@ -300,8 +319,8 @@ void FormMain::showLive()
     if (!m_meter)
         return;
     const LiveView view = meterLiveView(*m_meter);
-    m_lblLiveRates->setText(qtText(view.rates));
-    m_lblLiveOutlook->setText(qtText(view.outlook));
+    showFitted(m_lblLiveRates, qtText(view.rates));
+    showFitted(m_lblLiveOutlook, qtText(view.outlook));
     if (m_formCompact)
         m_formCompact->showView(view);
 }
