@@ -4,7 +4,7 @@
 
 #include "config/Settings.h"
 #include "view/LiveView.h"
-#include "view/LiveWindows.h"
+#include "view/LiveWindowModel.h"
 
 #include <QActionGroup>
 #include <QContextMenuEvent>

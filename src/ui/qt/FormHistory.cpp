@@ -3,10 +3,8 @@
 #include "QtText.h"
 
 #include "base/Utf8Path.h"
-#include "measurement/SessionHistory.h"
 #include "ports/Prompter.h"
-#include "view/HistoryView.h"
-#include "view/LiveWindows.h"
+#include "view/LiveWindowModel.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -52,18 +50,17 @@ FormHistory::FormHistory(Prompter& prompter, QWidget* parent) : QDialog(parent),
     setWindowTitle(qtText(kHistoryTitle));
     setModal(false);
     m_chooseTarget = [](QWidget* owner, const QString& proposed) {
-        return QFileDialog::getSaveFileName(owner, qtText(kHistoryExportCaption), proposed, qtText(kHistoryExportFilter));
+        return QFileDialog::getSaveFileName(owner, qtText(kHistoryExportCaption), proposed, QStringLiteral("CSV (*.csv)"));
     };
 
     auto* rows = new QVBoxLayout(this);
     m_tabs = new QTabWidget(this);
     m_tabs->setObjectName(QStringLiteral("tabHistory"));
-    m_grdSessions = makeGrid(QStringLiteral("grdSessions"), m_tabs);
-    m_grdDays = makeGrid(QStringLiteral("grdDays"), m_tabs);
-    m_grdWeeks = makeGrid(QStringLiteral("grdWeeks"), m_tabs);
-    QTableWidget* const grids[] = {m_grdSessions, m_grdDays, m_grdWeeks};
-    for (std::size_t tab = 0; tab < kHistoryTabCaptions.size(); ++tab)
-        m_tabs->addTab(grids[tab], qtText(kHistoryTabCaptions[tab]));
+    const QString names[] = {QStringLiteral("grdSessions"), QStringLiteral("grdDays"), QStringLiteral("grdWeeks")};
+    for (std::size_t page = 0; page < kHistoryPages.size(); ++page) {
+        m_grids[page] = makeGrid(names[page], m_tabs);
+        m_tabs->addTab(m_grids[page], qtText(kHistoryPages[page]));
+    }
     rows->addWidget(m_tabs, 1);
 
     auto* buttons = new QHBoxLayout;
@@ -86,29 +83,30 @@ FormHistory::FormHistory(Prompter& prompter, QWidget* parent) : QDialog(parent),
 void FormHistory::load(const std::filesystem::path& historyFile)
 {
     m_historyFile = historyFile;
-    HistoryLoad loaded = loadHistoryForWindow(historyFile);
+    HistoryWindowData loaded = openHistoryWindow(historyFile);
     m_rows = std::move(loaded.rows);
-    fill(m_grdSessions, historySessions(m_rows));
-    fill(m_grdDays, historyDays(m_rows));
-    fill(m_grdWeeks, historyWeeks(m_rows));
+    for (std::size_t page = 0; page < kHistoryPages.size(); ++page)
+        fill(page, loaded.tables[page]);
     if (!m_fitted) {
         // The first time, as wide as the sessions' columns and the scroll bar need, never
         // wider than the screen; afterwards the player's size stays.
         m_fitted = true;
         const QRect work = QGuiApplication::primaryScreen()->availableGeometry();
-        const int columns = m_grdSessions->horizontalHeader()->length() + 2 * m_grdSessions->frameWidth() +
-                            m_grdSessions->verticalScrollBar()->sizeHint().width();
+        const QTableWidget* sessions = m_grids[0];
+        const int columns = sessions->horizontalHeader()->length() + 2 * sessions->frameWidth() +
+                            sessions->verticalScrollBar()->sizeHint().width();
         const QMargins margins = layout()->contentsMargins();
         // The tab page's own frame is a few pixels either side.
         const int wanted = columns + margins.left() + margins.right() + 8;
         resize(std::clamp(wanted, 480, work.width() - 40), height());
     }
-    if (loaded.message)
-        m_prompter.message(*loaded.message, std::string(kHistoryTitle));
+    if (loaded.error)
+        m_prompter.message(*loaded.error, std::string(kHistoryTitle));
 }
 
-void FormHistory::fill(QTableWidget* grid, const HistoryTable& table)
+void FormHistory::fill(std::size_t page, const HistoryTable& table)
 {
+    QTableWidget* grid = m_grids[page];
     grid->clear();
     grid->setColumnCount(static_cast<int>(table.headers.size()));
     grid->setRowCount(static_cast<int>(table.rows.size()));
@@ -118,11 +116,9 @@ void FormHistory::fill(QTableWidget* grid, const HistoryTable& table)
     grid->setHorizontalHeaderLabels(headers);
     for (std::size_t row = 0; row < table.rows.size(); ++row)
         for (std::size_t column = 0; column < table.rows[row].size(); ++column) {
-            const QString text = qtText(table.rows[row][column]);
-            auto* cell = new QTableWidgetItem(text);
-            // Dates and times read from the left, amounts line up on the right.
-            cell->setTextAlignment(Qt::AlignVCenter |
-                                   (text.contains(QLatin1Char('/')) ? Qt::AlignLeft : Qt::AlignRight));
+            auto* cell = new QTableWidgetItem(qtText(table.rows[row][column]));
+            const bool date = column < kHistoryDateColumns[page];
+            cell->setTextAlignment(Qt::AlignVCenter | (date ? Qt::AlignLeft : Qt::AlignRight));
             grid->setItem(static_cast<int>(row), static_cast<int>(column), cell);
         }
     grid->resizeColumnsToContents();
@@ -130,11 +126,11 @@ void FormHistory::fill(QTableWidget* grid, const HistoryTable& table)
 
 void FormHistory::cmdExport_Click()
 {
-    const QString proposed = documentsFolder() + QLatin1Char('/') + qtText(kHistoryFileName);
+    const QString proposed = documentsFolder() + QLatin1Char('/') + qtText(kHistoryExportName);
     const QString chosen = m_chooseTarget(this, proposed);
     if (chosen.isEmpty())
         return;
-    if (const auto message = exportHistory(utf8Path(coreText(chosen)), m_historyFile, m_rows))
+    if (const auto message = exportHistory(m_rows, utf8Path(coreText(chosen)), m_historyFile))
         m_prompter.message(*message, std::string(kHistoryTitle));
 }
 

@@ -7,6 +7,8 @@
 
 #include <QDialog>
 
+#include <array>
+#include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <vector>
@@ -40,7 +42,7 @@ public:
     void setSaveChooser(SaveChooser chooser) { m_chooseTarget = std::move(chooser); }
 
 private:
-    void fill(QTableWidget* grid, const HistoryTable& table);
+    void fill(std::size_t page, const HistoryTable& table);
     void cmdExport_Click();
 
     Prompter& m_prompter;
@@ -48,9 +50,8 @@ private:
     std::filesystem::path m_historyFile;
     std::vector<HistoryRow> m_rows;
     QTabWidget* m_tabs = nullptr;
-    QTableWidget* m_grdSessions = nullptr;
-    QTableWidget* m_grdDays = nullptr;
-    QTableWidget* m_grdWeeks = nullptr;
+    // Sessions, days, weeks.
+    std::array<QTableWidget*, 3> m_grids{};
     bool m_fitted = false;
 };
 

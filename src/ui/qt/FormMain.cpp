@@ -14,7 +14,7 @@
 #include "view/FormMainCommands.h"
 #include "view/FormMainLayout.h"
 #include "view/LiveView.h"
-#include "view/LiveWindows.h"
+#include "view/LiveWindowModel.h"
 #include "measurement/SessionHistory.h"
 #include "config/ConfigFile.h"
 #include "meter/Meter.h"
