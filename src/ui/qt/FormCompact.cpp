@@ -112,6 +112,9 @@ void FormCompact::showView(const LiveView& view)
         m_lines[i].first->setText(qtText(view.compact[i].caption));
         m_lines[i].second->setText(qtText(view.compact[i].value));
     }
+    // A full-screen game may have come in front since: every new figure puts it back on top.
+    if (isVisible())
+        raise();
 }
 
 void FormCompact::place()
@@ -130,6 +133,17 @@ void FormCompact::open()
     m_settings.CompactShown = true;
     if (m_remember)
         m_remember();
+}
+
+void FormCompact::followSettings()
+{
+    setOpacity(m_settings.CompactOpacity);
+    if (!isVisible())
+        return;
+    if (m_settings.CompactShown)
+        place();
+    else
+        hide();
 }
 
 void FormCompact::setOpacity(int percent)

@@ -33,6 +33,9 @@ public:
     void showView(const LiveView& view);
     // Opens at its remembered place and opacity, and remembers that it is open.
     void open();
+    // The settings were loaded or reset: the window takes their place and opacity, and
+    // hides when they say it is closed.
+    void followSettings();
     // The context menu, made anew for each showing.
     QMenu* makeMenu();
 

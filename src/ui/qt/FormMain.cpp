@@ -472,6 +472,9 @@ void FormMain::menuOption_Click()
             followGestureSetting();
             m_meter->settingsChanged();
             showLive();
+            // A load or a reset may have moved or closed the compact window.
+            if (m_formCompact)
+                m_formCompact->followSettings();
             // The graph may have been switched on or off: the window takes its new shape now.
             Form_Resize();
         });
@@ -526,35 +529,39 @@ void FormMain::menuCompact_Click()
 {
     if (!m_meter)
         return;
-    if (!m_formCompact)
-        m_formCompact = std::make_unique<FormCompact>(m_meter->settings(), [this] { rememberCompact(); });
-    if (m_formCompact->isVisible()) {
-        m_formCompact->close();
-    } else {
-        showLive();
-        m_formCompact->open();
-    }
+    trapErrors(m_log, "menuCompact_Click", [this] {
+        if (!m_formCompact)
+            m_formCompact = std::make_unique<FormCompact>(m_meter->settings(), [this] { rememberCompact(); });
+        if (m_formCompact->isVisible()) {
+            m_formCompact->close();
+        } else {
+            showLive();
+            m_formCompact->open();
+        }
+    });
 }
 
 void FormMain::rememberCompact()
 {
-    // The whole file is written: the settings hold no other place for the window.
+    // The configuration file is where the window's place lives; it is written whole.
     if (m_config)
         m_config->run(ConfigFile::Save);
 }
 
 void FormMain::menuHistory_Click()
 {
-    if (!m_config)
+    if (!m_config || !m_meter)
         return;
-    if (!m_formHistory) {
-        m_formHistory = new FormHistory(m_config->prompter(), this);
-        m_formHistory->setWindowFlag(Qt::Window);
-    }
-    m_formHistory->show();
-    m_formHistory->raise();
-    // Read afresh each time: the running session adds to it.
-    m_formHistory->load(historyFilePath(m_meter->settings()));
+    trapErrors(m_log, "menuHistory_Click", [this] {
+        if (!m_formHistory) {
+            m_formHistory = new FormHistory(m_config->prompter(), this);
+            m_formHistory->setWindowFlag(Qt::Window);
+        }
+        m_formHistory->show();
+        m_formHistory->raise();
+        // Read afresh each time: the running session adds to it.
+        m_formHistory->load(historyFilePath(m_meter->settings()));
+    });
 }
 
 void FormMain::closeEvent(QCloseEvent* event)
