@@ -494,12 +494,23 @@ bool ConfigFile::run(int mode)
     switch (mode) {
     case Load:
         load();
+        m_onDisk = m_settings;
         return true;
     case Defaults:
         restoreDefaults();
         return write();
     case Save:
         return write();
+    case SaveWindowPlace: {
+        if (!m_onDisk)
+            return write();
+        Settings kept = *m_onDisk;
+        kept.CompactX = m_settings.CompactX;
+        kept.CompactY = m_settings.CompactY;
+        kept.CompactOpacity = m_settings.CompactOpacity;
+        kept.CompactShown = m_settings.CompactShown;
+        return write(kept);
+    }
     default:
         return true;
     }
@@ -613,6 +624,11 @@ void ConfigFile::restoreDefaults()
 
 bool ConfigFile::write()
 {
+    return write(m_settings);
+}
+
+bool ConfigFile::write(const Settings& settings)
+{
     // A temporary file renamed over the old one: an interrupted save leaves either file
     // whole, never a torn one.
     const std::filesystem::path target = path();
@@ -620,7 +636,7 @@ bool ConfigFile::write()
     temporary += ".tmp";
     std::optional<ErrorNumber> error;
     try {
-        const std::string bytes = m_codec.toCp932(configFileText(m_settings));
+        const std::string bytes = m_codec.toCp932(configFileText(settings));
         {
             std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
             if (!out) {
@@ -650,6 +666,8 @@ bool ConfigFile::write()
         logError("ConfigFile 2", *error);
     }
     // The settings in memory hold either way, so the buffers must follow them.
+    if (!error)
+        m_onDisk = settings;
     sizeBuffers();
     return !error;
 }

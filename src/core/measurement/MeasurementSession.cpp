@@ -121,6 +121,7 @@ void MeasurementSession::ChangeLogging(int mode)
         m_live.start(m_ports.clock.tickMs());
         if (Suspended)
             m_live.suspend(m_ports.clock.tickMs());
+        liveChanged();
         // Nothing of an earlier session shows in this one's labels, summary or tools.
         clearReading();
         m_level = -1;
@@ -146,6 +147,7 @@ void MeasurementSession::ChangeLogging(int mode)
         if (m_onStop)
             m_onStop();
         controlsChanged();
+        liveChanged();
     }
 }
 

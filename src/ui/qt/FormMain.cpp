@@ -556,9 +556,9 @@ void FormMain::menuCompact_Click()
 
 void FormMain::rememberCompact()
 {
-    // The configuration file is where the window's place lives; it is written whole.
+    // Only the window's place is written: option edits meant for this run stay unsaved.
     if (m_config)
-        m_config->run(ConfigFile::Save);
+        m_config->run(ConfigFile::SaveWindowPlace);
 }
 
 void FormMain::menuHistory_Click()

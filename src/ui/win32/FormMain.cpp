@@ -495,8 +495,9 @@ void FormMain::settingsChanged()
 void FormMain::saveSettings()
 {
     // Without the configuration file (tests) the settings hold the change until the end.
+    // Only the window's place is written: option edits meant for this run stay unsaved.
     if (m_options.config != nullptr)
-        m_options.config->run(ConfigFile::Save);
+        m_options.config->run(ConfigFile::SaveWindowPlace);
 }
 
 void FormMain::toggleCompact()

@@ -199,6 +199,23 @@ TEST_F(ConfigFileTest, EveryFieldSurvivesASaveAndALoad)
     EXPECT_NE(logText().find("Target Change : MapleStory Test\r\n"), std::string::npos);
 }
 
+// The compact window's place is written alone: an option kept for this run only stays so.
+TEST_F(ConfigFileTest, TheWindowPlaceIsSavedWithoutTheUnsavedOptions)
+{
+    m_settings = defaults();
+    run(ConfigFile::Save);
+    ConfigFile config(m_settings, m_home, m_prompter, *m_codec, &m_log, [] {});
+    config.run(ConfigFile::Load);
+    m_settings.CaptureInterval = 30;
+    m_settings.CompactX = 640;
+    m_settings.CompactOpacity = 60;
+    config.run(ConfigFile::SaveWindowPlace);
+    EXPECT_EQ(m_settings.CaptureInterval, 30); // the running meter keeps the edit
+    run(ConfigFile::Load);
+    EXPECT_EQ(std::tie(m_settings.CaptureInterval, m_settings.CompactX, m_settings.CompactOpacity),
+              std::make_tuple(6, 640, 60));
+}
+
 TEST_F(ConfigFileTest, OurLineAfterTheSixtyIsOptionalAndNeverCondemnsTheFile)
 {
     m_settings = defaults();
