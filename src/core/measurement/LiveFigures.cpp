@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::int64_t kHourMs = 3'600'000;
 constexpr std::int32_t kTopLevel = 200;
+constexpr std::int64_t kExactGain = std::int64_t{1} << 50;
 
 std::int64_t floorDivide(std::int64_t a, std::int64_t b)
 {
@@ -60,7 +61,10 @@ std::optional<std::int64_t> thousandsPerHour(std::int64_t gain, std::int64_t ms)
 {
     if (ms <= 0)
         return std::nullopt;
-    // gain x 3.6 / seconds, exact: no rate of a whole number comes out one below it.
+    // gain x 3.6 / seconds, exact: no rate of a whole number comes out one below it. A gain
+    // no game gives, too large to multiply, is worked out in floating point.
+    if (gain > kExactGain || gain < -kExactGain)
+        return static_cast<std::int64_t>(std::floor(static_cast<long double>(gain) * 3600 / ms));
     return floorDivide(gain * 3600, ms);
 }
 

@@ -14,6 +14,7 @@ namespace tvx {
 namespace {
 
 constexpr std::size_t kFields = 11;
+constexpr std::int64_t kMaxAmount = 1'000'000'000'000'000;
 
 std::string optionalText(const std::optional<std::int64_t>& value)
 {
@@ -59,7 +60,9 @@ std::optional<std::int64_t> minutesAsSeconds(std::string_view text)
 {
     const std::size_t dot = text.find('.');
     const auto whole = wholeNumber(text.substr(0, dot));
-    if (!whole || dot == std::string_view::npos || text.size() != dot + 2 || text[dot + 1] < '0' || text[dot + 1] > '9')
+    // No session lasts a hundred million minutes; beyond that the seconds would not fit.
+    if (!whole || *whole < 0 || *whole > 100'000'000 || dot == std::string_view::npos || text.size() != dot + 2 ||
+        text[dot + 1] < '0' || text[dot + 1] > '9')
         return std::nullopt;
     return *whole * 60 + (text[dot + 1] - '0') * 6;
 }
@@ -78,15 +81,17 @@ std::optional<HistoryRow> parseRow(std::string_view line)
     const auto gained = wholeNumber(fields[5]);
     const auto levelUps = wholeNumber(fields[9]);
     const auto stalls = wholeNumber(fields[10]);
+    // Amounts far beyond any game's stay out, so that totals of many rows cannot overflow.
+    const auto amount = [](const std::optional<std::int64_t>& v) { return v && *v >= -kMaxAmount && *v <= kMaxAmount; };
     const auto small = [](const std::optional<std::int64_t>& v) { return v && *v >= 0 && *v <= 1'000'000; };
-    if (!start || !end || !seconds || !small(startLevel) || !small(endLevel) || !gained || !small(levelUps) ||
+    if (!start || !end || !seconds || !small(startLevel) || !small(endLevel) || !amount(gained) || !small(levelUps) ||
         !small(stalls))
         return std::nullopt;
     const auto optionalField = [&](std::size_t i, std::optional<std::int64_t>& out) {
         if (fields[i].empty())
             return true;
         out = wholeNumber(fields[i]);
-        return out.has_value();
+        return amount(out);
     };
     if (!optionalField(6, row.expPerHour) || !optionalField(7, row.moneyGained) ||
         !optionalField(8, row.moneyPerHour))
