@@ -31,8 +31,9 @@ eventually() {
   done
 }
 logged() { grep -qF -- "$1" "$log" 2>/dev/null; }
-# More than N lines in the session's record file: its header and N records.
-records() { [ "$(cat "$home"/save/log/* 2>/dev/null | grep -c .)" -gt "$1" ]; }
+# More than N lines in the session's record file: its header and N records. The session
+# history beside it has a row from the first reading on, and is not counted.
+records() { [ "$(cat "$home"/save/log/給与明細* 2>/dev/null | grep -c .)" -gt "$1" ]; }
 clicks() {
   local b
   for b in $(echo "$1" | grep -o .); do
