@@ -5,7 +5,9 @@ set -euo pipefail
 
 packages=(cmake ninja-build g++ pkg-config qt6-base-dev libxcb1-dev libxcb-xinput-dev libxcb-shm0-dev libasound2-dev fonts-noto-cjk)
 if [ "${1:-run}" = test ]; then
-  packages+=(libgtest-dev g++-mingw-w64-x86-64-posix xvfb xauth xdotool imagemagick wine64 clang libclang-rt-14-dev)
+  # The last line: making the Debian package (dpkg-shlibdeps) and checking it.
+  packages+=(libgtest-dev g++-mingw-w64-x86-64-posix xvfb xauth xdotool imagemagick wine64 clang libclang-rt-14-dev
+    dpkg-dev appstream desktop-file-utils lintian)
 else
   packages+=(xvfb xauth)
 fi

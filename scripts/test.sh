@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Builds and runs every test: the debug build (warnings are errors), the unit tests again
-# under AddressSanitizer + UndefinedBehaviorSanitizer, a short run of each fuzz target, and
+# Builds and runs every test: the debug build (warnings are errors), the Debian package of
+# the release build installed into a scratch folder and run, the unit tests again under
+# AddressSanitizer + UndefinedBehaviorSanitizer, a short run of each fuzz target, and
 # the Windows cross build with the core unit tests and the Win32 back-end tests under wine
 # on a virtual X screen; last, the Linux and the Windows command line replay one session
 # and must agree byte for byte.
@@ -13,6 +14,12 @@ echo "== debug build and tests"
 cmake --preset ci
 cmake --build --preset ci
 ctest --preset ci
+
+echo "== Linux package: release build of the programs, the .deb unpacked into a scratch root and run"
+# The same tree and options as scripts/run.sh, so neither rebuilds after the other.
+cmake --preset release -DTALLIVEX_BUILD_TESTS=OFF -DTALLIVEX_BUILD_BENCH=OFF >/dev/null
+cmake --build --preset release
+tests/package/deb-package.sh build/release
 
 echo "== unit tests under AddressSanitizer + UndefinedBehaviorSanitizer"
 cmake --preset asan

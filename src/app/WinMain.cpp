@@ -83,7 +83,7 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int show)
     config.setSecurePixels([&meter] { meter.recognizer().SecurePixels(); });
     meter.capture().setCaptureFile(home / "Capture.bmp");
     const std::unique_ptr<tvx::MouseButtonSource> mouse = platform::makeMouseButtonSource();
-    window.setDocumentFolder(platform::programFolder());
+    window.setDocumentFolder(platform::documentFolder());
     window.setOptionsContext({&config, nullptr, &source, &waiter, &clock, &prompter, &meter.state().cycleSkip, {}, {}});
     window.setEnvironmentSource(platform::gatherEnvironment);
     window.setGestureSource(mouse.get(), &prompter);

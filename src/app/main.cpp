@@ -68,7 +68,7 @@ int main(int argc, char** argv)
     config.setSecurePixels([&meter] { meter.recognizer().SecurePixels(); });
     meter.capture().setCaptureFile(home / "Capture.bmp");
     const std::unique_ptr<tvx::MouseButtonSource> mouse = tvx::platform::makeMouseButtonSource();
-    window.setDocumentFolder(tvx::platform::programFolder());
+    window.setDocumentFolder(tvx::platform::documentFolder());
     window.setConfigFile(&config, {&source, &waiter, &clock, &meter.state().cycleSkip});
     window.setEnvironmentSource(tvx::platform::gatherEnvironment);
     window.attach(meter);

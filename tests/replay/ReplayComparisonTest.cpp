@@ -4,6 +4,7 @@
 // TALLIVEX_WINDOWS_CLI names tallivex-cli.exe, TALLIVEX_WINE the wine to run it with.
 #include "recognition/CaptureFile.h"
 #include "base/Utf8Path.h"
+#include "measurement/SessionHistory.h"
 #include "support/GameScreen.h"
 #include "support/ReadFile.h"
 #include "support/TempFolder.h"
@@ -191,9 +192,11 @@ TEST_F(ReplayComparisonTest, BothSystemsWriteTheSameBytes)
         EXPECT_EQ(onWindows.status, onLinux.status) << onWindows.err;
         EXPECT_EQ(onWindows.out, onLinux.out);
         EXPECT_EQ(onWindows.err, onLinux.err);
+        // The record file and the session history beside it, byte for byte alike.
         const auto records = filesUnder(set.linuxFolder / "log");
-        EXPECT_EQ(records.size(), 1u);
+        EXPECT_EQ(records.size(), 2u);
         EXPECT_TRUE(records.contains(set.recordFile)) << "the session's record file is " << set.recordFile;
+        EXPECT_TRUE(records.contains(std::string(kHistoryFileName)));
         EXPECT_EQ(filesUnder(set.windowsFolder / "log"), records);
     }
 }
