@@ -10,114 +10,14 @@
 #include "shell/DebugLog.h"
 #include "support/FakeMachine.h"
 
-#include <QAbstractButton>
 #include <QAction>
 #include <QPlainTextEdit>
 #include <QApplication>
-#include <QComboBox>
 #include <QElapsedTimer>
-#include <QKeyEvent>
-#include <QLabel>
-#include <QLineEdit>
 #include <QMessageBox>
-#include <QTest>
 #include <QTimer>
 
-#include <gtest/gtest.h>
-
 namespace tvx::test {
-
-QWidget* QtWindowDriver::control(const std::string& name)
-{
-    QWidget* window = m_window();
-    QWidget* found = window ? window->findChild<QWidget*>(QString::fromStdString(name)) : nullptr;
-    EXPECT_NE(found, nullptr) << name;
-    return found;
-}
-
-bool QtWindowDriver::isOpen()
-{
-    const QWidget* window = m_window();
-    return window != nullptr && window->isVisible();
-}
-
-std::string QtWindowDriver::title()
-{
-    return m_window()->windowTitle().toStdString();
-}
-
-bool QtWindowDriver::has(const std::string& name)
-{
-    const QWidget* window = m_window();
-    return window != nullptr && window->findChild<QWidget*>(QString::fromStdString(name)) != nullptr;
-}
-
-std::string QtWindowDriver::text(const std::string& name)
-{
-    QWidget* widget = control(name);
-    if (const auto* label = qobject_cast<QLabel*>(widget))
-        return label->text().toStdString();
-    if (const auto* button = qobject_cast<QAbstractButton*>(widget))
-        return button->text().toStdString();
-    if (const auto* edit = qobject_cast<QLineEdit*>(widget))
-        return edit->text().toStdString();
-    if (const auto* combo = qobject_cast<QComboBox*>(widget))
-        return combo->currentText().toStdString();
-    return widget ? widget->windowTitle().toStdString() : std::string();
-}
-
-bool QtWindowDriver::enabled(const std::string& name)
-{
-    const QWidget* widget = control(name);
-    return widget != nullptr && widget->isEnabled();
-}
-
-bool QtWindowDriver::focused(const std::string& name)
-{
-    // The window's own focus: offscreen, a window may stay inactive after a message box.
-    const QWidget* window = m_window();
-    return window != nullptr && window->focusWidget() != nullptr &&
-           window->focusWidget() == window->findChild<QWidget*>(QString::fromStdString(name));
-}
-
-void QtWindowDriver::focus(const std::string& name)
-{
-    control(name)->setFocus();
-}
-
-void QtWindowDriver::click(const std::string& name)
-{
-    QMetaObject::invokeMethod(qobject_cast<QAbstractButton*>(control(name)), "click", Qt::QueuedConnection);
-}
-
-void QtWindowDriver::type(const std::string& name, const std::string& text)
-{
-    QTest::keyClicks(control(name), QString::fromStdString(text));
-}
-
-void QtWindowDriver::setText(const std::string& name, const std::string& text)
-{
-    qobject_cast<QLineEdit*>(control(name))->setText(QString::fromStdString(text));
-}
-
-void QtWindowDriver::press(Key key)
-{
-    QWidget* target = m_window()->focusWidget();
-    const Qt::Key code = key == Key::Enter ? Qt::Key_Return : Qt::Key_Escape;
-    QCoreApplication::postEvent(target, new QKeyEvent(QEvent::KeyPress, code, Qt::NoModifier));
-    QCoreApplication::postEvent(target, new QKeyEvent(QEvent::KeyRelease, code, Qt::NoModifier));
-}
-
-WindowDriver::Box QtWindowDriver::frame()
-{
-    const QRect r = m_window()->frameGeometry();
-    return {r.x(), r.y(), r.width(), r.height()};
-}
-
-void QtWindowDriver::close()
-{
-    QMetaObject::invokeMethod(m_window(), "close", Qt::QueuedConnection);
-}
 
 void playWhile(std::deque<PlayerStep> steps, const std::function<void()>& modal)
 {
@@ -145,6 +45,9 @@ void playWhile(std::deque<PlayerStep> steps, const std::function<void()>& modal)
     EXPECT_FALSE(timedOut);
 }
 
+namespace {
+
+// The active message box with this title, answered: its text.
 std::optional<std::string> answerQtBox(const std::string& title, PromptHost::Button button)
 {
     auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
@@ -158,8 +61,6 @@ std::optional<std::string> answerQtBox(const std::string& title, PromptHost::But
     QMetaObject::invokeMethod(pressed, "click", Qt::QueuedConnection);
     return box->text().toStdString();
 }
-
-namespace {
 
 class QtPromptHost final : public PromptHost {
 public:

@@ -1,5 +1,5 @@
 // The Win32 front end behind the shared window scenarios of tests/windows.
-#include "Win32WindowDriver.h"
+#include "support/WindowDriver.h"
 
 #include "DesktopSupport.h"
 #include "DialogScript.h"
@@ -19,83 +19,58 @@
 
 namespace tvx::test {
 
-HWND Win32WindowDriver::control(const std::string& name)
-{
-    const HWND found = childWithId(m_window(), m_idOf(name));
-    EXPECT_NE(found, nullptr) << name;
-    return found;
-}
+namespace {
 
-bool Win32WindowDriver::isOpen()
-{
-    const HWND window = m_window();
-    return window != nullptr && IsWindowVisible(window);
-}
-
-std::string Win32WindowDriver::title()
-{
-    return win32ui::windowText(m_window());
-}
-
-bool Win32WindowDriver::has(const std::string& name)
-{
-    return m_window() != nullptr && childWithId(m_window(), m_idOf(name)) != nullptr;
-}
-
-std::string Win32WindowDriver::text(const std::string& name)
-{
-    return win32ui::windowText(control(name));
-}
-
-bool Win32WindowDriver::enabled(const std::string& name)
-{
-    return IsWindowEnabled(control(name)) != FALSE;
-}
-
-bool Win32WindowDriver::focused(const std::string& name)
-{
-    const HWND focus = GetFocus();
-    return focus != nullptr && m_window() != nullptr && focus == childWithId(m_window(), m_idOf(name));
-}
-
-void Win32WindowDriver::focus(const std::string& name)
-{
-    SetFocus(control(name));
-}
-
-void Win32WindowDriver::click(const std::string& name)
-{
-    PostMessageW(control(name), BM_CLICK, 0, 0);
-}
-
-void Win32WindowDriver::type(const std::string& name, const std::string& text)
-{
-    typeInto(control(name), win32ui::wide(text));
-}
-
-void Win32WindowDriver::setText(const std::string& name, const std::string& text)
-{
-    win32ui::setText(control(name), text);
-}
-
-void Win32WindowDriver::press(Key key)
-{
-    pressKey(key == Key::Enter ? VK_RETURN : VK_ESCAPE);
-}
-
-WindowDriver::Box Win32WindowDriver::frame()
+WindowDriver::Box boxOf(HWND window)
 {
     RECT r{};
-    GetWindowRect(m_window(), &r);
+    GetWindowRect(window, &r);
     return {r.left, r.top, r.right - r.left, r.bottom - r.top};
 }
 
-void Win32WindowDriver::close()
-{
-    PostMessageW(m_window(), WM_CLOSE, 0, 0);
-}
+// A Win32 window, found afresh for every call, and its controls by the identifiers their
+// names map to.
+class Win32WindowDriver final : public WindowDriver {
+public:
+    Win32WindowDriver(std::function<HWND()> window, std::function<int(const std::string&)> idOf)
+        : m_window(std::move(window)), m_idOf(std::move(idOf))
+    {
+    }
 
-std::optional<std::string> answerWin32Box(const std::string& title, PromptHost::Button button, HWND except)
+    bool isOpen() override { return m_window() != nullptr && IsWindowVisible(m_window()); }
+    std::string title() override { return win32ui::windowText(m_window()); }
+    bool has(const std::string& name) override { return m_window() && childWithId(m_window(), m_idOf(name)); }
+    std::string text(const std::string& name) override { return win32ui::windowText(control(name)); }
+    bool enabled(const std::string& name) override { return IsWindowEnabled(control(name)) != FALSE; }
+    bool focused(const std::string& name) override
+    {
+        return GetFocus() != nullptr && m_window() != nullptr && GetFocus() == childWithId(m_window(), m_idOf(name));
+    }
+    void focus(const std::string& name) override { SetFocus(control(name)); }
+    void click(const std::string& name) override { PostMessageW(control(name), BM_CLICK, 0, 0); }
+    void type(const std::string& name, const std::string& text) override
+    {
+        typeInto(control(name), win32ui::wide(text));
+    }
+    void setText(const std::string& name, const std::string& text) override { win32ui::setText(control(name), text); }
+    void press(Key key) override { pressKey(key == Key::Enter ? VK_RETURN : VK_ESCAPE); }
+    Box frame() override { return boxOf(m_window()); }
+    void close() override { PostMessageW(m_window(), WM_CLOSE, 0, 0); }
+
+    HWND control(const std::string& name)
+    {
+        const HWND found = childWithId(m_window(), m_idOf(name));
+        EXPECT_NE(found, nullptr) << name;
+        return found;
+    }
+
+private:
+    std::function<HWND()> m_window;
+    std::function<int(const std::string&)> m_idOf;
+};
+
+// The visible message box of this thread with this title, answered: its text, lines joined by "\n".
+std::optional<std::string> answerBox(const std::string& title, PromptHost::Button button, HWND except)
 {
     struct Wanted {
         std::wstring title;
@@ -123,8 +98,6 @@ std::optional<std::string> answerWin32Box(const std::string& title, PromptHost::
     PostMessageW(wanted.found, WM_COMMAND, ids[static_cast<int>(button)], 0);
     return text;
 }
-
-namespace {
 
 // The number dialog: the visible window of this thread with its 決定 button.
 HWND numberDialogWindow()
@@ -183,16 +156,11 @@ public:
 
     WindowDriver& numberDialog() override { return m_dialog; }
 
-    WindowDriver::Box owner() override
-    {
-        RECT r{};
-        GetWindowRect(m_owner, &r);
-        return {r.left, r.top, r.right - r.left, r.bottom - r.top};
-    }
+    WindowDriver::Box owner() override { return boxOf(m_owner); }
 
     std::optional<std::string> answerBox(const std::string& title, Button button) override
     {
-        return answerWin32Box(title, button, numberDialogWindow());
+        return test::answerBox(title, button, numberDialogWindow());
     }
 
 private:
