@@ -9,6 +9,7 @@
 #include "recognition/GlyphPainter.h"
 #include "base/Utf8Path.h"
 #include "support/FakeClock.h"
+#include "support/GameScreen.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TempFolder.h"
 
@@ -48,18 +49,6 @@ public:
     std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect>) override { return image; }
     std::optional<CaptureBitmap> image;
 };
-
-// A screen with the given level drawn in the default level region.
-CaptureBitmap screenWithLevel(const char* level)
-{
-    const Settings s = defaultSettings("");
-    Frame frame(800, 600);
-    for (int r = 0; r < kRegionCount; ++r)
-        paintRegionBackground(frame, s.CaptureRegion[static_cast<std::size_t>(r)], defaultInkColors(r));
-    paintColumns(frame, s.CaptureRegion[RegionLevel], 1, numberColumns(s.PatternStrings[RegionLevel], level, true),
-                 defaultInkColors(RegionLevel));
-    return toCaptureBitmap(frame);
-}
 
 class FormOptionTest : public testing::Test {
 protected:
@@ -157,7 +146,7 @@ TEST_F(FormOptionTest, PatternCaptureWaitsGrabsSavesAndShowsTheRegions)
 {
     FakeWaiter waiter;
     FakeScreen screen;
-    screen.image = screenWithLevel("137");
+    screen.image = test::gameCapture({"137", "", ""});
     bool cycleSkip = false;
     bool heldWhileWaiting = false;
     waiter.during = [&] { heldWhileWaiting = cycleSkip; };
@@ -186,7 +175,7 @@ TEST_F(FormOptionTest, ATemplateIsTakenFromTheBinarisedColumnsOrDrawnPixelByPixe
 {
     const std::string five = m_settings.PatternStrings[RegionLevel][5];
     m_settings.PatternStrings[RegionLevel][5] = "";
-    const CaptureBitmap capture = screenWithLevel("57");
+    const CaptureBitmap capture = test::gameCapture({"57", "", ""});
     FormOption form(m_config, &capture);
     EXPECT_NE(child<QLabel>(form, "lblResult0")->text(), QStringLiteral("認識結果： 57"));
 
@@ -210,7 +199,7 @@ TEST_F(FormOptionTest, ATemplateIsTakenFromTheBinarisedColumnsOrDrawnPixelByPixe
 TEST_F(FormOptionTest, TheFirstShowingFitsTheRegionsOnTheScreen)
 {
     // The pictures of the last capture widen the regions page; shown, the window takes them in.
-    const CaptureBitmap capture = screenWithLevel("137");
+    const CaptureBitmap capture = test::gameCapture({"137", "", ""});
     FormOption form(m_config, &capture);
     form.show();
     QTest::qWait(20);
