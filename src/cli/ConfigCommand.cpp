@@ -86,6 +86,12 @@ std::string settingsJson(const Settings& s)
     field("PatternStrings", array(s.PatternStrings, [](const PatternSet& set) {
               return array(set, [](const std::string& p) { return jsonString(p); });
           }));
+    field("Reading", array(s.Reading, [](const RegionReading& r) {
+              return std::string("{\"Mode\":") + (r.Mode == ReadingMode::Shapes ? "\"shapes\"" : "\"exact\"") +
+                     ",\"EndGap\":" + number(r.EndGap) + ",\"Tolerance\":" + number(r.Tolerance) +
+                     ",\"Pitch\":" + number(r.Pitch) + ",\"Separator\":" + jsonString(r.Separator) +
+                     ",\"Shapes\":" + jsonString(shapesText(r.Shapes)) + "}";
+          }));
     field("ScreenCapture", number(static_cast<std::int32_t>(s.ScreenCapture)));
     field("SearchWindowName", jsonString(s.SearchWindowName));
     return out + "}";

@@ -8,7 +8,7 @@
 
 #include "base/Utf8Path.h"
 #include "config/ConfigFile.h"
-#include "recognition/TemplateLearner.h"
+#include "recognition/RegionLearner.h"
 #include "shell/DebugLog.h"
 
 #include <array>
@@ -83,23 +83,40 @@ std::string describeRefusal(const LearnOutcome& outcome, std::size_t digits)
     return "refused";
 }
 
-std::string regionJson(const TemplateLearner& learner)
+std::string regionJson(const RegionLearner& learner)
 {
     std::string learnt;
-    std::string missing;
     for (int d = 0; d < 10; ++d)
-        (learner.seen(d) ? learnt : missing) += static_cast<char>('0' + d);
+        if (learner.seen(d))
+            learnt += static_cast<char>('0' + d);
     const std::optional<std::int32_t> separator = learner.separatorWidth();
+    const bool exact = learner.mode() == ReadingMode::Exact;
     return "{\"region\":" + jsonString(kRegionNames[static_cast<std::size_t>(learner.region())]) +
-           ",\"images\":" + std::to_string(learner.imageCount()) + ",\"width\":" + std::to_string(learner.glyphWidth()) +
-           ",\"learnt\":" + jsonString(learnt) + ",\"missing\":" + jsonString(missing) +
+           ",\"images\":" + std::to_string(learner.imageCount()) + ",\"mode\":" + jsonString(exact ? "exact" : "shapes") +
+           ",\"width\":" + (exact ? std::to_string(learner.glyphSize()) : "null") +
+           (exact ? "" : ",\"height\":" + std::to_string(learner.glyphSize())) +
+           ",\"threshold\":" + std::to_string(learner.threshold()) +
+           ",\"thresholdProposed\":" + (learner.thresholdProposed() ? "true" : "false") +
+           ",\"learnt\":" + jsonString(learnt) + ",\"missing\":" + jsonString(learner.missing()) +
            ",\"endMark\":" + (learner.seen(kEndMarkGlyph) ? "true" : "false") +
            ",\"separator\":" + (separator ? std::to_string(*separator) : "null") +
-           ",\"ambiguous\":" + (learner.ambiguous() ? "true" : "false") + "}";
+           ",\"ambiguous\":" + (learner.ambiguous() ? "true" : "false") +
+           ",\"replaced\":" + (learner.replacedPrior() ? "true" : "false") + "}";
+}
+
+// What changed beyond the glyphs, for the player to see.
+void tellChanges(const RegionLearner& learner, std::int32_t oldThreshold, std::ostream& err)
+{
+    const char* name = kRegionNames[static_cast<std::size_t>(learner.region())];
+    if (learner.thresholdProposed())
+        err << name << ": threshold " << oldThreshold << " does not separate the digits; " << learner.threshold()
+            << " is proposed and saved\n";
+    if (learner.replacedPrior())
+        err << name << ": the screens contradict what was taught before; it is replaced\n";
 }
 
 // Feeds one image to the learners; false when it could not be read or a region was refused.
-bool learnImage(const std::string* group, std::array<TemplateLearner, kRegionCount>& learners, std::ostream& err)
+bool learnImage(const std::string* group, std::array<RegionLearner, kRegionCount>& learners, std::ostream& err)
 {
     const std::string& image = group[0];
     CaptureBitmap bitmap;
@@ -146,9 +163,10 @@ int runLearn(const std::vector<std::string>& args, std::ostream& out, std::ostre
         return 2;
     const std::filesystem::path& folder = *home;
     Settings settings = loadCliSettings(folder, options.answers, err);
-    std::array<TemplateLearner, kRegionCount> learners{TemplateLearner(settings, RegionLevel),
-                                                       TemplateLearner(settings, RegionExp),
-                                                       TemplateLearner(settings, RegionMoney)};
+    const std::array<std::int32_t, kRegionCount> oldThresholds = settings.BinaryThreshold;
+    std::array<RegionLearner, kRegionCount> learners{RegionLearner(settings, RegionLevel),
+                                                     RegionLearner(settings, RegionExp),
+                                                     RegionLearner(settings, RegionMoney)};
     bool consistent = true;
     for (std::size_t i = 0; i < options.groups.size(); i += kGroup)
         consistent = learnImage(&options.groups[i], learners, err) && consistent;
@@ -156,13 +174,15 @@ int runLearn(const std::vector<std::string>& args, std::ostream& out, std::ostre
         err << "tallivex-cli learn: nothing was saved\n";
         return 2;
     }
-    for (const TemplateLearner& learner : learners)
+    for (const RegionLearner& learner : learners) {
         learner.applyTo(settings);
+        tellChanges(learner, oldThresholds[static_cast<std::size_t>(learner.region())], err);
+    }
     if (!save(settings, folder, options.answers, err)) {
         err << "tallivex-cli learn: the configuration could not be written\n";
         return 2;
     }
-    for (const TemplateLearner& learner : learners)
+    for (const RegionLearner& learner : learners)
         out << regionJson(learner) << '\n';
     return 0;
 }

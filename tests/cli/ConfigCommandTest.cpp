@@ -66,17 +66,25 @@ TEST_F(ConfigCommandTest, ShowSaveAndDefaultsTreatAnEditedFileAsTheProgramWould)
     Settings edited = defaultSettings(pathUtf8(m_home));
     edited.CaptureInterval = 9;
     edited.SearchWindowName = "Other Game";
+    RegionReading& shapes = edited.Reading[RegionExp];
+    shapes.Mode = ReadingMode::Shapes;
+    shapes.EndGap = 3;
+    shapes.Tolerance = 40;
+    shapes.Shapes = {GlyphShape{1, 2, 3, {1, 2, 3}}};
+    const char* taught =
+        "{\"Mode\":\"shapes\",\"EndGap\":3,\"Tolerance\":40,\"Pitch\":0,\"Separator\":\"\",\"Shapes\":\"1:2x3:123\"}";
     struct Case {
         std::vector<std::string> args;
         const char* interval;
         const char* target;
         bool rewritten;
+        bool shapes;
     };
     const Case cases[] = {
-        {{"show", "--no"}, "\"CaptureInterval\":9,", "\"MapleStory\"", false},
-        {{"show", "--yes"}, "\"CaptureInterval\":9,", "\"Other Game\"", true},
-        {{"save", "--no"}, "\"CaptureInterval\":9,", "\"MapleStory\"", true},
-        {{"defaults", "--yes"}, "\"CaptureInterval\":6,", "\"Other Game\"", true},
+        {{"show", "--no"}, "\"CaptureInterval\":9,", "\"MapleStory\"", false, true},
+        {{"show", "--yes"}, "\"CaptureInterval\":9,", "\"Other Game\"", true, true},
+        {{"save", "--no"}, "\"CaptureInterval\":9,", "\"MapleStory\"", true, true},
+        {{"defaults", "--yes"}, "\"CaptureInterval\":6,", "\"Other Game\"", true, false},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.args[0] + " " + c.args[1]);
@@ -84,6 +92,7 @@ TEST_F(ConfigCommandTest, ShowSaveAndDefaultsTreatAnEditedFileAsTheProgramWould)
         EXPECT_EQ(run(c.args), 0);
         EXPECT_TRUE(has(m_out.str(), c.interval)) << m_out.str();
         EXPECT_TRUE(has(m_out.str(), std::string("\"SearchWindowName\":") + c.target)) << m_out.str();
+        EXPECT_EQ(has(m_out.str(), taught), c.shapes) << m_out.str();
         EXPECT_EQ(has(file(), "\r\n"), c.rewritten);
     }
 }

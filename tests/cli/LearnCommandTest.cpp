@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <sstream>
 
 namespace tvx {
@@ -61,12 +62,15 @@ TEST_F(LearnCommandTest, AFewScreensTeachAnUnknownFontThatRecognizeThenReads)
     }
     ASSERT_EQ(learn(args), 0) << m_err.str();
     EXPECT_EQ(m_out.str(),
-              "{\"region\":\"level\",\"images\":5,\"width\":6,\"learnt\":\"0123456789\",\"missing\":\"\","
-              "\"endMark\":true,\"separator\":null,\"ambiguous\":false}\n"
-              "{\"region\":\"exp\",\"images\":5,\"width\":6,\"learnt\":\"0123456789\",\"missing\":\"\","
-              "\"endMark\":true,\"separator\":0,\"ambiguous\":false}\n"
-              "{\"region\":\"money\",\"images\":5,\"width\":6,\"learnt\":\"0123456789\",\"missing\":\"\","
-              "\"endMark\":true,\"separator\":2,\"ambiguous\":false}\n");
+              "{\"region\":\"level\",\"images\":5,\"mode\":\"exact\",\"width\":6,\"threshold\":188,"
+              "\"thresholdProposed\":false,\"learnt\":\"0123456789\",\"missing\":\"\",\"endMark\":true,"
+              "\"separator\":null,\"ambiguous\":false,\"replaced\":false}\n"
+              "{\"region\":\"exp\",\"images\":5,\"mode\":\"exact\",\"width\":6,\"threshold\":133,"
+              "\"thresholdProposed\":false,\"learnt\":\"0123456789\",\"missing\":\"\",\"endMark\":true,"
+              "\"separator\":0,\"ambiguous\":false,\"replaced\":false}\n"
+              "{\"region\":\"money\",\"images\":5,\"mode\":\"exact\",\"width\":6,\"threshold\":223,"
+              "\"thresholdProposed\":false,\"learnt\":\"0123456789\",\"missing\":\"\",\"endMark\":true,"
+              "\"separator\":2,\"ambiguous\":false,\"replaced\":false}\n");
 
     const std::string unseen = screen("new.bmp", {"185", "7301264", "6,543,210"}, 9);
     EXPECT_EQ(recognize({unseen}), 0) << m_err.str();
@@ -80,10 +84,12 @@ TEST_F(LearnCommandTest, SkippedRegionsKeepTheirTemplatesAndReportWhatIsMissing)
               0)
         << m_err.str();
     const std::string out = m_out.str();
-    EXPECT_NE(out.find("\"region\":\"level\",\"images\":2,\"width\":6,\"learnt\":\"37\",\"missing\":\"01245689\""),
+    EXPECT_NE(out.find("\"region\":\"level\",\"images\":2,\"mode\":\"exact\",\"width\":6,\"threshold\":188,"
+                       "\"thresholdProposed\":false,\"learnt\":\"37\",\"missing\":\"01245689\""),
               std::string::npos)
         << out;
-    EXPECT_NE(out.find("{\"region\":\"exp\",\"images\":0,\"width\":5,\"learnt\":\"\",\"missing\":\"0123456789\""),
+    EXPECT_NE(out.find("{\"region\":\"exp\",\"images\":0,\"mode\":\"exact\",\"width\":5,\"threshold\":133,"
+                       "\"thresholdProposed\":false,\"learnt\":\"\",\"missing\":\"\""),
               std::string::npos)
         << out;
     // Lines 21 to 33 hold the level's settings, 34 to 59 those of the experience and money.
@@ -93,6 +99,30 @@ TEST_F(LearnCommandTest, SkippedRegionsKeepTheirTemplatesAndReportWhatIsMissing)
     };
     EXPECT_EQ(lines(config(), 34, 59), lines(before, 34, 59));
     EXPECT_NE(lines(config(), 21, 33), lines(before, 21, 33));
+}
+
+// One screen a call, as players teach: each call keeps what the ones before taught, the
+// file loads as saved after every call, and a digit not taught yet fails the reading.
+TEST_F(LearnCommandTest, ScreensTaughtOneACallAddUpAndLoadAsSaved)
+{
+    const std::array<std::string, kRegionCount> calls[] = {{"72", "1430517", "-"}, {"3", "86", "-"}, {"194", "29", "-"}};
+    for (std::uint32_t i = 0; i < std::size(calls); ++i) {
+        const std::string image = screen(std::to_string(i) + ".bmp", {calls[i][0], calls[i][1], ""}, i + 1);
+        ASSERT_EQ(learn({image, calls[i][0], calls[i][1], "-"}), 0) << m_err.str();
+        EXPECT_EQ(m_out.str().find("\"replaced\":true"), std::string::npos) << "call " << i << ": " << m_out.str();
+        // Read back as the program loads it: no back-up, no defaults in its place.
+        const std::string saved = config();
+        EXPECT_EQ(recognize({image}), 0) << m_err.str();
+        EXPECT_NE(m_out.str().find("\"level\":" + calls[i][0] + ",\"exp\":" + calls[i][1]), std::string::npos)
+            << m_out.str();
+        EXPECT_EQ(config(), saved);
+        EXPECT_FALSE(std::filesystem::exists(m_home.path() / "TV2MConfigBack.ini"));
+    }
+    // Digits of all three calls together; 5 and 6 of the level were never shown.
+    EXPECT_EQ(recognize({screen("held.bmp", {"147", "9831", ""}, 7), screen("new.bmp", {"56", "3", ""}, 8)}), 0);
+    const std::string out = m_out.str();
+    EXPECT_NE(out.find("\"level\":147,\"exp\":9831"), std::string::npos) << out;
+    EXPECT_NE(out.find("\"level\":-1,\"exp\":3,"), std::string::npos) << out;
 }
 
 TEST_F(LearnCommandTest, ARefusedImageSavesNothing)

@@ -42,6 +42,8 @@ protected:
         ASSERT_TRUE(xvfb.started()) << "Xvfb is missing";
         ASSERT_TRUE(test::eventually([&] { return fs::exists("/tmp/.X11-unix/X" + std::to_string(n)); }, 10s));
         setenv("DISPLAY", display.c_str(), 1);
+        // The socket comes before the server takes clients: a program started then finds no display.
+        ASSERT_TRUE(test::eventually([&] { return !x("getdisplaygeometry").empty(); }, 10s)) << "Xvfb takes no clients";
         test::writeSessionSettings(home.path(), save);
     }
 

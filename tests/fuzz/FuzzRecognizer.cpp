@@ -1,5 +1,5 @@
-// The recogniser with settings of any value: regions, thresholds, masks, glyph widths and
-// templates come from the input, over a small picture that comes from it too. Settings
+// The recogniser with settings of any value: regions, thresholds, masks, glyph widths,
+// templates and shapes come from the input, over a small picture that comes from it too. Settings
 // only the file could hold are checked there; here nothing may crash or run unbounded.
 #include "base/Errors.h"
 #include "recognition/ScreenRecognizer.h"
@@ -28,6 +28,16 @@ Settings fuzzedSettings(FuzzedDataProvider& in)
         for (std::string& pattern : s.PatternStrings[r])
             if (in.ConsumeBool())
                 pattern = in.ConsumeRandomLengthString(64);
+        // Read by shape, with shapes, gaps, tolerance and pitch of any value.
+        if (in.ConsumeBool()) {
+            RegionReading& reading = s.Reading[r];
+            reading.Mode = ReadingMode::Shapes;
+            reading.EndGap = near(20);
+            reading.Tolerance = near(1000);
+            reading.Pitch = near(2000);
+            if (auto shapes = parseShapes(in.ConsumeRandomLengthString(256)))
+                reading.Shapes = *std::move(shapes);
+        }
     }
     return s;
 }
@@ -65,7 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         (void)RecognizeNumber(RegionLevel,
                               RecognizerInput{columns, &settings.PatternStrings[0], in.ConsumeIntegral<std::int32_t>(),
-                                              in.ConsumeIntegral<std::int32_t>()},
+                                              in.ConsumeIntegral<std::int32_t>(), {}},
                               true);
     } catch (const RuntimeError&) {
     }

@@ -151,7 +151,7 @@ TEST_F(FormOptionTest, PatternCaptureWaitsGrabsSavesAndShowsTheRegions)
     bool heldWhileWaiting = false;
     waiter.during = [&] { heldWhileWaiting = cycleSkip; };
     FormOption form(m_config, nullptr, {&screen, &waiter, &m_clock, &cycleSkip});
-    EXPECT_EQ(child<QLabel>(form, "lblResult0")->text(), QStringLiteral("認識結果： キャプチャ画像がありません"));
+    EXPECT_EQ(child<QLabel>(form, "lblResult0")->text(), QStringLiteral("認識結果： キャプチャ画像がありません　［完全一致］"));
 
     click(form, "cmdCapture");
     EXPECT_EQ(waiter.waited, std::vector<std::int32_t>{10000});
@@ -159,7 +159,7 @@ TEST_F(FormOptionTest, PatternCaptureWaitsGrabsSavesAndShowsTheRegions)
     EXPECT_FALSE(cycleSkip) << "and readings go on afterwards";
     EXPECT_TRUE(std::filesystem::exists(m_home / "Capture_0309070502.bmp"));
     EXPECT_EQ(m_sized, 1);
-    EXPECT_EQ(child<QLabel>(form, "lblResult0")->text(), QStringLiteral("認識結果： 137"));
+    EXPECT_EQ(child<QLabel>(form, "lblResult0")->text(), QStringLiteral("認識結果： 137　［完全一致］"));
     EXPECT_FALSE(child<QLabel>(form, "picCapture0")->pixmap().isNull());
 
     screen.image.reset();
@@ -177,7 +177,7 @@ TEST_F(FormOptionTest, ATemplateIsTakenFromTheBinarisedColumnsOrDrawnPixelByPixe
     m_settings.PatternStrings[RegionLevel][5] = "";
     const CaptureBitmap capture = test::gameCapture({"57", "", ""});
     FormOption form(m_config, &capture);
-    EXPECT_NE(child<QLabel>(form, "lblResult0")->text(), QStringLiteral("認識結果： 57"));
+    EXPECT_NE(child<QLabel>(form, "lblResult0")->text(), QStringLiteral("認識結果： 57　［完全一致］"));
 
     auto* tile = child<GlyphView>(form, "picPattern5");
     QTest::mouseClick(tile, Qt::LeftButton);
@@ -187,7 +187,7 @@ TEST_F(FormOptionTest, ATemplateIsTakenFromTheBinarisedColumnsOrDrawnPixelByPixe
     EXPECT_EQ(columns->selectionLength(), 7);
     click(form, "cmdTakeColumns");
     EXPECT_EQ(m_settings.PatternStrings[RegionLevel][5], five);
-    EXPECT_EQ(child<QLabel>(form, "lblResult0")->text(), QStringLiteral("認識結果： 57"));
+    EXPECT_EQ(child<QLabel>(form, "lblResult0")->text(), QStringLiteral("認識結果： 57　［完全一致］"));
 
     // Row 0 of the first column is blank in every template; a click inks it.
     auto* editor = child<GlyphView>(form, "picEditor");

@@ -164,7 +164,7 @@ TEST_F(FormOptionTest, ANumberIsAskedOverTheWindowAndClosingOffersToSaveTheEdits
     });
     EXPECT_EQ(before, L"6");
     EXPECT_EQ(after, L"12");
-    EXPECT_EQ(levelRead, L"認識結果： 137");
+    EXPECT_EQ(levelRead, L"認識結果： 137　［完全一致］");
     EXPECT_EQ(m_settings.CaptureInterval, 12);
     EXPECT_FALSE(m_settings.Graph);
     EXPECT_GE(m_changes, 2);
@@ -212,7 +212,7 @@ TEST_F(FormOptionTest, APixelClickedInTheEditorAndColumnsTakenFromTheCaptureBeco
         answerBox(kOptions, IDNO, &question),
     });
     EXPECT_TRUE(takeEnabled);
-    EXPECT_EQ(levelRead, L"認識結果： 57");
+    EXPECT_EQ(levelRead, L"認識結果： 57　［完全一致］");
     EXPECT_FALSE(question.empty()) << "the edits were not saved, so closing asked";
     EXPECT_EQ(m_settings.PatternStrings[RegionLevel][5], "004F" + five.substr(4));
 }

@@ -2,6 +2,7 @@
 
 #include "base/CopyOver.h"
 #include "base/Utf8Path.h"
+#include "config/PatternColumns.h"
 #include "config/SettingRanges.h"
 #include "shell/TextWidth.h"
 
@@ -211,23 +212,55 @@ void readCommonLines(FieldReader& in, Settings& s)
 }
 
 // Our lines after the 60: each may be missing (a file of the older program) and a value
-// that does not parse keeps the default rather than condemning the whole file.
-void readOwnLines(FieldReader& in, Settings& s)
+// that does not parse keeps the default rather than condemning the whole file; the notes
+// say what was not taken.
+void readOwnLines(FieldReader& in, Settings& s, std::vector<std::string>& notes)
 {
-    s.ScreenCapture = Settings{}.ScreenCapture;
-    if (in.atEnd())
-        return;
-    try {
-        in.beginLine(1);
-        const std::int32_t method = in.integer();
-        if (method == static_cast<std::int32_t>(CaptureMethod::PrintScreen))
+    const Settings fresh;
+    s.ScreenCapture = fresh.ScreenCapture;
+    s.Reading = fresh.Reading;
+    const auto line = [&](std::size_t values, const std::string& name, const auto& read) {
+        if (in.atEnd())
+            return;
+        try {
+            in.beginLine(values);
+            read();
+        } catch (const RuntimeError&) {
+            notes.push_back("Setting Not Readable : " + name + " ");
+        }
+    };
+    line(1, "ScreenCapture", [&] {
+        if (in.integer() == static_cast<std::int32_t>(CaptureMethod::PrintScreen))
             s.ScreenCapture = CaptureMethod::PrintScreen;
-    } catch (const RuntimeError&) {
-    }
+    });
+    for (std::size_t r = 0; r < kRegionCount; ++r)
+        line(5, "Reading(" + std::to_string(r + 1) + ")", [&] {
+            const std::int32_t mode = in.integer();
+            const std::int32_t endGap = in.integer();
+            const std::int32_t tolerance = in.integer();
+            const std::int32_t pitch = in.integer();
+            const std::string separator = in.text();
+            if (mode < 0 || mode > 1 || endGap < 0 || endGap > kMaxScreenSide || tolerance < 0 || tolerance > 1000 ||
+                pitch < 0 || (pitch > 0 && pitch < 100) || pitch > 100 * kMaxShapeWidth ||
+                !decodePatternColumns(separator))
+                throw RuntimeError(ErrorNumber::InvalidProcedureCall);
+            s.Reading[r].Mode = static_cast<ReadingMode>(mode);
+            s.Reading[r].EndGap = endGap;
+            s.Reading[r].Tolerance = tolerance;
+            s.Reading[r].Pitch = pitch;
+            s.Reading[r].Separator = separator;
+        });
+    for (std::size_t r = 0; r < kRegionCount; ++r)
+        line(1, "Shapes(" + std::to_string(r + 1) + ")", [&] {
+            auto shapes = parseShapes(in.text());
+            if (!shapes)
+                throw RuntimeError(ErrorNumber::TypeMismatch);
+            s.Reading[r].Shapes = *std::move(shapes);
+        });
 }
 
 // Reads the current file into s and returns the target name it holds.
-std::string readCurrentFile(std::string_view text, Settings& s)
+std::string readCurrentFile(std::string_view text, Settings& s, std::vector<std::string>& notes)
 {
     FieldReader in(text);
     in.skipLine();
@@ -246,7 +279,7 @@ std::string readCurrentFile(std::string_view text, Settings& s)
     }
     in.beginLine(1);
     std::string target = in.text();
-    readOwnLines(in, s);
+    readOwnLines(in, s, notes);
     return target;
 }
 
@@ -388,6 +421,13 @@ std::string configFileText(const Settings& s)
     }
     line(s.SearchWindowName + "     , 検索ウィンドウ名");
     line(N(static_cast<std::int32_t>(s.ScreenCapture)) + ",          画面の取り込み方法(0:直接 1:PrintScreenキー)");
+    for (std::size_t r = 0; r < kRegionCount; ++r)
+        line(N(static_cast<std::int32_t>(s.Reading[r].Mode)) + "," + N(s.Reading[r].EndGap) + "," +
+             N(s.Reading[r].Tolerance) + "," + N(s.Reading[r].Pitch) + ", " + s.Reading[r].Separator +
+             " , 読み取り方式(0:完全一致 1:字形)、数字の後の空白幅、字形の許容差(千分率)、数字の間隔(百分率)、桁区切りパターン" +
+             std::to_string(r + 1));
+    for (std::size_t r = 0; r < kRegionCount; ++r)
+        line(shapesText(s.Reading[r].Shapes) + " , 字形一覧" + std::to_string(r + 1));
     return out;
 }
 
@@ -439,8 +479,9 @@ void ConfigFile::load()
         std::optional<ErrorNumber> error;
         std::string detail;
         try {
-            target = readCurrentFile(readFileText(path(), m_codec), read);
-            clamped = enforceSettingRanges(read);
+            target = readCurrentFile(readFileText(path(), m_codec), read, clamped);
+            const std::vector<std::string> ranges = enforceSettingRanges(read);
+            clamped.insert(clamped.end(), ranges.begin(), ranges.end());
         } catch (const RuntimeError& e) {
             error = e.number();
             detail = e.what();

@@ -2,6 +2,17 @@
 
 namespace tvx {
 
+int hexDigitValue(char c)
+{
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if (c >= 'A' && c <= 'F')
+        return c - 'A' + 10;
+    if (c >= 'a' && c <= 'f')
+        return c - 'a' + 10;
+    return -1;
+}
+
 std::optional<std::vector<std::uint16_t>> decodePatternColumns(std::string_view groups)
 {
     if (groups.size() % 4 != 0)
@@ -11,15 +22,8 @@ std::optional<std::vector<std::uint16_t>> decodePatternColumns(std::string_view 
     for (std::size_t i = 0; i < groups.size(); i += 4) {
         std::uint16_t column = 0;
         for (std::size_t k = 0; k < 4; ++k) {
-            const char c = groups[i + k];
-            int digit = 0;
-            if (c >= '0' && c <= '9')
-                digit = c - '0';
-            else if (c >= 'A' && c <= 'F')
-                digit = c - 'A' + 10;
-            else if (c >= 'a' && c <= 'f')
-                digit = c - 'a' + 10;
-            else
+            const int digit = hexDigitValue(groups[i + k]);
+            if (digit < 0)
                 return std::nullopt;
             column = static_cast<std::uint16_t>((column << 4) | digit);
         }

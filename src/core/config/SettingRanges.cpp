@@ -84,25 +84,35 @@ void enforceRange(const SettingRange& range, Settings& settings, std::vector<std
     }
 }
 
+// Templates the walk cannot use are kept as the player left them: the region then fails
+// where they would be needed rather than losing everything else in the file.
 void enforcePatterns(Settings& settings, std::vector<std::string>& clamped)
 {
     for (std::size_t r = 0; r < kRegionCount; ++r) {
         const auto width = static_cast<std::size_t>(settings.ReferenceSize[r].Width);
+        std::string notWhole;
         for (std::size_t j = 0; j < kPatternCount; ++j) {
             std::string& pattern = settings.PatternStrings[r][j];
-            const std::string name = "PatternStrings(" + std::to_string(r + 1) + "," + std::to_string(j) + ")";
+            const std::string index = std::to_string(j);
             const auto columns = decodePatternColumns(pattern);
-            if (!columns)
-                throw RuntimeError(ErrorNumber::TypeMismatch, name + " = \"" + pattern + "\" is not hexadecimal");
-            if (columns->size() != width)
-                throw RuntimeError(ErrorNumber::InvalidProcedureCall,
-                                   name + " has " + std::to_string(columns->size()) + " columns, not " +
-                                       std::to_string(width));
+            if (pattern.empty())
+                notWhole += " " + index + " empty,";
+            else if (!columns)
+                notWhole += " " + index + " not hexadecimal columns,";
+            else if (columns->size() != width)
+                notWhole += " " + index + " " + std::to_string(columns->size()) + " columns,";
+            if (!columns || pattern.empty())
+                continue;
             std::string upper = encodePatternColumns(*columns);
             if (upper != pattern) {
-                clamped.push_back(clampedLine(name, pattern, upper));
+                clamped.push_back(clampedLine("PatternStrings(" + std::to_string(r + 1) + "," + index + ")", pattern, upper));
                 pattern = std::move(upper);
             }
+        }
+        if (!notWhole.empty()) {
+            notWhole.pop_back();
+            clamped.push_back("Setting Not Whole : PatternStrings(" + std::to_string(r + 1) + ") width " +
+                              std::to_string(width) + " :" + notWhole + " ");
         }
     }
 }

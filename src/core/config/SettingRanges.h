@@ -13,8 +13,10 @@ namespace tvx {
 
 // No screen is wider or taller; a region or glyph beyond it cannot be meant.
 inline constexpr std::int32_t kMaxScreenSide = 16384;
-// Rows a column mask holds in a signed 32-bit number.
-inline constexpr std::int32_t kMaxRegionRows = 30;
+// Rows a region may have: glyphs of a 4K screen or a scaled UI are read whole by shape.
+inline constexpr std::int32_t kMaxRegionRows = 256;
+// Pixels of the largest region: a screen-wide line of text of 62 rows.
+inline constexpr std::int64_t kMaxRegionCells = std::int64_t{kMaxScreenSide + 1} * 62;
 
 // What a value outside its range read from the configuration file means.
 enum class OutOfRange {
@@ -32,9 +34,10 @@ struct SettingRange {
 };
 
 // Every integer setting with its valid range and rule. Two texts are checked as well:
-// each of PatternStrings(r, 0..10) must be 4 x ReferenceSize(r).Width hexadecimal digits
-// (lower case is raised to upper case and logged, anything else is damage), and SaveFormat
-// must be one of the four image formats (anything else becomes ".png" and is logged).
+// PatternStrings(r, 0..10) are raised to upper case; one that is empty, not hexadecimal or
+// not 4 x ReferenceSize(r).Width digits long is kept as it is (the region then reads only
+// what its whole templates can tell) and logged; SaveFormat must be one of the four image
+// formats (anything else becomes ".png" and is logged).
 std::span<const SettingRange> settingRanges();
 
 // "Lag", "BinaryThreshold(2)", "CaptureRegion(1).SizeX".

@@ -57,6 +57,7 @@ void resetRecognitionDefaults(Settings& settings, ScreenMode mode)
     settings.BinaryMask = fresh.BinaryMask;
     settings.ReferenceSize = fresh.ReferenceSize;
     settings.PatternStrings = defaultPatternStrings();
+    settings.Reading = fresh.Reading;
 }
 
 void restoreDefaults(Settings& settings, std::string_view programFolder, ScreenMode mode)

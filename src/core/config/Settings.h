@@ -1,5 +1,7 @@
 #pragma once
 
+#include "config/GlyphShape.h"
+
 #include <array>
 #include <cstdint>
 #include <string>
@@ -45,6 +47,28 @@ using PatternSet = std::array<std::string, kPatternCount>;
 // pressing Print Screen and taking the clipboard's bitmap after Lag.
 enum class CaptureMethod : std::int32_t { Direct = 0, PrintScreen = 1 };
 
+// How a region's digits are matched: the exact walk over 16-row column groups with one
+// template per digit, or by shape, for glyphs that differ by a pixel from one place to
+// another (scaled or smoothed UIs, lossy pictures) or are taller than 16 rows.
+enum class ReadingMode : std::int32_t { Exact = 0, Shapes = 1 };
+
+struct RegionReading {
+    ReadingMode Mode = ReadingMode::Exact;
+    // Shapes: blank columns after a digit that end the number (0: only an end mark does).
+    std::int32_t EndGap = 0;
+    // Exact: the thousands separator's columns once learnt (the walk steps over it).
+    std::string Separator;
+    // Shapes: the columns from one digit to the next (in hundredths) where digits touch, so
+    // that a piece of several is cut as it was when taught (0: none seen).
+    std::int32_t Pitch = 0;
+    // Shapes: how unlike a taught shape (in thousandths) a glyph may be and still be it.
+    std::int32_t Tolerance = 0;
+    // Shapes: every way each glyph was seen drawn.
+    std::vector<GlyphShape> Shapes;
+
+    friend bool operator==(const RegionReading&, const RegionReading&) = default;
+};
+
 // The one settings record. Regions are indexed 0..2 here; the user sees them as 1..3.
 struct Settings {
     std::array<CaptureRegionRect, kRegionCount> CaptureRegion{};
@@ -76,6 +100,7 @@ struct Settings {
     std::string SearchWindowName = "MapleStory";
     // Ours, stored after the 60 lines where an older reader never looks.
     CaptureMethod ScreenCapture = CaptureMethod::Direct;
+    std::array<RegionReading, kRegionCount> Reading{};
 
     friend bool operator==(const Settings&, const Settings&) = default;
 };

@@ -12,12 +12,16 @@
 #include "shell/DebugLog.h"
 #include "base/Errors.h"
 
+#include <array>
 #include <cstdio>
+#include <string_view>
 #include <vector>
 
 namespace tvx {
 
 namespace {
+
+constexpr std::array<std::string_view, kRegionCount> kRegionLogNames{"Lv", "Exp", "Money"};
 
 // Passes the recogniser's progress captions on to the window.
 class ViewCaptions final : public CaptionSink {
@@ -181,6 +185,7 @@ void RecognitionCycle::recognizeInto(int region)
     const RecognitionResult result =
         m_recognizer.recognize(region, m_state.DebugMode, m_state.DebugMode ? &captions : nullptr);
     m_ports.view.captureCaption(region, result.caption);
+    noteUntaught(region, result.untaught);
     if (m_state.DebugMode && !result.trace.empty())
         m_log.WriteDebugLog(joinTrace(result.trace));
     if (region == RegionLevel)
@@ -189,6 +194,18 @@ void RecognitionCycle::recognizeInto(int region)
         m_session.CurrentExp = amountFromText(result.digits);
     else
         m_session.CurrentMoney = amountFromText(result.digits);
+}
+
+void RecognitionCycle::noteUntaught(int region, const std::string& untaught)
+{
+    // Once per change: the level watch reads every second.
+    std::string& last = m_untaught.at(static_cast<std::size_t>(region));
+    if (untaught == last)
+        return;
+    last = untaught;
+    if (!untaught.empty())
+        m_log.WriteDebugLog("Recognize Untaught : " + std::string(kRegionLogNames[static_cast<std::size_t>(region)]) +
+                            " : templates " + untaught + " ");
 }
 
 int RecognitionCycle::GetPictForClip(int region)

@@ -6,7 +6,9 @@
 #include "recognition/CaptureFile.h"
 
 #include <cstdint>
+#include <array>
 #include <optional>
+#include <string>
 
 namespace tvx {
 
@@ -56,6 +58,8 @@ private:
     void countMiss();
     void readRegions();
     void recognizeInto(int region);
+    // Tells the debug log which templates a region lacks when that failed its reading.
+    void noteUntaught(int region, const std::string& untaught);
     // The money re-read; false when the game left the front and the cycle must retry.
     bool rereadMoney(std::uint64_t session);
     // The session a cycle began in still runs and the program is not closing.
@@ -77,6 +81,7 @@ private:
     bool m_noticeShown = false;
     std::int32_t m_missCount = 0;
     std::optional<CaptureBitmap> m_lastCapture;
+    std::array<std::string, kRegionCount> m_untaught;
 };
 
 } // namespace tvx

@@ -17,30 +17,19 @@ std::int64_t scaledLevel(std::int32_t value)
     return scaled;
 }
 
-// Which levels are ink, as one band [low, high) or everything outside it. The mask
-// replaces the levels on one side of it by a constant (0 when it lies above the threshold,
-// 1020 otherwise), so ink is always of this shape. Levels lie in 0..1020, so the bounds are
-// clamped to 0..1021 and the test runs in 32 bits, which vectorises.
-struct InkRule {
-    std::int32_t low;
-    std::int32_t high;
-    std::uint32_t outside;
-
-    std::uint32_t isInk(std::int32_t level) const
-    {
-        return (static_cast<std::uint32_t>(level >= low) & static_cast<std::uint32_t>(level < high)) ^ outside;
-    }
-};
-
 constexpr std::int64_t kBrightest = 1020;
 constexpr std::int64_t kEnd = kBrightest + 1;
 
-InkRule inkRule(std::int64_t t, std::int64_t m)
+} // namespace
+
+InkRule inkRule(std::int32_t threshold, std::int32_t mask)
 {
     const auto band = [](std::int64_t low, std::int64_t high, bool outside) {
         const auto clamp = [](std::int64_t v) { return static_cast<std::int32_t>(std::clamp<std::int64_t>(v, 0, kEnd)); };
         return InkRule{clamp(low), clamp(high), outside ? 1u : 0u};
     };
+    const std::int64_t t = scaledLevel(threshold);
+    const std::int64_t m = scaledLevel(mask);
     if (m < 0)
         return band(t, kEnd, false);
     if (t < m) // levels from the mask up become 0, which is ink only for a threshold of 0 or less
@@ -51,13 +40,11 @@ InkRule inkRule(std::int64_t t, std::int64_t m)
     return band(std::max(t, m + 1), kEnd, false);
 }
 
-} // namespace
-
 void BinarizeRegion(const PixelLevels& levels, int region, const CaptureRegionRect& rect, std::int32_t threshold,
                     std::int32_t mask, std::string& columnString)
 {
     static constexpr char kHex[] = "0123456789ABCDEF";
-    const InkRule rule = inkRule(scaledLevel(threshold), scaledLevel(mask));
+    const InkRule rule = inkRule(threshold, mask);
     columnString.clear();
     if (rect.SizeX <= 0)
         return;

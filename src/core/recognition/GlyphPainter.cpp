@@ -1,20 +1,12 @@
 #include "recognition/GlyphPainter.h"
 
+#include "config/PatternColumns.h"
+
+#include <algorithm>
 #include <array>
 
 namespace tvx {
 namespace {
-
-int hexValue(char c)
-{
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    return 0;
-}
 
 bool insideFrame(const Frame& frame, std::int32_t x, std::int32_t y)
 {
@@ -70,7 +62,7 @@ std::int32_t paintColumns(Frame& frame, const CaptureRegionRect& rect, std::int3
             continue;
         int mask = 0;
         for (std::size_t k = 0; k < 4; ++k)
-            mask = mask * 16 + hexValue(groups[i + k]);
+            mask = mask * 16 + std::max(0, hexDigitValue(groups[i + k]));
         for (std::int32_t y = 0; y < rect.SizeY; ++y) {
             const bool ink = y < 16 && (mask >> y & 1) != 0;
             put(frame, rect.StartX + column, rect.StartY + y, ink ? colors.ink : colors.background);

@@ -23,12 +23,10 @@ void PixelLevels::SecurePixels(const std::array<CaptureRegionRect, kRegionCount>
         maxX = std::max(maxX, r.SizeX);
         maxY = std::max(maxY, r.SizeY);
     }
-    // A region is a line of text: at most a screen wide and a little taller than a column
-    // mask holds (a few rows more let the mask's overflow be seen). Anything larger would
-    // only allocate gigabytes before failing.
-    constexpr std::int64_t kMaxCells = std::int64_t{kMaxScreenSide + 1} * 2 * (kMaxRegionRows + 1);
+    // A region is a line of text: at most a screen wide and a few dozen rows tall. Anything
+    // larger would only allocate gigabytes before failing.
     if (maxX < 0 || maxY < 0 || maxX > kMaxScreenSide || maxY > kMaxScreenSide ||
-        (std::int64_t{maxX} + 1) * (std::int64_t{maxY} + 1) > kMaxCells)
+        (std::int64_t{maxX} + 1) * (std::int64_t{maxY} + 1) > kMaxRegionCells)
         outOfRange();
     // Upper bounds are inclusive, so a size of n gives n + 1 slots.
     m_columns = maxX + 1;

@@ -28,7 +28,7 @@ struct DigitMatch {
 // The leftmost position (counted from 1, below the length of s) at which any digit
 // template occurs, with the lowest digit there. This equals taking each template's first
 // occurrence and keeping the smallest, but stops as soon as the number begins.
-std::optional<DigitMatch> firstDigitMatch(std::string_view s, const PatternSet& patterns)
+std::optional<DigitMatch> firstDigitMatch(std::string_view s, const PatternSet& patterns, bool skipEmpty)
 {
     // An eight-character prefix of each template rejects almost every position at once.
     // Shorter templates compare their first bytes only, which sit low in a little-endian word.
@@ -46,7 +46,7 @@ std::optional<DigitMatch> firstDigitMatch(std::string_view s, const PatternSet& 
         std::uint64_t window = 0;
         std::memcpy(&window, s.data() + p, std::min<std::size_t>(8, length - p));
         for (std::size_t d = 0; d < 10; ++d) {
-            if ((window & prefixMask[d]) != prefix[d])
+            if ((window & prefixMask[d]) != prefix[d] || (skipEmpty && patterns[d].empty()))
                 continue;
             const std::string& pattern = patterns[d];
             if (pattern.size() <= length - p && s.compare(p, pattern.size(), pattern) == 0)
@@ -54,6 +54,28 @@ std::optional<DigitMatch> firstDigitMatch(std::string_view s, const PatternSet& 
         }
     }
     return std::nullopt;
+}
+
+constexpr std::array<bool, 256> kHexDigit = [] {
+    std::array<bool, 256> table{};
+    for (char c : std::string_view("0123456789ABCDEF"))
+        table[static_cast<unsigned char>(c)] = true;
+    return table;
+}();
+
+bool wholeTemplate(const std::string& pattern, std::size_t length)
+{
+    if (pattern.size() != length || length == 0)
+        return false;
+    bool hex = true;
+    for (const char c : pattern)
+        hex &= kHexDigit[static_cast<unsigned char>(c)];
+    return hex;
+}
+
+bool blankColumns(std::string_view groups)
+{
+    return std::all_of(groups.begin(), groups.end(), [](char c) { return c == '0'; });
 }
 
 int firstEmptyTemplate(const PatternSet& patterns)
@@ -100,13 +122,37 @@ private:
 
 } // namespace
 
+bool wholeTemplateSet(const PatternSet& patterns, std::int32_t glyphWidth)
+{
+    const auto length = 4 * static_cast<std::size_t>(std::max(glyphWidth, 0));
+    // Sizes first: they settle most sets without reading a character.
+    if (std::any_of(patterns.begin(), patterns.end(), [length](const std::string& p) { return p.size() != length; }))
+        return false;
+    return std::all_of(patterns.begin(), patterns.end(), [length](const std::string& p) { return wholeTemplate(p, length); });
+}
+
+std::string untaughtTemplates(const PatternSet& patterns, std::int32_t glyphWidth)
+{
+    const auto length = 4 * static_cast<std::size_t>(std::max(glyphWidth, 0));
+    std::string list;
+    for (std::size_t k = 0; k < patterns.size(); ++k)
+        if (!wholeTemplate(patterns[k], length))
+        {
+            if (!list.empty())
+                list += ' ';
+            list += std::to_string(k);
+        }
+    return list;
+}
+
 RecognizerInput recognizerInput(const Settings& settings, int region, std::string_view columnString)
 {
     if (region < 0 || region >= kRegionCount)
         throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
     return RecognizerInput{columnString, &settings.PatternStrings[static_cast<std::size_t>(region)],
                            settings.ReferenceSize[static_cast<std::size_t>(region)].Width,
-                           settings.CaptureRegion[static_cast<std::size_t>(region)].SizeX};
+                           settings.CaptureRegion[static_cast<std::size_t>(region)].SizeX,
+                           settings.Reading[static_cast<std::size_t>(region)].Separator};
 }
 
 RecognitionResult RecognizeNumber(int region, const RecognizerInput& input, bool trace, CaptionSink* progressSink)
@@ -123,11 +169,24 @@ RecognitionResult RecognizeNumber(int region, const RecognizerInput& input, bool
     progress.caption(kCaptionRecognizing);
     progress.line(progress.category() + " 変換データ : " + std::string(s));
 
+    // A set with a template missing cannot tell a digit it lacks from a gap: ink it would
+    // step over fails the reading instead of dropping a digit, and an empty template, which
+    // is found anywhere, does not start the number. Whole sets walk as always.
+    // Whether the set is whole is asked only where ink would be stepped over, which a whole
+    // set reading its own glyphs rarely does.
+    std::optional<bool> wholeSet;
+    const auto whole = [&] {
+        if (!wholeSet)
+            wholeSet = wholeTemplateSet(patterns, input.glyphWidth);
+        return *wholeSet;
+    };
+    const bool anyEmpty = std::any_of(patterns.begin(), patterns.end(), [](const std::string& p) { return p.empty(); });
+
     // First search: the leftmost digit template anywhere, not bound to column groups; at
     // equal positions the lower digit wins. A match must start before the last character.
     std::int64_t best = length;
     int firstDigit = 0;
-    if (const auto found = firstDigitMatch(s, patterns)) {
+    if (const auto found = firstDigitMatch(s, patterns, anyEmpty)) {
         best = found->position;
         firstDigit = found->digit;
     }
@@ -136,6 +195,19 @@ RecognitionResult RecognizeNumber(int region, const RecognizerInput& input, bool
         result.caption = kCaptionNotFound;
         return result;
     }
+
+    const auto untaught = [&] {
+        progress.line(" 未学習の文字 ");
+        result.digits.clear();
+        result.untaught = untaughtTemplates(patterns, input.glyphWidth);
+        result.caption = kCaptionFailed;
+        return result;
+    };
+    if (glyph > 0 &&
+        ((best - 1) % 4 != 0 || !blankColumns(s.substr(static_cast<std::size_t>(std::max<std::int64_t>(best - 1 - glyph, 0)),
+                                                        static_cast<std::size_t>(std::min(best - 1, glyph))))) &&
+        !whole())
+        return untaught();
 
     // Walk on the grid the first match set. A glyph touching the right edge is never
     // tried: the delimiter has to start at least one column before it.
@@ -175,6 +247,10 @@ RecognitionResult RecognizeNumber(int region, const RecognizerInput& input, bool
             result.digits += static_cast<char>('0' + winner);
             progress.line(std::to_string(winner) + " 認識:");
             pos += glyph;
+        } else if (glyph > 0 && !blankColumns(mid(s, pos, 4)) && !whole()) {
+            if (input.separator.empty() || mid(s, pos, static_cast<std::int64_t>(input.separator.size())) != input.separator)
+                return untaught();
+            pos += static_cast<std::int64_t>(input.separator.size());
         } else {
             if (unmatchedColumns > 16) {
                 progress.line(" 遮蔽物検出NG ");

@@ -18,6 +18,9 @@ struct RecognitionResult {
     std::string digits;             // empty when nothing was read
     std::string caption;            // final caption of the region's label
     std::vector<std::string> trace; // filled only when tracing
+    // The templates that are not whole (empty, cut, not hexadecimal), as "0 5 10", when the
+    // reading failed because ink between the digits matched none of them.
+    std::string untaught;
 };
 
 // Receives the label captions while recognition is in progress (debug mode only).
@@ -33,7 +36,14 @@ struct RecognizerInput {
     const PatternSet* patterns = nullptr;
     std::int32_t glyphWidth = 0; // columns per glyph
     std::int32_t regionWidth = 0; // SizeX of the region
+    std::string_view separator;   // the learnt thousands separator, if any
 };
+
+// Whether every template of the set is glyph-wide hexadecimal columns: only then does the
+// walk step over ink it cannot match; otherwise such ink fails the reading.
+bool wholeTemplateSet(const PatternSet& patterns, std::int32_t glyphWidth);
+// The indices of the templates that are not whole, as "0 5 10".
+std::string untaughtTemplates(const PatternSet& patterns, std::int32_t glyphWidth);
 
 RecognizerInput recognizerInput(const Settings& settings, int region, std::string_view columnString);
 

@@ -1,6 +1,7 @@
 #include "recognition/ScreenRecognizer.h"
 
 #include "recognition/Binarize.h"
+#include "recognition/ShapeReader.h"
 #include "base/Errors.h"
 
 #include <charconv>
@@ -15,13 +16,22 @@ void ScreenRecognizer::fill(int region, const CaptureBitmap& bitmap)
 void ScreenRecognizer::binarize(int region)
 {
     const auto r = static_cast<std::size_t>(region);
+    if (m_settings->Reading.at(r).Mode == ReadingMode::Shapes) {
+        m_columns.at(r).clear();
+        m_grids.at(r) = binarizeGrid(regionLevels(m_levels, region, m_settings->CaptureRegion[r]),
+                                     m_settings->BinaryThreshold[r], m_settings->BinaryMask[r]);
+        return;
+    }
     BinarizeRegion(m_levels, region, m_settings->CaptureRegion.at(r), m_settings->BinaryThreshold.at(r),
                    m_settings->BinaryMask.at(r), m_columns.at(r));
 }
 
 RecognitionResult ScreenRecognizer::recognize(int region, bool trace, CaptionSink* progress) const
 {
-    const auto& columns = m_columns.at(static_cast<std::size_t>(region));
+    const auto r = static_cast<std::size_t>(region);
+    if (m_settings->Reading.at(r).Mode == ReadingMode::Shapes)
+        return shapeRecognition(region, m_grids.at(r), m_settings->Reading[r], trace);
+    const auto& columns = m_columns.at(r);
     return RecognizeNumber(region, recognizerInput(*m_settings, region, columns), trace, progress);
 }
 

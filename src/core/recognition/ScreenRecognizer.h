@@ -3,6 +3,7 @@
 #include "config/Settings.h"
 #include "base/Currency.h"
 #include "recognition/CaptureFile.h"
+#include "recognition/InkGrid.h"
 #include "recognition/PixelLevels.h"
 #include "recognition/Recognizer.h"
 
@@ -13,7 +14,8 @@
 namespace tvx {
 
 // The pixel levels and column strings of the three regions, with the steps that turn a
-// captured bitmap into recognised numbers: fill, binarise, recognise.
+// captured bitmap into recognised numbers: fill, binarise, recognise. A region read by
+// shape is binarised whole instead of into column groups.
 class ScreenRecognizer {
 public:
     explicit ScreenRecognizer(const Settings& settings) : m_settings(&settings) { SecurePixels(); }
@@ -34,6 +36,7 @@ private:
     const Settings* m_settings;
     PixelLevels m_levels;
     std::array<std::string, kRegionCount> m_columns;
+    std::array<InkGrid, kRegionCount> m_grids; // regions read by shape
 };
 
 // Recognised texts as numbers: an empty text is -1; a text too long for its type raises

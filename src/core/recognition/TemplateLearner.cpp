@@ -118,6 +118,7 @@ TemplateLearner::TemplateLearner(const Settings& settings, int region) : m_regio
     m_mask = settings.BinaryMask[r];
     m_priorWidth = settings.ReferenceSize[r].Width;
     m_priorPatterns = settings.PatternStrings[r];
+    m_priorSeparator = settings.Reading[r].Separator;
 }
 
 LearnOutcome TemplateLearner::add(const CaptureBitmap& image, std::string_view number)
@@ -143,8 +144,43 @@ LearnOutcome TemplateLearner::addColumns(std::string columnString, std::string_v
         return refusal(LearnRefusal::OutsideImage);
     const Sample sample{std::move(columnString), *std::move(columns), *digits};
 
-    const bool fresh = m_hypotheses.empty();
-    std::vector<Hypothesis> candidates = extendAll(fresh ? std::vector<Hypothesis>(1) : m_hypotheses, sample);
+    if (!m_hypotheses.empty())
+        return addTo(m_hypotheses, sample);
+    // The templates taught before bind the first screen; when it cannot agree with them
+    // they give way to what it shows.
+    if (const std::optional<Hypothesis> taught = priorHypothesis()) {
+        const LearnOutcome kept = addTo({*taught}, sample);
+        if (kept.accepted())
+            return kept;
+    }
+    return addTo(std::vector<Hypothesis>(1), sample);
+}
+
+std::optional<TemplateLearner::Hypothesis> TemplateLearner::priorHypothesis() const
+{
+    Hypothesis h;
+    h.width = m_priorWidth;
+    h.seeded = true;
+    bool any = false;
+    for (std::size_t k = 0; k < kPatternCount; ++k) {
+        const auto columns = decodePatternColumns(m_priorPatterns[k]);
+        if (!columns || columns->empty() || columns->size() != static_cast<std::size_t>(m_priorWidth))
+            continue;
+        h.glyphs[k] = *columns;
+        h.fromPrior[k] = true;
+        any = true;
+    }
+    if (const auto separator = decodePatternColumns(m_priorSeparator); separator && !separator->empty()) {
+        h.glyphs[kSeparatorGlyph] = *separator;
+        h.fromPrior[kSeparatorGlyph] = true;
+        h.separatorWidth = static_cast<std::int32_t>(separator->size());
+    }
+    return any ? std::optional<Hypothesis>(std::move(h)) : std::nullopt;
+}
+
+LearnOutcome TemplateLearner::addTo(const std::vector<Hypothesis>& bases, const Sample& sample)
+{
+    std::vector<Hypothesis> candidates = extendAll(bases, sample);
     if (candidates.empty())
         return refuse(sample);
     keepBest(candidates, candidates.size());
@@ -262,6 +298,7 @@ std::optional<int> TemplateLearner::extend(Hypothesis& h, const GlyphLayout& lay
         } else if (slot != columns) {
             return false;
         }
+        h.fromPrior[static_cast<std::size_t>(glyph)] = false;
         if (glyph < kPatternCount && h.width == m_priorWidth &&
             encodePatternColumns(slot) == m_priorPatterns[static_cast<std::size_t>(glyph)])
             ++h.agreements;
@@ -296,8 +333,7 @@ bool TemplateLearner::better(const Hypothesis& a, const Hypothesis& b) const
     // Then cell edges in the gaps between strokes.
     if (a.crossings != b.crossings)
         return a.crossings < b.crossings;
-    if ((a.width == m_priorWidth) != (b.width == m_priorWidth))
-        return a.width == m_priorWidth;
+    // The narrowest width whose cells hold the glyphs: a wider one only adds blank.
     if (a.width != b.width)
         return a.width < b.width;
     // Bitmap fonts mostly leave their spacing on the right of a glyph: of layouts that
@@ -313,23 +349,38 @@ void TemplateLearner::keepBest(std::vector<Hypothesis>& hypotheses, std::size_t 
         hypotheses.erase(hypotheses.begin() + static_cast<std::ptrdiff_t>(count), hypotheses.end());
 }
 
+bool TemplateLearner::keepsPrior(const Hypothesis& h) const
+{
+    return h.seeded;
+}
+
 PatternSet TemplateLearner::patternsOf(const Hypothesis& h) const
 {
-    PatternSet patterns = m_priorPatterns;
+    PatternSet patterns = keepsPrior(h) ? m_priorPatterns : PatternSet{};
     for (std::size_t k = 0; k < kPatternCount; ++k)
         if (!h.glyphs[k].empty())
             patterns[k] = encodePatternColumns(h.glyphs[k]);
     return patterns;
 }
 
+std::string TemplateLearner::separatorOf(const Hypothesis& h) const
+{
+    if (h.separatorWidth > 0)
+        return encodePatternColumns(h.glyphs[kSeparatorGlyph]);
+    if (h.separatorWidth == 0)
+        return {};
+    return keepsPrior(h) ? m_priorSeparator : std::string{};
+}
+
 bool TemplateLearner::readsBack(const Hypothesis& h, const std::vector<const Sample*>& samples,
                                 std::string* misread) const
 {
     const PatternSet patterns = patternsOf(h);
+    const std::string separator = separatorOf(h);
     for (const Sample* sample : samples) {
         try {
-            const RecognitionResult result =
-                RecognizeNumber(m_region, RecognizerInput{sample->columnString, &patterns, h.width, m_rect.SizeX});
+            const RecognitionResult result = RecognizeNumber(
+                m_region, RecognizerInput{sample->columnString, &patterns, h.width, m_rect.SizeX, separator});
             if (result.digits != sample->digits) {
                 *misread = result.digits;
                 return false;
@@ -395,7 +446,7 @@ std::optional<std::int32_t> TemplateLearner::separatorWidth() const
 
 bool TemplateLearner::seen(int glyph) const
 {
-    return !this->glyph(glyph).empty();
+    return !this->glyph(glyph).empty() && !m_hypotheses.front().fromPrior[static_cast<std::size_t>(glyph)];
 }
 
 const GlyphColumns& TemplateLearner::glyph(int glyph) const
@@ -421,8 +472,9 @@ const GlyphLayout& TemplateLearner::layout(std::size_t image) const
 RecognitionResult TemplateLearner::readBack(std::size_t image) const
 {
     const PatternSet learntPatterns = patterns();
+    const std::string separator = separatorTemplate();
     return RecognizeNumber(m_region, RecognizerInput{m_samples.at(image).columnString, &learntPatterns, glyphWidth(),
-                                                     m_rect.SizeX});
+                                                     m_rect.SizeX, separator});
 }
 
 void TemplateLearner::applyTo(Settings& settings) const
@@ -432,6 +484,22 @@ void TemplateLearner::applyTo(Settings& settings) const
     const auto r = static_cast<std::size_t>(m_region);
     settings.ReferenceSize[r].Width = glyphWidth();
     settings.PatternStrings[r] = patterns();
+    settings.Reading[r].Mode = ReadingMode::Exact;
+    settings.Reading[r].Separator = separatorTemplate();
+    settings.Reading[r].Shapes.clear();
+    settings.Reading[r].EndGap = 0;
+}
+
+std::string TemplateLearner::separatorTemplate() const
+{
+    return learnt() ? separatorOf(m_hypotheses.front()) : m_priorSeparator;
+}
+
+bool TemplateLearner::replacedPrior() const
+{
+    const bool anyPrior = std::any_of(m_priorPatterns.begin(), m_priorPatterns.end(),
+                                      [](const std::string& p) { return !p.empty(); });
+    return learnt() && anyPrior && !keepsPrior(m_hypotheses.front());
 }
 
 } // namespace tvx

@@ -68,7 +68,9 @@ std::string regionColumnString(const CaptureBitmap& image, const CaptureRegionRe
 // kept; the templates are those of the most plausible one (cells that agree with the
 // present templates, then strokes that do not cross cell edges). A layout is kept only
 // when the recogniser, given its templates, reads every image back as its number.
-// Templates of glyphs never seen keep the settings' values.
+// Templates of glyphs never seen keep the settings' values while the learnt glyphs agree
+// with them; when the width changes or a learnt glyph differs, the templates taught before
+// give way and those never seen are left empty.
 class TemplateLearner {
 public:
     TemplateLearner(const Settings& settings, int region);
@@ -92,6 +94,10 @@ public:
     const GlyphColumns& glyph(int glyph) const;
     // The settings' templates with the learnt ones in their place.
     PatternSet patterns() const;
+    // The thousands separator's columns, learnt or kept from the settings ("" when unknown).
+    std::string separatorTemplate() const;
+    // The templates taught before gave way to the screens learnt.
+    bool replacedPrior() const;
     const GlyphLayout& layout(std::size_t image) const;
     const std::string& number(std::size_t image) const { return m_samples.at(image).digits; }
     // What the learnt templates read in an image.
@@ -113,7 +119,11 @@ private:
         std::vector<GlyphLayout> layouts;
         std::int32_t agreements = 0;
         std::int64_t crossings = 0;
+        bool seeded = false; // started from the templates taught before
+        std::array<bool, kLearntGlyphCount> fromPrior{}; // taught before, not seen in these screens
     };
+    std::optional<Hypothesis> priorHypothesis() const;
+    LearnOutcome addTo(const std::vector<Hypothesis>& bases, const Sample& sample);
 
     // Every layout of the sample that agrees with one of the bases, as extended bases.
     std::vector<Hypothesis> extendAll(const std::vector<Hypothesis>& bases, const Sample& sample) const;
@@ -123,6 +133,8 @@ private:
     std::optional<int> extend(Hypothesis& h, const GlyphLayout& layout, const Sample& sample) const;
     bool readsBack(const Hypothesis& h, const std::vector<const Sample*>& samples, std::string* misread) const;
     PatternSet patternsOf(const Hypothesis& h) const;
+    bool keepsPrior(const Hypothesis& h) const;
+    std::string separatorOf(const Hypothesis& h) const;
     bool better(const Hypothesis& a, const Hypothesis& b) const;
     // Sorts the most plausible first and keeps `count` of them.
     void keepBest(std::vector<Hypothesis>& hypotheses, std::size_t count) const;
@@ -134,6 +146,7 @@ private:
     std::int32_t m_mask;
     std::int32_t m_priorWidth;
     PatternSet m_priorPatterns;
+    std::string m_priorSeparator;
     std::vector<Sample> m_samples;
     std::vector<Hypothesis> m_hypotheses; // best first
 };

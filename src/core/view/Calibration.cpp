@@ -32,19 +32,40 @@ std::string joined(const std::vector<std::string>& lines, std::string_view separ
     return out;
 }
 
+// The first way each glyph was drawn, as columns the glyph views show.
+std::array<std::vector<std::uint16_t>, kPatternCount> shapeViews(const RegionReading& reading, int& rows)
+{
+    std::array<std::vector<std::uint16_t>, kPatternCount> out;
+    for (std::size_t k = 0; k < kPatternCount; ++k) {
+        const int glyph = static_cast<int>(k) == kEndMarkGlyph ? kShapeEndMark : static_cast<int>(k);
+        const auto shape = std::find_if(reading.Shapes.begin(), reading.Shapes.end(),
+                                        [glyph](const GlyphShape& s) { return s.glyph == glyph; });
+        if (shape == reading.Shapes.end())
+            continue;
+        InkGrid grid(shape->width, shape->height);
+        for (std::int32_t y = 0; y < shape->height; ++y)
+            for (std::int32_t x = 0; x < shape->width; ++x)
+                grid.set(x, y, (shape->rows[static_cast<std::size_t>(y)] >> x & 1) != 0);
+        int shapeRows = 1;
+        out[k] = previewColumns(grid, shapeRows);
+        rows = std::max(rows, shapeRows);
+    }
+    return out;
+}
+
 } // namespace
 
 Calibration::Calibration(const Settings& settings, DebugLog* log)
     : m_log(log), m_picker(settings),
-      m_learners{TemplateLearner(settings, RegionLevel), TemplateLearner(settings, RegionExp),
-                 TemplateLearner(settings, RegionMoney)}
+      m_learners{RegionLearner(settings, RegionLevel), RegionLearner(settings, RegionExp),
+                 RegionLearner(settings, RegionMoney)}
 {
 }
 
 void Calibration::regionMoved(int region)
 {
     const auto r = static_cast<std::size_t>(region);
-    m_learners.at(r) = TemplateLearner(m_picker.settings(), region);
+    m_learners.at(r) = RegionLearner(m_picker.settings(), region);
     m_messages[r].clear();
     m_refused[r] = false;
     m_moved = true;
@@ -127,11 +148,19 @@ void Calibration::applyCommand(Settings& settings) const
 
 std::string Calibration::outcomeText(int region, const LearnOutcome& outcome) const
 {
-    const TemplateLearner& learner = m_learners[static_cast<std::size_t>(region)];
+    const RegionLearner& learner = m_learners[static_cast<std::size_t>(region)];
+    const std::string oldThreshold = std::to_string(m_picker.settings().BinaryThreshold[static_cast<std::size_t>(region)]);
     switch (outcome.refusal) {
     case LearnRefusal::None:
-        return "学習しました（文字幅 " + std::to_string(learner.glyphWidth()) + " 列）" +
-               (learner.ambiguous() ? "。別の画面でも学習すると確かになります" : "");
+        return std::string("学習しました（") +
+               (learner.mode() == ReadingMode::Exact ? "文字幅 " + std::to_string(learner.glyphSize()) + " 列"
+                                                     : "字形、高さ " + std::to_string(learner.glyphSize()) + " 行") +
+               "）" + (learner.ambiguous() ? "。別の画面でも学習すると確かになります" : "") +
+               (learner.thresholdProposed()
+                    ? "。しきい値 " + oldThreshold + " では数字が分かれないため " + std::to_string(learner.threshold()) +
+                          " にします"
+                    : "") +
+               (learner.replacedPrior() ? "。以前の学習内容と合わないため置き換えます" : "");
     case LearnRefusal::NotANumber: return "数字を入力してください";
     case LearnRefusal::OutsideImage: return "領域が画像の外です";
     case LearnRefusal::NoSplit:
@@ -152,19 +181,26 @@ std::string Calibration::outcomeText(int region, const LearnOutcome& outcome) co
 CalibrationRegionView Calibration::view(int region) const
 {
     const auto r = static_cast<std::size_t>(region);
-    const TemplateLearner& learner = m_learners.at(r);
+    const RegionLearner& learner = m_learners.at(r);
+    Settings learnt = m_picker.settings();
+    learner.applyTo(learnt);
     CalibrationRegionView out;
     out.typed = m_typed[r];
     out.message = m_messages[r];
     out.refused = m_refused[r];
-    out.width = learner.glyphWidth();
-    const PatternSet patterns = learner.patterns();
+    out.width = learner.glyphSize();
+    out.mode = learnt.Reading[r].Mode;
+    out.threshold = learnt.BinaryThreshold[r];
+    out.thresholdProposed = learner.thresholdProposed();
+    out.rows = std::clamp(learnt.CaptureRegion[r].SizeY, 1, kPreviewMaxRows);
     for (std::size_t k = 0; k < kPatternCount; ++k) {
         out.learnt[k] = learner.seen(static_cast<int>(k));
-        out.glyphs[k] = decodePatternColumns(patterns[k]).value_or(std::vector<std::uint16_t>{});
-        if (k < 10 && !out.learnt[k])
-            out.missing += static_cast<char>('0' + k);
+        if (out.mode == ReadingMode::Exact)
+            out.glyphs[k] = decodePatternColumns(learnt.PatternStrings[r][k]).value_or(std::vector<std::uint16_t>{});
     }
+    if (out.mode == ReadingMode::Shapes)
+        out.glyphs = shapeViews(learnt.Reading[r], out.rows);
+    out.missing = learner.missing();
     for (std::size_t i = 0; i < learner.imageCount(); ++i) {
         std::string read;
         try {
@@ -177,7 +213,8 @@ CalibrationRegionView Calibration::view(int region) const
     }
     out.text = out.message;
     if (!out.readBack.empty())
-        out.text += "\n読み返し： " + joined(out.readBack, "、") +
+        out.text += "\n読み方： " + readingModeName(out.mode) + "、しきい値 " + std::to_string(out.threshold) +
+                    (out.thresholdProposed ? "（提案）" : "") + "\n読み返し： " + joined(out.readBack, "、") +
                     (out.missing.empty() ? "　全数字を学習済み" : "　未学習： " + out.missing);
     return out;
 }
@@ -197,13 +234,13 @@ std::string Calibration::readingText(const RegionPreview& preview)
 
 bool Calibration::hasChanges() const
 {
-    return m_moved || std::any_of(m_learners.begin(), m_learners.end(), [](const TemplateLearner& l) { return l.learnt(); });
+    return m_moved || std::any_of(m_learners.begin(), m_learners.end(), [](const RegionLearner& l) { return l.learnt(); });
 }
 
 void Calibration::applyTo(Settings& settings) const
 {
     settings.CaptureRegion = m_picker.settings().CaptureRegion;
-    for (const TemplateLearner& learner : m_learners)
+    for (const RegionLearner& learner : m_learners)
         learner.applyTo(settings);
 }
 

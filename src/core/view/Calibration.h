@@ -1,6 +1,6 @@
 #pragma once
 
-#include "recognition/TemplateLearner.h"
+#include "recognition/RegionLearner.h"
 #include "view/RegionPicker.h"
 
 #include <array>
@@ -20,7 +20,11 @@ struct CalibrationRegionView {
     std::string typed;                          // the number the player typed ("" or "-": skipped)
     std::string message;                        // the outcome of the last learning step
     bool refused = false;
-    std::int32_t width = 0;                     // the glyph width learnt, else the present one
+    std::int32_t width = 0;                     // the glyph width learnt (shapes: the digits' height)
+    ReadingMode mode = ReadingMode::Exact;      // how the region will be read
+    std::int32_t threshold = 0;                 // the brightness threshold it will be read with
+    bool thresholdProposed = false;             // the learner chose it: the region's own did not separate the digits
+    int rows = 9;                               // rows of the glyph views
     std::array<std::vector<std::uint16_t>, kPatternCount> glyphs; // learnt, else the present templates
     std::array<bool, kPatternCount> learnt{};
     std::string missing;                        // digits not learnt yet
@@ -72,7 +76,7 @@ private:
 
     DebugLog* m_log;
     RegionPicker m_picker;
-    std::array<TemplateLearner, kRegionCount> m_learners;
+    std::array<RegionLearner, kRegionCount> m_learners;
     std::array<std::string, kRegionCount> m_typed;
     std::array<std::string, kRegionCount> m_messages;
     std::array<bool, kRegionCount> m_refused{};

@@ -128,7 +128,9 @@ void OptionsEditor::refreshPreviews()
 
 std::string OptionsEditor::previewResult(int region) const
 {
-    return std::string(kResultCaption) + m_previews.at(static_cast<std::size_t>(region)).reading;
+    const auto r = static_cast<std::size_t>(region);
+    return std::string(kResultCaption) + m_previews.at(r).reading + "　［" +
+           readingModeName(m_settings.Reading.at(r).Mode) + "］";
 }
 
 void OptionsEditor::refreshPattern()

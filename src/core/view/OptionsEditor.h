@@ -76,7 +76,7 @@ public:
     void setCapture(const CaptureBitmap& capture);
     const CaptureBitmap* capture() const { return m_capture ? &*m_capture : nullptr; }
     const std::array<RegionPreview, kRegionCount>& previews() const { return m_previews; }
-    // "認識結果： " and the preview's reading.
+    // "認識結果： ", the preview's reading and how the region is read ("［字形］").
     std::string previewResult(int region) const;
     // After the settings changed behind the editor's back (a load, the defaults).
     void refresh();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "config/Settings.h"
+#include "config/SettingRanges.h"
 #include "recognition/CaptureFile.h"
 #include "view/RegionPreview.h"
 
@@ -22,7 +23,8 @@ struct ScreenPoint {
 class RegionPicker {
 public:
     static constexpr std::int32_t kMaxZoom = 16;
-    static constexpr std::int32_t kMaxRows = kPreviewMaxRows;
+    // Tall glyphs (a 4K screen, a scaled UI) are read whole by shape.
+    static constexpr std::int32_t kMaxRows = kMaxRegionRows;
 
     explicit RegionPicker(const Settings& settings) : m_settings(settings) {}
 

@@ -3,9 +3,11 @@
 #include "base/Errors.h"
 #include "config/PatternColumns.h"
 #include "recognition/Recognizer.h"
-#include "recognition/TemplateLearner.h"
+#include "recognition/RegionLearner.h"
+#include "recognition/ShapeReader.h"
 
 #include <algorithm>
+#include <sstream>
 
 namespace tvx {
 
@@ -23,17 +25,70 @@ RegionPreview previewRegion(const CaptureBitmap* screen, const Settings& setting
     out.width = out.pixels.empty() ? 0 : rect.SizeX;
     out.height = out.pixels.empty() ? 0 : rect.SizeY;
     try {
-        const std::string columns =
-            regionColumnString(*screen, rect, settings.BinaryThreshold[r], settings.BinaryMask[r]);
-        out.columns = decodePatternColumns(columns).value_or(std::vector<std::uint16_t>{});
-        const RecognitionResult result = RecognizeNumber(region, recognizerInput(settings, region, columns));
+        const RegionLevels levels = regionLevelsOf(*screen, rect);
+        const InkGrid grid = binarizeGrid(levels, settings.BinaryThreshold[r], settings.BinaryMask[r]);
+        out.columns = previewColumns(grid, out.rows);
+        const RecognitionResult result = readRegionLevels(settings, region, levels);
         out.read = !result.digits.empty();
-        out.reading = out.read ? result.digits : "認識できません";
+        out.reading = out.read ? result.digits : failureText(settings, region, result);
     } catch (const RuntimeError&) {
         out.columns.clear();
         out.reading = "領域が画像の外です";
     }
     return out;
+}
+
+std::string failureText(const Settings& settings, int region, const RecognitionResult& result)
+{
+    // Short enough for the options window's line: the digits run together, the end mark named.
+    const RegionReading& reading = settings.Reading.at(static_cast<std::size_t>(region));
+    std::string digits;
+    bool endMark = false;
+    if (reading.Mode == ReadingMode::Shapes) {
+        digits = missingShapeDigits(reading);
+    } else {
+        std::istringstream list(result.untaught);
+        for (int index = 0; list >> index;) {
+            if (index == kDelimiterIndex)
+                endMark = true;
+            else
+                digits += static_cast<char>('0' + index);
+        }
+    }
+    if (digits.empty() && !endMark)
+        return "認識できません";
+    return "認識できません（未学習：" + digits + (endMark ? (digits.empty() ? "終わりの記号" : "・終わりの記号") : "") + "）";
+}
+
+std::string readingModeName(ReadingMode mode)
+{
+    return mode == ReadingMode::Shapes ? "字形" : "完全一致";
+}
+
+std::vector<std::uint16_t> previewColumns(const InkGrid& grid, int& rows)
+{
+    // Ink of a tall region is shown from its top row, halved or more until it fits.
+    int top = grid.height();
+    int bottom = -1;
+    for (int y = 0; y < grid.height(); ++y)
+        for (int x = 0; x < grid.width(); ++x)
+            if (grid.at(x, y)) {
+                top = std::min(top, y);
+                bottom = std::max(bottom, y);
+            }
+    if (grid.height() <= kPreviewMaxRows || bottom < 0) {
+        top = 0;
+        bottom = std::min(grid.height(), kPreviewMaxRows) - 1;
+    }
+    const int height = bottom - top + 1;
+    const int step = (height + kPreviewMaxRows - 1) / kPreviewMaxRows;
+    rows = std::max(1, (height + step - 1) / step);
+    std::vector<std::uint16_t> columns(static_cast<std::size_t>(grid.width()), 0);
+    for (int x = 0; x < grid.width(); ++x)
+        for (int y = top; y <= bottom; ++y)
+            if (grid.at(x, y))
+                columns[static_cast<std::size_t>(x)] |= static_cast<std::uint16_t>(1u << ((y - top) / step));
+    return columns;
 }
 
 std::vector<std::uint32_t> regionPixels(const CaptureBitmap& bitmap, const CaptureRegionRect& rect)

@@ -2,6 +2,8 @@
 
 #include "config/Settings.h"
 #include "recognition/CaptureFile.h"
+#include "recognition/InkGrid.h"
+#include "recognition/Recognizer.h"
 
 #include <cstdint>
 #include <string>
@@ -21,8 +23,15 @@ struct RegionPreview {
     bool read = false;
 };
 
-// Rows from 16 on never reach a column group.
+// The most rows a preview shows; a taller region is shown from its ink's top, halved or more.
 inline constexpr int kPreviewMaxRows = 16;
+
+// What a failed reading says: which digits are not taught, when that is why.
+std::string failureText(const Settings& settings, int region, const RecognitionResult& result);
+// "完全一致" or "字形".
+std::string readingModeName(ReadingMode mode);
+// A binarised region as at most 16-row columns for the glyph views; rows tells how many.
+std::vector<std::uint16_t> previewColumns(const InkGrid& grid, int& rows);
 
 // A region of a screen (none: no capture yet) as the settings binarise and read it.
 RegionPreview previewRegion(const CaptureBitmap* screen, const Settings& settings, int region);

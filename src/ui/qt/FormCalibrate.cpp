@@ -204,7 +204,7 @@ void FormCalibrate::refreshRegion(int region)
 
     const CalibrationRegionView view = m_calibration.view(region);
     for (std::size_t k = 0; k < kPatternCount; ++k) {
-        row.glyphs[k]->setRows(std::max(1, preview.rows));
+        row.glyphs[k]->setRows(std::max(1, view.rows));
         row.glyphs[k]->setColumns(view.glyphs[k]);
         row.glyphs[k]->setChecked(view.learnt[k]); // a frame marks what was learnt
     }

@@ -253,7 +253,7 @@ private:
         const CalibrationRegionView view = m_calibration.view(region);
         for (std::size_t k = 0; k < kPatternCount; ++k) {
             GlyphCanvas& glyph = m_glyphs[r][k];
-            glyph.setRows(rows);
+            glyph.setRows(std::max(1, view.rows));
             glyph.setColumns(view.glyphs[k]);
             glyph.setChecked(view.learnt[k]); // a frame marks what was learnt
             const HWND control = m_controls[picGlyph0 + region * 100 + static_cast<int>(k)];

@@ -78,6 +78,24 @@ TEST_F(MeterTest, GameBehindAnotherWindowIsTriedAgainIn15Seconds)
     EXPECT_EQ(meter().state().graph->Value(1).RateE(), Currency::fromInt(9));
 }
 
+// A level whose 0 was never taught is no reading at all, never 5 for 50; the debug log
+// says which templates the level lacks, once until that changes.
+TEST_F(MeterTest, AReadingThatNeedsAnUntaughtTemplateFailsAndTheLogSaysWhich)
+{
+    settings.PatternStrings[RegionLevel][0] = "";
+    meter().menuRun_Click();
+    cycle(0, "50", "1000", "5000");
+    cycle(360, "50", "1200", "5000");
+    EXPECT_EQ(meter().session().CurrentLv, -1);
+    EXPECT_EQ(meter().session().CurrentExp, Currency::fromInt(1200));
+    const std::string text = debugText();
+    const std::size_t first = text.find("Recognize Untaught : Lv : templates 0 ");
+    EXPECT_NE(first, std::string::npos) << text;
+    EXPECT_EQ(text.find("Recognize Untaught", first + 1), std::string::npos) << text;
+    cycle(720, "51", "1400", "5000");
+    EXPECT_EQ(meter().session().CurrentLv, 51);
+}
+
 TEST_F(MeterTest, MoneyIsReadAgainOnlyWhenItWasMissedAndScanned)
 {
     const CaptureBitmap noMoney = test::gameCapture({"30", "100", ""});

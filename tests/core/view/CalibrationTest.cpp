@@ -39,8 +39,8 @@ TEST(CalibrationTest, LearnsFromScreensAndKeepsTheResultUntilConfirmed)
     EXPECT_EQ(exp.width, 6);
     EXPECT_EQ(exp.missing, "");
     EXPECT_EQ(exp.readBack, (std::vector<std::string>{"1234567 → 1234567", "8890123 → 8890123", "4455667 → 4455667"}));
-    EXPECT_EQ(exp.text, "学習しました（文字幅 6 列）\n読み返し： 1234567 → 1234567、8890123 → 8890123、4455667 → "
-                        "4455667　全数字を学習済み");
+    EXPECT_EQ(exp.text, "学習しました（文字幅 6 列）\n読み方： 完全一致、しきい値 133\n"
+                        "読み返し： 1234567 → 1234567、8890123 → 8890123、4455667 → 4455667　全数字を学習済み");
     EXPECT_EQ(exp.glyphs[5], test::fontGlyph('5'));
     EXPECT_EQ(calibration.preview(RegionExp).reading, "4455667"); // the last screen, with what was learnt
     EXPECT_FALSE(calibration.picker().preview(RegionExp).read); // the built-in templates cannot
@@ -48,7 +48,7 @@ TEST(CalibrationTest, LearnsFromScreensAndKeepsTheResultUntilConfirmed)
     const CalibrationRegionView money = calibration.view(RegionMoney);
     EXPECT_EQ(money.message, "");
     EXPECT_EQ(money.text, "");
-    EXPECT_EQ(money.missing, "0123456789");
+    EXPECT_EQ(money.missing, ""); // the built-in templates read every digit
     EXPECT_EQ(money.glyphs[0].size(), 7u);
 
     Settings settings = kDefaults;

@@ -151,13 +151,13 @@ TEST_F(OptionsEditorTest, AnswersAreStoredRoundedWithinTheLimitsAndACancelChange
 TEST_F(OptionsEditorTest, PreviewsShowEachRegionItsColumnsAndWhatTheTemplatesRead)
 {
     OptionsEditor none(m_settings);
-    EXPECT_EQ(none.previewResult(0), "認識結果： キャプチャ画像がありません");
+    EXPECT_EQ(none.previewResult(0), "認識結果： キャプチャ画像がありません　［完全一致］");
     EXPECT_TRUE(none.previews()[0].pixels.empty());
 
     const CaptureBitmap capture = test::gameCapture({"137", "", ""});
     OptionsEditor editor(m_settings, &capture);
     const RegionPreview& level = editor.previews()[RegionLevel];
-    EXPECT_EQ(editor.previewResult(RegionLevel), "認識結果： 137");
+    EXPECT_EQ(editor.previewResult(RegionLevel), "認識結果： 137　［完全一致］");
     EXPECT_EQ(level.width, 50);
     EXPECT_EQ(level.height, 9);
     EXPECT_EQ(level.pixels.size(), 450u);
@@ -168,15 +168,21 @@ TEST_F(OptionsEditorTest, PreviewsShowEachRegionItsColumnsAndWhatTheTemplatesRea
     const Frame frame = toFrame(capture);
     const std::uint8_t* bgr = frame.row(578) + 3 * 35;
     EXPECT_EQ(level.pixels[0], std::uint32_t{bgr[2]} << 16 | std::uint32_t{bgr[1]} << 8 | bgr[0]);
-    EXPECT_EQ(editor.previewResult(RegionExp), "認識結果： 認識できません");
+    EXPECT_EQ(editor.previewResult(RegionExp), "認識結果： 認識できません　［完全一致］");
 
     // A region moved off the picture says so; its pixels read black.
     ASSERT_TRUE(editor.answer(number("cmdStartY2"), 9000));
-    EXPECT_EQ(editor.previewResult(RegionMoney), "認識結果： 領域が画像の外です");
+    EXPECT_EQ(editor.previewResult(RegionMoney), "認識結果： 領域が画像の外です　［完全一致］");
     EXPECT_EQ(editor.previews()[RegionMoney].pixels, std::vector<std::uint32_t>(146 * 9, 0));
+    // Templates the number needs and the region lacks are named.
+    Settings lacking = m_settings;
+    lacking.PatternStrings[RegionLevel][3] = "";
+    lacking.PatternStrings[RegionLevel][kDelimiterIndex] = "00";
+    OptionsEditor untaught(lacking, &capture);
+    EXPECT_EQ(untaught.previewResult(RegionLevel), "認識結果： 認識できません（未学習：3・終わりの記号）　［完全一致］");
     // A region too narrow for the number and its delimiter reads nothing.
     ASSERT_TRUE(editor.answer(number("cmdSizeX0"), 20));
-    EXPECT_EQ(editor.previewResult(RegionLevel), "認識結果： 認識できません");
+    EXPECT_EQ(editor.previewResult(RegionLevel), "認識結果： 認識できません　［完全一致］");
     EXPECT_EQ(editor.previews()[RegionLevel].columns.size(), 20u);
 }
 
@@ -186,7 +192,7 @@ TEST_F(OptionsEditorTest, ATemplateIsTakenFromTheCaptureDrawnOrTypedAndTheNoteFo
     m_settings.PatternStrings[RegionLevel][5] = "";
     const CaptureBitmap capture = test::gameCapture({"57", "", ""});
     OptionsEditor editor(m_settings, &capture);
-    EXPECT_NE(editor.previewResult(RegionLevel), "認識結果： 57");
+    EXPECT_NE(editor.previewResult(RegionLevel), "認識結果： 57　［完全一致］");
 
     editor.selectPattern(RegionLevel, 5);
     EXPECT_EQ(editor.patternView().editorCaption, "Lv (1) のパターン「5」");
@@ -196,8 +202,8 @@ TEST_F(OptionsEditorTest, ATemplateIsTakenFromTheCaptureDrawnOrTypedAndTheNoteFo
     EXPECT_FALSE(editor.takeColumns(45, 7));
     ASSERT_TRUE(editor.takeColumns(1, 7));
     EXPECT_EQ(m_settings.PatternStrings[RegionLevel][5], five);
-    EXPECT_EQ(editor.previewResult(RegionLevel), "認識結果： 57");
-    EXPECT_EQ(editor.patternView().captureResult, "この領域の認識結果： 57");
+    EXPECT_EQ(editor.previewResult(RegionLevel), "認識結果： 57　［完全一致］");
+    EXPECT_EQ(editor.patternView().captureResult, "この領域の認識結果： 57　［完全一致］");
     EXPECT_EQ(editor.patternView().note, "幅 7 列（基準幅どおり）");
 
     struct Step {
@@ -281,10 +287,10 @@ TEST_F(OptionsEditorTest, APatternCaptureIsSavedBesideTheProgramAndShownInThePre
     const std::string file = pathUtf8(m_home / "Capture_0309070502.bmp");
     EXPECT_EQ(editor.capturePattern(screen, m_clock, m_config), "保存しました： " + file);
     EXPECT_TRUE(std::filesystem::exists(m_home / "Capture_0309070502.bmp"));
-    EXPECT_EQ(editor.previewResult(RegionLevel), "認識結果： 42");
+    EXPECT_EQ(editor.previewResult(RegionLevel), "認識結果： 42　［完全一致］");
     screen.image.reset();
     EXPECT_EQ(editor.capturePattern(screen, m_clock, m_config), "キャプチャできませんでした。");
-    EXPECT_EQ(editor.previewResult(RegionLevel), "認識結果： 42") << "the last capture stays";
+    EXPECT_EQ(editor.previewResult(RegionLevel), "認識結果： 42　［完全一致］") << "the last capture stays";
     const std::string log = test::readAll(m_home / "debug.txt");
     EXPECT_NE(log.find("Click : Pattern Capture \r\n"), std::string::npos);
     EXPECT_NE(log.find("Pattern Capture and Save ･･･ End \r\n"), std::string::npos);
