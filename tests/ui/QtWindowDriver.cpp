@@ -1,9 +1,11 @@
 // The Qt front end behind the shared window scenarios of tests/windows.
 #include "QtWindowDriver.h"
 
+#include "FormCalibrate.h"
 #include "FormInputCheck.h"
 #include "FormMain.h"
 #include "GraphFrame.h"
+#include "FormOption.h"
 #include "QtPrompter.h"
 
 #include "meter/Meter.h"
@@ -32,7 +34,7 @@ void playWhile(std::deque<PlayerStep> steps, const std::function<void()>& modal)
         running = true; // a step may open a nested loop of its own
         if (steps.front()())
             steps.pop_front();
-        else if (clock.elapsed() > 10000) {
+        else if (clock.elapsed() > 30000) {
             timedOut = true;
             if (QWidget* modalWindow = QApplication::activeModalWidget())
                 modalWindow->close();
@@ -48,7 +50,7 @@ void playWhile(std::deque<PlayerStep> steps, const std::function<void()>& modal)
 namespace {
 
 // The active message box with this title, answered: its text.
-std::optional<std::string> answerQtBox(const std::string& title, PromptHost::Button button)
+std::optional<std::string> answerQtBox(const std::string& title, Desktop::Button button)
 {
     auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
     if (box == nullptr || box->windowTitle().toStdString() != title)
@@ -62,9 +64,9 @@ std::optional<std::string> answerQtBox(const std::string& title, PromptHost::But
     return box->text().toStdString();
 }
 
-class QtPromptHost final : public PromptHost {
+class QtDesktop final : public Desktop {
 public:
-    QtPromptHost()
+    QtDesktop()
     {
         m_owner.setGeometry(60, 40, 420, 300);
         m_owner.show();
@@ -72,13 +74,15 @@ public:
 
     Prompter& prompter() override { return m_prompter; }
 
-    void play(std::deque<PlayerStep> steps, const std::function<void()>& question) override
+    void play(std::deque<PlayerStep> steps, const std::function<void()>& modal) override
     {
         QApplication::setActiveWindow(&m_owner); // the window that asks
-        playWhile(std::move(steps), question);
+        playWhile(std::move(steps), modal);
     }
 
     WindowDriver& numberDialog() override { return m_dialog; }
+    WindowDriver& options() override { return m_options; }
+    WindowDriver& calibration() override { return m_calibration; }
 
     WindowDriver::Box owner() override
     {
@@ -91,10 +95,34 @@ public:
         return answerQtBox(title, button);
     }
 
+    void showOptions(ConfigFile& config, const CaptureBitmap* lastCapture, const WindowServices& services) override
+    {
+        ui::FormOption form(config, lastCapture, {services.screen, services.waiter, services.clock, services.cycleSkip},
+                            &m_owner);
+        if (services.settingsChanged)
+            QObject::connect(&form, &ui::FormOption::settingsChanged, services.settingsChanged);
+        form.exec();
+    }
+
+    bool showCalibration(Settings& settings, const CaptureBitmap* screen, const WindowServices& services) override
+    {
+        ui::FormCalibrate form(settings, screen, {services.screen, services.waiter, services.clock, services.cycleSkip},
+                               services.log, &m_owner);
+        return form.exec() == QDialog::Accepted;
+    }
+
 private:
+    template <typename Window>
+    QWidget* shown()
+    {
+        return m_owner.findChild<Window*>();
+    }
+
     QWidget m_owner;
     ui::QtPrompter m_prompter{&m_owner};
-    QtWindowDriver m_dialog{[this]() -> QWidget* { return m_owner.findChild<ui::FormInputCheck*>(); }};
+    QtWindowDriver m_dialog{[this] { return shown<ui::FormInputCheck>(); }};
+    QtWindowDriver m_options{[this] { return shown<ui::FormOption>(); }};
+    QtWindowDriver m_calibration{[this] { return shown<ui::FormCalibrate>(); }};
 };
 
 class QtMainWindowHost final : public MainWindowHost {
@@ -162,9 +190,9 @@ std::unique_ptr<MainWindowHost> makeMainWindowHost(Settings& settings, DebugLog&
     return std::make_unique<QtMainWindowHost>(settings, log, machine);
 }
 
-std::unique_ptr<PromptHost> makePromptHost()
+std::unique_ptr<Desktop> makeDesktop()
 {
-    return std::make_unique<QtPromptHost>();
+    return std::make_unique<QtDesktop>();
 }
 
 } // namespace tvx::test

@@ -2,17 +2,21 @@
 
 #include "support/WindowDriver.h"
 
+#include "GlyphView.h"
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QTabWidget>
 #include <QTest>
 #include <QWidget>
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <functional>
 
 namespace tvx::test {
@@ -49,6 +53,7 @@ public:
     {
         QMetaObject::invokeMethod(qobject_cast<QAbstractButton*>(control(name)), "click", Qt::QueuedConnection);
     }
+    void clickNow(const std::string& name) override { qobject_cast<QAbstractButton*>(control(name))->click(); }
     void type(const std::string& name, const std::string& text) override
     {
         QTest::keyClicks(control(name), QString::fromStdString(text));
@@ -60,9 +65,41 @@ public:
     void press(Key key) override
     {
         QWidget* target = m_window()->focusWidget();
-        const Qt::Key code = key == Key::Enter ? Qt::Key_Return : Qt::Key_Escape;
-        QCoreApplication::postEvent(target, new QKeyEvent(QEvent::KeyPress, code, Qt::NoModifier));
-        QCoreApplication::postEvent(target, new QKeyEvent(QEvent::KeyRelease, code, Qt::NoModifier));
+        QCoreApplication::postEvent(target, new QKeyEvent(QEvent::KeyPress, code(key), Qt::NoModifier));
+        QCoreApplication::postEvent(target, new QKeyEvent(QEvent::KeyRelease, code(key), Qt::NoModifier));
+    }
+    void key(const std::string& name, Key key) override { QTest::keyClick(control(name), code(key)); }
+    void choose(const std::string& name, int index) override
+    {
+        if (auto* combo = qobject_cast<QComboBox*>(control(name)))
+            combo->setCurrentIndex(index);
+        else if (auto* tabs = qobject_cast<QTabWidget*>(control(name)))
+            tabs->setCurrentIndex(index);
+    }
+    std::vector<std::uint16_t> glyph(const std::string& name) override { return glyphView(name)->columns(); }
+    void clickCell(const std::string& name, int column, int row) override
+    {
+        ui::GlyphView* view = glyphView(name);
+        QTest::mouseClick(view, Qt::LeftButton, {}, view->pixelCentre(column, row));
+    }
+    void drag(const std::string& name, Point from, Point to) override
+    {
+        QWidget* widget = control(name);
+        QTest::mousePress(widget, Qt::LeftButton, {}, QPoint(from.x, from.y));
+        const QPointF half((from.x + to.x) / 2.0, (from.y + to.y) / 2.0);
+        QMouseEvent move(QEvent::MouseMove, half, widget->mapToGlobal(half), Qt::NoButton, Qt::LeftButton,
+                         Qt::NoModifier);
+        QApplication::sendEvent(widget, &move);
+        QTest::mouseRelease(widget, Qt::LeftButton, {}, QPoint(to.x, to.y));
+    }
+    Frame picture(const std::string& name) override
+    {
+        const QImage image = (name.empty() ? m_window() : control(name))->grab().toImage().convertToFormat(
+            QImage::Format_BGR888);
+        Frame frame(image.width(), image.height());
+        for (int y = 0; y < image.height(); ++y)
+            std::memcpy(frame.row(y), image.constScanLine(y), frame.rowBytes());
+        return frame;
     }
     Box frame() override
     {
@@ -79,7 +116,12 @@ public:
     }
 
 private:
+    static Qt::Key code(Key key)
+    {
+        return key == Key::Enter ? Qt::Key_Return : key == Key::Escape ? Qt::Key_Escape : Qt::Key_Right;
+    }
     QWidget* find(const std::string& name) { return m_window()->findChild<QWidget*>(QString::fromStdString(name)); }
+    ui::GlyphView* glyphView(const std::string& name) { return qobject_cast<ui::GlyphView*>(control(name)); }
 
     std::function<QWidget*()> m_window;
 };

@@ -12,6 +12,11 @@
 
 namespace tvx::test {
 
+class WindowDriver;
+
+// The window of a Win32 window driver, or one of its controls.
+HWND handleOf(WindowDriver& window, const std::string& control = {});
+
 // Plays the player's part while a modal dialog runs its own message loop: each step runs
 // from a thread timer until it returns true, then the next. A script that has not
 // finished after its deadline closes the active window, so a test can fail, not hang.
@@ -139,9 +144,8 @@ inline void pressKey(WPARAM key)
     PostMessageW(target, WM_KEYUP, key, 0xC0000001);
 }
 
-// Saves what the screen shows of a window as a 24-bit bitmap file: the window as the player
-// sees it, its children and the frame included.
-inline bool saveWindowPicture(HWND window, const std::filesystem::path& file)
+// What the screen shows of a window, its children and frame included.
+inline Frame screenPicture(HWND window)
 {
     RECT r;
     GetWindowRect(window, &r);
@@ -165,7 +169,7 @@ inline bool saveWindowPicture(HWND window, const std::filesystem::path& file)
     DeleteObject(bitmap);
     DeleteDC(memory);
     ReleaseDC(nullptr, screen);
-    return writeBitmap24(file, frame);
+    return frame;
 }
 
 } // namespace tvx::test

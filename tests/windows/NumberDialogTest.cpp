@@ -9,7 +9,7 @@ namespace tvx::test {
 namespace {
 
 using Key = WindowDriver::Key;
-using Button = PromptHost::Button;
+using Button = Desktop::Button;
 
 constexpr double kCancelled = 19999;
 
@@ -38,7 +38,7 @@ protected:
         };
     }
 
-    std::unique_ptr<PromptHost> host = makePromptHost();
+    std::unique_ptr<Desktop> host = makeDesktop();
 };
 
 TEST_F(NumberDialogTest, OpensOverTheAskerWithOrderedLimitsAndTheProposedValueSelected)
