@@ -27,11 +27,7 @@ extern char** environ;
 namespace tvx {
 namespace {
 
-struct Outcome {
-    int status = -1;
-    std::string out;
-    std::string err;
-};
+struct Outcome { int status = -1; std::string out; std::string err; };
 
 // A program started with its standard output and error going to files of `folder`.
 class Started {

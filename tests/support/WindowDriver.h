@@ -46,10 +46,7 @@ inline PlayerStep act(std::function<void()> action)
 class WindowDriver {
 public:
     enum class Key { Enter, Escape, Right };
-    struct Point {
-        int x = 0;
-        int y = 0;
-    };
+    struct Point { int x = 0; int y = 0; };
     struct Box {
         int left = 0;
         int top = 0;

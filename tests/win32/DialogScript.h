@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <deque>
-#include <filesystem>
 #include <functional>
 #include <string>
 
@@ -105,10 +104,7 @@ inline std::wstring staticTexts(HWND window)
 // The first control with this identifier anywhere under the window (on its pages too).
 inline HWND childWithId(HWND window, int id)
 {
-    struct Search {
-        int id;
-        HWND found;
-    } search{id, nullptr};
+    struct Search { int id; HWND found; } search{id, nullptr};
     EnumChildWindows(
         window,
         [](HWND child, LPARAM into) -> BOOL {

@@ -40,11 +40,7 @@ protected:
         pumpMessages(200);
     }
 
-    struct Reading {
-        std::int32_t level;
-        Currency exp;
-        Currency money;
-    };
+    struct Reading { std::int32_t level; Currency exp; Currency money; };
     Reading read(const CaptureBitmap& bitmap) const
     {
         ScreenRecognizer recognizer(settings);

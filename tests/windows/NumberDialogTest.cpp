@@ -43,13 +43,7 @@ protected:
 
 TEST_F(NumberDialogTest, OpensOverTheAskerWithOrderedLimitsAndTheProposedValueSelected)
 {
-    struct Case {
-        const char* a;
-        const char* b;
-        const char* title;
-        std::string texts;
-        const char* shownTitle;
-    };
+    struct Case { const char* a; const char* b; const char* title; std::string texts; const char* shownTitle; };
     const Case cases[] = {
         {"300", "1", "設定値入力", "値を入力してください|最大：|300|最小：|1|10|決 定|キャンセル|", "設定値入力"},
         {"5", "1200", "", "値を入力してください|最大：|1200|最小：|5|10|決 定|キャンセル|", "パラメータ入力"},
@@ -88,11 +82,7 @@ TEST_F(NumberDialogTest, OpensOverTheAskerWithOrderedLimitsAndTheProposedValueSe
 
 TEST_F(NumberDialogTest, TheKeyFilterLetsNumbersThrough)
 {
-    struct Case {
-        const char* typed;
-        const char* shown;
-        double answer;
-    };
+    struct Case { const char* typed; const char* shown; double answer; };
     const Case cases[] = {{"2x5,0", "250", 250}, {"1a2E,+3 x", "12E3", 12000}, {"12E-1", "12E-1", 1.2}};
     for (const Case& c : cases) {
         std::string shown;
@@ -208,11 +198,7 @@ TEST_F(NumberDialogTest, CancelCloseEscapeAndEnterOnCancelAnswerTheSentinel)
 
 TEST_F(NumberDialogTest, QuestionsShowTheirTitleAndTextAndAnswerByTheButton)
 {
-    struct Case {
-        Button button;
-        bool yesNo;
-        bool expected;
-    };
+    struct Case { Button button; bool yesNo; bool expected; };
     const Case cases[] = {
         {Button::Yes, true, true}, {Button::No, true, false}, {Button::Ok, false, true}, {Button::Cancel, false, false}};
     for (const Case& c : cases) {

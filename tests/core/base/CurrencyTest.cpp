@@ -11,10 +11,7 @@ namespace {
 
 TEST(Currency, ParsesDecimalTextExactly)
 {
-    struct Case {
-        const char* text;
-        std::optional<std::int64_t> raw;
-    };
+    struct Case { const char* text; std::optional<std::int64_t> raw; };
     for (const Case& c : {Case{"0", 0}, Case{"1234567", 12345670000}, Case{"0001", 10000}, Case{"-1", -10000},
                           Case{"12.5", 125000}, Case{".5", 5000}, Case{"1.23456", 12346}, Case{"1.23455", 12346},
                           Case{"1.23465", 12346}, Case{"1.234651", 12347}, Case{"922337203685477", 9223372036854770000},

@@ -43,11 +43,7 @@ TEST(GraphGrid, WholePixelDivisionsWithTheRemainderInTheLastGap)
 
 TEST(GraphPlot, PointsAreRoundedHalfToEvenAndHeldWithinTwiceTheHeight)
 {
-    const struct {
-        double rate;
-        bool first;
-        double y;
-    } cases[] = {
+    const struct { double rate; bool first; double y; } cases[] = {
         {30.5, false, 70}, {31.5, false, 68}, {30.5, true, 69.5},
         {500, false, -200}, {-500, false, 200}, {500, true, -400},
     };

@@ -31,13 +31,7 @@ TEST(ScaleStep, PicksTheFirstStepStrictlyAbove)
 
 TEST(GraphScaleTexts, LabelsOfBothColumns)
 {
-    struct Case {
-        double maxE;
-        double maxM;
-        float zoom;
-        std::array<std::string, 4> el;
-        std::array<std::string, 4> ml;
-    };
+    struct Case { double maxE; double maxM; float zoom; std::array<std::string, 4> el; std::array<std::string, 4> ml; };
     const Case cases[] = {
         // An empty history: 7.5 and 2.5 are rounded by the format, half away from zero.
         {0, 0, 1.0f, {"    10", "     8", "     5", "     3"}, {"10", "8", "5", "3"}},

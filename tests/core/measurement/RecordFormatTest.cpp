@@ -14,12 +14,7 @@ Currency c(double value)
 
 TEST(FormatFieldTest, RightAlignsBehindTheGap)
 {
-    struct Case {
-        FieldValue value;
-        int width, gap, decimals;
-        bool plain;
-        const char* expected;
-    };
+    struct Case { FieldValue value; int width, gap, decimals; bool plain; const char* expected; };
     const Case cases[] = {
         {std::int64_t{120}, 6, 1, 0, false, "  120 "},
         {std::int64_t{0}, 6, 1, 0, false, "    0 "},

@@ -32,10 +32,7 @@ struct Region {
 
 TEST(BinarizeRegion, MaskingModesDecideWhichLevelsAreInk)
 {
-    struct Case {
-        std::int32_t threshold, mask, level;
-        bool ink;
-    };
+    struct Case { std::int32_t threshold, mask, level; bool ink; };
     const std::vector<Case> cases = {
         // Plain threshold (negative mask).
         {133, -1, 531, false}, {133, -1, 532, true}, {133, -1, 0, false}, {0, -1, 0, true},

@@ -200,11 +200,7 @@ TEST(RecognizeNumber, TheWalkEndsWithTheColumnDataHoweverWideTheRegionClaimsToBe
     emptyDelimiter[10] = "";
     PatternSet emptyDigit = emptyDelimiter;
     emptyDigit[7] = "";
-    const struct {
-        const char* name;
-        const PatternSet* patterns;
-        std::string digits;
-    } cases[] = {
+    const struct { const char* name; const PatternSet* patterns; std::string digits; } cases[] = {
         {"no template is empty: no delimiter", &expGlyphs(), ""},
         {"an empty delimiter is met past the data", &emptyDelimiter, "12"},
         {"an empty digit before it wins every step instead", &emptyDigit, ""},

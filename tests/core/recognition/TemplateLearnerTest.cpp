@@ -96,11 +96,7 @@ TEST(TemplateLearnerTest, ImagesThatDoNotFitAreRefusedAndChangeNothing)
     ASSERT_TRUE(learner.add(fontImage("7207"), "7207").accepted());
     const PatternSet before = learner.patterns();
 
-    struct Case {
-        const char* shown;
-        const char* typed;
-        LearnRefusal refusal;
-    };
+    struct Case { const char* shown; const char* typed; LearnRefusal refusal; };
     const Case cases[] = {
         {"6172", "6127", LearnRefusal::Contradiction}, // a mistyped number: its 2 and 7 clash with those learnt
         {"1161", "12a", LearnRefusal::NotANumber},

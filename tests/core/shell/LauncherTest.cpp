@@ -26,12 +26,7 @@ TEST_F(LauncherTest, TellsThePlayerWhatCouldNotBeOpenedAndLogsIt)
     const std::string help = "/opt/tallivex/bin/使用方法M.mht";
     machine.existingFiles = {help};
     machine.shellOpens = false;
-    const struct {
-        bool url;
-        std::string target;
-        const char* message;
-        const char* line;
-    } cases[] = {
+    const struct { bool url; std::string target; const char* message; const char* line; } cases[] = {
         {false, readMe, "message 実行エラー: ReadMeM.txtファイルが見つかりません。", "Execution File Not Find  /opt/tallivex/bin/ReadMeM.txt"},
         {true, "", "message 実行エラー: サイトが見つかりません。", "Execution File Not Find  \r\n"},
         {false, help, "message 実行エラー: 使用方法M.mhtを開くプログラムが見つかりません。",

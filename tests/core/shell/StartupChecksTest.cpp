@@ -9,10 +9,7 @@ TEST(IsTempFolderTest, EitherFolderInsideTheOther)
 {
     const char* temp = "C:\\Users\\mei\\AppData\\Local\\Temp\\";
     const char* shortTemp = "C:\\Users\\MEI~1\\AppData\\Local\\Temp\\";
-    struct Case {
-        const char* program;
-        bool refused;
-    };
+    struct Case { const char* program; bool refused; };
     const Case cases[] = {
         {"C:\\Users\\mei\\AppData\\Local\\Temp\\", true},
         {"c:\\users\\mei\\appdata\\local\\temp\\Temp1_tv.zip\\tv", true}, // case ignored

@@ -109,11 +109,7 @@ protected:
 
 TEST_F(FormMainCommandsTest, EachCommandLogsAndSaysWhatTheWindowDoes)
 {
-    const struct {
-        MenuCommand command;
-        WindowAction action;
-        const char* line;
-    } cases[] = {
+    const struct { MenuCommand command; WindowAction action; const char* line; } cases[] = {
         {MenuCommand::PatternSave, WindowAction::None, "Click : Pattern Save "},
         {MenuCommand::End, WindowAction::Close, "Click : END "},
         {MenuCommand::Option, WindowAction::ShowOptions, "Click : Option "},

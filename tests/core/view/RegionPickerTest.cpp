@@ -18,9 +18,7 @@ RegionPicker pickerOnGameScreen()
 TEST(RegionPickerTest, PicturePointsMapToScreenPixelsAtEveryZoom)
 {
     RegionPicker picker = pickerOnGameScreen();
-    struct Case {
-        std::int32_t zoomAsked, zoom, x, y, pixelX, pixelY;
-    };
+    struct Case { std::int32_t zoomAsked, zoom, x, y, pixelX, pixelY; };
     const Case cases[] = {
         {1, 1, 10, 20, 10, 20},     {2, 2, 21, 41, 10, 20},     {3, 2, 21, 41, 10, 20},
         {8, 8, 87, 7, 10, 0},       {100, 16, 160, 16, 10, 1},  {0, 1, -5, -1, 0, 0},
@@ -40,10 +38,7 @@ TEST(RegionPickerTest, ADragSpansTheRectangleOfItsCornerPixels)
     RegionPicker picker = pickerOnGameScreen();
     picker.setZoom(4);
     picker.selectRegion(RegionExp);
-    struct Case {
-        std::int32_t fromX, fromY, toX, toY;
-        CaptureRegionRect rect;
-    };
+    struct Case { std::int32_t fromX, fromY, toX, toY; CaptureRegionRect rect; };
     const Case cases[] = {
         {400, 2000, 763, 2035, {100, 500, 91, 9}}, // right and down; both corners included
         {763, 2035, 400, 2000, {100, 500, 91, 9}}, // left and up gives the same
