@@ -1,6 +1,6 @@
 // What only the Win32 options window has: pages that scroll in a window too small for
 // them, and every page whole at the opening size. The rest is tests/windows/OptionsWindowTest.cpp.
-#include "DialogScript.h"
+#include "DesktopSupport.h"
 #include "FormOption.h"
 
 #include "TextCodecFactory.h"
@@ -80,7 +80,7 @@ TEST_F(FormOptionWin32Test, EveryPageShowsAllItsControlsAsItOpens)
     for (int tab = 0; tab < kOptionTabCount; ++tab)
         steps.push_back(act([this, tab, &faults] {
             options().choose("tabOption", tab);
-            pump(400);
+            pumpMessages(400);
             HWND page = nullptr;
             for (HWND c = GetWindow(window(), GW_CHILD); c; c = GetWindow(c, GW_HWNDNEXT))
                 if (c != handleOf(options(), "tabOption") && IsWindowVisible(c) && GetWindow(c, GW_CHILD))

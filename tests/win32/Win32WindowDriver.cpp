@@ -2,7 +2,6 @@
 #include "support/WindowDriver.h"
 
 #include "DesktopSupport.h"
-#include "DialogScript.h"
 #include "FormCalibrate.h"
 #include "FormInputCheck.h"
 #include "FormMain.h"
@@ -197,7 +196,7 @@ public:
                                   nullptr, GetModuleHandleW(nullptr), nullptr);
         SetForegroundWindow(m_owner);
         SetActiveWindow(m_owner);
-        pump(50);
+        pumpMessages(50);
         m_prompter.setOwner(m_owner);
     }
     ~Win32Desktop() override { DestroyWindow(m_owner); }
