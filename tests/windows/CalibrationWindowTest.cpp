@@ -33,10 +33,9 @@ protected:
     {
         steps.push_front([this] { return window().isOpen(); });
         bool applied = false;
-        desktop->play(std::move(steps), [&] {
-            applied = desktop->showCalibration(settings, screenshot,
-                                               canCapture ? WindowServices{&screen, &waiter, nullptr, nullptr, nullptr, {}} : WindowServices{});
-        });
+        const WindowServices services{&screen, &waiter, nullptr, nullptr, nullptr, {}};
+        desktop->play(std::move(steps),
+                      [&] { applied = desktop->showCalibration(settings, screenshot, canCapture ? services : WindowServices{}); });
         return applied;
     }
 
