@@ -8,7 +8,7 @@ cd "$(dirname "$0")/.."
 seconds=${1:-20}
 shift || true
 targets=("$@")
-[ ${#targets[@]} -gt 0 ] || targets=(CaptureBitmap ConfigFile Recognizer RecordFile GestureMatcher)
+[ ${#targets[@]} -gt 0 ] || targets=(CaptureBitmap ConfigFile Recognizer RecordFile GestureMatcher LiveFigures)
 
 for target in "${targets[@]}"; do
   binary=build/fuzz/tests/fuzz/fuzz_$target

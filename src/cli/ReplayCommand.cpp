@@ -4,6 +4,7 @@
 #include "CliSettings.h"
 #include "SystemClock.h"
 #include "TextCodecFactory.h"
+#include "LiveJson.h"
 
 #include "meter/Meter.h"
 #include "ports/Clock.h"
@@ -20,6 +21,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <fstream>
 #include <map>
 #include <optional>
 #include <ostream>
@@ -29,12 +31,13 @@ namespace {
 
 constexpr const char* kUsage =
     "usage: tallivex-cli replay FRAMES_DIR --save-folder DIR [--start \"YYYY-MM-DD hh:mm\"] [--csv]\n"
-    "                           [--per-session] [--money-scan] [--window-mode] [--home DIR]\n";
+    "                           [--per-session] [--money-scan] [--window-mode] [--home DIR] [--live FILE]\n";
 
 struct Options {
     std::string framesDir;
     std::string saveFolder;
     std::string home;
+    std::string live;
     std::optional<LocalDateTime> start;
     bool csv = false;
     bool perSession = false;
@@ -68,7 +71,7 @@ bool parseOptions(const std::vector<std::string>& args, Options& options, std::o
                 return std::nullopt;
             return args[++i];
         };
-        if (arg == "--save-folder" || arg == "--start" || arg == "--home") {
+        if (arg == "--save-folder" || arg == "--start" || arg == "--home" || arg == "--live") {
             const auto text = value();
             if (!text) {
                 err << "tallivex-cli replay: " << arg << " needs a value\n";
@@ -78,6 +81,8 @@ bool parseOptions(const std::vector<std::string>& args, Options& options, std::o
                 options.saveFolder = *text;
             } else if (arg == "--home") {
                 options.home = *text;
+            } else if (arg == "--live") {
+                options.live = *text;
             } else if (!(options.start = parseStart(*text))) {
                 err << "tallivex-cli replay: --start wants \"YYYY-MM-DD hh:mm\", not \"" << *text << "\"\n";
                 return false;
@@ -215,6 +220,20 @@ private:
     bool m_told = false;
 };
 
+// The frame's reading for its live line: what was read when the frame was read at all.
+LiveLineReading liveLineOf(std::int64_t second, const MeasurementSession& session, std::uint64_t readingsBefore)
+{
+    LiveLineReading reading;
+    reading.second = second;
+    const LiveFigures& figures = session.live().figures();
+    if (figures.readings == readingsBefore)
+        return reading;
+    reading.valid = figures.latestValid;
+    reading.level = reading.valid ? figures.level : session.CurrentLv;
+    reading.exp = reading.valid ? figures.exp : session.CurrentExp.wholePart();
+    return reading;
+}
+
 } // namespace
 
 int runReplay(const std::vector<std::string>& args, std::ostream& out, std::ostream& err)
@@ -246,13 +265,23 @@ int runReplay(const std::vector<std::string>& args, std::ostream& out, std::ostr
     Meter meter(settings, ports, log);
     meter.logBox().setListener([&out](std::string_view added) { out << added; });
 
+    std::ofstream live;
+    if (!options.live.empty()) {
+        live.open(utf8Path(options.live), std::ios::binary | std::ios::trunc);
+        if (!live) {
+            err << "tallivex-cli replay: cannot write " << options.live << '\n';
+            return 2;
+        }
+    }
+    MeasurementSession& session = meter.session();
     int status = 0;
     try {
-        meter.session().ChangeLogging(MeasurementSession::kStartLogging);
+        session.ChangeLogging(MeasurementSession::kStartLogging);
         for (const auto& [second, path] : *frames) {
             clock.setSeconds(second);
             if (!screen.show(path, err))
                 status = 2;
+            const std::uint64_t readings = session.live().figures().readings;
             try {
                 meter.cycle().runCycle();
             } catch (const RuntimeError& error) {
@@ -260,6 +289,10 @@ int runReplay(const std::vector<std::string>& args, std::ostream& out, std::ostr
                 err << pathUtf8(path) << ": " << errorTrapLine("timCaptureInterval_Timer", error.number()) << '\n';
                 status = 2;
             }
+            // What the desktop's timer does between readings.
+            session.checkStall();
+            if (live.is_open())
+                live << liveJsonLine(liveLineOf(second, session, readings), session.live().figures()) << '\n';
         }
         meter.session().DisplayResult(MeasurementSession::kSummary);
         meter.session().ChangeLogging(MeasurementSession::kStopLogging);
@@ -268,6 +301,13 @@ int runReplay(const std::vector<std::string>& args, std::ostream& out, std::ostr
         return 2;
     }
     out.flush();
+    if (live.is_open()) {
+        live.close();
+        if (!live) {
+            err << "tallivex-cli replay: cannot write " << options.live << '\n';
+            return 2;
+        }
+    }
     return headless.toldAnything() ? 2 : status;
 }
 

@@ -1,5 +1,6 @@
 // tallivex-cli: the meter's core without windows.
 #include "ConfigCommand.h"
+#include "HistoryCommand.h"
 #include "LearnCommand.h"
 #include "RecognizeCommand.h"
 #include "ReplayCommand.h"
@@ -25,9 +26,12 @@ void printUsage(std::ostream& out)
            "      load the configuration as the program does at start-up and print it as JSON;\n"
            "      defaults also restores and writes the defaults, save writes it back\n"
            "  replay FRAMES_DIR --save-folder DIR [--start \"YYYY-MM-DD hh:mm\"] [--csv] [--per-session]\n"
-           "         [--money-scan] [--window-mode] [--home DIR]\n"
+           "         [--money-scan] [--window-mode] [--home DIR] [--live FILE]\n"
            "      run one measurement session over screen images named by their second\n"
-           "      (0.bmp, 360.bmp, ...), write the record file and print the log box\n"
+           "      (0.bmp, 360.bmp, ...), write the record file and the session history and print\n"
+           "      the log box; --live writes one JSON line of rolling figures per reading to FILE\n"
+           "  history --save-folder DIR\n"
+           "      print the session history kept beside DIR's record files as JSON lines\n"
            "  learn --home DIR [--window-mode] IMAGE LEVEL EXP MONEY [IMAGE LEVEL EXP MONEY ...]\n"
            "      learn each region's glyphs from screen images and the numbers they show (\"-\"\n"
            "      skips a region); saved into DIR's configuration when every image fits\n"
@@ -58,6 +62,8 @@ int main(int argc, char** argv)
             return tvx::cli::runReplay(args, std::cout, std::cerr);
         if (command == "config")
             return tvx::cli::runConfig(args, std::cout, std::cerr);
+        if (command == "history")
+            return tvx::cli::runHistory(args, std::cout, std::cerr);
         if (command == "learn")
             return tvx::cli::runLearn(args, std::cout, std::cerr);
     } catch (const std::exception& error) {

@@ -8,6 +8,7 @@
 #include "config/ConfigFile.h"
 #include "config/Settings.h"
 #include "measurement/ExpTable.h"
+#include "measurement/SessionHistory.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -76,7 +77,8 @@ inline std::vector<std::string> recordLines(const std::filesystem::path& saveFol
     std::vector<std::filesystem::path> files;
     std::error_code error;
     for (const auto& entry : std::filesystem::directory_iterator(saveFolder / "log", error))
-        files.push_back(entry.path());
+        if (entry.path().filename() != utf8Path(kHistoryFileName))
+            files.push_back(entry.path());
     if (files.empty())
         return {};
     std::sort(files.begin(), files.end());

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "recognition/Frame.h"
+#include "recognition/CaptureFile.h"
 
 #include <windows.h>
 

@@ -31,8 +31,11 @@ eventually() {
   done
 }
 logged() { grep -qF -- "$1" "$log" 2>/dev/null; }
-# More than N lines in the session's record file: its header and N records.
-records() { [ "$(cat "$home"/save/log/* 2>/dev/null | grep -c .)" -gt "$1" ]; }
+# More than N lines in the session's record file: its header and N records. The session
+# history beside it has lines of its own from the first reading on.
+records() {
+  [ "$(find "$home/save/log" -type f ! -name 'セッション履歴.csv' -exec cat {} + 2>/dev/null | grep -c .)" -gt "$1" ]
+}
 clicks() {
   local b
   for b in $(echo "$1" | grep -o .); do

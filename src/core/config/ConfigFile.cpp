@@ -6,6 +6,7 @@
 #include "config/SettingRanges.h"
 #include "shell/TextWidth.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <fstream>
@@ -219,6 +220,13 @@ void readOwnLines(FieldReader& in, Settings& s, std::vector<std::string>& notes)
     const Settings fresh;
     s.ScreenCapture = fresh.ScreenCapture;
     s.Reading = fresh.Reading;
+    s.StallAlarm = fresh.StallAlarm;
+    s.StallMinutes = fresh.StallMinutes;
+    s.NextLevelWindow = fresh.NextLevelWindow;
+    s.CompactX = fresh.CompactX;
+    s.CompactY = fresh.CompactY;
+    s.CompactOpacity = fresh.CompactOpacity;
+    s.CompactShown = fresh.CompactShown;
     const auto line = [&](std::size_t values, const std::string& name, const auto& read) {
         if (in.atEnd())
             return;
@@ -257,6 +265,32 @@ void readOwnLines(FieldReader& in, Settings& s, std::vector<std::string>& notes)
                 throw RuntimeError(ErrorNumber::TypeMismatch);
             s.Reading[r].Shapes = *std::move(shapes);
         });
+    const auto within = [](std::int32_t value, std::int32_t low, std::int32_t high) {
+        if (value < low || value > high)
+            throw RuntimeError(ErrorNumber::InvalidProcedureCall);
+        return value;
+    };
+    line(2, "StallAlarm", [&] {
+        const bool alarm = in.flag();
+        s.StallMinutes = within(in.integer(), kStallMinutesRange.first, kStallMinutesRange.second);
+        s.StallAlarm = alarm;
+    });
+    line(1, "NextLevelWindow", [&] {
+        const std::int32_t minutes = in.integer();
+        if (std::find(kRateWindowChoices.begin(), kRateWindowChoices.end(), minutes) == kRateWindowChoices.end())
+            throw RuntimeError(ErrorNumber::InvalidProcedureCall);
+        s.NextLevelWindow = minutes;
+    });
+    line(4, "CompactWindow", [&] {
+        const std::int32_t x = within(in.integer(), kUnplaced, kMaxScreenSide);
+        const std::int32_t y = within(in.integer(), kUnplaced, kMaxScreenSide);
+        const std::int32_t opacity = within(in.integer(), kCompactOpacityRange.first, kCompactOpacityRange.second);
+        const bool shown = in.flag();
+        s.CompactX = x;
+        s.CompactY = y;
+        s.CompactOpacity = opacity;
+        s.CompactShown = shown;
+    });
 }
 
 // Reads the current file into s and returns the target name it holds.
@@ -428,6 +462,10 @@ std::string configFileText(const Settings& s)
              std::to_string(r + 1));
     for (std::size_t r = 0; r < kRegionCount; ++r)
         line(shapesText(s.Reading[r].Shapes) + " , 字形一覧" + std::to_string(r + 1));
+    line(N(s.StallAlarm) + "," + N(s.StallMinutes) + ",          停滞を知らせるかどうかと、停滞とみなす時間(分)");
+    line(N(s.NextLevelWindow) + ",          次のレベルまでの時間に使う時給の期間(分 0:全体)");
+    line(N(s.CompactX) + "," + N(s.CompactY) + "," + N(s.CompactOpacity) + "," + N(s.CompactShown) +
+         ",          小窓の位置、不透明度(％)、表示するかどうか");
     return out;
 }
 
@@ -456,12 +494,23 @@ bool ConfigFile::run(int mode)
     switch (mode) {
     case Load:
         load();
+        m_onDisk = m_settings;
         return true;
     case Defaults:
         restoreDefaults();
         return write();
     case Save:
         return write();
+    case SaveWindowPlace: {
+        if (!m_onDisk)
+            return write();
+        Settings kept = *m_onDisk;
+        kept.CompactX = m_settings.CompactX;
+        kept.CompactY = m_settings.CompactY;
+        kept.CompactOpacity = m_settings.CompactOpacity;
+        kept.CompactShown = m_settings.CompactShown;
+        return write(kept);
+    }
     default:
         return true;
     }
@@ -575,6 +624,11 @@ void ConfigFile::restoreDefaults()
 
 bool ConfigFile::write()
 {
+    return write(m_settings);
+}
+
+bool ConfigFile::write(const Settings& settings)
+{
     // A temporary file renamed over the old one: an interrupted save leaves either file
     // whole, never a torn one.
     const std::filesystem::path target = path();
@@ -582,7 +636,7 @@ bool ConfigFile::write()
     temporary += ".tmp";
     std::optional<ErrorNumber> error;
     try {
-        const std::string bytes = m_codec.toCp932(configFileText(m_settings));
+        const std::string bytes = m_codec.toCp932(configFileText(settings));
         {
             std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
             if (!out) {
@@ -612,6 +666,8 @@ bool ConfigFile::write()
         logError("ConfigFile 2", *error);
     }
     // The settings in memory hold either way, so the buffers must follow them.
+    if (!error)
+        m_onDisk = settings;
     sizeBuffers();
     return !error;
 }

@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,6 +21,9 @@ public:
     static constexpr int Defaults = 1; // restore the defaults and write them
     static constexpr int Load = 16;    // read, repairing or migrating where needed
     static constexpr int Save = 32;    // write the settings as they are
+    // write the compact window's place, opacity and state into the settings as last loaded
+    // or saved, so that option edits kept only until the next start stay unsaved
+    static constexpr int SaveWindowPlace = 64;
 
     static constexpr std::string_view kFileName = "TV2MConfig.ini";
     static constexpr std::string_view kOldFileName = "TV2Config.ini";
@@ -57,6 +61,7 @@ private:
     void restoreDefaults();
     // false when the file could not be written (the player has been told).
     bool write();
+    bool write(const Settings& settings);
     void logLine(std::string_view text);
     void logError(std::string_view procedure, ErrorNumber number);
     void noteClamped(std::vector<std::string> lines);
@@ -68,6 +73,7 @@ private:
     DebugLog* m_log;
     std::function<void()> m_securePixels;
     std::vector<std::string> m_clamped;
+    std::optional<Settings> m_onDisk; // what the file holds, as far as this object knows
 };
 
 // N(x): the text right-aligned in six bytes of CP932 with a blank either side; a longer

@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tvx {
@@ -17,6 +18,11 @@ inline constexpr std::int32_t kMaxScreenSide = 16384;
 inline constexpr std::int32_t kMaxRegionRows = 256;
 // Pixels of the largest region: a screen-wide line of text of 62 rows.
 inline constexpr std::int64_t kMaxRegionCells = std::int64_t{kMaxScreenSide + 1} * 62;
+
+// The ranges of our settings after the 60 lines; a value outside keeps the default.
+inline constexpr std::pair<std::int32_t, std::int32_t> kStallMinutesRange{1, 600};
+inline constexpr std::pair<std::int32_t, std::int32_t> kCompactOpacityRange{20, 100};
+inline constexpr std::array<std::int32_t, 4> kRateWindowChoices{10, 30, 60, 0};
 
 // What a value outside its range read from the configuration file means.
 enum class OutOfRange {

@@ -69,6 +69,9 @@ struct RegionReading {
     friend bool operator==(const RegionReading&, const RegionReading&) = default;
 };
 
+// A window position not chosen yet.
+inline constexpr std::int32_t kUnplaced = -32768;
+
 // The one settings record. Regions are indexed 0..2 here; the user sees them as 1..3.
 struct Settings {
     std::array<CaptureRegionRect, kRegionCount> CaptureRegion{};
@@ -101,6 +104,17 @@ struct Settings {
     // Ours, stored after the 60 lines where an older reader never looks.
     CaptureMethod ScreenCapture = CaptureMethod::Direct;
     std::array<RegionReading, kRegionCount> Reading{};
+    // The stall alarm: off by default; minutes without a valid reading or a gain.
+    bool StallAlarm = false;
+    std::int32_t StallMinutes = 15;
+    // The rate window the time to the next level is taken at: 10, 30, 60 minutes, 0 the session.
+    std::int32_t NextLevelWindow = 30;
+    // The compact window: where it was left (kUnplaced until moved), how opaque (percent), and
+    // whether it was open when the meter closed.
+    std::int32_t CompactX = kUnplaced;
+    std::int32_t CompactY = kUnplaced;
+    std::int32_t CompactOpacity = 90;
+    bool CompactShown = false;
 
     friend bool operator==(const Settings&, const Settings&) = default;
 };

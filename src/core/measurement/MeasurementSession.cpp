@@ -3,6 +3,8 @@
 #include "measurement/ExpTable.h"
 #include "measurement/RecordFile.h"
 #include "measurement/RecordFormat.h"
+#include "measurement/SessionHistory.h"
+#include "meter/RecognitionCycle.h"
 #include "ports/Clock.h"
 #include "ports/MeterView.h"
 #include "ports/Waiter.h"
@@ -79,6 +81,11 @@ MeasurementSession::MeasurementSession(const Settings& settings, MeterPorts& por
 {
 }
 
+void MeasurementSession::liveChanged()
+{
+    m_ports.view.liveChanged();
+}
+
 void MeasurementSession::controlsChanged()
 {
     m_ports.view.controlsChanged();
@@ -110,6 +117,11 @@ void MeasurementSession::ChangeLogging(int mode)
         SessionStamp = formatSessionStamp(now);
         ++m_sessionNumber;
         m_toldRecordFailure = false;
+        m_toldHistoryFailure = false;
+        m_live.start(m_ports.clock.tickMs());
+        if (Suspended)
+            m_live.suspend(m_ports.clock.tickMs());
+        liveChanged();
         // Nothing of an earlier session shows in this one's labels, summary or tools.
         clearReading();
         m_level = -1;
@@ -135,6 +147,7 @@ void MeasurementSession::ChangeLogging(int mode)
         if (m_onStop)
             m_onStop();
         controlsChanged();
+        liveChanged();
     }
 }
 
@@ -144,6 +157,8 @@ void MeasurementSession::ChangeSuspend(std::int32_t delaySeconds)
         if (Suspended) {
             m_state.controls.tempStopRed = false;
             Suspended = false;
+            m_live.resume(m_ports.clock.tickMs());
+            liveChanged();
             m_log.WriteDebugLog("Suspend Mode Off ");
             if (running()) {
                 m_state.controls.captureTimerEnabled = true;
@@ -163,6 +178,8 @@ void MeasurementSession::ChangeSuspend(std::int32_t delaySeconds)
             m_state.controls.tempStopRed = true;
             controlsChanged();
         }
+        m_live.suspend(m_ports.clock.tickMs());
+        liveChanged();
         m_log.WriteDebugLog("Suspend Mode On ");
     } catch (const RuntimeError& error) {
         m_log.writeErrorTrap("ChangeSuspend", error.number());
@@ -198,6 +215,9 @@ bool MeasurementSession::evaluateReading()
 {
     if (!readingValid()) {
         reportFailure();
+        m_live.failedReading();
+        checkStall();
+        liveChanged();
         return false;
     }
     const std::int32_t present = presentSeconds();
@@ -210,7 +230,9 @@ bool MeasurementSession::evaluateReading()
         m_moneyTime.present = present;
     }
     const std::int32_t levelDifference = m_level - m_previousLevel;
-    if (m_previousLevel != 0 && (levelDifference < 0 || levelDifference >= 4)) {
+    const bool characterChanged = m_previousLevel != 0 && (levelDifference < 0 || levelDifference >= 4);
+    followLive(characterChanged);
+    if (characterChanged) {
         detectCharacterChange();
         return true;
     }
@@ -241,6 +263,58 @@ bool MeasurementSession::evaluateReading()
         makeRecord();
     }
     return true;
+}
+
+void MeasurementSession::followLive(bool characterChanged)
+{
+    LiveReading reading{CurrentLv, CurrentExp.wholePart(), std::nullopt};
+    if (CurrentMoney >= Currency{})
+        reading.money = CurrentMoney.wholePart();
+    m_live.validReading(m_ports.clock.tickMs(), m_ports.clock.now(), reading, characterChanged,
+                        rateWindowOfMinutes(m_settings.NextLevelWindow));
+    saveHistory();
+    checkStall();
+    liveChanged();
+}
+
+void MeasurementSession::saveHistory()
+{
+    if (!m_live.row())
+        return;
+    const std::filesystem::path path = historyFilePath(m_settings);
+    if (trapErrors(m_log, "SaveHistoryRow", [&] { m_history.save(path, *m_live.row()); }))
+        return;
+    if (m_toldHistoryFailure)
+        return;
+    m_toldHistoryFailure = true;
+    m_ports.prompter.message("セッション履歴のファイルを読み書きできません。" + std::string(kLineBreak) + pathUtf8(path) +
+                                 std::string(kLineBreak) + "このファイルには手を付けずに、計測はこのまま続けます。",
+                             "エラー");
+}
+
+void MeasurementSession::checkStall()
+{
+    if (!running() || Suspended)
+        return;
+    const Stall before = m_live.figures().stall;
+    const Stall begun = m_live.checkStall(m_ports.clock.tickMs(), m_settings.StallMinutes);
+    if (begun != Stall::None) {
+        saveHistory();
+        m_log.WriteDebugLog(begun == Stall::NoReading ? "Stall : No Reading " : "Stall : No Gain ");
+        if (m_settings.StallAlarm) {
+            PlayCaptureBeep(m_ports.sound, m_settings.CaptureBeep);
+            m_logBox.write(formatMonthDayTime(m_ports.clock.now()) + "  停滞  " +
+                           stallText(begun, m_settings.StallMinutes) + std::string(kLineBreak));
+        }
+    }
+    if (m_live.figures().stall != before)
+        liveChanged();
+}
+
+std::string stallText(Stall stall, std::int32_t minutes)
+{
+    const std::string span = std::to_string(minutes) + "分間";
+    return stall == Stall::NoReading ? span + "読み取れていません" : span + "経験値が増えていません";
 }
 
 void MeasurementSession::detectCharacterChange()

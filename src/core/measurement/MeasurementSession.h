@@ -2,6 +2,8 @@
 
 #include "config/Settings.h"
 #include "base/Currency.h"
+#include "measurement/LiveFigures.h"
+#include "measurement/SessionHistory.h"
 #include "meter/MeterPorts.h"
 #include "meter/MeterState.h"
 #include "base/DateTime.h"
@@ -60,6 +62,9 @@ public:
     // Evaluates CurrentLv, CurrentExp and CurrentMoney as the cycle stored them. False for
     // a failed reading, which leaves bases, records and labels as they were.
     bool evaluateReading();
+    // Brings the stall watch up to now; a stall that begins sounds the alarm when it is on.
+    void checkStall();
+    const LiveTracker& live() const { return m_live; }
 
     bool running() const { return !SessionStamp.empty(); }
     // Counts the sessions started; a cycle that waited compares it with the one it began in.
@@ -102,6 +107,9 @@ private:
     void resetResults();
     std::optional<double> levelPercent() const;
     void controlsChanged();
+    void followLive(bool characterChanged);
+    void saveHistory();
+    void liveChanged();
 
     const Settings& m_settings;
     MeterPorts& m_ports;
@@ -122,6 +130,9 @@ private:
     Currency m_latestExpRate;
     std::uint64_t m_sessionNumber = 0;
     bool m_toldRecordFailure = false;
+    bool m_toldHistoryFailure = false;
+    LiveTracker m_live;
+    HistoryWriter m_history;
 
     // What the start row shows, for the end and increase rows.
     LocalDateTime m_startTime;
@@ -131,6 +142,9 @@ private:
     std::optional<double> m_endPercent;
     std::array<Currency, 2> m_moneyPair{Currency::fromInt(-1), Currency::fromInt(-1)};
 };
+
+// The log box's words for a stall that begins.
+std::string stallText(Stall stall, std::int32_t minutes);
 
 // Failed values named for the log box and the debug log ("全部 NG", "Lv NG", ...); empty
 // when nothing failed.

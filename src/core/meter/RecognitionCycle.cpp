@@ -56,6 +56,8 @@ RecognitionCycle::RecognitionCycle(const Settings& settings, MeterPorts& ports, 
 
 void RecognitionCycle::timCaptureInterval_Timer()
 {
+    // A stall is noticed between readings too: the game may be gone for good.
+    m_session.checkStall();
     if (m_ports.clock.now() < m_session.NextCaptureTime)
         return;
     if (!m_session.running()) {

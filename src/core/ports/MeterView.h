@@ -26,6 +26,8 @@ public:
     virtual void captureCaption(int /*region*/, const std::string& /*caption*/) {}
     // The elapsed-time label of the test recognition.
     virtual void recognizeElapsed(const std::string& /*text*/) {}
+    // The live figures or the state of the readings changed.
+    virtual void liveChanged() {}
     // The main window's reset at the end of a session.
     virtual void sessionReset() {}
     // DebugMode was switched: the debug area shows or hides.

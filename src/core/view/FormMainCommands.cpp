@@ -34,6 +34,8 @@ WindowAction FormMainCommands::dispatch(MenuCommand command)
     case MenuCommand::RandomOne: m_meter.menuRandomOne_Click(); break;
     case MenuCommand::RandomSome: m_meter.menuRandomSome_Click(); break;
     case MenuCommand::PrtScr: m_meter.menuPrtScr_Click(); break;
+    case MenuCommand::Compact: m_log.WriteDebugLog("Click : Compact Window "); return WindowAction::ToggleCompact;
+    case MenuCommand::History: m_log.WriteDebugLog("Click : Session History "); return WindowAction::ShowHistory;
     case MenuCommand::Quick: runDocument("Click : Show Quick Reference ", "とりあえず始めよう.mht"); break;
     case MenuCommand::HowToUse: runDocument("Click : Show How To Use ", "使用方法M.mht"); break;
     case MenuCommand::ReadMe: runDocument("Click : Show Read Me ", "ReadMeM.txt"); break;

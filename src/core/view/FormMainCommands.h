@@ -15,7 +15,7 @@ class DebugLog;
 class Meter;
 
 // What a menu command leaves for the window to do after the engine's part.
-enum class WindowAction : std::uint8_t { None, Close, ShowOptions, ShowVersion };
+enum class WindowAction : std::uint8_t { None, Close, ShowOptions, ShowVersion, ToggleCompact, ShowHistory };
 
 inline constexpr std::string_view kVersionCaption = "バージョン情報";
 inline constexpr std::string_view kClosingLine = "\r\n        終了しています・・・\r\n";

@@ -39,10 +39,14 @@ FormMainLayout formMainLayout(std::int32_t clientHeight, bool debugMode, std::in
         layout.lblCapture[region] = {under.left, buttonTop + 4, under.width, kRowHeight};
     }
 
-    const DebugItemLayout debug = debugItemLayout(debugMode, clientHeight, kFrmDebugHeight, kTxtLogTop, trap);
+    // The live lines take the foot of the panel; the log box and the debug area stand above.
+    const std::int32_t aboveLive = clientHeight - kLiveLinesHeight;
+    layout.lblLiveRates = {kMargin, aboveLive, kTxtLogWidth, kRowHeight};
+    layout.lblLiveOutlook = {kMargin, aboveLive + kRowHeight, kTxtLogWidth, kRowHeight};
+    const DebugItemLayout debug = debugItemLayout(debugMode, aboveLive, kFrmDebugHeight, kTxtLogTop, trap);
     layout.txtLog = {kMargin, kTxtLogTop, kTxtLogWidth, debug.txtLogHeight.value_or(txtLogHeightBefore)};
     layout.frmDebugVisible = debug.frmDebugVisible;
-    const std::int32_t debugTop = debug.frmDebugTop.value_or(clientHeight - kFrmDebugHeight - 8);
+    const std::int32_t debugTop = debug.frmDebugTop.value_or(aboveLive - kFrmDebugHeight - 8);
     layout.frmDebug = {kMargin, debugTop, kTxtLogWidth, kFrmDebugHeight};
     const std::int32_t pictureWidth = (kTxtLogWidth - 4 * kGap) / 3;
     for (std::size_t region = 0; region < 3; ++region) {

@@ -42,9 +42,14 @@ struct FormMainLayout {
     PixelRect cmdCapture;
     PixelRect cmdRecognize;
     PixelRect lblElapse;
+    // The live figures, two lines at the foot of the panel: EXP per hour by window, then
+    // level and money per hour and the next level.
+    PixelRect lblLiveRates;
+    PixelRect lblLiveOutlook;
 };
 
 inline constexpr std::int32_t kFrmDebugHeight = 72;
+inline constexpr std::int32_t kLiveLinesHeight = 2 * 18 + 2;
 
 // The log box keeps its last height when the window is too low for a positive one.
 FormMainLayout formMainLayout(std::int32_t clientHeight, bool debugMode, std::int32_t txtLogHeightBefore,

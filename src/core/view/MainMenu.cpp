@@ -14,6 +14,8 @@ constexpr std::array kToolItems{
     MenuItem{MenuCommand::RandomOne, "menuRandomOne", "らんだまーオンリーONE"},
     MenuItem{MenuCommand::RandomSome, "menuRandomSome", "らんだまーステキなサムシング"},
     MenuItem{MenuCommand::PrtScr, "menuPrtScr", "プリントスクリーン"},
+    MenuItem{MenuCommand::Compact, "menuCompact", "小窓"},
+    MenuItem{MenuCommand::History, "menuHistory", "セッション履歴..."},
 };
 constexpr std::array kHelpItems{
     MenuItem{MenuCommand::Quick, "menuQuick", "クイックリファレンス"},

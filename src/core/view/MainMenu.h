@@ -17,6 +17,8 @@ enum class MenuCommand : std::uint8_t {
     RandomOne,
     RandomSome,
     PrtScr,
+    Compact,
+    History,
     Quick,
     HowToUse,
     ReadMe,

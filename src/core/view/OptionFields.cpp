@@ -1,6 +1,7 @@
 #include "view/OptionFields.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace tvx {
 namespace {
@@ -117,7 +118,19 @@ std::vector<NumberField> makeNumberFields()
     plain("cmdStartUpDelay", "アプリケーション2を自動起動させる遅延時間(秒)",
           "アプリケーション2を自動起動させる遅延時間(秒)を入力してください", 0, 3600, Tab::Files, 13,
           &plainValue<&Settings::StartUpDelay>);
+    plain("cmdStallMinutes", "停滞とみなす時間(分)", "停滞とみなす時間(分)を入力してください", 1, 600, Tab::Timing, 16,
+          &plainValue<&Settings::StallMinutes>);
     return fields;
+}
+
+std::string nextLevelWindowText(const Settings& s)
+{
+    return std::to_string(s.NextLevelWindow);
+}
+
+void setNextLevelWindow(Settings& s, const std::string& value)
+{
+    s.NextLevelWindow = std::atoi(value.c_str());
 }
 
 std::string screenCaptureText(const Settings& s)
@@ -173,6 +186,7 @@ const std::vector<FlagField>& flagFields()
         {"chkSaveMonthly", "時給記録ファイルを一ヶ月追記する", Tab::Files, 4, &flagValue<&Settings::SaveMonthly>},
         {"chkStartUp0", "アプリケーション1を自動起動する", Tab::Files, 11, &startUpEnabled<0>},
         {"chkStartUp1", "アプリケーション2を自動起動する", Tab::Files, 12, &startUpEnabled<1>},
+        {"chkStallAlarm", "停滞を音とログで知らせる", Tab::Timing, 16, &flagValue<&Settings::StallAlarm>},
         // The running meter's switch, not a setting: no value in the settings.
         {"chkDebugMode", "デバッグモード", Tab::Timing, 14, nullptr},
     };
@@ -212,6 +226,13 @@ const std::vector<ChoiceField>& choiceFields()
          {{".bmp", "BMP (.bmp)"}, {".png", "PNG (.png)"}, {".jpg70", "JPEG 品質70 (.jpg)"}, {".jpg90", "JPEG 品質90 (.jpg)"}},
          &saveFormatText,
          &setSaveFormat},
+        {"cboNextLevelWindow",
+         "次のレベルまでの時間に使う時給",
+         Tab::Timing,
+         17,
+         {{"10", "直近10分"}, {"30", "直近30分"}, {"60", "直近60分"}, {"0", "セッション全体"}},
+         &nextLevelWindowText,
+         &setNextLevelWindow},
     };
     return fields;
 }
@@ -237,7 +258,7 @@ struct Heading {
 
 constexpr Heading kHeadings[] = {
     {Tab::Timing, 0, "計測"},         {Tab::Timing, 6, "画面の取り込み"}, {Tab::Timing, 10, "撮影・ジェスチャ"},
-    {Tab::Timing, 13, "その他"},      {Tab::Files, 0, "時給記録"},        {Tab::Files, 5, "グラフ"},
+    {Tab::Timing, 13, "その他"},      {Tab::Timing, 15, "ライブ表示"},      {Tab::Files, 0, "時給記録"},        {Tab::Files, 5, "グラフ"},
     {Tab::Files, 8, "画像ファイル"}, {Tab::Files, 10, "自動起動"},
 };
 

@@ -287,6 +287,16 @@ std::optional<std::string> OptionsEditor::runConfigFile(ConfigFile& config, int 
     return std::nullopt;
 }
 
+bool OptionsEditor::hasUnsavedEdits() const
+{
+    Settings saved = m_saved;
+    saved.CompactX = m_settings.CompactX;
+    saved.CompactY = m_settings.CompactY;
+    saved.CompactOpacity = m_settings.CompactOpacity;
+    saved.CompactShown = m_settings.CompactShown;
+    return m_settings != saved;
+}
+
 std::string_view OptionsEditor::unsavedQuestion()
 {
     return "変更した設定はまだ保存されていません。\r\n"

@@ -102,7 +102,9 @@ public:
     // Save, load or defaults through the configuration file, logged as the player's
     // command; returns the message to show afterwards (保存 says that it saved).
     std::optional<std::string> runConfigFile(ConfigFile& config, int mode);
-    bool hasUnsavedEdits() const { return m_settings != m_saved; }
+    // The compact window's place, opacity and openness are no edits of this window: the
+    // compact window saves them itself.
+    bool hasUnsavedEdits() const;
     // The question before closing with unsaved edits; Yes saves.
     static std::string_view unsavedQuestion();
 

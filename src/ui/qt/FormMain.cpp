@@ -2,7 +2,10 @@
 #include "CaptureImage.h"
 #include "Fonts.h"
 
+#include "FormCompact.h"
 #include "FormDirectX.h"
+#include "FormHistory.h"
+#include "FormJoke.h"
 #include "GraphFrame.h"
 
 #include "QtPorts.h"
@@ -11,6 +14,10 @@
 #include "graph/GraphLayout.h"
 #include "view/FormMainCommands.h"
 #include "view/FormMainLayout.h"
+#include "view/LiveView.h"
+#include "view/LiveWindowModel.h"
+#include "measurement/SessionHistory.h"
+#include "config/ConfigFile.h"
 #include "meter/Meter.h"
 #include "recognition/CaptureFile.h"
 #include "shell/DebugLog.h"
@@ -24,6 +31,7 @@
 #include <QResizeEvent>
 #include <QDialog>
 #include <QFontDatabase>
+#include <QFontMetrics>
 #include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -48,6 +56,22 @@ QLabel* namedLabel(const QString& name, const QString& text, QWidget* parent)
     auto* label = new QLabel(text, parent);
     label->setObjectName(name);
     return label;
+}
+
+// A live line keeps to its place: long rates (high levels earn billions an hour) are drawn
+// a little smaller rather than cut off.
+void showFitted(QLabel* label, const QString& text)
+{
+    QFont font = label->parentWidget()->font();
+    if (font.pointSizeF() <= 0) {
+        label->setText(text);
+        return;
+    }
+    const qreal smallest = font.pointSizeF() - 2;
+    while (QFontMetrics(font).horizontalAdvance(text) > label->width() && font.pointSizeF() > smallest)
+        font.setPointSizeF(font.pointSizeF() - 0.5);
+    label->setFont(font);
+    label->setText(text);
 }
 
 } // namespace
@@ -85,6 +109,13 @@ FormMain::FormMain(std::string_view title, DebugLog& log, std::filesystem::path 
     m_txtLog->setFixedWidth(kTxtLogWidth);
     rows->addWidget(m_txtLog, 1);
     rows->addWidget(buildDebugArea());
+    // The live figures: two lines at the foot of the panel.
+    m_lblLiveRates = namedLabel(QStringLiteral("lblLiveRates"), QString(), left);
+    m_lblLiveOutlook = namedLabel(QStringLiteral("lblLiveOutlook"), QString(), left);
+    for (QLabel* line : {m_lblLiveRates, m_lblLiveOutlook}) {
+        line->setFixedSize(kTxtLogWidth, (kLiveLinesHeight - 2) / 2);
+        rows->addWidget(line);
+    }
     columns->addWidget(left);
 
     m_frmGraph = new GraphFrame(central);
@@ -99,6 +130,8 @@ FormMain::FormMain(std::string_view title, DebugLog& log, std::filesystem::path 
     m_timDoHLInterval->setObjectName(QStringLiteral("timDoHLInterval"));
     resize(900, 560);
 }
+
+FormMain::~FormMain() = default;
 
 QAction* FormMain::action(const char* name) const
 {
@@ -136,6 +169,8 @@ void FormMain::runCommand(MenuCommand command)
     case WindowAction::Close: close(); break;
     case WindowAction::ShowOptions: menuOption_Click(); break;
     case WindowAction::ShowVersion: menuVersion_Click(); break;
+    case WindowAction::ToggleCompact: menuCompact_Click(); break;
+    case WindowAction::ShowHistory: menuHistory_Click(); break;
     case WindowAction::None: break;
     }
 }
@@ -232,6 +267,9 @@ void FormMain::FormMain_Load()
         m_frmGraph->setVisible(m_meter->settings().Graph);
         // Gestures first: an auto start waits StartDelay, and they must work meanwhile.
         followGestureSetting();
+        // Open when the meter last closed: back at once, before an auto start's wait.
+        if (m_meter->settings().CompactShown)
+            menuCompact_Click();
         m_meter->load(m_meter->clock());
         if (m_closing)
             return; // closed during the start-up wait
@@ -268,6 +306,24 @@ void FormMain::resultsChanged()
     showRow(labels.Start, m_startRow);
     showRow(labels.End, m_endRow);
     showRow(labels.Elapse, m_elapseRow);
+    // A session that begins shows its account first: the live state follows it.
+    showLive();
+}
+
+void FormMain::liveChanged()
+{
+    showLive();
+}
+
+void FormMain::showLive()
+{
+    if (!m_meter)
+        return;
+    const LiveView view = meterLiveView(*m_meter);
+    showFitted(m_lblLiveRates, qtText(view.rates));
+    showFitted(m_lblLiveOutlook, qtText(view.outlook));
+    if (m_formCompact)
+        m_formCompact->showView(view);
 }
 
 void FormMain::controlsChanged()
@@ -289,6 +345,8 @@ void FormMain::controlsChanged()
         m_timDoHLInterval->setInterval(controls.doHLIntervalMs);
     run(m_timCaptureInterval, controls.captureTimerEnabled);
     run(m_timDoHLInterval, controls.doHLTimerEnabled);
+    // A start, stop or suspend changes the state the live lines show.
+    showLive();
 }
 
 void FormMain::showNotice(const std::string& text, const std::string& title)
@@ -414,6 +472,10 @@ void FormMain::menuOption_Click()
             setWindowTitle(qtText(programTitle(m_meter->settings().SearchWindowName)));
             followGestureSetting();
             m_meter->settingsChanged();
+            showLive();
+            // A load or a reset may have moved or closed the compact window.
+            if (m_formCompact)
+                m_formCompact->followSettings();
             // The graph may have been switched on or off: the window takes its new shape now.
             Form_Resize();
         });
@@ -458,16 +520,70 @@ void FormMain::menuVersion_Click()
     rows->addWidget(title);
     rows->addWidget(namedLabel(QStringLiteral("lblVersion"), qtText(FormMainCommands::versionLine()), &dialog));
     auto* ok = new QPushButton(QStringLiteral("OK"), &dialog);
+    ok->setObjectName(QStringLiteral("cmdOK"));
     ok->setDefault(true);
     connect(ok, &QPushButton::clicked, &dialog, &QDialog::accept);
-    rows->addWidget(ok, 0, Qt::AlignRight);
+    auto* joke = new QPushButton(qtText(JokePopup::kOpenCaption), &dialog);
+    joke->setObjectName(QStringLiteral("cmdJoke"));
+    joke->setAutoDefault(false);
+    connect(joke, &QPushButton::clicked, &dialog, [&dialog] {
+        FormJoke popup(&dialog);
+        popup.run();
+    });
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(joke);
+    buttons->addStretch(1);
+    buttons->addWidget(ok);
+    rows->addLayout(buttons);
     dialog.exec();
+}
+
+void FormMain::menuCompact_Click()
+{
+    if (!m_meter)
+        return;
+    trapErrors(m_log, "menuCompact_Click", [this] {
+        if (!m_formCompact)
+            m_formCompact = std::make_unique<FormCompact>(m_meter->settings(), [this] { rememberCompact(); });
+        if (m_formCompact->isVisible()) {
+            m_formCompact->close();
+        } else {
+            showLive();
+            m_formCompact->open();
+        }
+    });
+}
+
+void FormMain::rememberCompact()
+{
+    // Only the window's place is written: option edits meant for this run stay unsaved.
+    if (m_config)
+        m_config->run(ConfigFile::SaveWindowPlace);
+}
+
+void FormMain::menuHistory_Click()
+{
+    if (!m_config || !m_meter)
+        return;
+    trapErrors(m_log, "menuHistory_Click", [this] {
+        if (!m_formHistory) {
+            m_formHistory = new FormHistory(m_config->prompter(), this);
+            m_formHistory->setWindowFlag(Qt::Window);
+        }
+        m_formHistory->show();
+        m_formHistory->raise();
+        // Read afresh each time: the running session adds to it.
+        m_formHistory->load(historyFilePath(m_meter->settings()));
+    });
 }
 
 void FormMain::closeEvent(QCloseEvent* event)
 {
     if (!m_closing && m_meter) {
         m_closing = true;
+        // Hidden, not closed: an open compact window opens again at the next start.
+        if (m_formCompact)
+            m_formCompact->hide();
         m_commands->closing();
         if (m_formDirectX)
             m_formDirectX->Form_Unload();

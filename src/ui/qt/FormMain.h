@@ -35,7 +35,9 @@ struct ResultRow;
 
 namespace tvx::ui {
 
+class FormCompact;
 class FormDirectX;
+class FormHistory;
 class FormOption;
 class GraphFrame;
 
@@ -47,6 +49,7 @@ class FormMain : public QMainWindow, public MeterView {
 
 public:
     FormMain(std::string_view title, DebugLog& log, std::filesystem::path programFolder, QWidget* parent = nullptr);
+    ~FormMain() override;
 
     // Connects the engine; until then the window only shows itself.
     void attach(Meter& meter);
@@ -70,6 +73,9 @@ public:
         m_gesturePrompter = prompter;
     }
     FormDirectX* formDirectX() const { return m_formDirectX; }
+    // The compact window once it was opened; it has no parent, so that it stays when the
+    // main window is minimised.
+    FormCompact* formCompact() const { return m_formCompact.get(); }
     // Demonstrations: the capture interval in seconds instead of minutes (0: the setting).
     void setIntervalSeconds(std::int32_t seconds);
     // Where the environment report comes from. Set before attach().
@@ -85,6 +91,7 @@ public:
     void captureTaken(const CaptureBitmap& screen) override;
     void captureCaption(int region, const std::string& caption) override;
     void recognizeElapsed(const std::string& text) override;
+    void liveChanged() override;
     void sessionReset() override;
     void debugModeChanged() override;
 
@@ -103,6 +110,12 @@ private:
     void runCommand(MenuCommand command);
     void menuOption_Click();
     void menuVersion_Click();
+    void menuCompact_Click();
+    void menuHistory_Click();
+    // The live lines and the compact window show the live figures again.
+    void showLive();
+    // Saves the settings the compact window changed.
+    void rememberCompact();
     // Loads or unloads the gesture listener to follow the Gesture setting.
     void followGestureSetting();
     // Snaps the window to the limits of the graph setting and lays out graph and debug area.
@@ -115,6 +128,8 @@ private:
     ConfigFile* m_config = nullptr;
     PatternCaptureServices m_patternCapture;
     FormOption* m_formOption = nullptr;
+    std::unique_ptr<FormCompact> m_formCompact;
+    FormHistory* m_formHistory = nullptr;
     Meter* m_meter = nullptr;
     std::unique_ptr<FormMainCommands> m_commands;
     MouseButtonSource* m_gestureSource = nullptr;
@@ -127,6 +142,8 @@ private:
     std::array<QLabel*, 3> m_lblCapture{};
     std::array<QLabel*, 3> m_picCapture{};
     QLabel* m_lblElapse = nullptr;
+    QLabel* m_lblLiveRates = nullptr;
+    QLabel* m_lblLiveOutlook = nullptr;
     QPushButton* m_cmdTempStop = nullptr;
     QPushButton* m_cmdCapture = nullptr;
     QPushButton* m_cmdRecognize = nullptr;

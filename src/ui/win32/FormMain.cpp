@@ -1,13 +1,16 @@
 #include "FormMain.h"
 
 #include "base/Errors.h"
+#include "config/ConfigFile.h"
 #include "config/Settings.h"
 #include "graph/GraphLayout.h"
 #include "graph/StepTrap.h"
+#include "measurement/SessionHistory.h"
 #include "meter/GestureListener.h"
 #include "meter/Meter.h"
 #include "recognition/CaptureFile.h"
 #include "shell/DebugLog.h"
+#include "view/LiveWindowModel.h"
 
 #include <windowsx.h>
 
@@ -95,6 +98,7 @@ FormMain::FormMain(std::string_view title, DebugLog& log, std::filesystem::path 
 
 FormMain::~FormMain()
 {
+    m_compact.reset();
     m_gestures.reset();
     m_frmGraph.reset();
     if (m_window != nullptr)
@@ -148,6 +152,8 @@ void FormMain::createControls()
     m_cmdRecognize =
         createControl(m_window, L"BUTTON", kTestRecognizeCaption, BS_PUSHBUTTON | WS_TABSTOP, kCmdRecognize, font);
     m_lblElapse = createControl(m_window, L"STATIC", "", SS_LEFT | SS_NOPREFIX, 0, font);
+    m_lblLiveRates = createControl(m_window, L"STATIC", "", SS_LEFT | SS_NOPREFIX, 0, font);
+    m_lblLiveOutlook = createControl(m_window, L"STATIC", "", SS_LEFT | SS_NOPREFIX, 0, font);
     m_frmGraph = std::make_unique<GraphFrame>(m_window, kFrmGraph);
     m_frmGraph->view().setDebugLog(&m_log);
 }
@@ -171,7 +177,9 @@ void FormMain::attach(Meter& meter)
     meter.logBox().setListener([this](std::string_view added) { showLogBox(added); });
     if (m_gestureSource != nullptr && m_gesturePrompter != nullptr)
         m_gestures = std::make_unique<GestureListener>(meter, *m_gestureSource, m_log, *m_gesturePrompter);
+    m_compact = std::make_unique<CompactWindow>(meter.settings(), [this] { saveSettings(); });
     layout();
+    liveChanged();
 }
 
 void FormMain::FormMain_Load()
@@ -184,6 +192,9 @@ void FormMain::FormMain_Load()
         m_frmGraph->view().setGraphBuffer(m_meter->state().graph.get());
         layout();
         graphDataChanged();
+        // Open when the meter last closed: it opens again where it was.
+        if (m_meter->settings().CompactShown)
+            m_compact->open(meterLiveView(*m_meter), false);
         m_log.WriteDebugLog("Program StartUp Complete ");
     } catch (const RuntimeError& error) {
         m_log.writeErrorTrap("FormMain_Load", error.number());
@@ -240,6 +251,8 @@ void FormMain::layout()
     for (std::size_t region = 0; region < 3; ++region)
         moveControl(m_lblCapture[region], m_layout.lblCapture[region], m_dpi);
     moveControl(m_txtLog, m_layout.txtLog, m_dpi);
+    moveControl(m_lblLiveRates, m_layout.lblLiveRates, m_dpi);
+    moveControl(m_lblLiveOutlook, m_layout.lblLiveOutlook, m_dpi);
     for (HWND control : {m_cmdCapture, m_cmdRecognize, m_lblElapse})
         ShowWindow(control, m_layout.frmDebugVisible ? SW_SHOWNA : SW_HIDE);
     moveControl(m_cmdCapture, m_layout.cmdCapture, m_dpi);
@@ -315,6 +328,10 @@ std::string FormMain::controlText(std::string_view name) const
             return windowText(m_lblCapture[region]);
     if (name == "lblElapse")
         return windowText(m_lblElapse);
+    if (name == "lblLiveRates")
+        return windowText(m_lblLiveRates);
+    if (name == "lblLiveOutlook")
+        return windowText(m_lblLiveOutlook);
     if (name == "cmdTempStop")
         return windowText(m_cmdTempStop);
     return {};
@@ -330,6 +347,7 @@ void FormMain::resultsChanged()
         for (std::size_t field = 0; field < 5; ++field)
             setText(m_values[row][field], *texts[field]);
     }
+    liveChanged();
 }
 
 void FormMain::runTimer(UINT_PTR id, bool on, UINT periodMs)
@@ -365,6 +383,7 @@ void FormMain::controlsChanged()
     if (controls.doHLTimerEnabled != m_timerOn[kTimDoHLInterval] || (controls.doHLTimerEnabled && doHLMs != m_doHLMs))
         runTimer(kTimDoHLInterval, controls.doHLTimerEnabled, doHLMs);
     m_doHLMs = doHLMs;
+    liveChanged(); // a start, stop or suspension changes the state the live lines show
 }
 
 void FormMain::showNotice(const std::string& text, const std::string& title)
@@ -413,6 +432,16 @@ void FormMain::recognizeElapsed(const std::string& text)
     setText(m_lblElapse, text);
 }
 
+void FormMain::liveChanged()
+{
+    if (m_meter == nullptr)
+        return;
+    const LiveView view = meterLiveView(*m_meter);
+    setText(m_lblLiveRates, view.rates);
+    setText(m_lblLiveOutlook, view.outlook);
+    m_compact->show(view);
+}
+
 void FormMain::sessionReset()
 {
     hideNotice();
@@ -433,6 +462,8 @@ void FormMain::runCommand(MenuCommand command)
     case WindowAction::ShowVersion:
         showVersionWindow(m_window, FormMainCommands::versionHeading(m_meter->settings().SearchWindowName));
         break;
+    case WindowAction::ToggleCompact: toggleCompact(); break;
+    case WindowAction::ShowHistory: showHistory(); break;
     case WindowAction::None: break;
     }
 }
@@ -456,6 +487,31 @@ void FormMain::settingsChanged()
     m_meter->settingsChanged(); // the level watch follows at once, its timer with it
     // The graph may have been switched on or off: the window snaps to its new limits.
     layout();
+    // A load may have moved the compact window or changed what the live lines show.
+    m_compact->followSettings();
+    liveChanged();
+}
+
+void FormMain::saveSettings()
+{
+    // Without the configuration file (tests) the settings hold the change until the end.
+    // Only the window's place is written: option edits meant for this run stay unsaved.
+    if (m_options.config != nullptr)
+        m_options.config->run(ConfigFile::SaveWindowPlace);
+}
+
+void FormMain::toggleCompact()
+{
+    if (m_compact->isOpen())
+        m_compact->close();
+    else
+        m_compact->open(meterLiveView(*m_meter));
+}
+
+void FormMain::showHistory()
+{
+    Prompter& prompter = m_options.prompter != nullptr ? *m_options.prompter : m_ownPrompter;
+    m_history.show(m_window, historyFilePath(m_meter->settings()), prompter, m_exportChooser);
 }
 
 void FormMain::onTimer(UINT_PTR id)
@@ -476,6 +532,7 @@ void FormMain::onClose()
         if (m_gestures)
             m_gestures->Form_Unload();
         m_notice.hide();
+        m_compact->closeWithMeter();
     }
     DestroyWindow(m_window);
     PostQuitMessage(0);

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "CompactWindow.h"
 #include "FormOption.h"
 #include "GraphFrame.h"
+#include "HistoryWindow.h"
 #include "SmallWindows.h"
+#include "Win32Prompter.h"
 #include "Win32Ui.h"
 
 #include "ports/MeterView.h"
@@ -59,6 +62,8 @@ public:
     void setOptionsContext(const OptionsContext& context) { m_options = context; }
     // Where gestures come from while Gesture is on; without one they stay off.
     void setGestureSource(MouseButtonSource* source, Prompter* prompter);
+    // Where the history window exports to; the save-file dialog without one.
+    void setExportChooser(ExportChooser chooser) { m_exportChooser = std::move(chooser); }
 
     // Connects the engine; until then the window only shows itself.
     void attach(Meter& meter);
@@ -72,6 +77,8 @@ public:
     HMENU menu() const { return m_menu; }
     GraphFrame& frmGraph() { return *m_frmGraph; }
     NoticeWindow& notice() { return m_notice; }
+    CompactWindow& compact() { return *m_compact; }
+    HistoryWindow& history() { return m_history; }
     GestureListener* gestureListener() const { return m_gestures.get(); }
     static int commandId(MenuCommand command) { return kMenuBase + static_cast<int>(command); }
     // The text of a named control of the account ("lblStartLv", "lblCapture0", ...).
@@ -87,6 +94,7 @@ public:
     void captureTaken(const CaptureBitmap& screen) override;
     void captureCaption(int region, const std::string& caption) override;
     void recognizeElapsed(const std::string& text) override;
+    void liveChanged() override;
     void sessionReset() override;
     void debugModeChanged() override;
 
@@ -101,6 +109,9 @@ private:
     void runCommand(MenuCommand command);
     void menuOption_Click();
     void settingsChanged();
+    void saveSettings();
+    void toggleCompact();
+    void showHistory();
     void runTimer(UINT_PTR id, bool on, UINT periodMs);
     void onTimer(UINT_PTR id);
     void onClose();
@@ -136,8 +147,14 @@ private:
     HWND m_cmdCapture = nullptr;
     HWND m_cmdRecognize = nullptr;
     HWND m_lblElapse = nullptr;
+    HWND m_lblLiveRates = nullptr;
+    HWND m_lblLiveOutlook = nullptr;
     std::unique_ptr<GraphFrame> m_frmGraph;
     NoticeWindow m_notice;
+    std::unique_ptr<CompactWindow> m_compact;
+    HistoryWindow m_history;
+    ExportChooser m_exportChooser;
+    Win32Prompter m_ownPrompter; // for the history window when the options context has none
     FormMainLayout m_layout;
     std::array<std::optional<Frame>, 3> m_previews;
     std::string m_shownLog; // what txtLog holds

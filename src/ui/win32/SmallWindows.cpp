@@ -1,6 +1,9 @@
 #include "SmallWindows.h"
 
+#include "FormJoke.h"
+
 #include "view/FormMainCommands.h"
+#include "view/JokePopup.h"
 
 #include <algorithm>
 
@@ -10,6 +13,7 @@ namespace {
 constexpr wchar_t kNoticeClass[] = L"TallivexNotice";
 constexpr wchar_t kVersionClass[] = L"TallivexVersion";
 constexpr int kOk = IDOK;
+constexpr int kJoke = 101;
 
 // The client size a text needs in a font, at most `maxWidth` wide.
 SIZE measureText(HWND window, HFONT font, const std::wstring& text, int maxWidth)
@@ -147,6 +151,11 @@ struct VersionWindow {
             DestroyWindow(window);
             return 0;
         }
+        if (message == WM_COMMAND && LOWORD(wParam) == kJoke) {
+            FormJoke popup;
+            popup.run(window);
+            return 0;
+        }
         return DefWindowProcW(window, message, wParam, lParam);
     }
 };
@@ -178,6 +187,9 @@ void showVersionWindow(HWND owner, std::string_view title)
     top += dpi(32);
     HWND ok = createControl(window, L"BUTTON", "OK", BS_DEFPUSHBUTTON | WS_TABSTOP, kOk, state.font.get());
     MoveWindow(ok, width - margin - dpi(80), top, dpi(80), dpi(24), FALSE);
+    HWND joke = createControl(window, L"BUTTON", JokePopup::kOpenCaption, BS_PUSHBUTTON | WS_TABSTOP, kJoke,
+                              state.font.get());
+    MoveWindow(joke, margin, top, dpi(80), dpi(24), FALSE);
     resizeForClient(window, width, top + dpi(24) + margin);
     centreOver(window, owner);
     ShowWindow(window, SW_SHOW);

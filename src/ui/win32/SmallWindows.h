@@ -36,7 +36,7 @@ private:
 };
 
 // FormVersion: the program and its target, then the version, modal over the owner until
-// closed.
+// closed; its "おまけ" button opens the joke popup over it.
 void showVersionWindow(HWND owner, std::string_view title);
 
 // Runs the window modally over its owner: the owner is disabled until the window is gone.

@@ -147,6 +147,9 @@ TEST_F(ConfigFileTest, AFreshInstallationWritesTheDefaultFileByteForByte)
                                 "字形の許容差(千分率)、数字の間隔(百分率)、桁区切りパターン") + r + "\r\n";
     for (const char* r : {"1", "2", "3"})
         expected += std::string(" , 字形一覧") + r + "\r\n";
+    expected += "  False ,     15 ,          停滞を知らせるかどうかと、停滞とみなす時間(分)\r\n"
+                "     30 ,          次のレベルまでの時間に使う時給の期間(分 0:全体)\r\n"
+                " -32768 , -32768 ,     90 ,  False ,          小窓の位置、不透明度(％)、表示するかどうか\r\n";
 
     const std::string bytes = test::readAll(file());
     EXPECT_EQ(m_codec->fromCp932(bytes), expected);
@@ -188,6 +191,13 @@ TEST_F(ConfigFileTest, EveryFieldSurvivesASaveAndALoad)
     s.PatternStrings[2][10] = "FFFF0001FFFF0001FFFF00010000";
     s.SearchWindowName = "MapleStory Test";
     s.ScreenCapture = CaptureMethod::PrintScreen;
+    s.StallAlarm = true;
+    s.StallMinutes = 45;
+    s.NextLevelWindow = 0;
+    s.CompactX = -120;
+    s.CompactY = 700;
+    s.CompactOpacity = 35;
+    s.CompactShown = true;
     run(ConfigFile::Save);
     EXPECT_TRUE(m_prompter.shown.empty());
     const Settings saved = s;
@@ -202,6 +212,23 @@ TEST_F(ConfigFileTest, EveryFieldSurvivesASaveAndALoad)
     EXPECT_NE(logText().find("Target Change : MapleStory Test\r\n"), std::string::npos);
 }
 
+// The compact window's place is written alone: an option kept for this run only stays so.
+TEST_F(ConfigFileTest, TheWindowPlaceIsSavedWithoutTheUnsavedOptions)
+{
+    m_settings = defaults();
+    run(ConfigFile::Save);
+    ConfigFile config(m_settings, m_home, m_prompter, *m_codec, &m_log, [] {});
+    config.run(ConfigFile::Load);
+    m_settings.CaptureInterval = 30;
+    m_settings.CompactX = 640;
+    m_settings.CompactOpacity = 60;
+    config.run(ConfigFile::SaveWindowPlace);
+    EXPECT_EQ(m_settings.CaptureInterval, 30); // the running meter keeps the edit
+    run(ConfigFile::Load);
+    EXPECT_EQ(std::tie(m_settings.CaptureInterval, m_settings.CompactX, m_settings.CompactOpacity),
+              std::make_tuple(6, 640, 60));
+}
+
 TEST_F(ConfigFileTest, OurLineAfterTheSixtyIsOptionalAndNeverCondemnsTheFile)
 {
     m_settings = defaults();
@@ -214,6 +241,12 @@ TEST_F(ConfigFileTest, OurLineAfterTheSixtyIsOptionalAndNeverCondemnsTheFile)
         {"abc , 壊れた値\r\n", CaptureMethod::Direct},
         {"7\r\n", CaptureMethod::Direct},
     };
+    // Values out of their range keep the defaults, line by line.
+    const std::string badLive = "0\r\n0\r\n0\r\n0\r\n\r\n\r\n\r\n1,0\r\n45\r\n0,0,101,1\r\n";
+    writeAll(file(), m_codec->toCp932(sixty + badLive));
+    run(ConfigFile::Load);
+    EXPECT_EQ(std::tie(m_settings.StallAlarm, m_settings.NextLevelWindow, m_settings.CompactOpacity),
+              std::make_tuple(false, 30, 90));
     for (const auto& c : cases) {
         writeAll(file(), m_codec->toCp932(sixty + c.extra));
         m_settings.ScreenCapture = c.expected == CaptureMethod::Direct ? CaptureMethod::PrintScreen : CaptureMethod::Direct;

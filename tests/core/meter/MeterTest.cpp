@@ -190,6 +190,43 @@ TEST_F(MeterTest, SuspendPausesTheTimerAndResumeReadsOnce)
     EXPECT_EQ(machine.grabs, 1);
 }
 
+// Idle for the stall minutes, then readings failing for as long, then a gain and idle again:
+// the alarm sounds for the first and the last stall only, and never while it is off.
+TEST_F(MeterTest, TheStallAlarmSoundsOncePerStallAndAgainAfterAGain)
+{
+    for (const bool alarm : {true, false}) {
+        SCOPED_TRACE(alarm);
+        restart();
+        settings.StallAlarm = alarm;
+        settings.CaptureBeep = 2;
+        show("50", "1000", "");
+        meter().menuRun_Click();
+        const std::pair<std::int64_t, const char*> readings[] = {
+            {0, "1000"}, {300, "2000"}, {600, "2000"}, {900, "2000"}, {1199, "2000"}, {1200, "2000"},
+            {1500, ""},  {1800, ""},    {2100, ""},    {2400, ""},    {2500, "3000"}, {3400, "3000"}};
+        std::vector<std::size_t> beeps;
+        for (const auto& [second, exp] : readings) {
+            cycle(second, "50", exp, "");
+            meter().cycle().timCaptureInterval_Timer();
+            beeps.push_back(machine.count("beep"));
+        }
+        const std::string& box = meter().logBox().text();
+        EXPECT_EQ(box.find("停滞  15分間経験値が増えていません") != std::string::npos, alarm) << box;
+        const std::size_t lines = [&] {
+            std::size_t n = 0;
+            for (std::size_t at = box.find("  停滞  "); at != std::string::npos; at = box.find("  停滞  ", at + 1))
+                ++n;
+            return n;
+        }();
+        EXPECT_EQ(lines, alarm ? 2u : 0u);
+        EXPECT_EQ(beeps[4], beeps[3]) << "not yet 15 minutes";
+        EXPECT_EQ(beeps[5] - beeps[4], alarm ? 1u : 0u);
+        EXPECT_EQ(beeps[9], beeps[5]) << "the failed readings are the same stall";
+        EXPECT_EQ(beeps[11] - beeps[10], alarm ? 1u : 0u);
+        EXPECT_EQ(meter().session().live().row()->stalls, 2);
+    }
+}
+
 TEST_F(MeterTest, TimerRunsACycleOnlyWhenItIsTime)
 {
     show("5", "6", "7");

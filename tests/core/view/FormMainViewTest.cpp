@@ -56,9 +56,10 @@ TEST(FormMainLayout, LogBoxAndDebugAreaShareTheHeight)
     };
     StepTrap unused;
     const std::int32_t top = formMainLayout(400, false, 0, unused).txtLog.top;
-    for (const Case& c : {Case{400, false, 400 - top - 8, 0, false},
-                          Case{400, true, 400 - top - kFrmDebugHeight - 16, 400 - kFrmDebugHeight - 8, false},
-                          Case{120, true, 77, 120 - kFrmDebugHeight - 8, true}}) {
+    const std::int32_t live = kLiveLinesHeight;
+    for (const Case& c : {Case{400, false, 400 - live - top - 8, 0, false},
+                          Case{400, true, 400 - live - top - kFrmDebugHeight - 16, 400 - live - kFrmDebugHeight - 8, false},
+                          Case{160, true, 77, 160 - live - kFrmDebugHeight - 8, true}}) {
         StepTrap trap;
         const FormMainLayout layout = formMainLayout(c.clientHeight, c.debug, 77, trap);
         EXPECT_EQ(layout.txtLog.height, c.txtLogHeight) << c.clientHeight;
@@ -66,6 +67,9 @@ TEST(FormMainLayout, LogBoxAndDebugAreaShareTheHeight)
         if (c.debug) {
             EXPECT_EQ(layout.frmDebug.top, c.frmDebugTop);
         }
+        // The live lines stay at the foot, under everything else.
+        EXPECT_EQ(layout.lblLiveOutlook.top + layout.lblLiveOutlook.height, c.clientHeight - 2);
+        EXPECT_GE(layout.lblLiveRates.top, (c.debug ? layout.frmDebug.top + kFrmDebugHeight : top + c.txtLogHeight));
         EXPECT_EQ(trap.error().has_value(), c.trapped) << c.clientHeight;
     }
 }
@@ -125,6 +129,8 @@ TEST_F(FormMainCommandsTest, EachCommandLogsAndSaysWhatTheWindowDoes)
         {MenuCommand::RandomOne, WindowAction::None, "Click : RandomOne "},
         {MenuCommand::RandomSome, WindowAction::None, "Click : RandomSome "},
         {MenuCommand::PrtScr, WindowAction::None, "Click : Print Screen "},
+        {MenuCommand::Compact, WindowAction::ToggleCompact, "Click : Compact Window "},
+        {MenuCommand::History, WindowAction::ShowHistory, "Click : Session History "},
         {MenuCommand::Quick, WindowAction::None, "Click : Show Quick Reference "},
         {MenuCommand::HowToUse, WindowAction::None, "Click : Show How To Use "},
         {MenuCommand::ReadMe, WindowAction::None, "Click : Show Read Me "},

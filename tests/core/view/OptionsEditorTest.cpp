@@ -257,6 +257,10 @@ TEST_F(OptionsEditorTest, UnsavedEditsAreKnownUntilSavedAndSavingSaysSo)
     EXPECT_EQ(editor.runConfigFile(m_config, ConfigFile::Save), std::optional<std::string>("設定を保存しました。"));
     EXPECT_FALSE(editor.hasUnsavedEdits());
     EXPECT_NE(test::readAll(m_home / "TV2MConfig.ini").find("False"), std::string::npos);
+    m_settings.CompactX = 300;
+    m_settings.CompactOpacity = 60;
+    m_settings.CompactShown = true;
+    EXPECT_FALSE(editor.hasUnsavedEdits()) << "the compact window saves its own place";
 
     ASSERT_TRUE(editor.answer(number("cmdLag"), 700));
     EXPECT_TRUE(editor.hasUnsavedEdits());
