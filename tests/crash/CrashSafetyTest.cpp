@@ -2,57 +2,23 @@
 // must never be left torn, and no line once written may go.
 #include "recognition/CaptureFile.h"
 #include "support/GameScreen.h"
+#include "support/Processes.h"
 #include "support/ReadFile.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <csignal>
-#include <fcntl.h>
 #include <random>
 #include <set>
-#include <spawn.h>
 #include <string>
-#include <sys/wait.h>
 #include <thread>
 #include <vector>
-
-extern char** environ;
 
 namespace tvx {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-// Runs the CLI with its output discarded; killed with SIGKILL after `killAfter` unless it
-// ends first. Returns how long it ran.
-Clock::duration runCli(const std::vector<std::string>& args, std::optional<Clock::duration> killAfter = {})
-{
-    std::vector<std::string> all{TALLIVEX_CLI};
-    all.insert(all.end(), args.begin(), args.end());
-    std::vector<char*> argv;
-    for (std::string& a : all)
-        argv.push_back(a.data());
-    argv.push_back(nullptr);
-    posix_spawn_file_actions_t files;
-    posix_spawn_file_actions_init(&files);
-    posix_spawn_file_actions_addopen(&files, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&files, 2, "/dev/null", O_WRONLY, 0);
-    pid_t pid = -1;
-    const auto start = Clock::now();
-    const int spawned = posix_spawn(&pid, argv[0], &files, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&files);
-    EXPECT_EQ(spawned, 0);
-    if (spawned != 0)
-        return {};
-    if (killAfter) {
-        std::this_thread::sleep_for(*killAfter);
-        kill(pid, SIGKILL);
-    }
-    waitpid(pid, nullptr, 0);
-    return Clock::now() - start;
-}
 
 std::vector<std::string> lines(const std::string& text)
 {
@@ -71,6 +37,23 @@ std::vector<std::string> lines(const std::string& text)
 
 class CrashSafetyTest : public testing::Test {
 protected:
+    // Runs the CLI with its output set aside; killed with SIGKILL after `killAfter` unless it
+    // ends first. Returns how long it ran.
+    Clock::duration runCli(std::vector<std::string> args, std::optional<Clock::duration> killAfter = {})
+    {
+        args.insert(args.begin(), TALLIVEX_CLI);
+        const auto start = Clock::now();
+        const std::string output = pathUtf8(m_temp.path() / "output.txt");
+        test::Child cli(args, output, output);
+        EXPECT_TRUE(cli.started());
+        if (killAfter) {
+            std::this_thread::sleep_for(*killAfter);
+            cli.stop(SIGKILL);
+        }
+        cli.wait();
+        return Clock::now() - start;
+    }
+
     // A moment somewhere within a run of the given length.
     std::chrono::microseconds someMomentOf(Clock::duration run)
     {

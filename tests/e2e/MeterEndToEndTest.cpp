@@ -1,6 +1,6 @@
 // The meter against the practice target on a virtual X screen: found, read, recorded,
 // drawn; gestures from xdotool; the level-up burst.
-#include "Processes.h"
+#include "support/Processes.h"
 
 #include "recognition/CaptureFile.h"
 #include "support/EndToEnd.h"

@@ -17,11 +17,7 @@ constexpr std::int64_t kSpan199 = 38'703'313'816 - 36'692'244'111;
 
 TEST(PracticeCharacter, StartValuesAreClamped)
 {
-    struct Case {
-        const char* name;
-        CharacterState start;
-        CharacterState expected;
-    };
+    struct Case { const char* name; CharacterState start; CharacterState expected; };
     const std::vector<Case> cases = {
         {"in range", {50, 1234, 5678}, {50, 1234, 5678}},
         {"below everything", {0, -5, -1}, {1, 0, 0}},
@@ -70,12 +66,7 @@ TEST(PracticeCharacter, RisingCarriesOverLevelBoundaries)
 TEST(PracticeCharacter, DyingAndLevellingUpStayWithinTheLevels)
 {
     using Key = void (PracticeCharacter::*)();
-    struct Case {
-        const char* name;
-        CharacterState start;
-        Key key;
-        CharacterState expected;
-    };
+    struct Case { const char* name; CharacterState start; Key key; CharacterState expected; };
     const std::vector<Case> cases = {
         {"die drops a level", {50, 1234, 99}, &PracticeCharacter::die, {49, 0, 99}},
         {"die at level 1 stays at 1", {1, 10, 99}, &PracticeCharacter::die, {1, 0, 99}},

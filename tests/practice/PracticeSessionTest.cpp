@@ -9,10 +9,7 @@ using Redraw = PracticeSession::Redraw;
 
 TEST(PracticeSession, KeyCodesOfBothToolkitsMapToTheSameKeys)
 {
-    const struct {
-        int code;
-        std::optional<PracticeKey> key;
-    } cases[] = {
+    const struct { int code; std::optional<PracticeKey> key; } cases[] = {
         {'D', PracticeKey::Die}, {'C', PracticeKey::Change}, {'U', PracticeKey::LevelUp}, {' ', PracticeKey::Pause},
         // Lower case 0x64 is the numeric pad's 4 on Windows; neither toolkit reports letters so.
         {'d', std::nullopt}, {'X', std::nullopt}, {0x01000000 /* Qt's Escape */, std::nullopt}, {0, std::nullopt},

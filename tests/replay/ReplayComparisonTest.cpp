@@ -6,14 +6,11 @@
 #include "base/Utf8Path.h"
 #include "measurement/SessionHistory.h"
 #include "support/GameScreen.h"
+#include "support/Processes.h"
 #include "support/ReadFile.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
-
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
 
 #include <algorithm>
 #include <array>
@@ -23,59 +20,21 @@
 #include <utility>
 #include <vector>
 
-extern char** environ;
-
 namespace tvx {
 namespace {
 
-struct Outcome {
-    int status = -1;
-    std::string out;
-    std::string err;
-};
+struct Outcome { int status = -1; std::string out; std::string err; };
 
-// A program started with its standard output and error going to files of `folder`.
-class Started {
-public:
-    Started(const std::vector<std::string>& args, std::filesystem::path folder) : m_folder(std::move(folder))
-    {
-        const std::string outFile = pathUtf8(m_folder / "stdout"), errFile = pathUtf8(m_folder / "stderr");
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addopen(&actions, 1, outFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-        posix_spawn_file_actions_addopen(&actions, 2, errFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-        std::vector<char*> argv;
-        for (const std::string& arg : args)
-            argv.push_back(const_cast<char*>(arg.c_str()));
-        argv.push_back(nullptr);
-        if (posix_spawnp(&m_pid, argv[0], &actions, nullptr, argv.data(), environ) != 0)
-            m_pid = -1;
-        posix_spawn_file_actions_destroy(&actions);
-    }
-    Started(Started&& other) noexcept : m_folder(std::move(other.m_folder)), m_pid(std::exchange(other.m_pid, -1)) {}
-    Started& operator=(Started&&) = delete;
-    ~Started()
-    {
-        if (m_pid > 0)
-            waitpid(m_pid, nullptr, 0);
-    }
+// A run with its standard output and error in files of its save folder.
+struct ReplayRun {
+    std::filesystem::path folder;
+    test::Child child;
 
-    // Waits for the end; what it printed and its exit status.
     Outcome finish()
     {
-        Outcome outcome;
-        int status = 0;
-        if (m_pid > 0 && waitpid(m_pid, &status, 0) == m_pid)
-            outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        m_pid = -1;
-        outcome.out = test::readAll(m_folder / "stdout");
-        outcome.err = test::readAll(m_folder / "stderr");
-        return outcome;
+        const int status = child.wait();
+        return {status, test::readAll(folder / "stdout"), test::readAll(folder / "stderr")};
     }
-
-private:
-    std::filesystem::path m_folder;
-    pid_t m_pid = -1;
 };
 
 // Wine shows the root of the Linux file system as drive Z:.
@@ -127,7 +86,7 @@ protected:
         }
     }
 
-    Started replay(bool windows, const std::filesystem::path& saveFolder, const std::vector<std::string>& options)
+    ReplayRun replay(bool windows, const std::filesystem::path& saveFolder, const std::vector<std::string>& options)
     {
         std::filesystem::create_directories(saveFolder);
         std::vector<std::string> args;
@@ -137,7 +96,7 @@ protected:
             args = {TALLIVEX_LINUX_CLI, "replay", pathUtf8(m_frames), "--save-folder", pathUtf8(saveFolder)};
         args.insert(args.end(), {"--start", "2024-01-31 23:50"});
         args.insert(args.end(), options.begin(), options.end());
-        return Started(args, saveFolder);
+        return {saveFolder, test::Child(args, pathUtf8(saveFolder / "stdout"), pathUtf8(saveFolder / "stderr"))};
     }
 
     test::TempFolder m_temp;
@@ -174,7 +133,7 @@ TEST_F(ReplayComparisonTest, BothSystemsWriteTheSameBytes)
                 set.windowsFolder = m_temp.path() / "windows" / utf8Path(folder);
                 sets.push_back(set);
             }
-    std::vector<Started> runs;
+    std::vector<ReplayRun> runs;
     for (const Set& set : sets) {
         runs.push_back(replay(false, set.linuxFolder, set.options));
         runs.push_back(replay(true, set.windowsFolder, set.options));

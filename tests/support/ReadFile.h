@@ -27,4 +27,13 @@ inline std::vector<std::string> splitLines(const std::string& text)
     return lines;
 }
 
+// How many times a part stands in a text, not overlapping.
+inline std::size_t countOf(const std::string& text, const std::string& part)
+{
+    std::size_t n = 0;
+    for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos; at += part.size())
+        ++n;
+    return n;
+}
+
 } // namespace tvx::test

@@ -160,11 +160,7 @@ TEST_F(GestureWindowTest, LoadedWithTheWindowItPassesClicksToTheMeterUntilTheClo
 
 TEST_F(GestureWindowTest, AMouseThatCannotBeOpenedIsReportedAndGesturesStayOff)
 {
-    const struct {
-        MouseButtonSource::StartResult result;
-        const char* logLine;
-        const char* message;
-    } cases[] = {
+    const struct { MouseButtonSource::StartResult result; const char* logLine; const char* message; } cases[] = {
         {MouseButtonSource::StartResult::NoInputSystem, "It was mistake to Create DirectInput Object ",
          "DirectInputオブジェクトが生成できません。"},
         {MouseButtonSource::StartResult::NoMouseDevice, "It was mistake to Create DirectInputDevice Object ",

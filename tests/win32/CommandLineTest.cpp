@@ -27,10 +27,7 @@ TEST(CommandLineTest, ArgumentsArriveInUtf8WhateverTheCodePage)
 
 TEST(ConsoleTextTest, PiecesEndingInsideACharacterWaitForTheRest)
 {
-    struct Case {
-        const char* text;
-        std::size_t complete;
-    };
+    struct Case { const char* text; std::size_t complete; };
     const Case cases[] = {
         {"", 0},
         {"abc\r\n", 5},

@@ -16,12 +16,7 @@ namespace {
 constexpr const char* kUsage = "usage: tallivex_e2e_support prepare HOME | place PROGRAM.exe X Y\n"
                                "                            | check HOME STATE-FILE MIN-RECORDS\n";
 
-struct Placement {
-    std::wstring program;
-    int x = 0;
-    int y = 0;
-    int moved = 0;
-};
+struct Placement { std::wstring program; int x = 0; int y = 0; int moved = 0; };
 
 std::wstring programOf(HWND window)
 {

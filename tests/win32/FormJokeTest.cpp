@@ -1,4 +1,4 @@
-#include "DialogScript.h"
+#include "DesktopSupport.h"
 #include "FormJoke.h"
 #include "SmallWindows.h"
 
@@ -51,7 +51,7 @@ TEST(FormJokeTest, TheVersionWindowsPopupLetsGoOnlyAfterItsScript)
     const auto shoot = [folder](HWND window, const std::string& name) {
         if (folder) {
             UpdateWindow(window);
-            test::saveWindowPicture(window, std::filesystem::path(folder) / (name + ".bmp"));
+            writeBitmap24(std::filesystem::path(folder) / (name + ".bmp"), test::screenPicture(window));
         }
     };
     std::vector<std::string> faults;

@@ -17,19 +17,6 @@ namespace {
 
 using win32ui::FormMain;
 
-std::string menuText(HMENU menu, MenuCommand command)
-{
-    wchar_t text[128] = {};
-    GetMenuStringW(menu, static_cast<UINT>(FormMain::commandId(command)), text, 128, MF_BYCOMMAND);
-    return win32ui::utf8(text);
-}
-
-bool menuEnabled(HMENU menu, MenuCommand command)
-{
-    const UINT state = GetMenuState(menu, static_cast<UINT>(FormMain::commandId(command)), MF_BYCOMMAND);
-    return (state & (MF_GRAYED | MF_DISABLED)) == 0;
-}
-
 class FormMainWin32Test : public testing::Test {
 protected:
     FormMainWin32Test()
@@ -40,13 +27,8 @@ protected:
         ShowWindow(window.handle(), SW_SHOWNA);
     }
 
-    void command(MenuCommand which)
-    {
-        SendMessageW(window.handle(), WM_COMMAND, static_cast<WPARAM>(FormMain::commandId(which)), 0);
-    }
 
     std::string logBox() const { return win32ui::windowText(window.txtLog()); }
-    std::string debugLog() const { return test::readAll(log.path()); }
 
     test::TempFolder temp;
     test::FakeMachine machine;
@@ -57,44 +39,10 @@ protected:
     Meter meter{settings, ports, log};
 };
 
-TEST_F(FormMainWin32Test, MenuBarCarriesTheCommandsAndRunWaitsForTheLoad)
+// What only the Win32 main window has; the rest is tests/windows/MainWindowTest.cpp.
+TEST_F(FormMainWin32Test, TheMenuBarHasItsSixEntries)
 {
-    ASSERT_NE(window.handle(), nullptr);
-    EXPECT_EQ(win32ui::windowText(window.handle()), "Tallivex  for MapleStory    Ver.2.20");
     EXPECT_EQ(GetMenuItemCount(window.menu()), 6);
-    EXPECT_EQ(menuText(window.menu(), MenuCommand::RandomOne), "らんだまーオンリーONE");
-    EXPECT_EQ(menuText(window.menu(), MenuCommand::Version), "バージョン情報...");
-    EXPECT_FALSE(menuEnabled(window.menu(), MenuCommand::Run));
-    EXPECT_FALSE(menuEnabled(window.menu(), MenuCommand::Stop));
-    EXPECT_EQ(window.controlText("cmdTempStop"), "一時停止");
-}
-
-TEST_F(FormMainWin32Test, AutoStartRunsTheSessionUntilStopAndTheCloseEndsIt)
-{
-    machine.screens = {test::gameCapture({"50", "1000", "0"})};
-    window.FormMain_Load();
-    EXPECT_FALSE(menuEnabled(window.menu(), MenuCommand::Run));
-    EXPECT_EQ(menuText(window.menu(), MenuCommand::Run), "ロギング");
-    EXPECT_TRUE(menuEnabled(window.menu(), MenuCommand::Stop));
-    EXPECT_EQ(logBox().rfind(" 月日 時刻", 0), 0u) << logBox();
-
-    meter.cycle().runCycle();
-    EXPECT_EQ(window.controlText("lblStartLv"), "50");
-    EXPECT_EQ(window.controlText("lblStartExpPS"), "0.14％");
-
-    command(MenuCommand::Stop);
-    EXPECT_TRUE(menuEnabled(window.menu(), MenuCommand::Run));
-    EXPECT_EQ(menuText(window.menu(), MenuCommand::Run), "開始");
-    EXPECT_NE(logBox().find("    開始  Lv:  50"), std::string::npos) << logBox();
-    command(MenuCommand::OperatingInfo);
-    EXPECT_NE(debugLog().find("Click : Operating Information "), std::string::npos);
-
-    SendMessageW(window.handle(), WM_CLOSE, 0, 0);
-    EXPECT_EQ(window.handle(), nullptr);
-    EXPECT_TRUE(meter.logBox().text().ends_with("        終了しています・・・\r\n"));
-    EXPECT_NE(debugLog().find("Closing Program ･･･ "), std::string::npos);
-    MSG quit;
-    EXPECT_TRUE(PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) << "the main loop is told to end";
 }
 
 // Width in pixels of a text in the font a control draws with.
@@ -155,26 +103,6 @@ TEST_F(FormMainWin32Test, LogBoxControlKeepsTheLast512LinesWithTheCaretAtTheEnd)
     SendMessageW(window.txtLog(), EM_GETSEL, reinterpret_cast<WPARAM>(&start), reinterpret_cast<LPARAM>(&end));
     EXPECT_EQ(start, static_cast<DWORD>(GetWindowTextLengthW(window.txtLog())));
     EXPECT_EQ(start, end);
-}
-
-TEST_F(FormMainWin32Test, GraphLabelClicksReachTheViewAndTheLog)
-{
-    window.FormMain_Load();
-    test::pumpMessages(50);
-    GraphFrameView& graph = window.frmGraph().view();
-    ASSERT_TRUE(graph.graphOn());
-    ASSERT_GT(graph.picGraph().width, 0);
-    const auto clickOn = [&](GraphLabel which) {
-        const PixelRect& at = graph.label(which).rect;
-        const LPARAM point = MAKELPARAM(at.left + at.width / 2, at.top + at.height / 2);
-        SendMessageW(window.frmGraph().handle(), WM_LBUTTONDOWN, MK_LBUTTON, point);
-        SendMessageW(window.frmGraph().handle(), WM_LBUTTONUP, 0, point);
-    };
-    clickOn(GraphLabel::Tl1);
-    clickOn(GraphLabel::El0);
-    EXPECT_EQ(meter.state().graphView.timeShift, settings.GraphTimeScale / 4);
-    EXPECT_FLOAT_EQ(meter.state().graphView.zoom, 1.1f);
-    EXPECT_NE(debugLog().find("Click : Graph Old View "), std::string::npos) << debugLog();
 }
 
 } // namespace

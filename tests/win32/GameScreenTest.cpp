@@ -37,14 +37,10 @@ protected:
         ASSERT_NE(game.handle(), nullptr);
         ASSERT_NE(screen, nullptr);
         ASSERT_TRUE(game.bringToFront());
-        pumpMessages(200);
+        test::pumpMessages(200);
     }
 
-    struct Reading {
-        std::int32_t level;
-        Currency exp;
-        Currency money;
-    };
+    struct Reading { std::int32_t level; Currency exp; Currency money; };
     Reading read(const CaptureBitmap& bitmap) const
     {
         ScreenRecognizer recognizer(settings);
@@ -56,8 +52,6 @@ protected:
         }
         return {levelFromText(digits[0]), amountFromText(digits[1]), amountFromText(digits[2])};
     }
-
-    static void pumpMessages(DWORD ms) { test::pumpMessages(ms); }
 
     const Settings settings = defaultSettings("");
     const Frame picture = test::gameScreen(kNumbers, ScreenMode::FullScreen, 7, 800, 600);

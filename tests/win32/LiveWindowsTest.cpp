@@ -1,5 +1,4 @@
 #include "DesktopSupport.h"
-#include "DialogScript.h"
 #include "FormMain.h"
 
 #include "TextCodecFactory.h"
@@ -32,7 +31,7 @@ void shoot(HWND window, const char* name)
 {
     if (const char* folder = std::getenv("TALLIVEX_SHOT_DIR")) {
         test::pumpMessages(300); // painted, behind whatever it opened over
-        test::saveWindowPicture(window, std::filesystem::path(folder) / name);
+        writeBitmap24(std::filesystem::path(folder) / name, test::screenPicture(window));
     }
 }
 

@@ -17,10 +17,7 @@ constexpr MouseButtonEvent kRightUp{MouseButton::Right, false};
 
 TEST(RawMouseFlagsTest, ButtonFlagsBecomeEventsLeftFirst)
 {
-    const struct {
-        std::uint16_t flags;
-        std::vector<MouseButtonEvent> events;
-    } cases[] = {
+    const struct { std::uint16_t flags; std::vector<MouseButtonEvent> events; } cases[] = {
         {0, {}},
         {RI_MOUSE_LEFT_BUTTON_DOWN, {kLeftDown}},
         {RI_MOUSE_LEFT_BUTTON_UP, {kLeftUp}},

@@ -1,20 +1,20 @@
+// The configuration file: its bytes, how hand-edited, damaged, older and unicode files are
+// read, the ranges every setting keeps, the defaults and the templates' columns.
 #include "config/ConfigFile.h"
-
+#include "config/PatternColumns.h"
 #include "config/SettingRanges.h"
 
 #include "TextCodecFactory.h"
 #include "base/Utf8Path.h"
-#include "support/ReadFile.h"
 #include "support/FakeClock.h"
+#include "support/ReadFile.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <fstream>
 #include <limits>
-#include <sstream>
 
 namespace tvx {
 namespace {
@@ -73,7 +73,7 @@ protected:
     Settings m_settings;
 };
 
-TEST(ConfigFileLayout, FieldsAreSixBytesWideWithABlankEitherSide)
+TEST(ConfigFileLayout, FieldsAreSixBytesWideAndTemplatesWholeUpperCaseColumns)
 {
     const std::pair<const char*, const char*> cases[] = {
         {"0", "      0 "},     {"-1", "     -1 "},   {"True", "   True "},   {"False", "  False "},
@@ -82,6 +82,19 @@ TEST(ConfigFileLayout, FieldsAreSixBytesWideWithABlankEitherSide)
     };
     for (const auto& [text, field] : cases)
         EXPECT_EQ(padField(text), field) << text;
+    EXPECT_EQ(decodePatternColumns("007C01ff"), (std::vector<std::uint16_t>{0x007C, 0x01FF}));
+    EXPECT_EQ(decodePatternColumns(""), std::vector<std::uint16_t>{});
+    for (const char* bad : {"007", "00G0", "007C 01F", "-001"})
+        EXPECT_EQ(decodePatternColumns(bad), std::nullopt) << bad;
+    EXPECT_EQ(encodePatternColumns({0x007C, 0xFFFF, 0}), "007CFFFF0000");
+    for (const PatternSet& set : defaultPatternStrings())
+        for (const std::string& pattern : set)
+            EXPECT_EQ(encodePatternColumns(*decodePatternColumns(pattern)), pattern);
+    // The window's frame moves every region of the full screen.
+    const auto full = defaultCaptureRegions(ScreenMode::FullScreen);
+    const auto window = defaultCaptureRegions(ScreenMode::Window);
+    for (std::size_t r = 0; r < kRegionCount; ++r)
+        EXPECT_EQ(window[r], (CaptureRegionRect{full[r].StartX + 3, full[r].StartY + 22, full[r].SizeX, full[r].SizeY}));
 }
 
 TEST_F(ConfigFileTest, AFreshInstallationWritesTheDefaultFileByteForByte)
@@ -221,10 +234,7 @@ TEST_F(ConfigFileTest, OurLineAfterTheSixtyIsOptionalAndNeverCondemnsTheFile)
     m_settings = defaults();
     run(ConfigFile::Save);
     const std::string sixty = firstLines(m_codec->fromCp932(test::readAll(file())).value(), 60);
-    const struct {
-        const char* extra;
-        CaptureMethod expected;
-    } cases[] = {
+    const struct { const char* extra; CaptureMethod expected; } cases[] = {
         {"", CaptureMethod::Direct},                         // the older program's file
         {"1 , 画面の取り込み方法\r\n", CaptureMethod::PrintScreen},
         {"0\r\n", CaptureMethod::Direct},
@@ -277,11 +287,7 @@ TEST_F(ConfigFileTest, AnUnreadableFileIsBackedUpAndReplacedByTheDefaults)
         const std::string head = firstLines(good, line - 1);
         return head + with + "\r\n" + good.substr(firstLines(good, line).size());
     };
-    struct Case {
-        const char* name;
-        std::string bytes;
-        const char* logged;
-    };
+    struct Case { const char* name; std::string bytes; const char* logged; };
     const Case cases[] = {
         {"cut after line 20", m_codec->toCp932(firstLines(good, 20)), "CODE62  Input past end of file"},
         {"empty", "", "CODE62  Input past end of file"},
@@ -445,12 +451,7 @@ TEST_F(ConfigFileTest, AFailedWriteKeepsTheSettingsAndSaysSo)
 
 TEST_F(ConfigFileTest, RestoringTheDefaultsAsksTheScreenModeAndKeepsTheTarget)
 {
-    struct Case {
-        bool fullScreen;
-        bool confirmed;
-        ScreenMode mode;
-        const char* confirmation;
-    };
+    struct Case { bool fullScreen; bool confirmed; ScreenMode mode; const char* confirmation; };
     const Case cases[] = {
         {true, true, ScreenMode::FullScreen, "フルスクリーンモードでよろしいですか？"},
         {true, false, ScreenMode::Window, "フルスクリーンモードでよろしいですか？"},
@@ -459,8 +460,9 @@ TEST_F(ConfigFileTest, RestoringTheDefaultsAsksTheScreenModeAndKeepsTheTarget)
     };
     for (const Case& c : cases) {
         m_settings = defaults();
-        m_settings.SearchWindowName = "MapleStory";
+        m_settings.SearchWindowName = "Other";
         m_settings.Graph = false;
+        m_settings.PatternStrings[1][3] = "";
         m_prompter.shown.clear();
         m_prompter.answers = {c.fullScreen, c.confirmed};
         run(ConfigFile::Defaults);
@@ -560,12 +562,7 @@ TEST_F(SettingRangesTest, EveryRangedSettingKeepsItsBoundsAndFollowsItsRuleBeyon
 TEST_F(SettingRangesTest, TemplatesThatAreNotWholeAreKeptAndLogged)
 {
     const std::string digitZero = defaultPatternStrings()[0][0]; // seven columns, the level's width
-    struct Case {
-        const char* name;
-        std::string pattern;
-        std::string kept;
-        std::string logged;
-    };
+    struct Case { const char* name; std::string pattern; std::string kept; std::string logged; };
     const Case cases[] = {
         {"three characters", "007", "007", "0 not hexadecimal columns"},
         {"not hexadecimal", "007C00FE008200820082G0FE007C", "007C00FE008200820082G0FE007C", "0 not hexadecimal columns"},

@@ -42,10 +42,7 @@ Gesture clickOneByOne(GestureMatcher& matcher, std::string_view buttons, std::ui
 
 TEST(GestureMatcher, EachPatternRunsItsCommandAndClearsTheText)
 {
-    const struct {
-        const char* clicks;
-        Gesture gesture;
-    } table[] = {
+    const struct { const char* clicks; Gesture gesture; } table[] = {
         {"LRLL", Gesture::Suspend},     {"LRLR", Gesture::Resume},   {"LRRL", Gesture::MoneyScanOn},
         {"LRRR", Gesture::MoneyScanOff}, {"RLLL", Gesture::WatchOn}, {"RLLR", Gesture::WatchOff},
         {"RRRR", Gesture::CycleReset},

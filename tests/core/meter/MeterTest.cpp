@@ -1,25 +1,50 @@
-#include "meter/Meter.h"
-
-#include "shell/DebugLog.h"
+// The engine over the fake machine: a session's records, log box and graph; failed and
+// missing readings, money never read, an unwritable record folder, stops and closes during
+// waits; every entry point's error trap, the debug switch, the level watch and gestures;
+// what a failed capture leaves and the whole-screen images kept for the player.
+#include "config/SettingRanges.h"
 #include "support/CsvFields.h"
-#include "support/ReadFile.h"
-#include "support/FakeMachine.h"
-#include "support/GameScreen.h"
 #include "support/MeterFixture.h"
-#include "support/TempFolder.h"
+#include "view/FormMainCommands.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <sstream>
+#include <functional>
+#include <new>
+#include <stdexcept>
 
 namespace tvx {
 namespace {
 
 using test::csvFields;
 using test::splitLines;
-using test::kStart;
-using MeterTest = test::MeterFixture;
+
+class MeterTest : public test::MeterFixture {
+protected:
+    // The record lines of April 2009's CSV file in a save folder, its header left out unless asked for.
+    std::vector<std::string> records(const std::filesystem::path& saveFolder, bool header = false)
+    {
+        auto lines = splitLines(test::readAll(saveFolder / "log" / utf8Path("給与明細200904月.csv")));
+        if (!header && !lines.empty())
+            lines.erase(lines.begin());
+        return lines;
+    }
+
+    void restartWithCaptureFile()
+    {
+        restart();
+        meter().capture().setCaptureFile(temp.path() / "Capture.bmp");
+    }
+
+    // One timer tick a capture interval after the last.
+    void tick(const std::string& level, const std::string& exp)
+    {
+        show(level, exp, "");
+        machine.clock.advanceMs(6 * 60 * 1000);
+        meter().cycle().timCaptureInterval_Timer();
+    }
+};
 
 TEST_F(MeterTest, WholeSessionMakesTheRecordsOfEveryCase)
 {
@@ -37,7 +62,7 @@ TEST_F(MeterTest, WholeSessionMakesTheRecordsOfEveryCase)
     cycle(3700, "8", "80", "150");
     meter().menuStop_Click();
 
-    const auto lines = splitLines(test::readAll(temp.path() / "log" / utf8Path("給与明細200904月.csv")));
+    const auto lines = records(temp.path(), true);
     ASSERT_EQ(lines.size(), 6u);
     EXPECT_EQ(lines[0], "\xEF\xBB\xBF" + recordHeader(true));
     const std::vector<std::vector<std::string>> expected{
@@ -222,10 +247,7 @@ TEST_F(MeterTest, TimerRunsACycleOnlyWhenItIsTime)
 
 TEST_F(MeterTest, LevelWatchCapturesRisesOnceArmed)
 {
-    struct Case {
-        std::vector<int> readings;
-        std::size_t bursts;
-    };
+    struct Case { std::vector<int> readings; std::size_t bursts; };
     const Case cases[] = {
         {{120}, 0},                 // the first reading is where the level starts
         {{120, 120}, 0},
@@ -243,10 +265,7 @@ TEST_F(MeterTest, LevelWatchCapturesRisesOnceArmed)
             watch.DoHLReading = Currency::fromInt(reading);
             watch.CaptureLevelChange();
         }
-        std::size_t bursts = 0;
-        for (std::size_t at = 0; (at = meter().logBox().text().find("LvUP or Dead 検出", at)) != std::string::npos; ++at)
-            ++bursts;
-        EXPECT_EQ(bursts, k.bursts) << k.readings.size();
+        EXPECT_EQ(test::countOf(meter().logBox().text(), "LvUP or Dead 検出"), k.bursts) << k.readings.size();
     }
 }
 
@@ -329,6 +348,565 @@ TEST_F(MeterTest, ButtonEventsReachTheGesturesThroughTheClock)
     for (MouseButton b : {MouseButton::Left, MouseButton::Right, MouseButton::Left, MouseButton::Left})
         click(b);
     EXPECT_TRUE(meter().session().Suspended);
+}
+
+TEST_F(MeterTest, MoneyHasNoTimeRateOrCurveUntilItIsRead)
+{
+    struct Case {
+        const char* name;
+        bool scan;
+        const char* secondMinutes; // the money re-reads' waits shift the first reading
+    };
+    for (const Case& k : {Case{"money not scanned", false, "6.0"}, Case{"scanned, not found at first", true, "5.9"}}) {
+        SCOPED_TRACE(k.name);
+        test::TempFolder folder;
+        settings.SaveFolder = pathUtf8(folder.path());
+        settings.SaveCsv = true;
+        settings.MoneyScan = k.scan;
+        meter().menuRun_Click();
+        cycle(100, "10", "100", ""); // bases, money unread
+        cycle(460, "10", "350", "");
+        cycle(820, "10", "600", "500"); // money's first reading is its base
+        cycle(1180, "10", "850", "860");
+        meter().menuStop_Click();
+
+        const auto lines = records(folder.path());
+        ASSERT_EQ(lines.size(), 3u);
+        EXPECT_EQ(csvFields(lines[0]), (std::vector<std::string>{"04/01 13:12", "10", "3697", "", "250", "", "6.0", "2", "", ""}));
+        EXPECT_EQ(csvFields(lines[1]), (std::vector<std::string>{"04/01 13:18", "10", "3947", "500", "250", "0", k.secondMinutes, "2", "0.0", "0"}));
+        EXPECT_EQ(csvFields(lines[2]), (std::vector<std::string>{"04/01 13:24", "10", "4197", "860", "250", "360", "6.0", "2", "6.0", "3"}));
+        // The graph: a gap where money had no rate, then its rates.
+        const clsGraphBuffer& graph = *meter().state().graph;
+        EXPECT_EQ(graph.Value(2).RateM(), Currency::fromInt(-1));
+        EXPECT_EQ(graph.Value(1).RateM(), Currency::fromInt(-1));
+        EXPECT_EQ(graph.Value(0).RateM(), Currency::fromInt(3));
+        const std::string box = meter().logBox().text();
+        for (const std::string& shown : splitLines(box)) {
+            if (shown.starts_with("04/01")) {
+                EXPECT_EQ(shown.find('-'), std::string::npos) << shown;
+            }
+        }
+        const std::size_t first = box.find("04/01 13:12");
+        ASSERT_NE(first, std::string::npos) << box;
+        const std::string line = box.substr(first, box.find("\r\n", first) - first);
+        EXPECT_EQ(line.ends_with("     未認識 "), k.scan) << line;
+        std::filesystem::remove_all(folder.path() / "log");
+        meter().logBox().clear();
+    }
+}
+
+TEST_F(MeterTest, AfterAChangeOfCharacterMoneyWaitsForItsOwnReading)
+{
+    settings.SaveCsv = true;
+    meter().menuRun_Click();
+    cycle(100, "10", "100", "5000");
+    cycle(460, "10", "350", "5100");
+    cycle(820, "5", "10", "");  // another character, money hidden
+    cycle(1180, "5", "20", ""); // its bases
+    cycle(1540, "5", "40", "");
+    const auto lines = records(temp.path());
+    ASSERT_EQ(lines.size(), 2u);
+    const auto fields = csvFields(lines[1]);
+    EXPECT_EQ(fields[5], "") << lines[1];
+    EXPECT_EQ(fields[8], "") << lines[1];
+    EXPECT_EQ(fields[9], "") << lines[1];
+}
+
+TEST_F(MeterTest, AFailedReadingIsReportedAndChangesNeitherLabelsNorRecordsNorSummary)
+{
+    settings.SaveCsv = true;
+    meter().menuRun_Click();
+    cycle(40, "", "", "");
+    EXPECT_TRUE(meter().logBox().text().ends_with("\r\n04/01 13:05  認識失敗  全部 NG\r\n"));
+    EXPECT_FALSE(std::filesystem::exists(temp.path() / "log")) << "no record before a reading";
+    cycle(100, "10", "100", "");
+    cycle(460, "11", "50", "");
+    const ResultLabels before = meter().state().labels;
+    ASSERT_EQ(before.Elapse.Lv, "1");
+    const struct {
+        const char* lv;
+        const char* exp;
+        const char* said;
+    } failures[] = {{"", "", "LvとExp NG"}, {"12", "", "Exp NG"}, {"", "70", "Lv NG"}};
+    for (const auto& f : failures) {
+        cycle(820, f.lv, f.exp, "33");
+        meter().session().DisplayResult(MeasurementSession::kUpdate); // as the level watch's burst does
+        EXPECT_TRUE(meter().logBox().text().ends_with(std::string("04/01 13:18  認識失敗  ") + f.said + "\r\n"))
+            << meter().logBox().text();
+        const ResultLabels& now = meter().state().labels;
+        EXPECT_EQ(now.End.Lv, before.End.Lv) << f.said;
+        EXPECT_EQ(now.End.Exp, before.End.Exp);
+        EXPECT_EQ(now.Elapse.Lv, before.Elapse.Lv);
+        EXPECT_EQ(now.Elapse.Exp, before.Elapse.Exp);
+    }
+    EXPECT_NE(debugText().find("ImageRecognition misstep :Exp NG"), std::string::npos);
+    EXPECT_EQ(records(temp.path()).size(), 1u);
+    meter().menuStop_Click();
+    const std::string box = meter().logBox().text();
+    EXPECT_NE(box.find("    終了  Lv:  11    Exp:           50 "), std::string::npos) << box;
+    EXPECT_NE(box.find("    増加  Lv:   1    Exp:         1666 "), std::string::npos) << box;
+}
+
+TEST_F(MeterTest, AReadingThatOutlivesItsSessionIsDropped)
+{
+    settings.MoneyScan = true;
+    settings.SaveCsv = true;
+    show("10", "100", "");
+    meter().menuRun_Click();
+    at(100);
+    // The player stops while the cycle waits for the money window, then starts again.
+    machine.onWait = [this](std::int32_t ms) {
+        if (ms == settings.MoneyWait) {
+            meter().menuStop_Click();
+            meter().menuRun_Click();
+        }
+    };
+    meter().cycle().runCycle();
+    machine.onWait = nullptr;
+    EXPECT_TRUE(meter().state().labels.Start.Time.empty()) << "the new session has no reading yet";
+    EXPECT_EQ(machine.grabs, 1) << "no money re-read for a session that ended";
+
+    cycle(460, "10", "350", "700");
+    cycle(820, "10", "600", "700");
+    const auto lines = records(temp.path());
+    ASSERT_EQ(lines.size(), 1u) << "the first reading of the new session is its base";
+    EXPECT_EQ(csvFields(lines[0])[6], "6.0");
+    EXPECT_EQ(test::countOf(meter().logBox().text(), " 経過: "), 1u) << "one summary, of the first session";
+}
+
+TEST_F(MeterTest, AnUnwritableRecordFolderIsToldOnceAndTheSessionGoesOn)
+{
+    const auto blocker = temp.path() / "blocked";
+    std::ofstream(blocker) << "a file where the folder should be";
+    settings.SaveFolder = pathUtf8(blocker);
+    meter().menuRun_Click();
+    cycle(100, "10", "100", "");
+    cycle(460, "10", "350", "");
+    cycle(820, "10", "600", "");
+    EXPECT_EQ(machine.count("message エラー: 時給記録ファイルに書き込めません。"), 1u);
+    EXPECT_EQ(test::countOf(debugText(), "Error Trap : WriteRecordLine : CODE76  Path not found"), 3u);
+    EXPECT_EQ(meter().state().labels.End.Exp, "600");
+    EXPECT_EQ(meter().state().labels.Elapse.Exp, "500");
+    EXPECT_EQ(meter().state().graph->Value(0).RateE(), Currency::fromInt(2));
+    EXPECT_EQ(meter().state().graph->Value(1).RateE(), Currency::fromInt(2));
+    EXPECT_EQ(test::countOf(meter().logBox().text(), "04/01 13:"), 2u) << "each record once, none piled up";
+
+    meter().menuStop_Click();
+    meter().menuRun_Click();
+    cycle(1180, "10", "700", "");
+    EXPECT_EQ(machine.count("message エラー: 時給記録ファイルに書き込めません。"), 2u) << "told again next session";
+}
+
+TEST_F(MeterTest, AMissingGameIsToldOnceASessionAndANewSessionStartsFromNothing)
+{
+    settings.MoneyScan = true;
+    meter().menuRun_Click();
+    cycle(100, "10", "100", "5000");
+    cycle(460, "10", "350", "5900");
+    machine.windows = {GameWindowState::Missing};
+    const int grabs = machine.grabs;
+    meter().cycle().runCycle();
+    meter().cycle().runCycle();
+    EXPECT_EQ(machine.count("notice エラー: MapleStoryが起動していません"), 1u);
+    EXPECT_EQ(machine.grabs, grabs) << "nothing to take a picture of";
+    meter().menuStop_Click();
+    EXPECT_EQ(machine.count("notice hidden"), 1u) << "the notice goes with the session";
+
+    meter().menuRun_Click();
+    EXPECT_EQ(meter().state().labels.Elapse.Money, "-1");
+    EXPECT_EQ(meter().session().CurrentLv, -1);
+    meter().cycle().runCycle();
+    EXPECT_EQ(machine.count("notice エラー: MapleStoryが起動していません"), 2u) << "said again in the new session";
+    machine.windows = {GameWindowState::Front};
+    cycle(900, "", "", "");
+    EXPECT_EQ(machine.count("notice hidden"), 2u) << "the game is back";
+    meter().logBox().clear();
+    meter().menuStop_Click();
+    const std::string summary = meter().logBox().text();
+    EXPECT_EQ(summary.find("5000"), std::string::npos) << summary;
+    EXPECT_EQ(summary.find("5900"), std::string::npos) << summary;
+    EXPECT_EQ(summary.find("3697"), std::string::npos) << summary;
+}
+
+TEST_F(MeterTest, EveryEntryPointTrapsWhatItCallsAndTheSessionGoesOn)
+{
+    using Thrower = std::function<void()>;
+    const Thrower badAlloc = [] { throw std::bad_alloc(); };
+    const Thrower outOfRange = [] { throw std::out_of_range("index"); };
+    const Thrower fileError = [] {
+        throw std::filesystem::filesystem_error("exists", std::make_error_code(std::errc::filename_too_long));
+    };
+    const Thrower conversion = [] { throw std::invalid_argument("stoll"); };
+    const Thrower unknown = [] { throw 42; };
+    struct Case {
+        const char* line;
+        bool onProbe; // else on the next wait
+        Thrower thrower;
+        std::function<void(Meter&)> command;
+    };
+    const std::vector<Case> cases{
+        {"Error Trap : timCaptureInterval_Timer : CODE9  Subscript out of range", true, outOfRange,
+         [](Meter& m) { m.cycle().timCaptureInterval_Timer(); }},
+        {"Error Trap : timDoHLInterval_Timer : CODE7  Out of memory", true, badAlloc,
+         [](Meter& m) { m.watch().timDoHLInterval_Timer(); }},
+        {"Error Trap : MouseGesture : CODE75  Path/File access error", true, fileError,
+         [](Meter& m) { m.runGesture(Gesture::CycleReset); }},
+        {"Error Trap : cmdCapture_Click : CODE13  Type mismatch", false, conversion,
+         [](Meter& m) { m.cycle().cmdCapture_Click(); }},
+        {"Error Trap : menuPrtScr_Click : CODE1004  Application-defined or object-defined error", false, unknown,
+         [](Meter& m) { m.menuPrtScr_Click(); }},
+        {"Error Trap : cmdTempStop_Click : CODE7  Out of memory", false, badAlloc, [](Meter& m) {
+             m.cycle().cmdTempStop_Click(1);
+             m.cycle().cmdTempStop_Click(1); // the resume waits
+         }},
+    };
+    for (const Case& k : cases) {
+        SCOPED_TRACE(k.line);
+        restart();
+        std::filesystem::remove(log.path());
+        show("10", "100", "5");
+        meter().menuRun_Click();
+        machine.clock.advanceMs(20000);
+        if (k.onProbe)
+            machine.onProbe = k.thrower;
+        else
+            machine.onWait = [&k](std::int32_t) { k.thrower(); };
+        EXPECT_NO_THROW(k.command(meter()));
+        EXPECT_NE(debugText().find(k.line), std::string::npos) << debugText();
+        EXPECT_FALSE(meter().state().busy);
+        EXPECT_TRUE(meter().state().controls.testButtonsEnabled);
+    }
+}
+
+TEST_F(MeterTest, AStopOrACloseDuringAWaitEndsWhatWaited)
+{
+    using Step = std::function<void()>;
+    const Step moneyHidden = [this] {
+        settings.MoneyScan = true;
+        show("10", "100", "");
+    };
+    const Step nothing = [] {};
+    const Step runCycle = [this] { meter().cycle().runCycle(); };
+    const Step suspendAndResume = [this] {
+        meter().cycle().cmdTempStop_Click(3);
+        meter().cycle().cmdTempStop_Click(3);
+    };
+    const Step levelUp = [this] {
+        meter().watch().timDoHLInterval_Timer(); // where the level starts
+        show("11", "100", "");
+        meter().watch().timDoHLInterval_Timer();
+    };
+    struct Case {
+        const char* name;
+        std::int32_t waitMs;
+        bool stop; // else close
+        Step setup;
+        Step command;
+        int grabs;
+        std::size_t shots;
+    };
+    const std::vector<Case> cases{
+        {"money re-read, stop", 1500, true, moneyHidden, runCycle, 1, 0},
+        {"money re-read, close", 1500, false, moneyHidden, runCycle, 1, 0},
+        {"level-up shots, stop", 300, true, nothing, levelUp, 3, 1},
+        {"level-up shots, close", 300, false, nothing, levelUp, 3, 1},
+        {"resume, stop", 3000, true, nothing, suspendAndResume, 0, 0},
+        {"resume, close", 3000, false, nothing, suspendAndResume, 0, 0},
+        {"print screen, close", 10000, false, nothing, [this] { meter().menuPrtScr_Click(); }, 0, 0},
+        {"test capture, close", 10000, false, nothing, [this] { meter().cycle().cmdCapture_Click(); }, 0, 0},
+    };
+    for (const Case& k : cases) {
+        SCOPED_TRACE(k.name);
+        std::filesystem::remove_all(temp.path() / "ss");
+        restart();
+        show("10", "100", "5");
+        k.setup();
+        Meter& m = meter();
+        m.menuRun_Click();
+        bool done = false;
+        machine.onWait = [&](std::int32_t ms) {
+            if (ms != k.waitMs || done)
+                return;
+            done = true;
+            if (k.stop)
+                m.menuStop_Click();
+            else
+                m.close();
+        };
+        k.command();
+        EXPECT_EQ(machine.grabs, k.grabs);
+        std::size_t shots = 0;
+        if (std::filesystem::exists(temp.path() / "ss"))
+            for ([[maybe_unused]] const auto& shot : std::filesystem::directory_iterator(temp.path() / "ss"))
+                ++shots;
+        EXPECT_EQ(shots, k.shots);
+        EXPECT_TRUE(m.state().labels.Start.Time.empty()) << "no reading shown after the wait";
+        EXPECT_EQ(m.logBox().text().find("LvUP or Dead 検出"), std::string::npos);
+        EXPECT_FALSE(m.state().controls.captureTimerEnabled);
+    }
+}
+
+TEST_F(MeterTest, ACloseDuringTheStartUpWaitsEndsThemAndStartsNothingMore)
+{
+    struct Case { const char* name; std::int32_t waitMs; std::size_t opened; };
+    const Case cases[] = {
+        {"the first application's launch", 500, 1},
+        {"the wait between the applications", 7000, 1},
+        {"the second application's launch", 500, 2},
+        {"the wait for the game", 15000, 2},
+    };
+    for (const Case& k : cases) {
+        SCOPED_TRACE(k.name);
+        restart();
+        show("10", "100", "5");
+        settings.StartDelay = 15;
+        settings.StartUpDelay = 7;
+        settings.StartUp = {{{true, "/apps/one"}, {true, "/apps/two"}}};
+        machine.existingFiles = {"/apps/one", "/apps/two"};
+        std::size_t skip = k.opened == 2 && k.waitMs == 500 ? 1 : 0;
+        int waitsAfterClose = 0;
+        machine.onWait = [&](std::int32_t ms) {
+            if (meter().state().closing)
+                ++waitsAfterClose;
+            else if (ms == k.waitMs && skip-- == 0)
+                meter().close();
+        };
+        test::FakeClock graphClock;
+        meter().load(graphClock);
+        EXPECT_EQ(machine.count("end waits"), 1u);
+        EXPECT_EQ(machine.count("open /apps/"), k.opened);
+        EXPECT_EQ(waitsAfterClose, 0);
+        EXPECT_FALSE(meter().state().controls.captureTimerEnabled);
+        meter().cycle().timCaptureInterval_Timer();
+        EXPECT_EQ(machine.grabs, 0);
+    }
+}
+
+TEST_F(MeterTest, StopEndsTheSessionEvenWhenItsSummaryFails)
+{
+    meter().menuRun_Click();
+    meter().session().CurrentLv = 10;
+    // The log box's window fails to show the summary.
+    meter().logBox().setListener([](std::string_view) { throw std::bad_alloc(); });
+    meter().menuStop_Click();
+    EXPECT_FALSE(meter().session().running());
+    EXPECT_TRUE(meter().state().controls.runEnabled);
+    EXPECT_NE(debugText().find("Error Trap : menuStop_Click : CODE7  Out of memory"), std::string::npos);
+}
+
+TEST_F(MeterTest, ATrapThatCannotWriteItsLineStillHoldsTheError)
+{
+    DebugLog nowhere(temp.path() / "no" / "folder", machine.clock);
+    EXPECT_NO_THROW(nowhere.writeErrorTrap("Main", ErrorNumber::Overflow));
+    EXPECT_FALSE(trapErrors(nowhere, "Main", [] { throw std::overflow_error("x"); }));
+    EXPECT_TRUE(trapErrors(nowhere, "Main", [] {}));
+}
+
+TEST_F(MeterTest, DebugModeShowsTheDebugAreaAndItsCommandsWork)
+{
+    show("10", "100", "5");
+    meter().setDebugMode(true);
+    EXPECT_TRUE(meter().state().DebugMode);
+    EXPECT_EQ(machine.count("debug area"), 1u);
+    EXPECT_NE(debugText().find("Change DebugMode ･･･ End "), std::string::npos);
+
+    meter().cycle().cmdCapture_Click();
+    EXPECT_EQ(machine.count("wait 10000"), 1u);
+    EXPECT_EQ(machine.grabs, 1);
+    EXPECT_GE(machine.count("caption 0 認識中…"), 1u) << "progress captions while tracing";
+    EXPECT_EQ(std::count(machine.events.begin(), machine.events.end(), "caption 1 100"), 1);
+    const std::string afterCapture = debugText();
+    EXPECT_NE(afterCapture.find("Single Capture ･･･ End "), std::string::npos);
+    EXPECT_NE(afterCapture.find(" 変換データ : "), std::string::npos) << "the recogniser's trace";
+
+    meter().cycle().cmdRecognize_Click();
+    EXPECT_EQ(machine.count("elapsed 0.000秒"), 1u);
+    EXPECT_NE(debugText().find("Single Recognize(0.000) ･･･ End "), std::string::npos);
+    EXPECT_EQ(meter().session().CurrentLv, 10);
+    EXPECT_EQ(meter().session().CurrentExp, Currency::fromInt(100));
+
+    machine.windows = {GameWindowState::Missing, GameWindowState::Front};
+    meter().cycle().runCycle(); // no session to stop, but the trace says the game went
+    EXPECT_NE(debugText().find("Lost MapleStory Then Capture Stop "), std::string::npos);
+
+    meter().setDebugMode(false);
+    const std::size_t captions = machine.count("caption 0 認識中…");
+    meter().cycle().cmdRecognize_Click();
+    EXPECT_EQ(machine.count("caption 0 認識中…"), captions) << "no trace with the switch off";
+    EXPECT_EQ(machine.count("debug area"), 2u);
+}
+
+TEST_F(MeterTest, LevelWatchFollowsItsSettingsAndStartsAfreshWhenSwitchedOn)
+{
+    show("50", "1", "1");
+    settings.DoHLCheckExec = true;
+    settings.DoHLInterval = 250;
+    meter().settingsChanged();
+    EXPECT_TRUE(meter().state().controls.doHLTimerEnabled);
+    EXPECT_EQ(meter().state().controls.doHLIntervalMs, 250);
+
+    meter().menuRun_Click();
+    meter().watch().timDoHLInterval_Timer(); // primes at 50
+    EXPECT_EQ(machine.count("caption 0 50"), 1u) << "the check shows what it read";
+    meter().runGesture(Gesture::WatchOff);
+    show("51", "1", "1"); // a level-up while the watch was off
+    meter().runGesture(Gesture::WatchOn);
+    meter().watch().timDoHLInterval_Timer();
+    EXPECT_EQ(meter().logBox().text().find("LvUP or Dead 検出"), std::string::npos) << "no burst for the jump";
+    show("52", "1", "1");
+    meter().watch().timDoHLInterval_Timer();
+    EXPECT_NE(meter().logBox().text().find("LvUP or Dead 検出"), std::string::npos) << "the next rise is captured";
+
+    settings.DoHLCheckExec = false;
+    meter().settingsChanged();
+    EXPECT_FALSE(meter().state().controls.doHLTimerEnabled);
+}
+
+TEST_F(MeterTest, CycleSkipHoldsTheCycleAndTheWatch)
+{
+    show("50", "1", "1");
+    meter().menuRun_Click();
+    machine.clock.advanceMs(20000);
+    meter().state().cycleSkip = true;
+    meter().cycle().timCaptureInterval_Timer();
+    meter().watch().timDoHLInterval_Timer();
+    EXPECT_EQ(machine.grabs, 0);
+    meter().state().cycleSkip = false;
+    meter().cycle().timCaptureInterval_Timer();
+    EXPECT_EQ(machine.grabs, 1) << "the held cycle runs at the next tick";
+}
+
+TEST_F(MeterTest, TimeLeftAsksFromTheLatestReadingOfTheSession)
+{
+    const auto asked = [this](const std::string& now, int proposed) {
+        return machine.count("ask あと何時間？ | 目標Lvを入力してください  (現在:" + now + ") | 1 200 " +
+                             std::to_string(proposed) + ".000000 1");
+    };
+    machine.numbers = {121, 500, 121, 500, 121, 500};
+    meter().menuRun_Click();
+    meter().menuTimeLeft_Click(); // nothing read yet: no level, a proposal within the bounds
+    EXPECT_EQ(asked("未認識", 1), 1u);
+
+    cycle(100, "120", "0", "");
+    cycle(460, "", "", ""); // a failed reading does not unknow the level
+    meter().menuTimeLeft_Click();
+    EXPECT_EQ(asked("120", 121), 1u);
+    meter().menuStop_Click();
+    meter().logBox().clear();
+    meter().menuTimeLeft_Click(); // after the Stop the tools still know it
+    EXPECT_EQ(asked("120", 121), 2u);
+    EXPECT_NE(meter().logBox().text().find("Lv121まで、あと 29,716 Kexp、59.43時間です"), std::string::npos)
+        << meter().logBox().text();
+
+    meter().menuRun_Click();
+    meter().menuTimeLeft_Click(); // a new session starts from nothing
+    EXPECT_EQ(asked("未認識", 1), 2u);
+}
+
+TEST_F(MeterTest, AFailedCaptureIsAFailedReadingWithItsOwnDebugLine)
+{
+    struct Case {
+        const char* name;
+        const char* line;
+        std::function<void()> arm;
+    };
+    const std::vector<Case> cases{
+        {"no picture", "PrintScreen MissTake ",
+         [this] { machine.onGrab = [this] { machine.screens = {std::nullopt}; }; }},
+        {"the screen source fails", "Error Trap : GetPictForClip : CODE70  Permission denied",
+         [this] { machine.onGrab = [] { throw RuntimeError(ErrorNumber::PermissionDenied); }; }},
+        {"a region beyond the screen", "Error Trap : GetPictForClip2 : CODE9  Subscript out of range",
+         [this] { settings.CaptureRegion[1].StartX = 1000; }},
+        {"the key route's file cannot be written", "CaptureFile Load Misstake ",
+         [this] {
+             settings.ScreenCapture = CaptureMethod::PrintScreen;
+             machine.printScreenKey = true;
+             machine.clipboard = {test::gameCapture({"10", "250", ""})};
+             meter().capture().setCaptureFile(temp.path() / "missing" / "Capture.bmp");
+         }},
+    };
+    for (const Case& k : cases) {
+        SCOPED_TRACE(k.name);
+        std::filesystem::remove(log.path());
+        restartWithCaptureFile();
+        meter().menuRun_Click();
+        tick("10", "100"); // the bases
+        tick("10", "200");
+        const ResultLabels before = meter().state().labels;
+        ASSERT_EQ(before.Elapse.Exp, "100");
+
+        const Settings good = settings;
+        k.arm();
+        tick("10", "250");
+        EXPECT_NE(debugText().find(k.line), std::string::npos) << debugText();
+        EXPECT_NE(meter().logBox().text().find("認識失敗  全部 NG"), std::string::npos) << meter().logBox().text();
+        EXPECT_EQ(meter().state().labels.End.Exp, before.End.Exp);
+        EXPECT_EQ(meter().state().labels.Elapse.Exp, before.Elapse.Exp);
+
+        // The next capture that works makes an ordinary record from the last good reading.
+        machine.onGrab = nullptr;
+        settings = good;
+        meter().capture().setCaptureFile(temp.path() / "Capture.bmp");
+        tick("10", "300");
+        EXPECT_EQ(meter().state().labels.Elapse.Exp, "200");
+        const auto lines = test::splitLines(meter().logBox().text());
+        EXPECT_NE(lines.back().find(" 12.0 "), std::string::npos) << lines.back();
+    }
+}
+
+TEST_F(MeterTest, PixelsThatCannotBeSizedAreLoggedUnderTheirOwnName)
+{
+    restartWithCaptureFile();
+    meter().menuRun_Click();
+    settings.CaptureRegion[2].SizeY = kMaxScreenSide + 1;
+    tick("10", "100");
+    const std::string text = debugText();
+    EXPECT_NE(text.find("Error Trap : GetPictForClip2 : CODE9  Subscript out of range"), std::string::npos) << text;
+    EXPECT_NE(text.find("Error Trap : SecurePixels : CODE9  Subscript out of range"), std::string::npos) << text;
+    EXPECT_TRUE(meter().state().labels.Start.Time.empty()) << "no reading from pixels that were not taken";
+    EXPECT_FALSE(meter().state().busy);
+}
+
+TEST_F(MeterTest, TheImagesKeptForThePlayerAreTheWholeScreen)
+{
+    const auto frameOf = [](const std::filesystem::path& file) {
+        CaptureBitmap read;
+        EXPECT_EQ(LoadCaptureBitmap(file, read), CaptureLoadResult::Read) << pathUtf8(file);
+        return read.pixels;
+    };
+    restartWithCaptureFile();
+    const CaptureBitmap screen = test::gameCapture({"50", "1", ""});
+    settings.SaveFormat = ".bmp";
+    settings.MoneyScan = true;
+    meter().menuRun_Click();
+    machine.screens = {screen};
+    meter().cycle().runCycle(); // the whole screen, then the money region twice
+    EXPECT_EQ(frameOf(temp.path() / "Capture.bmp"), screen.pixels) << "the direct route keeps the capture file";
+
+    // The level watch reads its region only; its shots are whole screens, and none of
+    // them is the cycle's picture.
+    meter().watch().timDoHLInterval_Timer();
+    EXPECT_EQ(frameOf(temp.path() / "Capture.bmp"), screen.pixels);
+    const CaptureBitmap later = test::gameCapture({"51", "1", "1"}, ScreenMode::FullScreen, 2);
+    machine.screens = {later};
+    meter().watch().timDoHLInterval_Timer(); // a rise: four shots
+    EXPECT_EQ(frameOf(temp.path() / "ss" / "LvUP_20090401130502_d.bmp"), later.pixels);
+    FormMainCommands commands(meter(), log, temp.path());
+    commands.run(MenuCommand::PatternSave);
+    EXPECT_EQ(frameOf(temp.path() / ("Capture" + formatPatternStamp(machine.clock.now()) + ".bmp")), screen.pixels);
+
+    meter().menuPrtScr_Click();
+    meter().runGesture(Gesture::PrintScreen);
+    // The cycle and its money re-reads, the watch's two region reads, its four shots, the
+    // two print screens.
+    EXPECT_EQ(machine.grabbedRegions, (std::vector<std::size_t>{0, 1, 1, 1, 1, 0, 0, 0, 0, 0, 0}));
+
+    // A capture file that cannot be written costs its line, not the reading.
+    meter().capture().setCaptureFile(temp.path() / "missing" / "Capture.bmp");
+    machine.screens = {test::gameCapture({"51", "900", "1"})};
+    meter().cycle().runCycle();
+    EXPECT_NE(debugText().find("Error Trap : GetPictForClip : CODE75  Path/File access error"), std::string::npos);
+    EXPECT_EQ(meter().state().labels.End.Exp, "900");
 }
 
 } // namespace

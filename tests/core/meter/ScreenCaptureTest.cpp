@@ -26,14 +26,7 @@ protected:
     {
         return static_cast<std::size_t>(std::count(machine.events.begin(), machine.events.end(), event));
     }
-    std::size_t logged(const std::string& line) const
-    {
-        const std::string text = test::readAll(log.path());
-        std::size_t n = 0;
-        for (std::size_t at = text.find(line); at != std::string::npos; at = text.find(line, at + 1))
-            ++n;
-        return n;
-    }
+    std::size_t logged(const std::string& line) const { return test::countOf(test::readAll(log.path()), line); }
 
     test::TempFolder home;
     Settings settings = defaultSettings("");

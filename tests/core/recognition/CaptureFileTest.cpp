@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 
@@ -148,10 +147,7 @@ TEST(CaptureFile, LoadChecksThePathBeforeTheFile)
     }
     std::filesystem::create_directory(folder / "folder.bmp");
 
-    struct Case {
-        std::filesystem::path path;
-        CaptureLoadResult result;
-    };
+    struct Case { std::filesystem::path path; CaptureLoadResult result; };
     // One bitmap for all, as a caller reading a folder of images keeps it: a failure in
     // between must not leave the previous picture behind.
     CaptureBitmap bitmap;

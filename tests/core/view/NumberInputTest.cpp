@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 
 namespace tvx {
 namespace {
@@ -34,14 +33,7 @@ TEST(NumberInputTest, OpensWithOrderedLimitsTheProposedValueAndTheDefaultTitle)
 
 TEST(NumberInputTest, SteppingStaysWithinTheLimitsGivenInEitherOrder)
 {
-    struct Case {
-        const char* a;
-        const char* b;
-        const char* step;
-        const char* text;
-        bool up;
-        const char* expected;
-    };
+    struct Case { const char* a; const char* b; const char* step; const char* text; bool up; const char* expected; };
     const Case cases[] = {
         {"5", "1200", "1", "100", true, "101"},   {"1200", "5", "-5", "1198", true, "1200"},
         {"1200", "5", "1", "1200", true, "1200"}, {"5", "1200", "10", "7", false, "5"},
@@ -62,11 +54,7 @@ TEST(NumberInputTest, ConfirmationChecksCharactersThenTheLimits)
     const Warning invalid{"無効文字が含まれています。", "入力チェック", false};
     const Warning below{"入力下限を超えています", "入力エラー", true};
     const Warning above{"入力上限を超えています", "入力エラー", true};
-    struct Case {
-        const char* text;
-        std::optional<Warning> warning;
-        double result;
-    };
+    struct Case { const char* text; std::optional<Warning> warning; double result; };
     const Case cases[] = {
         {"1E3", std::nullopt, 1000}, {" 7 ", std::nullopt, 7}, {"5", std::nullopt, 5}, {"1200", std::nullopt, 1200},
         {"4", below, 19999},         {"1201", above, 19999},   {"12３", invalid, 19999}, {"1+2", invalid, 19999},
@@ -148,12 +136,7 @@ TEST(NumberInputTest, NumericValueAndTheTextualCharacterCheck)
 TEST(PlacementTest, ADialogOpensOverItsOwnerAndInsideTheWorkArea)
 {
     const ViewRect screen{0, 0, 1366, 728};
-    struct Case {
-        std::optional<ViewRect> owner;
-        int width;
-        int height;
-        ViewRect expected;
-    };
+    struct Case { std::optional<ViewRect> owner; int width; int height; ViewRect expected; };
     const Case cases[] = {
         {ViewRect{100, 100, 400, 300}, 200, 100, {200, 200, 200, 100}},
         {std::nullopt, 366, 128, {500, 300, 366, 128}},

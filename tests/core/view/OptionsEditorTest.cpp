@@ -8,6 +8,7 @@
 #include "ports/ScreenSource.h"
 #include "recognition/GlyphPainter.h"
 #include "support/FakeClock.h"
+#include "support/GameScreen.h"
 #include "support/ReadFile.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TempFolder.h"
@@ -20,18 +21,6 @@
 
 namespace tvx {
 namespace {
-
-// A screen with the given level drawn in the default level region.
-CaptureBitmap screenWithLevel(const char* level)
-{
-    const Settings s = defaultSettings("");
-    Frame frame(800, 600);
-    for (int r = 0; r < kRegionCount; ++r)
-        paintRegionBackground(frame, s.CaptureRegion[static_cast<std::size_t>(r)], defaultInkColors(r));
-    paintColumns(frame, s.CaptureRegion[RegionLevel], 1, numberColumns(s.PatternStrings[RegionLevel], level, true),
-                 defaultInkColors(RegionLevel));
-    return toCaptureBitmap(frame);
-}
 
 const NumberField& number(const std::string& name)
 {
@@ -165,7 +154,7 @@ TEST_F(OptionsEditorTest, PreviewsShowEachRegionItsColumnsAndWhatTheTemplatesRea
     EXPECT_EQ(none.previewResult(0), "認識結果： キャプチャ画像がありません　［完全一致］");
     EXPECT_TRUE(none.previews()[0].pixels.empty());
 
-    const CaptureBitmap capture = screenWithLevel("137");
+    const CaptureBitmap capture = test::gameCapture({"137", "", ""});
     OptionsEditor editor(m_settings, &capture);
     const RegionPreview& level = editor.previews()[RegionLevel];
     EXPECT_EQ(editor.previewResult(RegionLevel), "認識結果： 137　［完全一致］");
@@ -201,7 +190,7 @@ TEST_F(OptionsEditorTest, ATemplateIsTakenFromTheCaptureDrawnOrTypedAndTheNoteFo
 {
     const std::string five = m_settings.PatternStrings[RegionLevel][5];
     m_settings.PatternStrings[RegionLevel][5] = "";
-    const CaptureBitmap capture = screenWithLevel("57");
+    const CaptureBitmap capture = test::gameCapture({"57", "", ""});
     OptionsEditor editor(m_settings, &capture);
     EXPECT_NE(editor.previewResult(RegionLevel), "認識結果： 57　［完全一致］");
 
@@ -297,7 +286,7 @@ TEST_F(OptionsEditorTest, APatternCaptureIsSavedBesideTheProgramAndShownInThePre
 {
     OptionsEditor editor(m_settings);
     StillScreen screen;
-    screen.image = screenWithLevel("42");
+    screen.image = test::gameCapture({"42", "", ""});
     EXPECT_EQ(OptionsEditor::beginCapture(m_config), "10秒後にキャプチャします。ゲームを前面に出してください…");
     const std::string file = pathUtf8(m_home / "Capture_0309070502.bmp");
     EXPECT_EQ(editor.capturePattern(screen, m_clock, m_config), "保存しました： " + file);

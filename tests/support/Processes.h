@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <fcntl.h>
 #include <cstdio>
 #include <functional>
 #include <spawn.h>
@@ -15,26 +16,26 @@ extern char** environ;
 
 namespace tvx::test {
 
-// A child process, killed and reaped when it goes out of scope.
+// A child process, its standard output and error sent to files when named; stopped
+// (SIGTERM) and reaped when it goes out of scope still running.
 class Child {
 public:
     Child() = default;
-    explicit Child(const std::vector<std::string>& args, const std::vector<std::string>& extraEnvironment = {})
+    explicit Child(const std::vector<std::string>& args, const std::string& out = {}, const std::string& err = {})
     {
         std::vector<char*> argv;
         for (const auto& a : args)
             argv.push_back(const_cast<char*>(a.c_str()));
         argv.push_back(nullptr);
-        std::vector<std::string> env;
-        for (char** e = environ; *e != nullptr; ++e)
-            env.emplace_back(*e);
-        env.insert(env.end(), extraEnvironment.begin(), extraEnvironment.end());
-        std::vector<char*> envp;
-        for (auto& e : env)
-            envp.push_back(e.data());
-        envp.push_back(nullptr);
-        if (posix_spawnp(&m_pid, argv[0], nullptr, nullptr, argv.data(), envp.data()) != 0)
+        posix_spawn_file_actions_t files;
+        posix_spawn_file_actions_init(&files);
+        if (!out.empty())
+            posix_spawn_file_actions_addopen(&files, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        if (!err.empty())
+            posix_spawn_file_actions_addopen(&files, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        if (posix_spawnp(&m_pid, argv[0], &files, nullptr, argv.data(), environ) != 0)
             m_pid = -1;
+        posix_spawn_file_actions_destroy(&files);
     }
     Child(Child&& other) noexcept : m_pid(other.m_pid) { other.m_pid = -1; }
     Child& operator=(Child&& other) noexcept
@@ -45,24 +46,20 @@ public:
     ~Child() { stop(); }
 
     bool started() const { return m_pid > 0; }
-    bool running()
-    {
-        if (m_pid <= 0)
-            return false;
-        int status = 0;
-        if (waitpid(m_pid, &status, WNOHANG) == m_pid) {
-            m_pid = -1;
-            return false;
-        }
-        return true;
-    }
-    void stop()
+    void stop(int signal = SIGTERM)
     {
         if (m_pid <= 0)
             return;
-        kill(m_pid, SIGTERM);
-        waitpid(m_pid, nullptr, 0);
+        kill(m_pid, signal);
+        wait();
+    }
+    // Its exit status once it has ended; -1 when it did not exit by itself.
+    int wait()
+    {
+        int status = 0;
+        const bool ended = m_pid > 0 && waitpid(m_pid, &status, 0) == m_pid;
         m_pid = -1;
+        return ended && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
 
 private:

@@ -1,3 +1,5 @@
+// What the core asks of the machine here: CP932 text as Windows converts it, and beeps.
+#include "SoundFactory.h"
 #include "TextCodecFactory.h"
 
 #include <gtest/gtest.h>
@@ -33,6 +35,17 @@ TEST(TextCodec, UnmappableCharactersBecomeQuestionMarksAndBadBytesAreRefused)
     // Longer than one conversion buffer.
     const std::string long_(1000, 'x');
     EXPECT_EQ(codec->fromCp932(codec->toCp932(long_ + "給与" + long_)), long_ + "給与" + long_);
+}
+
+// Every capture beep choice plays, or stays silent where there is no sound device or no
+// display (as on CI), and returns.
+TEST(SoundTest, EveryBeepChoiceReturnsWithOrWithoutADevice)
+{
+    const auto sound = platform::makeSound();
+    ASSERT_NE(sound, nullptr);
+    sound->systemBeep();
+    for (const auto& [hz, ms] : {std::pair{500, 75}, {2000, 75}, {500, 200}, {2000, 200}, {0, 75}, {500, -1}})
+        sound->beep(hz, ms);
 }
 
 } // namespace

@@ -1,0 +1,454 @@
+// The command line's commands: config, learn, recognize and replay, each through its own
+// arguments, images and home folder, with what it prints and the status it ends with.
+#include "ConfigCommand.h"
+#include "LearnCommand.h"
+#include "RecognizeCommand.h"
+#include "ReplayCommand.h"
+
+#include "base/Utf8Path.h"
+#include "config/ConfigFile.h"
+#include "recognition/CaptureFile.h"
+#include "support/BitmapFont.h"
+#include "support/GameScreen.h"
+#include "support/JsonPath.h"
+#include "support/ReadFile.h"
+#include "support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+namespace tvx {
+namespace {
+
+class CommandTest : public testing::Test {
+protected:
+    using Command = int (*)(const std::vector<std::string>&, std::ostream&, std::ostream&);
+
+    // A command's status; what it printed stays in out and err.
+    int run(Command command, const std::vector<std::string>& args)
+    {
+        out.str("");
+        err.str("");
+        return command(args, out, err);
+    }
+    int inHome(Command command, std::vector<std::string> args)
+    {
+        args.insert(args.begin(), {"--home", pathUtf8(home)});
+        return run(command, args);
+    }
+    int config(const std::vector<std::string>& args) { return inHome(cli::runConfig, args); }
+    int replay(std::vector<std::string> extra)
+    {
+        extra.insert(extra.begin(), {pathUtf8(frames), "--save-folder", pathUtf8(saves), "--start", "2024-01-31 23:50"});
+        return run(cli::runReplay, extra);
+    }
+
+    // Screens written as bitmaps: their paths. The game's glyphs ("" leaves a region blank),
+    // or the test font the built-in templates do not know.
+    std::string gameImage(const std::string& name, std::array<std::string, kRegionCount> numbers,
+                          ScreenMode mode = ScreenMode::FullScreen, std::uint32_t seed = 1)
+    {
+        EXPECT_TRUE(writeBitmap24(home / name, test::gameScreen(numbers, mode, seed)));
+        return pathUtf8(home / name);
+    }
+    std::string fontImage(const std::string& name, std::array<std::string, kRegionCount> texts, std::uint32_t seed = 1)
+    {
+        EXPECT_TRUE(writeBitmap24(home / name, test::fontScreen(texts, seed)));
+        return pathUtf8(home / name);
+    }
+    void frame(const std::string& name, const std::string& level, const std::string& exp, const std::string& money)
+    {
+        std::filesystem::create_directories(frames);
+        ASSERT_TRUE(writeBitmap24(frames / name, test::gameScreen({level, exp, money})));
+    }
+
+    // A hand-edited file: LF endings, so a rewrite shows as CR LF.
+    void writeConfigFile(const Settings& s)
+    {
+        std::string text = configFileText(s);
+        std::erase(text, '\r');
+        std::ofstream(home / "TV2MConfig.ini", std::ios::binary) << text;
+    }
+    std::string configFile() const { return test::readAll(home / "TV2MConfig.ini"); }
+    static bool has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+
+    test::TempFolder temp;
+    const std::filesystem::path& home = temp.path();
+    std::filesystem::path frames = home / "frames";
+    std::filesystem::path saves = home / "saves";
+    std::ostringstream out;
+    std::ostringstream err;
+};
+
+TEST_F(CommandTest, ShowCreatesAMissingFileWithTheAnsweredScreenMode)
+{
+    EXPECT_EQ(config({"show", "--window"}), 0);
+    const std::string json = out.str();
+    EXPECT_TRUE(json.starts_with("{\"CaptureRegion\":[{\"StartX\":38,\"StartY\":600,\"SizeX\":50,\"SizeY\":9},"))
+        << json;
+    EXPECT_TRUE(has(json, ",\"SaveFolder\":\"" + test::jsonPath(home) + "\",\"SaveFile\":\"給与明細\","));
+    EXPECT_TRUE(json.ends_with(",\"SearchWindowName\":\"MapleStory\"}\n")) << json;
+    EXPECT_TRUE(has(err.str(), "を選択してください。 -> いいえ\n")) << err.str();
+    EXPECT_TRUE(has(configFile(), "     38 ,    600 ,     50 ,      9 , "));
+}
+
+TEST_F(CommandTest, ShowSaveAndDefaultsTreatAnEditedFileAsTheProgramWould)
+{
+    Settings edited = defaultSettings(pathUtf8(home));
+    edited.CaptureInterval = 9;
+    edited.SearchWindowName = "Other Game";
+    RegionReading& shapes = edited.Reading[RegionExp];
+    shapes.Mode = ReadingMode::Shapes;
+    shapes.EndGap = 3;
+    shapes.Tolerance = 40;
+    shapes.Shapes = {GlyphShape{1, 2, 3, {1, 2, 3}}};
+    const char* taught =
+        "{\"Mode\":\"shapes\",\"EndGap\":3,\"Tolerance\":40,\"Pitch\":0,\"Separator\":\"\",\"Shapes\":\"1:2x3:123\"}";
+    struct Case {
+        std::vector<std::string> args;
+        const char* interval;
+        const char* target;
+        bool rewritten;
+        bool shapes;
+    };
+    const Case cases[] = {
+        {{"show", "--no"}, "\"CaptureInterval\":9,", "\"MapleStory\"", false, true},
+        {{"show", "--yes"}, "\"CaptureInterval\":9,", "\"Other Game\"", true, true},
+        {{"save", "--no"}, "\"CaptureInterval\":9,", "\"MapleStory\"", true, true},
+        {{"defaults", "--yes"}, "\"CaptureInterval\":6,", "\"Other Game\"", true, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.args[0] + " " + c.args[1]);
+        writeConfigFile(edited);
+        EXPECT_EQ(config(c.args), 0);
+        EXPECT_TRUE(has(out.str(), c.interval)) << out.str();
+        EXPECT_TRUE(has(out.str(), std::string("\"SearchWindowName\":") + c.target)) << out.str();
+        EXPECT_EQ(has(out.str(), taught), c.shapes) << out.str();
+        EXPECT_EQ(has(configFile(), "\r\n"), c.rewritten);
+    }
+}
+
+TEST_F(CommandTest, BadUsageAndAFailedWriteHaveTheirOwnExitCodes)
+{
+    EXPECT_EQ(run(cli::runConfig, {}), 1);
+    EXPECT_EQ(config({"show", "--maybe"}), 1);
+    EXPECT_TRUE(has(err.str(), "usage: tallivex-cli config"));
+    std::filesystem::create_directories(home / "TV2MConfig.ini.tmp" / "x");
+    EXPECT_EQ(config({"save"}), 2);
+    EXPECT_TRUE(has(err.str(), "[設定ファイル書き込み] 設定をファイルに保存できませんでした。"));
+
+    // A folder in the file's place: nothing can be read, backed up or written.
+    std::filesystem::remove_all(home / "TV2MConfig.ini.tmp");
+    std::filesystem::create_directories(home / "TV2MConfig.ini");
+    EXPECT_EQ(config({"show"}), 2);
+    EXPECT_TRUE(has(err.str(), "読込みできない設定ファイルです。")) << err.str();
+}
+
+// Settings no screen can have, read by the commands that use a home's configuration: the
+// file is replaced by the defaults, or the value clamped and said on stderr, and neither
+// recognize nor replay crashes, hangs or reads a number that is not on the screen.
+TEST_F(CommandTest, ImpossibleSettingsNeitherCrashNorMisreadTheCommands)
+{
+    const std::string image = gameImage("shot.bmp", {"50", "1234", "777"});
+    frame("0.bmp", "50", "1234", "777");
+    frame("400.bmp", "50", "1234", "777");
+    constexpr const char* kRead = "\"level\":50,\"exp\":1234,\"money\":777";
+    struct Case {
+        const char* name;
+        void (*damage)(Settings&);
+        const char* json;    // what recognize reads the image as
+        const char* clamped; // the stderr line of a clamped value, or null when the file is damaged
+        const char* replayed = "開始  Lv:  50"; // what replay's log box shows
+    };
+    const Case cases[] = {
+        // Damaged: the defaults take over, and read the screen.
+        {"region 70000 wide", [](Settings& s) { s.CaptureRegion[0].SizeX = 70000; }, kRead, nullptr},
+        // A clamped threshold reads nothing rather than overflowing, and says why.
+        {"threshold 600000000", [](Settings& s) { s.BinaryThreshold[1] = 600000000; },
+         "\"level\":50,\"exp\":-1,\"money\":777", "BinaryThreshold(2) 600000000 -> 255", "10:06  認識失敗  Exp NG"},
+        // The level's digits are white: the brightest threshold still finds them.
+        {"threshold 99999", [](Settings& s) { s.BinaryThreshold[0] = 99999; }, kRead, "BinaryThreshold(1) 99999 -> 255"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        for (const bool replay : {false, true}) {
+            Settings s = defaultSettings(pathUtf8(home));
+            c.damage(s);
+            writeConfigFile(s);
+            const int status = replay ? inHome(cli::runReplay, {pathUtf8(frames), "--save-folder", pathUtf8(saves),
+                                                                "--start", "2024-05-01 10:00", "--per-session"})
+                                      : inHome(cli::runRecognize, {image});
+            EXPECT_EQ(status, 0) << err.str();
+            EXPECT_TRUE(has(out.str(), replay ? c.replayed : c.json)) << out.str() << err.str();
+            EXPECT_EQ(has(err.str(), "読込みできない設定ファイルです。"), c.clamped == nullptr) << err.str();
+            if (c.clamped) {
+                EXPECT_TRUE(has(err.str(), "[TV2MConfig.ini] Setting Out Of Range : " + std::string(c.clamped) + " \n"))
+                    << err.str();
+            }
+            EXPECT_FALSE(has(err.str(), "Error Trap")) << err.str();
+        }
+    }
+}
+
+// A home that is a file cannot hold a configuration: every command says so and stops.
+TEST_F(CommandTest, AHomeThatIsAFileIsRefusedByEveryCommand)
+{
+    std::ofstream(home / "home.txt") << "not a folder";
+    const std::string file = pathUtf8(home / "home.txt");
+    const std::string image = gameImage("0.bmp", {"50", "1234", "777"});
+    const std::pair<Command, std::vector<std::string>> commands[] = {
+        {cli::runConfig, {"show", "--home", file}},
+        {cli::runRecognize, {"--home", file, image}},
+        {cli::runReplay, {pathUtf8(home), "--save-folder", pathUtf8(saves), "--home", file}},
+        {cli::runLearn, {"--home", file, image, "50", "1234", "777"}},
+    };
+    for (const auto& [command, args] : commands) {
+        SCOPED_TRACE(args[0]);
+        EXPECT_EQ(run(command, args), 2);
+        EXPECT_TRUE(err.str().starts_with("tallivex-cli: the home folder ")) << err.str();
+        EXPECT_TRUE(err.str().ends_with("home.txt is not a folder and cannot be made one\n")) << err.str();
+        EXPECT_EQ(out.str(), "");
+    }
+    EXPECT_FALSE(std::filesystem::exists(saves));
+}
+
+TEST_F(CommandTest, AFewScreensTeachAnUnknownFontThatRecognizeThenReads)
+{
+    const std::array<std::string, kRegionCount> taught[] = {
+        {"58", "1234567", "90,210"},  {"147", "8890123", "5,006,400"}, {"203", "4455667", "77,318"},
+        {"96", "9087654", "1,234,589"}, {"110", "3141592", "2,718,281"},
+    };
+    std::vector<std::string> args;
+    for (std::uint32_t i = 0; i < std::size(taught); ++i) {
+        args.push_back(fontImage(std::to_string(i) + ".bmp", taught[i], i + 1));
+        args.insert(args.end(), taught[i].begin(), taught[i].end());
+    }
+    ASSERT_EQ(inHome(cli::runLearn, args), 0) << err.str();
+    EXPECT_EQ(out.str(),
+              "{\"region\":\"level\",\"images\":5,\"mode\":\"exact\",\"width\":6,\"threshold\":188,"
+              "\"thresholdProposed\":false,\"learnt\":\"0123456789\",\"missing\":\"\",\"endMark\":true,"
+              "\"separator\":null,\"ambiguous\":false,\"replaced\":false}\n"
+              "{\"region\":\"exp\",\"images\":5,\"mode\":\"exact\",\"width\":6,\"threshold\":133,"
+              "\"thresholdProposed\":false,\"learnt\":\"0123456789\",\"missing\":\"\",\"endMark\":true,"
+              "\"separator\":0,\"ambiguous\":false,\"replaced\":false}\n"
+              "{\"region\":\"money\",\"images\":5,\"mode\":\"exact\",\"width\":6,\"threshold\":223,"
+              "\"thresholdProposed\":false,\"learnt\":\"0123456789\",\"missing\":\"\",\"endMark\":true,"
+              "\"separator\":2,\"ambiguous\":false,\"replaced\":false}\n");
+
+    const std::string unseen = fontImage("new.bmp", {"185", "7301264", "6,543,210"}, 9);
+    EXPECT_EQ(inHome(cli::runRecognize, {unseen}), 0) << err.str();
+    EXPECT_EQ(out.str(),
+              "{\"file\":\"" + test::jsonPath(utf8Path(unseen)) + "\",\"level\":185,\"exp\":7301264,\"money\":6543210}\n");
+}
+
+TEST_F(CommandTest, SkippedRegionsKeepTheirTemplatesAndReportWhatIsMissing)
+{
+    const std::string before = (inHome(cli::runLearn, {fontImage("a.bmp", {"", "", ""}), "-", "-", "-"}), configFile());
+    ASSERT_EQ(inHome(cli::runLearn, {fontImage("b.bmp", {"37", "", ""}), "37", "-", "-",
+                                     fontImage("c.bmp", {"773", "", ""}, 2), "773", "-", "-"}),
+              0)
+        << err.str();
+    const std::string printed = out.str();
+    EXPECT_NE(printed.find("\"region\":\"level\",\"images\":2,\"mode\":\"exact\",\"width\":6,\"threshold\":188,"
+                       "\"thresholdProposed\":false,\"learnt\":\"37\",\"missing\":\"01245689\""),
+              std::string::npos)
+        << printed;
+    EXPECT_NE(printed.find("{\"region\":\"exp\",\"images\":0,\"mode\":\"exact\",\"width\":5,\"threshold\":133,"
+                       "\"thresholdProposed\":false,\"learnt\":\"\",\"missing\":\"\""),
+              std::string::npos)
+        << printed;
+    // Lines 21 to 33 hold the level's settings, 34 to 59 those of the experience and money.
+    const auto lines = [](const std::string& text, std::ptrdiff_t first, std::ptrdiff_t last) {
+        const std::vector<std::string> all = test::splitLines(text);
+        return std::vector<std::string>(all.begin() + first - 1, all.begin() + last);
+    };
+    EXPECT_EQ(lines(configFile(), 34, 59), lines(before, 34, 59));
+    EXPECT_NE(lines(configFile(), 21, 33), lines(before, 21, 33));
+}
+
+// One screen a call, as players teach: each call keeps what the ones before taught, the
+// file loads as saved after every call, and a digit not taught yet fails the reading.
+TEST_F(CommandTest, ScreensTaughtOneACallAddUpAndLoadAsSaved)
+{
+    const std::array<std::string, kRegionCount> calls[] = {{"72", "1430517", "-"}, {"3", "86", "-"}, {"194", "29", "-"}};
+    for (std::uint32_t i = 0; i < std::size(calls); ++i) {
+        const std::string image = fontImage(std::to_string(i) + ".bmp", {calls[i][0], calls[i][1], ""}, i + 1);
+        ASSERT_EQ(inHome(cli::runLearn, {image, calls[i][0], calls[i][1], "-"}), 0) << err.str();
+        EXPECT_EQ(out.str().find("\"replaced\":true"), std::string::npos) << "call " << i << ": " << out.str();
+        // Read back as the program loads it: no back-up, no defaults in its place.
+        const std::string saved = configFile();
+        EXPECT_EQ(inHome(cli::runRecognize, {image}), 0) << err.str();
+        EXPECT_NE(out.str().find("\"level\":" + calls[i][0] + ",\"exp\":" + calls[i][1]), std::string::npos)
+            << out.str();
+        EXPECT_EQ(configFile(), saved);
+        EXPECT_FALSE(std::filesystem::exists(home / "TV2MConfigBack.ini"));
+    }
+    // Digits of all three calls together; 5 and 6 of the level were never shown.
+    EXPECT_EQ(inHome(cli::runRecognize,
+                     {fontImage("held.bmp", {"147", "9831", ""}, 7), fontImage("new.bmp", {"56", "3", ""}, 8)}),
+              0);
+    const std::string printed = out.str();
+    EXPECT_NE(printed.find("\"level\":147,\"exp\":9831"), std::string::npos) << printed;
+    EXPECT_NE(printed.find("\"level\":-1,\"exp\":3,"), std::string::npos) << printed;
+}
+
+TEST_F(CommandTest, ARefusedImageSavesNothing)
+{
+    const std::string before = (inHome(cli::runLearn, {fontImage("a.bmp", {"", "", ""}), "-", "-", "-"}), configFile());
+    const std::string good = fontImage("good.bmp", {"37", "", ""});
+    const std::string wrong = fontImage("wrong.bmp", {"73", "", ""}, 2);
+    EXPECT_EQ(inHome(cli::runLearn, {good, "37", "-", "-", wrong, "37", "-", "-"}), 2);
+    EXPECT_NE(err.str().find(wrong + ": level 37: the digit 3 differs from the one learnt before"), std::string::npos)
+        << err.str();
+    EXPECT_NE(err.str().find("nothing was saved"), std::string::npos);
+    EXPECT_EQ(out.str(), "");
+    EXPECT_EQ(configFile(), before);
+
+    EXPECT_EQ(inHome(cli::runLearn, {good, "37", "-"}), 1);
+    EXPECT_EQ(inHome(cli::runLearn, {good, "3x", "-", "-"}), 2);
+    EXPECT_NE(err.str().find("level 3x: not a number"), std::string::npos) << err.str();
+}
+
+TEST_F(CommandTest, RecognizePrintsOneJsonLinePerImage)
+{
+    const auto first = gameImage("a.bmp", {"137", "4567890", "1234567890"});
+    const auto second = gameImage("b.bmp", {"8", "", "0"}, ScreenMode::FullScreen, 2);
+    EXPECT_EQ(run(cli::runRecognize, {first, second}), 0);
+    EXPECT_EQ(out.str(), "{\"file\":\"" + test::jsonPath(home / "a.bmp") +
+                               "\",\"level\":137,\"exp\":4567890,\"money\":1234567890}\n" + "{\"file\":\"" +
+                               test::jsonPath(home / "b.bmp") + "\",\"level\":8,\"exp\":-1,\"money\":0}\n");
+    EXPECT_EQ(err.str(), "");
+}
+
+TEST_F(CommandTest, RecognizeInWindowModeReadsTheShiftedRegions)
+{
+    const auto image = gameImage("w.bmp", {"42", "777", "31"}, ScreenMode::Window);
+    EXPECT_EQ(run(cli::runRecognize, {"--window-mode", image}), 0);
+    EXPECT_NE(out.str().find("\"level\":42,\"exp\":777,\"money\":31"), std::string::npos) << out.str();
+    EXPECT_EQ(run(cli::runRecognize, {image}), 0);
+    EXPECT_NE(out.str().find("\"level\":-1,\"exp\":-1,\"money\":-1"), std::string::npos) << out.str();
+}
+
+TEST_F(CommandTest, RecognizesTraceGoesToStandardError)
+{
+    const auto image = gameImage("t.bmp", {"5", "12", "3"});
+    EXPECT_EQ(run(cli::runRecognize, {"--trace", image}), 0);
+    const std::string trace = err.str();
+    EXPECT_NE(trace.find("category0 変換データ : "), std::string::npos);
+    EXPECT_NE(trace.find("1 認識:\n2 認識:\n 認識:デリミタ"), std::string::npos) << trace;
+}
+
+// Each image that cannot be read is named with its result; the others are still read.
+TEST_F(CommandTest, RecognizeNamesUnreadableImagesAndStillReadsTheRest)
+{
+    const auto good = gameImage("good.bmp", {"9", "9", "9"});
+    std::ofstream(home / "broken.bmp", std::ios::binary) << "PK\x03\x04";
+    const std::vector<std::uint8_t> whole = encodeBitmap24(test::gameScreen({"9", "9", "9"}));
+    std::ofstream(home / "short.bmp", std::ios::binary).write(reinterpret_cast<const char*>(whole.data()), 3000);
+    std::filesystem::create_directories(home / "folder.bmp");
+    ASSERT_TRUE(writeBitmap24(home / "small.bmp", Frame(20, 20)));
+    const auto path = [this](const char* name) { return pathUtf8(home / name); };
+
+    EXPECT_EQ(run(cli::runRecognize, {path("broken.bmp"), path("missing.bmp"), path("short.bmp"), path("folder.bmp"),
+                                      path("small.bmp"), good}),
+              2);
+    const std::string cannot = ": cannot read the image (";
+    for (const std::string& said :
+         {path("broken.bmp") + cannot + "result -4", path("missing.bmp") + cannot + "result -5",
+          path("short.bmp") + cannot, path("folder.bmp") + cannot, path("small.bmp") + ": level region: error 9"})
+        EXPECT_NE(err.str().find(said), std::string::npos) << said << "\n" << err.str();
+    EXPECT_TRUE(out.str().ends_with("{\"file\":\"" + test::jsonPath(utf8Path(good)) +
+                                      "\",\"level\":9,\"exp\":9,\"money\":9}\n"))
+        << out.str();
+}
+
+TEST_F(CommandTest, ReplayWritesTheRecordFileAndTheLogBox)
+{
+    frame("10.bmp", "137", "1000", "5000");
+    frame("0370.bmp", "137", "4600", "5000"); // leading zeros allowed
+    frame("730.bmp", "138", "100", "5800");
+    frame("notes.txt.bmp", "1", "1", "1");    // not named by a second: ignored
+    ASSERT_EQ(replay({"--per-session", "--money-scan"}), 0) << err.str();
+
+    EXPECT_EQ(test::readAll(saves / "log" / utf8Path("給与明細202401312350.txt")),
+              "\xEF\xBB\xBF 月日 時刻      Lv          Exp              メル           獲得Exp           獲得メル     "
+              "Exp経過(分)   Exp時給(k/h)   メル経過(分)   メル時給(k/h)\r\n"
+              "01/31 23:56    137    1,336,967,353            5,000            3,600                  0           6.0"
+              "             36            0.0               0 \r\n"
+              "02/01 00:02    138    1,410,563,166            5,800       73,595,813                800           6.0"
+              "        735,958            6.0               8 \r\n");
+    EXPECT_EQ(out.str(),
+              " 月日 時刻    Lv     獲得Exp       獲得メル  経過   Exp時給   時給 (k/h)\r\n"
+              "\r\n  137  1,336,963,753         5,000 \r\n"
+              "01/31 23:56  137        3,600             0   6.0        36             \r\n"
+              "02/01 00:02  138   73,595,813           800   6.0   735,958           8 \r\n"
+              " 経過: 2024/01/31 23:50:10  ～  2024/02/01 00:02:10  ＝  0日 0時 12分間\r\n"
+              "    開始  Lv: 137    Exp:         1000      0.00％   ﾒﾙ:            5000 \r\n"
+              "    終了  Lv: 138    Exp:          100      0.00％   ﾒﾙ:            5800 \r\n"
+              "    増加  Lv:   1    Exp:     73599413      0.00％   ﾒﾙ:             800 \r\n"
+              "\r\n");
+}
+
+TEST_F(CommandTest, ReplayRefusesBadArguments)
+{
+    frame("0.bmp", "1", "2", "3");
+    EXPECT_EQ(run(cli::runReplay, {pathUtf8(frames)}), 1);
+    EXPECT_EQ(replay({"--start"}), 1);
+    EXPECT_EQ(run(cli::runReplay, {pathUtf8(frames), "--save-folder", "x", "--start", "2024-02-30 10:00"}), 1);
+    EXPECT_EQ(run(cli::runReplay, {pathUtf8(home / "none"), "--save-folder", "x"}), 1);
+    EXPECT_EQ(replay({"--fast"}), 1);
+    EXPECT_NE(err.str().find("unknown option --fast"), std::string::npos);
+}
+
+// Frames that are no image, a folder or an image cut short: each is named, is a failed
+// reading, and the session goes on.
+TEST_F(CommandTest, FramesThatCannotBeReadAreNamedAndFailedReadings)
+{
+    frame("10.bmp", "137", "1000", "5000");
+    std::filesystem::create_directories(frames / "180.bmp");
+    std::ofstream(frames / "360.bmp") << "not an image";
+    const std::vector<std::uint8_t> whole = encodeBitmap24(test::gameScreen({"137", "2000", "5000"}));
+    std::ofstream(frames / "540.bmp", std::ios::binary)
+        .write(reinterpret_cast<const char*>(whole.data()), static_cast<std::streamsize>(whole.size() / 2));
+    frame("720.bmp", "137", "4600", "5000");
+    EXPECT_EQ(replay({"--per-session", "--csv"}), 2);
+    for (const char* name : {"180.bmp", "360.bmp", "540.bmp"})
+        EXPECT_NE(err.str().find(pathUtf8(frames / name) + ": cannot read the image ("), std::string::npos)
+            << err.str();
+    EXPECT_NE(out.str().find("01/31 23:56  認識失敗  全部 NG\r\n"), std::string::npos) << out.str();
+    // The frame at 720 s makes the only record.
+    const auto lines = test::splitLines(test::readAll(saves / "log" / utf8Path("給与明細202401312350.csv")));
+    ASSERT_EQ(lines.size(), 2u) << out.str() << err.str();
+    EXPECT_TRUE(lines[1].starts_with("02/01 00:02 ,  137  ,")) << lines[1];
+}
+
+TEST_F(CommandTest, ARecordFileThatCannotBeWrittenIsReportedNotFatal)
+{
+    frame("10.bmp", "137", "1000", "5000");
+    frame("360.bmp", "137", "4600", "5000");
+    frame("720.bmp", "137", "8200", "5000");
+    std::ofstream(saves) << "a file where the folder should be";
+    EXPECT_EQ(replay({}), 2) << err.str() << out.str();
+    // Said once, as the desktop program's message box would; the session goes on.
+    const std::string told = "tallivex-cli replay: エラー: 時給記録ファイルに書き込めません。";
+    const std::size_t first = err.str().find(told);
+    EXPECT_NE(first, std::string::npos) << err.str();
+    EXPECT_EQ(err.str().find(told, first + 1), std::string::npos) << err.str();
+    EXPECT_NE(out.str().find("02/01 00:02  137"), std::string::npos) << out.str();
+}
+
+TEST_F(CommandTest, AHomeNotYetMadeIsMadeWithItsConfigurationAndLog)
+{
+    frame("10.bmp", "137", "1000", "5000");
+    frame("370.bmp", "137", "4600", "5000");
+    const auto made = home / "new" / "home";
+    EXPECT_EQ(replay({"--home", pathUtf8(made)}), 0) << err.str();
+    EXPECT_TRUE(std::filesystem::exists(made / "TV2MConfig.ini"));
+    EXPECT_TRUE(std::filesystem::exists(made / "debug.txt"));
+    EXPECT_NE(out.str().find("01/31 23:56  137"), std::string::npos) << out.str() << err.str();
+}
+
+} // namespace
+} // namespace tvx

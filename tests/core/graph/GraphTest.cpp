@@ -1,0 +1,510 @@
+// The graph: its buffer of rates, the scales and their labels, the curves and grid of the
+// picture, the frame's layout and the zoom and shift of the view.
+#include "graph/GraphLayout.h"
+#include "graph/GraphPlot.h"
+#include "graph/GraphScale.h"
+#include "graph/StepTrap.h"
+#include "graph/clsGraphBuffer.h"
+
+#include "base/DateTime.h"
+#include "base/Errors.h"
+#include "support/ExpectError.h"
+#include "support/FakeClock.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <climits>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tvx {
+
+void PrintTo(const GraphSegment& s, std::ostream* os)
+{
+    *os << "(" << s.from.x << "," << s.from.y << ")-(" << s.to.x << "," << s.to.y << ")";
+}
+
+namespace {
+
+Currency money(double value)
+{
+    return Currency::fromDouble(value);
+}
+
+// RateE of each entry, newest first; an entry equal to a fresh one reads as "fresh".
+std::vector<std::string> rateEs(const clsGraphBuffer& buffer)
+{
+    std::vector<std::string> out;
+    for (std::int32_t i = 0; i < buffer.BufferSize(); ++i) {
+        const clsGraphFormat entry = buffer.Value(i);
+        out.push_back(entry == clsGraphFormat() ? "fresh" : entry.RateE().toString());
+    }
+    return out;
+}
+
+class GraphBufferTest : public ::testing::Test {
+protected:
+    void add(double rateE, double rateM, std::int32_t aveNum = 1, std::int32_t maxNum = 1, double time = 0.0)
+    {
+        buffer.AddGraphData(money(rateE), money(rateM), aveNum, maxNum, time);
+    }
+
+    test::FakeClock clock{LocalDateTime{2024, 3, 15, 18, 30, 0}};
+    clsGraphBuffer buffer{clock};
+};
+
+TEST_F(GraphBufferTest, AdditionsKeepTheLengthAndDropTheOldest)
+{
+    for (int i = 1; i <= 513; ++i)
+        add(i, -1);
+    EXPECT_EQ(buffer.BufferSize(), 512);
+    EXPECT_EQ(buffer.Value(0).RateE().toString(), "513");
+    EXPECT_EQ(buffer.Value(511).RateE().toString(), "2");
+}
+
+TEST_F(GraphBufferTest, AveragesOverTheNewestWindow)
+{
+    struct Case {
+        const char* name;
+        std::vector<std::pair<double, double>> added; // (RateE, RateM), oldest first
+        std::int32_t aveNum;
+        const char* aveE;
+        const char* aveM;
+    };
+    const Case cases[] = {
+        {"no-value entry left out of the count", {{600, 5}, {-1, 5}, {300, 5}}, 3, "450", "5"},
+        {"empty entries count as zeros", {{100, 100}, {200, 200}}, 5, "60", "60"},
+        {"all money no-value keeps the average 0", {{10, -1}, {20, -1}}, 2, "15", "0"},
+        {"series are counted independently", {{-1, 8}, {4, -1}}, 2, "4", "8"},
+        {"window 0 gives 0", {{5, 5}}, 0, "0", "0"},
+        {"negative rates other than -1 count", {{-3, -7}, {1, 1}}, 2, "-1", "-3"},
+        {"rounded to four decimals", {{2, 1}, {0, 0}, {0, 0}}, 3, "0.6667", "0.3333"},
+        {"clamped rates are averaged", {{5000000, -5000000}}, 1, "2147483", "-2147483"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        test::FakeClock caseClock;
+        clsGraphBuffer b(caseClock);
+        for (const auto& [rateE, rateM] : c.added)
+            b.AddGraphData(money(rateE), money(rateM), c.aveNum, 1);
+        EXPECT_EQ(b.Value(0).RateAveE().toString(), c.aveE);
+        EXPECT_EQ(b.Value(0).RateAveM().toString(), c.aveM);
+        EXPECT_EQ(b.AveNum(), c.aveNum);
+    }
+}
+
+TEST_F(GraphBufferTest, WindowsBeyondTheLengthAreCutToIt)
+{
+    add(512, 1024, 1000, 1000);
+    for (int i = 0; i < 511; ++i)
+        add(0, 0, 1000, 1000);
+
+    EXPECT_EQ(buffer.AveNum(), 512);
+    EXPECT_EQ(buffer.MaxNum(), 512);
+    EXPECT_EQ(buffer.Value(0).RateAveE().toString(), "1");
+    EXPECT_EQ(buffer.Value(0).RateAveM().toString(), "2");
+    EXPECT_EQ(buffer.MaxValueRateE().toString(), "512");
+
+    // One more pushes the large entry off the end; the maxima start again from 0.
+    add(0, 0, 1000, 1000);
+    EXPECT_EQ(buffer.MaxValueRateE(), Currency());
+    EXPECT_EQ(buffer.MaxValueRateM(), Currency());
+}
+
+TEST_F(GraphBufferTest, RatesAreClampedToTheGraphRange)
+{
+    const std::pair<double, const char*> cases[] = {
+        {5000000, "2147483"}, {-5000000, "-2147483"}, {2147483.0001, "2147483"},
+        {-2147483, "-2147483"}, {-1, "-1"}, {123.4567, "123.4567"},
+    };
+    for (const auto& [rate, stored] : cases) {
+        SCOPED_TRACE(rate);
+        add(rate, rate);
+        EXPECT_EQ(buffer.Value(0).RateE().toString(), stored);
+        EXPECT_EQ(buffer.Value(0).RateM().toString(), stored);
+    }
+}
+
+TEST_F(GraphBufferTest, MaximaCoverTheNewestMaxNumEntriesFieldByField)
+{
+    struct Case {
+        const char* name;
+        std::vector<std::pair<double, double>> added; // (RateE, RateM), oldest first
+        std::int32_t aveNum;
+        std::int32_t maxNum;
+        const char* maxE;
+        const char* maxM;
+        const char* maxAveE;
+        const char* maxAveM;
+    };
+    const Case cases[] = {
+        {"fields peak in different entries", {{10, 1}, {3, 50}}, 1, 2, "10", "50", "10", "50"},
+        {"averages are maxed on their own", {{0, 0}, {100, 40}, {0, 0}}, 2, 1, "0", "0", "50", "20"},
+        {"money all no-value gives 0", {{5, -1}, {6, -1}}, 1, 2, "6", "0", "6", "0"},
+        {"negative rates never become a maximum", {{-5, -2}, {-1, -3}}, 2, 2, "0", "0", "0", "0"},
+        {"older entries outside MaxNum are ignored", {{100, 100}, {1, 3}, {2, 4}}, 1, 2, "2", "4", "2", "4"},
+        {"MaxNum 0 gives zeros", {{7, 7}}, 1, 0, "0", "0", "0", "0"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        test::FakeClock caseClock;
+        clsGraphBuffer b(caseClock);
+        for (const auto& [rateE, rateM] : c.added)
+            b.AddGraphData(money(rateE), money(rateM), c.aveNum, c.maxNum);
+        EXPECT_EQ(b.MaxValueRateE().toString(), c.maxE);
+        EXPECT_EQ(b.MaxValueRateM().toString(), c.maxM);
+        EXPECT_EQ(b.MaxValueRateAveE().toString(), c.maxAveE);
+        EXPECT_EQ(b.MaxValueRateAveM().toString(), c.maxAveM);
+        EXPECT_EQ(b.MaxNum(), c.maxNum);
+    }
+}
+
+TEST_F(GraphBufferTest, MaxValueTimeIsTheLatestTimeRoundedHalfToEven)
+{
+    const std::pair<double, std::int32_t> cases[] = {
+        {45000.5, 45000}, {45001.5, 45002}, {45000.25, 45000}, {45000.75, 45001},
+    };
+    for (const auto& [time, day] : cases) {
+        SCOPED_TRACE(time);
+        add(1, 1, 1, 1, time);
+        EXPECT_EQ(buffer.MaxValueTime(), day);
+    }
+
+    add(1, 1, 1, 1, 45100.0);
+    add(1, 1, 1, 2, 45050.0);
+    EXPECT_EQ(buffer.MaxValueTime(), 45100);
+    // Time 0 takes the clock's present.
+    add(1, 1);
+    EXPECT_DOUBLE_EQ(buffer.Value(0).Time(), toOleDate(LocalDateTime{2024, 3, 15, 18, 30, 0}));
+}
+
+TEST_F(GraphBufferTest, ValueOutsideTheBufferFails)
+{
+    add(42, 7);
+    EXPECT_EQ(buffer.Value(0).RateE().toString(), "42");
+    EXPECT_EQ(buffer.Value(511), clsGraphFormat());
+    for (std::int32_t index : {-1, 512, INT_MIN, INT_MAX}) {
+        SCOPED_TRACE(index);
+        test::expectError(ErrorNumber::SubscriptOutOfRange, [&] { (void)buffer.Value(index); });
+    }
+}
+
+TEST_F(GraphBufferTest, BufferSizeTrimsAndExtendsAtTheOldestEnd)
+{
+    for (int i = 1; i <= 3; ++i)
+        add(i, i);
+
+    buffer.setBufferSize(2);
+    EXPECT_EQ(rateEs(buffer), (std::vector<std::string>{"3", "2"}));
+
+    buffer.setBufferSize(4);
+    EXPECT_EQ(rateEs(buffer), (std::vector<std::string>{"3", "2", "fresh", "fresh"}));
+
+    test::expectError(ErrorNumber::SubscriptOutOfRange, [&] { buffer.setBufferSize(0); });
+    EXPECT_EQ(buffer.BufferSize(), 4);
+    buffer.setBufferSize(70000);
+    EXPECT_EQ(buffer.BufferSize(), 65535);
+    EXPECT_EQ(buffer.Value(0).RateE().toString(), "3");
+    EXPECT_EQ(buffer.Value(65534), clsGraphFormat());
+}
+
+TEST_F(GraphBufferTest, DataShiftMovesTheHistory)
+{
+    struct Case {
+        std::int32_t count;
+        std::int32_t direction;
+        std::vector<std::string> after; // newest first
+    };
+    const Case cases[] = {
+        {3, clsGraphBuffer::kTowardsPresent, {"2", "1", "fresh", "fresh", "fresh"}},
+        {2, clsGraphBuffer::kTowardsPast, {"fresh", "fresh", "5", "4", "3"}},
+        {9, clsGraphBuffer::kTowardsPast, {"fresh", "fresh", "fresh", "fresh", "fresh"}},
+        {9, clsGraphBuffer::kTowardsPresent, {"fresh", "fresh", "fresh", "fresh", "fresh"}},
+        {0, clsGraphBuffer::kTowardsPast, {"5", "4", "3", "2", "1"}},
+        {-1, clsGraphBuffer::kTowardsPast, {"5", "4", "3", "2", "1"}},
+        {3, 2, {"5", "4", "3", "2", "1"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << "count " << c.count << " direction " << c.direction);
+        test::FakeClock caseClock;
+        clsGraphBuffer b(caseClock);
+        b.setBufferSize(5);
+        for (int i = 1; i <= 5; ++i)
+            b.AddGraphData(money(i), money(i), 1, 1);
+        b.DataShift(c.count, c.direction);
+        EXPECT_EQ(rateEs(b), c.after);
+    }
+}
+
+TEST(ScaleStep, PicksTheFirstStepStrictlyAbove)
+{
+    const std::vector<std::pair<double, double>> cases = {
+        {-5, 10},       {0, 10},          {9.9999, 10},   {10, 20},       {20, 40},
+        {99.5, 100},    {999.9999, 1000}, {1000, 2000},   {9000, 10000},  {10000, 15000},
+        {15000, 20000}, {94999, 95000},   {95000, 0},     {97000, 0},     {100000, 0},
+        {100000.0001, 100000},            {2147483, 100000},
+    };
+    for (const auto& [in, out] : cases)
+        EXPECT_EQ(ScaleStep(money(in)), money(out)) << "amount " << in;
+}
+
+TEST(GraphScaleTexts, LabelsOfBothColumns)
+{
+    struct Case { double maxE; double maxM; float zoom; std::array<std::string, 4> el; std::array<std::string, 4> ml; };
+    const Case cases[] = {
+        // An empty history: 7.5 and 2.5 are rounded by the format, half away from zero.
+        {0, 0, 1.0f, {"    10", "     8", "     5", "     3"}, {"10", "8", "5", "3"}},
+        {1000, 97000, 1.0f, {" 2,000", " 1,500", " 1,000", "   500"}, {"0", "0", "0", "0"}},
+        // Seven characters lose their first one in the left column only.
+        {150000, 150000, 1.0f, {"00,000", "75,000", "50,000", "25,000"}, {"100,000", "75,000", "50,000", "25,000"}},
+        {1000, 60, 0.5f, {"   600", "   450", "   300", "   150"}, {"40", "30", "20", "10"}},
+        {50, 50, 2.0f, {"   200", "   150", "   100", "    50"}, {"200", "150", "100", "50"}},
+        {30, 30, 1.0f, {"    40", "    30", "    20", "    10"}, {"40", "30", "20", "10"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << "maxE " << c.maxE << " maxM " << c.maxM << " zoom " << c.zoom);
+        StepTrap trap;
+        const GraphScaleTexts texts = graphScaleTexts(money(c.maxE), money(c.maxM), c.zoom, 6, 20, trap);
+        EXPECT_EQ(texts.lblGraph_El, c.el);
+        EXPECT_EQ(texts.lblGraph_Ml, c.ml);
+        EXPECT_FALSE(trap.error());
+    }
+}
+
+TEST(GraphScaleTexts, TimeAxisTitleGivesMinutesPerGridDivision)
+{
+    EXPECT_EQ(timeAxisTitle(6, 20), "経過時間(30分間隔)");
+    EXPECT_EQ(timeAxisTitle(6, 60), "経過時間(90分間隔)");
+    EXPECT_EQ(timeAxisTitle(1, 7), "経過時間(1分間隔)");
+    // A demonstration's interval in seconds names seconds, or minutes when they are whole.
+    EXPECT_EQ(timeAxisTitleSeconds(2, 20), "経過時間(10秒間隔)");
+    EXPECT_EQ(timeAxisTitleSeconds(12, 20), "経過時間(1分間隔)");
+    StepTrap demo;
+    EXPECT_EQ(graphScaleTexts(Currency{}, Currency{}, 1.0f, 6, 20, demo, 10).lblGraph_Tt, "経過時間(50秒間隔)");
+
+    StepTrap trap;
+    const GraphScaleTexts texts = graphScaleTexts(money(0), money(0), 1.0f, INT_MAX, 2, trap);
+    EXPECT_EQ(texts.lblGraph_Tt, "経過時間(0分間隔)");
+    EXPECT_EQ(trap.error(), ErrorNumber::Overflow);
+    EXPECT_EQ(texts.lblGraph_El[0], "    10") << "the other steps still run";
+}
+
+TEST(GraphZoom, ClicksStepByATenthWithinTheLimits)
+{
+    float zoom = 1.0f;
+    for (int i = 0; i < 9; ++i)
+        zoom = zoomIn(zoom);
+    EXPECT_GT(zoom, 1.89f);
+    EXPECT_LT(zoom, 2.0f);
+    zoom = zoomIn(zoom); // lands just above 2.0 and is cut
+    EXPECT_EQ(zoom, 2.0f);
+    EXPECT_EQ(zoomIn(zoom), 2.0f);
+
+    zoom = 1.0f;
+    std::vector<float> down;
+    for (int i = 0; i < 9; ++i)
+        down.push_back(zoom = zoomOut(zoom));
+    EXPECT_NEAR(down[4], 0.5f, 1e-6f);
+    EXPECT_GT(down[6], 0.29f) << "the seventh click is still above the limit";
+    EXPECT_EQ(down[7], 0.2f) << "the eighth lands just below 0.2 and is set to it";
+    EXPECT_EQ(down[8], 0.2f);
+}
+
+TEST(GraphShift, ClicksMoveAQuarterOfTheVisibleEntries)
+{
+    std::int32_t shift = 0;
+    std::vector<std::int32_t> past;
+    for (int i = 0; i < 32; ++i)
+        past.push_back(shift = shiftToPast(shift, 60, 512));
+    EXPECT_EQ(past[0], 15);
+    EXPECT_EQ(past[29], 450);
+    EXPECT_EQ(past[30], 451) << "60 + 465 would reach the end of the buffer";
+    EXPECT_EQ(past[31], 451);
+
+    EXPECT_EQ(shiftToPresent(451, 60), 436);
+    EXPECT_EQ(shiftToPresent(10, 60), 0);
+    EXPECT_EQ(shiftToPresent(-1, 512), 0);
+
+    // A time scale as long as the buffer leaves a negative shift.
+    EXPECT_EQ(shiftToPast(0, 512, 512), -1);
+    EXPECT_EQ(shiftToPast(0, 600, 512), -89);
+    EXPECT_EQ(shiftToPast(0, 3, 512), 0) << "a quarter of 3 entries is no step";
+}
+
+TEST(GraphGrid, WholePixelDivisionsWithTheRemainderInTheLastGap)
+{
+    const GraphGrid grid = graphGrid(401, 200); // w = 400, h = 199
+    std::vector<std::int32_t> ys;
+    for (const GridLine& line : grid.linGraphY) {
+        EXPECT_EQ(line.y1, line.y2);
+        EXPECT_EQ(line.x1, 0);
+        EXPECT_EQ(line.x2, 400);
+        ys.push_back(line.y1);
+    }
+    EXPECT_EQ(ys, (std::vector<std::int32_t>{0, 24, 48, 72, 96, 120, 144, 168, 199}));
+    std::vector<std::int32_t> xs;
+    for (const GridLine& line : grid.linGraphX) {
+        EXPECT_EQ(line.x1, line.x2);
+        EXPECT_EQ(line.y1, 0);
+        EXPECT_EQ(line.y2, 199);
+        xs.push_back(line.x1);
+    }
+    EXPECT_EQ(xs, (std::vector<std::int32_t>{0, 100, 200, 300, 400}));
+}
+
+TEST(GraphPlot, PointsAreRoundedHalfToEvenAndHeldWithinTwiceTheHeight)
+{
+    const struct { double rate; bool first; double y; } cases[] = {
+        {30.5, false, 70}, {31.5, false, 68}, {30.5, true, 69.5},
+        {500, false, -200}, {-500, false, 200}, {500, true, -400},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(plotY(Currency::fromDouble(c.rate), 1.0f, 100, c.first), c.y) << c.rate << (c.first ? " first" : "");
+}
+
+// Five entries across a 400 x 101 picture: dx 100, H 100, one pixel per unit of a scale of 100.
+class GraphCurveTest : public ::testing::Test {
+protected:
+    // Rates newest first; the averages equal the rates (0 for -1) with a window of 1.
+    void fill(const std::vector<std::pair<double, double>>& newestFirst)
+    {
+        for (auto it = newestFirst.rbegin(); it != newestFirst.rend(); ++it)
+            buffer.AddGraphData(Currency::fromDouble(it->first), Currency::fromDouble(it->second), 1, 5);
+    }
+
+    GraphCurves plot(std::int32_t shift = 0, std::int32_t timeScale = 5)
+    {
+        input.shift = shift;
+        input.timeScale = timeScale;
+        return plotGraphCurves(buffer, input, trap);
+    }
+
+    static std::vector<GraphSegment> path(const std::vector<GraphPoint>& points)
+    {
+        std::vector<GraphSegment> segments;
+        for (std::size_t i = 1; i < points.size(); ++i)
+            segments.push_back({points[i - 1], points[i]});
+        return segments;
+    }
+
+    test::FakeClock clock;
+    clsGraphBuffer buffer{clock};
+    GraphPlotInput input{400, 101, 5, 0, Currency::fromInt(100), Currency::fromInt(100), true};
+    StepTrap trap;
+};
+
+TEST_F(GraphCurveTest, GapsAreBridgedAndAveragesDrawEveryEntry)
+{
+    fill({{50, 10}, {-1, 20}, {20, -1}, {10, 40}, {0, 50}});
+    const GraphCurves curves = plot();
+    EXPECT_EQ(curves.rateE, path({{400, 50}, {200, 80}, {100, 90}, {0, 100}}));
+    EXPECT_EQ(curves.rateAveE, path({{400, 50}, {300, 100}, {200, 80}, {100, 90}, {0, 100}}));
+    EXPECT_EQ(curves.rateM, path({{400, 90}, {300, 80}, {100, 60}, {0, 50}}));
+    EXPECT_EQ(curves.rateAveM, path({{400, 90}, {300, 80}, {200, 100}, {100, 60}, {0, 50}}));
+    EXPECT_FALSE(trap.error());
+}
+
+TEST_F(GraphCurveTest, MoneyStartingInAGapBeginsAtItsFirstValue)
+{
+    fill({{50, -1}, {50, -1}, {50, 30}, {50, 40}, {50, -1}});
+    EXPECT_EQ(plot().rateM, path({{200, 70}, {100, 60}}));
+}
+
+TEST_F(GraphCurveTest, SeriesWithoutAScaleOrWithoutMoneyScanAreLeftOut)
+{
+    fill({{50, 10}, {40, 20}, {30, 30}, {20, 40}, {10, 50}});
+    input.moneyScan = false;
+    GraphCurves curves = plot();
+    EXPECT_TRUE(curves.rateM.empty());
+    EXPECT_TRUE(curves.rateAveM.empty());
+    EXPECT_EQ(curves.rateE.size(), 4u);
+
+    input.moneyScan = true;
+    input.maxE = Currency();
+    curves = plot();
+    EXPECT_TRUE(curves.rateE.empty());
+    EXPECT_TRUE(curves.rateAveE.empty());
+    EXPECT_EQ(curves.rateM.size(), 4u);
+    EXPECT_EQ(trap.error(), ErrorNumber::DivisionByZero) << "a scale of 0 is a failed step, logged";
+}
+
+TEST_F(GraphCurveTest, EntriesBeyondTheBufferAreSkippedAndReported)
+{
+    const struct {
+        std::int32_t shift;
+        std::int32_t timeScale;
+        std::optional<ErrorNumber> error;
+        std::vector<GraphPoint> rateE;
+    } cases[] = {
+        // Positions 510 and 511 exist, 512 to 514 do not.
+        {510, 5, ErrorNumber::SubscriptOutOfRange, {{400, 100}, {300, 100}}},
+        // Position -1 fails; the curve starts at the next entry without a line to it.
+        {-1, 5, ErrorNumber::SubscriptOutOfRange, {{300, 50}, {200, 40}, {100, 30}, {0, 20}}},
+        // One entry across the graph divides by zero and draws nothing.
+        {0, 1, ErrorNumber::DivisionByZero, {}},
+    };
+    fill({{50, 0}, {60, 0}, {70, 0}, {80, 0}});
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << "shift " << c.shift << " scale " << c.timeScale);
+        trap = StepTrap();
+        EXPECT_EQ(plot(c.shift, c.timeScale).rateE, path(c.rateE));
+        EXPECT_EQ(trap.error(), c.error);
+    }
+}
+
+TEST(GraphFrameLayout, AFrameTooSmallKeepsThePictureAndLaysOutTheRest)
+{
+    GraphFrameInput input{70, 20, {3000, 1500}, {1200, 180}, {450, 180}, {450, 180}};
+    StepTrap trap;
+    const GraphFrameLayout layout = graphFrameLayout(input, trap);
+    EXPECT_FALSE(layout.picGraph);
+    EXPECT_TRUE(trap.error());
+    EXPECT_EQ(layout.lblGraph_Tl0Left, 570 + 3000 - 225) << "the present picture width is used";
+    EXPECT_EQ(layout.scaleTop, (std::array<std::int32_t, 4>{0, -15, -30, -45}));
+    EXPECT_EQ(layout.scaleLeftM, 510);
+}
+
+TEST(FormResizeLayout, SnapsBackToTheMinimumSizes)
+{
+    const struct {
+        std::int32_t width, height;
+        bool graph;
+        std::int32_t clientWidth, clientHeight;
+        std::optional<std::int32_t> outerWidth, outerHeight;
+        std::int32_t frameWidth, frameHeight;
+    } cases[] = {
+        {700, 290, true, 710, 300, 10650, 5190, 220, 294},
+        {800, 400, true, 800, 400, std::nullopt, std::nullopt, 310, 394},
+        {710, 300, true, 710, 300, std::nullopt, std::nullopt, 220, 294},
+        {500, 600, false, 488, 600, 7320, std::nullopt, 0, 0},
+        {300, 200, false, 488, 300, 7320, 5190, 0, 0},
+        {488, 700, false, 488, 700, std::nullopt, std::nullopt, 0, 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.width << " x " << c.height << (c.graph ? " graph" : ""));
+        const FormResizeLayout layout = formResizeLayout(c.width, c.height, c.graph);
+        EXPECT_EQ(layout.clientWidth, c.clientWidth);
+        EXPECT_EQ(layout.clientHeight, c.clientHeight);
+        EXPECT_EQ(layout.outerWidthTwips, c.outerWidth);
+        EXPECT_EQ(layout.outerHeightTwips, c.outerHeight);
+        EXPECT_EQ(layout.frmGraphVisible, c.graph);
+        if (c.graph) {
+            EXPECT_EQ(layout.frmGraphWidth, c.frameWidth);
+            EXPECT_EQ(layout.frmGraphHeight, c.frameHeight);
+        }
+        EXPECT_EQ(layout.txtLogWidth, 465);
+    }
+}
+
+TEST(GraphLayout, TwipsToPixelsRoundsToTheNearestPixel)
+{
+    for (const auto& [twips, pixels] : std::array<std::pair<int, int>, 6>{{{0, 0}, {7, 0}, {8, 1}, {570, 38}, {-7, 0}, {-8, -1}}})
+        EXPECT_EQ(twipsToPixels(twips), pixels) << twips;
+}
+
+} // namespace
+} // namespace tvx

@@ -1,0 +1,252 @@
+// The measurement's pieces: field and duration formats, rates, the experience table, failure
+// texts, the record file, the time-left tool, the random tools and the log box.
+#include "base/Errors.h"
+#include "base/Utf8Path.h"
+#include "measurement/ExpTable.h"
+#include "measurement/MeasurementSession.h"
+#include "measurement/RandomTools.h"
+#include "measurement/RecordFile.h"
+#include "measurement/RecordFormat.h"
+#include "measurement/TimeLeft.h"
+#include "shell/DebugLog.h"
+#include "shell/LogBox.h"
+#include "support/FakeMachine.h"
+#include "support/ReadFile.h"
+#include "support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <set>
+
+namespace tvx {
+namespace {
+
+Currency c(double value)
+{
+    return Currency::fromDouble(value);
+}
+
+TEST(FormatFieldTest, RightAlignsBehindTheGap)
+{
+    struct Case { FieldValue value; int width, gap, decimals; bool plain; const char* expected; };
+    const Case cases[] = {
+        {std::int64_t{120}, 6, 1, 0, false, "  120 "},
+        {std::int64_t{0}, 6, 1, 0, false, "    0 "},
+        {c(1234567), 13, 1, 0, false, "   1,234,567 "},
+        {c(1234567), 13, 1, 0, true, "     1234567 "},
+        {c(-1234), 10, 1, 0, false, "   -1,234 "},
+        {c(5.9), 6, 1, 1, true, "  5.9 "},
+        {c(0), 12, 1, 1, false, "        0.0 "},
+        {c(1234.5), 12, 1, 1, false, "    1,234.5 "},
+        {c(0.25), 6, 1, 0, true, "      "}, // "#" leaves a fraction below one half empty
+        // Wider than its field: written whole, the rest moves right.
+        {c(123456789), 6, 1, 0, false, " 123,456,789 "},
+        {std::string("abc"), 6, 3, 0, false, "   abc "},
+        {true, 8, 1, 0, false, "   True "},
+        // A full-width character takes a column of the gap, but one blank always stays.
+        {std::string("5.83％"), 11, 1, 0, false, "     5.83％ "},
+        {std::string("5.83％"), 11, 3, 0, false, "    5.83％ "},
+    };
+    for (const Case& k : cases)
+        EXPECT_EQ(FormatField(k.value, k.width, k.gap, k.decimals, k.plain), k.expected)
+            << k.width << "/" << k.gap << "/" << k.decimals;
+}
+
+TEST(FormatDurationTest, CountsCalendarMinutes)
+{
+    const LocalDateTime start{2024, 3, 1, 23, 10, 59};
+    EXPECT_EQ(FormatDuration(start, {2024, 3, 2, 0, 15, 0}), "0日 1時 5分間");
+    EXPECT_EQ(FormatDuration(start, {2024, 3, 1, 23, 11, 0}), "0日 0時 1分間"); // one second, one minute
+    EXPECT_EQ(FormatDuration(start, {2024, 3, 4, 1, 9, 0}), "2日 1時 59分間");
+    EXPECT_EQ(FormatNow({2009, 4, 1, 3, 5, 9}), "2009/04/01 03:05:09");
+}
+
+TEST(RatesTest, TruncateMinutesAndRoundRatesDown)
+{
+    EXPECT_EQ(elapsedMinutes(359), c(5.9));
+    EXPECT_EQ(elapsedMinutes(3599), c(59.9));
+    EXPECT_EQ(elapsedMinutes(-7), c(-0.1));
+    EXPECT_EQ(hourlyRate(c(1234567), 3600), c(1234));
+    EXPECT_EQ(hourlyRate(c(-1234567), 3600), c(-1235));
+    EXPECT_EQ(hourlyRate(c(-1), 3600), c(-1));
+    EXPECT_EQ(hourlyRate(c(999), 0), c(0));
+}
+
+TEST(ExpTableTest, CumulativeWithinOneToTwoHundred)
+{
+    EXPECT_EQ(ExpTable(0, c(50)), c(0));
+    EXPECT_EQ(ExpTable(201, c(50)), c(0));
+    EXPECT_EQ(ExpTable(1), c(0));
+    EXPECT_EQ(ExpTable(120, c(7)), c(536150649));
+    EXPECT_EQ(ExpTable(200), c(38703313816.0));
+    for (int level = 1; level < 200; ++level)
+        ASSERT_LT(ExpTable(level), ExpTable(level + 1)) << level;
+}
+
+TEST(FailureTextTest, NamesEveryFailedValue)
+{
+    const Currency bad = c(-1);
+    const Currency good = c(5);
+    EXPECT_EQ(failureText(-1, bad, bad), "全部 NG");
+    EXPECT_EQ(failureText(3, bad, bad), "ExpとMoney NG");
+    EXPECT_EQ(failureText(-1, good, bad), "LvとMoney NG");
+    EXPECT_EQ(failureText(3, good, bad), "Money NG");
+    EXPECT_EQ(failureText(-1, bad, good), "LvとExp NG");
+    EXPECT_EQ(failureText(3, bad, good), "Exp NG");
+    EXPECT_EQ(failureText(-1, good, good), "Lv NG");
+}
+
+TEST(RecordFilePathTest, NamesByMonthOrBySession)
+{
+    Settings settings = defaultSettings("");
+    settings.SaveFolder = "/rec";
+    settings.SaveFile = "exp_";
+    settings.SaveCsv = true;
+    EXPECT_EQ(recordFilePath(settings, "200904011305"), utf8Path("/rec/log/exp_200904月.csv"));
+    settings.SaveFile.clear();
+    settings.SaveCsv = false;
+    settings.SaveMonthly = false;
+    EXPECT_EQ(recordFilePath(settings, "200904011305"), std::filesystem::path("/rec/log/200904011305.txt"));
+}
+
+class RecordFileTest : public testing::Test {
+protected:
+    RecordFileTest() { settings.SaveFolder = pathUtf8(temp.path()); }
+
+    std::string file() { return test::readAll(recordFilePath(settings, kStamp)); }
+
+    static constexpr const char* kStamp = "202401311200";
+    test::TempFolder temp;
+    Settings settings = defaultSettings("");
+    test::MarkingCodec codec;
+    RecordFile records{settings, &codec};
+};
+
+TEST_F(RecordFileTest, HeaderRules)
+{
+    const std::string header = "\xEF\xBB\xBF" + recordHeader(false) + "\r\n";
+    records.WriteRecordLine("", "no session", RecordFile::kAppend);
+    EXPECT_FALSE(std::filesystem::exists(temp.path() / "log"));
+
+    // A record that finds no file only starts it; the next one lands below the header.
+    records.WriteRecordLine(kStamp, "lost", RecordFile::kAppend);
+    records.WriteRecordLine(kStamp, "one", RecordFile::kAppend);
+    EXPECT_EQ(file(), header + "one\r\n");
+
+    // A second session of the month appends below the first.
+    records.WriteRecordLine(kStamp, "", RecordFile::kStart);
+    records.WriteRecordLine(kStamp, "two", RecordFile::kAppend);
+    EXPECT_EQ(file(), header + "one\r\ntwo\r\n");
+
+    // A file per session starts afresh.
+    settings.SaveMonthly = false;
+    records.WriteRecordLine(kStamp, "old", RecordFile::kAppend);
+    records.WriteRecordLine(kStamp, "old", RecordFile::kAppend);
+    records.WriteRecordLine(kStamp, "", RecordFile::kStart);
+    EXPECT_EQ(file(), header);
+}
+
+TEST_F(RecordFileTest, AppendsInTheEncodingTheFileHas)
+{
+    std::filesystem::create_directories(temp.path() / "log");
+    const std::string cp932Header = " \x8c\x8e\x93\xfa\r\n"; // " 月日" in CP932
+    std::ofstream(recordFilePath(settings, kStamp), std::ios::binary) << cp932Header;
+    records.WriteRecordLine(kStamp, "メル", RecordFile::kAppend);
+    EXPECT_EQ(file(), cp932Header + "[cp932]メル\r\n");
+
+    std::filesystem::remove(recordFilePath(settings, kStamp));
+    std::ofstream(recordFilePath(settings, kStamp), std::ios::binary) << " 月日\r\n"; // UTF-8 without a mark
+    records.WriteRecordLine(kStamp, "メル", RecordFile::kAppend);
+    EXPECT_EQ(file(), " 月日\r\nメル\r\n");
+}
+
+TEST_F(RecordFileTest, PlacesTheFileSystemRefusesAreTrappedErrors)
+{
+    const auto numberOf = [this](int mode) {
+        try {
+            records.WriteRecordLine(kStamp, "x", mode);
+        } catch (const RuntimeError& error) {
+            return static_cast<int>(error.number());
+        }
+        return 0;
+    };
+    std::ofstream(temp.path() / "log") << "a file where the folder should be";
+    EXPECT_EQ(numberOf(RecordFile::kAppend), 76);
+    std::filesystem::remove(temp.path() / "log");
+
+    // Longer than any file system allows a name to be: refused by the name check or by the
+    // open, depending on the system, but always as a trapped error.
+    settings.SaveFile = std::string(300, 'a');
+    EXPECT_NE(numberOf(RecordFile::kStart), 0);
+    EXPECT_NE(numberOf(RecordFile::kAppend), 0);
+}
+
+TEST(TimeLeftTest, HoursToTheTarget)
+{
+    const Currency reached = ExpTable(120);
+    EXPECT_EQ(timeLeftLine(120, reached, 121, 500), "\r\n  Lv121まで、あと 29,716 Kexp、59.43時間です\r\n");
+    // At or below what is reached; a rate of 0 counts as 0.1 k/h.
+    EXPECT_EQ(timeLeftLine(120, reached + Currency::fromInt(2000), 120, 0),
+              "\r\n  Lv120まで、かつて -2 Kexp、-20.00時間です\r\n");
+}
+
+TEST(TimeLeftTest, AsksTargetAndRateAndStopsOnCancel)
+{
+    test::FakeMachine machine;
+    DebugLog log({}, machine.clock);
+    LogBox box;
+    machine.numbers = {121, 500};
+    menuTimeLeft_Click(120, ExpTable(120), Currency::fromInt(42), machine, box, log);
+    ASSERT_EQ(machine.count("ask あと何時間？"), 2u);
+    EXPECT_EQ(machine.events[0], "ask あと何時間？ | 目標Lvを入力してください  (現在:120) | 1 200 121.000000 1");
+    EXPECT_EQ(machine.events[1], "ask あと何時間？ | 時給Exp(k)を入力してください | 0.1 100000 42.000000 500");
+    EXPECT_NE(box.text().find("59.43時間です"), std::string::npos);
+
+    box.clear();
+    menuTimeLeft_Click(120, ExpTable(120), Currency{}, machine, box, log); // cancelled
+    menuTimeLeft_Click(199, ExpTable(199), Currency{}, machine, box, log);
+    EXPECT_EQ(box.text(), "\r\nLv200到達まであとひとつ。がんばって！\r\n");
+}
+
+TEST(RandomToolsTest, RangesAndSequences)
+{
+    Rnd rnd(7);
+    std::set<int> seen;
+    for (int i = 0; i < 200; ++i)
+        seen.insert(RandomInt(rnd, 2, 1));
+    EXPECT_EQ(seen, (std::set<int>{1, 2}));
+
+    const std::string text = RandomSequence(rnd, 128, 1, 10, 4);
+    EXPECT_TRUE(text.starts_with("  1 ～ 128 の範囲の乱数列は以下のとおりです\r\n    ")) << text;
+    std::multiset<int> numbers;
+    int lines = 0;
+    std::size_t start = text.find("\r\n") + 2;
+    for (std::size_t end; (end = text.find("\r\n", start)) != std::string::npos; start = end + 2, ++lines) {
+        const std::string line = text.substr(start, end - start);
+        ASSERT_LE(line.size(), 4u + 50u) << line;
+        for (std::size_t at = 4; at < line.size(); at += 5)
+            numbers.insert(std::stoi(line.substr(at, 5)));
+    }
+    EXPECT_EQ(lines, 13);
+    std::multiset<int> all;
+    for (int n = 1; n <= 128; ++n)
+        all.insert(n);
+    EXPECT_EQ(numbers, all);
+}
+
+TEST(LogBoxTest, KeepsTheNewest512Lines)
+{
+    LogBox box;
+    for (int line = 1; line <= 520; ++line)
+        box.write("line " + std::to_string(line) + "\r\n");
+    EXPECT_TRUE(box.text().starts_with("line 9\r\n"));
+    EXPECT_EQ(std::count(box.text().begin(), box.text().end(), '\n'), 512);
+    EXPECT_EQ(box.caret(), box.text().size());
+    box.write("a\r\nb\r\n", false);
+    EXPECT_TRUE(box.text().starts_with("line 11\r\n"));
+    EXPECT_EQ(box.text().substr(box.caret()), "a\r\nb\r\n");
+}
+
+} // namespace
+} // namespace tvx

@@ -1,0 +1,195 @@
+// The program's shell: the debug log and its back-up, the environment report, launching
+// the help documents and applications, and the temporary-folder check at start-up.
+#include "shell/DebugLog.h"
+#include "shell/EnvironmentReport.h"
+#include "shell/Launcher.h"
+#include "shell/StartupChecks.h"
+#include "support/FakeClock.h"
+#include "support/FakeMachine.h"
+#include "support/ReadFile.h"
+#include "support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace tvx {
+namespace {
+
+class DebugLogTest : public testing::Test {
+protected:
+    test::TempFolder m_temp;
+    const std::filesystem::path& m_home = m_temp.path();
+    test::FakeClock m_clock{LocalDateTime{2009, 4, 1, 13, 5, 9}};
+};
+
+TEST_F(DebugLogTest, EachStartRenewsTheLogAndKeepsOneBackUp)
+{
+    DebugLog log(m_home, m_clock);
+    log.WriteDebugLog("Starting Program  first", DebugLog::kNewLog);
+    EXPECT_FALSE(std::filesystem::exists(log.backupPath()));
+    log.WriteDebugLog("Suspend Mode On ");
+    EXPECT_EQ(test::readAll(log.path()), "2009/04/01 13:05:09 Starting Program  first\r\n"
+                                   "2009/04/01 13:05:09 Suspend Mode On \r\n");
+
+    m_clock.setNow(LocalDateTime{2010, 12, 31, 23, 59, 58});
+    log.WriteDebugLog("Starting Program  second", DebugLog::kNewLog);
+    EXPECT_EQ(test::readAll(log.path()), "2010/12/31 23:59:58 Starting Program  second\r\n");
+    EXPECT_EQ(test::readAll(log.backupPath()), "2009/04/01 13:05:09 Starting Program  first\r\n"
+                                         "2009/04/01 13:05:09 Suspend Mode On \r\n");
+
+    log.WriteDebugLog("Starting Program  third", DebugLog::kNewLog);
+    EXPECT_EQ(test::readAll(log.backupPath()), "2010/12/31 23:59:58 Starting Program  second\r\n");
+}
+
+TEST_F(DebugLogTest, AppendingToAMissingLogCreatesItAndErrorLinesKeepTheirFormat)
+{
+    DebugLog log(m_home, m_clock);
+    log.writeErrorTrap("DisplayResult", ErrorNumber::Overflow);
+    log.writeErrorTrap("SecurePixels", ErrorNumber::SubscriptOutOfRange);
+    EXPECT_EQ(test::readAll(log.path()), "2009/04/01 13:05:09 Error Trap : DisplayResult : CODE6  Overflow\r\n"
+                                   "2009/04/01 13:05:09 Error Trap : SecurePixels : CODE9  Subscript out of range\r\n");
+}
+
+TEST_F(DebugLogTest, AnUnwritableFolderIsReportedToTheCaller)
+{
+    DebugLog log(m_home / "no" / "such" / "folder", m_clock);
+    EXPECT_THROW(log.WriteDebugLog("x"), RuntimeError);
+}
+
+EnvironmentFacts fullFacts()
+{
+    EnvironmentFacts facts;
+    facts.operatingSystem = "Debian GNU/Linux 12";
+    facts.version = "6.1.0";
+    facts.freePhysicalBytes = 1234567;
+    facts.totalPhysicalBytes = 8000000000;
+    facts.processor = "Ryzen";
+    facts.caches = {{"L2 Unified", 512}};
+    facts.adapterRamBytes = 268435456;
+    facts.manufacturer = "ACME";
+    facts.availablePhysicalBytes = 2048000;
+    return facts;
+}
+
+TEST(EnvironmentReport, JapaneseLabelsIndentsAndGroupedNumbers)
+{
+    const std::string report = ReportEnvironment(fullFacts(), true);
+    const char* lines[] = {
+        "実行環境情報\r\n",
+        "　　オペレーティングシステム : Debian GNU/Linux 12\r\n",
+        "　　　バージョン : 6.1.0\r\n",
+        "　　　物理メモリ 空き/最大 : 1,234,567 / 8,000,000,000 Byte\r\n",
+        "　　プロセッサ : Ryzen\r\n",
+        "　　　キャッシュメモリ : L2 Unified = 512 kByte\r\n",
+        "　　　　グラフィックメモリ : 268,435,456 Byte\r\n",
+        "　　製造メーカー : ACME\r\n",
+    };
+    std::size_t at = 0;
+    for (const char* line : lines) {
+        const std::size_t found = report.find(line, at);
+        ASSERT_NE(found, std::string::npos) << line << "\n" << report;
+        at = found;
+    }
+    EXPECT_NE(ReportEnvironment(fullFacts(), false).find("　　　FreePhysicalMemory : 1,234,567 / 8,000,000,000 Byte\r\n"),
+              std::string::npos);
+}
+
+TEST(EnvironmentReport, WhatTheSystemDoesNotSayIsLeftOut)
+{
+    EnvironmentFacts facts;
+    facts.processor = "Ryzen";
+    facts.servicePack.assign(2, ' ');
+    facts.freeVirtualBytes = 0; // no swap at all
+    facts.totalVirtualBytes = 0;
+    facts.freePhysicalBytes = 5;
+    for (const bool japanese : {true, false}) {
+        const std::string report = ReportEnvironment(facts, japanese);
+        EXPECT_EQ(report.find("Byte"), std::string::npos) << report;
+        EXPECT_EQ(report.find(" : \r\n"), std::string::npos) << report;
+        EXPECT_EQ(report.find("\r\n\r\n"), std::string::npos) << report;
+    }
+    const std::string english = ReportEnvironment(facts, false);
+    EXPECT_EQ(english, "　　Processor : Ryzen\r\n　　　CacheMemory : NONE\r\n");
+}
+
+TEST(EnvironmentReport, TheUnloadReportHasNoBlankLine)
+{
+    test::TempFolder home;
+    test::FakeClock clock;
+    DebugLog log(home.path(), clock);
+    WriteOperatingInformation(fullFacts(), log);
+    const std::string text = test::readAll(log.path());
+    EXPECT_EQ(text.find("\r\n\r\n"), std::string::npos) << text;
+    EXPECT_NE(text.find(" OperatingInformation\r\n"), std::string::npos);
+    // 2,048,000 bytes are 2,000 kB; a small fraction of the 8 GB total.
+    EXPECT_NE(text.find("　　Available Physical Memory"), std::string::npos) << text;
+    EXPECT_NE(text.find("2,000 kByte  0%\r\n"), std::string::npos) << text;
+}
+
+class LauncherTest : public testing::Test {
+protected:
+    std::string logText() const { return test::readAll(log.path()); }
+
+    test::TempFolder temp;
+    test::FakeMachine machine;
+    DebugLog log{temp.path(), machine.clock};
+    Launcher launcher{machine, machine, machine, log};
+};
+
+TEST_F(LauncherTest, TellsThePlayerWhatCouldNotBeOpenedAndLogsIt)
+{
+    const std::string readMe = "/opt/tallivex/bin/ReadMeM.txt";
+    const std::string help = "/opt/tallivex/bin/使用方法M.mht";
+    machine.existingFiles = {help};
+    machine.shellOpens = false;
+    const struct { bool url; std::string target; const char* message; const char* line; } cases[] = {
+        {false, readMe, "message 実行エラー: ReadMeM.txtファイルが見つかりません。", "Execution File Not Find  /opt/tallivex/bin/ReadMeM.txt"},
+        {true, "", "message 実行エラー: サイトが見つかりません。", "Execution File Not Find  \r\n"},
+        {false, help, "message 実行エラー: 使用方法M.mhtを開くプログラムが見つかりません。",
+         "Error Trap : RunFile : CODE75  Path/File access error"},
+        {true, "https://example.org/a", "message 実行エラー: aを開くプログラムが見つかりません。",
+         "Error Trap : RunUrl : CODE75  Path/File access error"},
+    };
+    for (const auto& c : cases) {
+        machine.events.clear();
+        c.url ? launcher.RunUrl(c.target, 500) : launcher.RunFile(c.target, 500);
+        EXPECT_EQ(machine.count("message "), 1u) << c.line;
+        EXPECT_EQ(machine.count(c.message), 1u) << c.message;
+        EXPECT_EQ(machine.count("wait "), 0u) << c.line;
+        EXPECT_NE(logText().find(c.line), std::string::npos) << c.line;
+    }
+    EXPECT_EQ(logText().find("Finish"), std::string::npos) << "nothing ran, nothing finished";
+}
+
+TEST_F(LauncherTest, AnOpenedFileIsWaitedForAndFinishes)
+{
+    const std::string help = "/opt/tallivex/bin/とりあえず始めよう.mht";
+    machine.existingFiles = {help};
+    launcher.RunFile(help, 500);
+    EXPECT_EQ(machine.events, (std::vector<std::string>{"open " + help, "wait 500"}));
+    const std::string text = logText();
+    const std::size_t start = text.find("Execution File Start ･･･  " + help);
+    ASSERT_NE(start, std::string::npos);
+    EXPECT_NE(text.find("Execution File Finish ", start), std::string::npos);
+}
+
+TEST(IsTempFolderTest, EitherFolderInsideTheOther)
+{
+    const char* temp = "C:\\Users\\mei\\AppData\\Local\\Temp\\";
+    const char* shortTemp = "C:\\Users\\MEI~1\\AppData\\Local\\Temp\\";
+    struct Case { const char* program; bool refused; };
+    const Case cases[] = {
+        {"C:\\Users\\mei\\AppData\\Local\\Temp\\", true},
+        {"c:\\users\\mei\\appdata\\local\\temp\\Temp1_tv.zip\\tv", true}, // case ignored
+        {"C:\\USERS\\MEI~1\\APPDATA\\LOCAL\\TEMP\\x", true},            // the short form
+        {"C:\\Users", true},                                            // a parent of the temporary folder
+        {"D:\\Games\\Tallivex", false},
+    };
+    for (const Case& k : cases)
+        EXPECT_EQ(IsTempFolder(k.program, temp, shortTemp), k.refused) << k.program;
+    EXPECT_FALSE(IsTempFolder("/opt/tallivex", "", ""));
+}
+
+} // namespace
+} // namespace tvx

@@ -1,0 +1,367 @@
+// The Win32 front end behind the shared window scenarios of tests/windows.
+#include "support/WindowDriver.h"
+
+#include "DesktopSupport.h"
+#include "FormCalibrate.h"
+#include "FormInputCheck.h"
+#include "FormMain.h"
+#include "FormOption.h"
+#include "GlyphControl.h"
+#include "Win32Prompter.h"
+#include "Win32Ui.h"
+
+#include "meter/Meter.h"
+#include "shell/DebugLog.h"
+#include "support/FakeMachine.h"
+#include "view/MainMenu.h"
+#include "view/OptionFields.h"
+#include "view/Calibration.h"
+
+#include <commctrl.h>
+
+#include <gtest/gtest.h>
+
+#include <utility>
+
+namespace tvx::test {
+
+namespace {
+
+WindowDriver::Box boxOf(HWND window)
+{
+    RECT r{};
+    GetWindowRect(window, &r);
+    return {r.left, r.top, r.right - r.left, r.bottom - r.top};
+}
+
+// A Win32 window, found afresh for every call, and its controls by the identifiers their
+// names map to.
+class Win32WindowDriver final : public WindowDriver {
+public:
+    Win32WindowDriver(std::function<HWND()> window, std::function<int(std::string_view)> idOf)
+        : m_window(std::move(window)), m_idOf(std::move(idOf))
+    {
+    }
+
+    bool isOpen() override { return m_window() != nullptr && IsWindowVisible(m_window()); }
+    std::string title() override { return win32ui::windowText(m_window()); }
+    bool has(const std::string& name) override { return m_window() && childWithId(m_window(), m_idOf(name)); }
+    std::string text(const std::string& name) override { return win32ui::windowText(control(name)); }
+    bool enabled(const std::string& name) override { return IsWindowEnabled(control(name)) != FALSE; }
+    bool focused(const std::string& name) override
+    {
+        return GetFocus() != nullptr && m_window() != nullptr && GetFocus() == childWithId(m_window(), m_idOf(name));
+    }
+    void focus(const std::string& name) override { SetFocus(control(name)); }
+    void click(const std::string& name) override { PostMessageW(control(name), BM_CLICK, 0, 0); }
+    void clickNow(const std::string& name) override { SendMessageW(control(name), BM_CLICK, 0, 0); }
+    void type(const std::string& name, const std::string& text) override
+    {
+        typeInto(control(name), win32ui::wide(text));
+    }
+    void setText(const std::string& name, const std::string& text) override { win32ui::setText(control(name), text); }
+    void press(Key key) override { pressKey(virtualKey(key)); }
+    void key(const std::string& name, Key key) override
+    {
+        SendMessageW(control(name), WM_KEYDOWN, virtualKey(key), 1);
+        SendMessageW(control(name), WM_KEYUP, virtualKey(key), 0xC0000001);
+    }
+    void choose(const std::string& name, int index) override
+    {
+        const HWND list = control(name);
+        wchar_t kind[32] = {};
+        GetClassNameW(list, kind, 32);
+        const auto item = static_cast<WPARAM>(index);
+        if (lstrcmpiW(kind, WC_TABCONTROLW) == 0) {
+            SendMessageW(list, TCM_SETCURSEL, item, 0);
+            NMHDR change{list, static_cast<UINT_PTR>(GetDlgCtrlID(list)), TCN_SELCHANGE};
+            SendMessageW(GetParent(list), WM_NOTIFY, change.idFrom, reinterpret_cast<LPARAM>(&change));
+        } else {
+            SendMessageW(list, CB_SETCURSEL, item, 0);
+            SendMessageW(GetParent(list), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(list), CBN_SELCHANGE),
+                         reinterpret_cast<LPARAM>(list));
+        }
+    }
+    std::vector<std::uint16_t> glyph(const std::string& name) override { return canvas(name).columns(); }
+    void clickCell(const std::string& name, int column, int row) override
+    {
+        const GlyphCanvas& glyph = canvas(name);
+        const int half = glyph.pixelSize() / 2;
+        mouse(control(name), {glyph.pixelLeft(column) + half, glyph.pixelTop(row) + half}, {});
+    }
+    void drag(const std::string& name, Point from, Point to) override
+    {
+        mouse(control(name), from, Point{(from.x + to.x) / 2, (from.y + to.y) / 2}, to);
+    }
+    Frame picture(const std::string& name) override { return screenPicture(name.empty() ? m_window() : control(name)); }
+    Box frame() override { return boxOf(m_window()); }
+    void close() override { PostMessageW(m_window(), WM_CLOSE, 0, 0); }
+
+    HWND window() { return m_window(); }
+    HWND control(const std::string& name)
+    {
+        const HWND found = m_window() ? childWithId(m_window(), m_idOf(name)) : nullptr;
+        EXPECT_NE(found, nullptr) << name;
+        return found;
+    }
+
+private:
+    static WPARAM virtualKey(Key key) { return key == Key::Enter ? VK_RETURN : key == Key::Escape ? VK_ESCAPE : VK_RIGHT; }
+
+    const GlyphCanvas& canvas(const std::string& name)
+    {
+        return *reinterpret_cast<const GlyphCanvas*>(GetWindowLongPtrW(control(name), GWLP_USERDATA));
+    }
+
+    // A press, an optional move with the button held and a release, in the control's
+    // pixels before scrolling.
+    static void mouse(HWND target, Point down, std::optional<Point> move, std::optional<Point> up = {})
+    {
+        const auto at = [target](Point p) {
+            const bool h = GetWindowLongPtrW(target, GWL_STYLE) & WS_HSCROLL;
+            const bool v = GetWindowLongPtrW(target, GWL_STYLE) & WS_VSCROLL;
+            return MAKELPARAM(p.x - (h ? GetScrollPos(target, SB_HORZ) : 0), p.y - (v ? GetScrollPos(target, SB_VERT) : 0));
+        };
+        SendMessageW(target, WM_LBUTTONDOWN, MK_LBUTTON, at(down));
+        if (move)
+            SendMessageW(target, WM_MOUSEMOVE, MK_LBUTTON, at(*move));
+        SendMessageW(target, WM_LBUTTONUP, 0, at(up.value_or(move.value_or(down))));
+    }
+
+    std::function<HWND()> m_window;
+    std::function<int(std::string_view)> m_idOf;
+};
+
+// The visible window of this thread that `holds`.
+HWND threadWindow(const std::function<bool(HWND)>& holds)
+{
+    struct Search {
+        const std::function<bool(HWND)>& holds;
+        HWND found;
+    } search{holds, nullptr};
+    EnumThreadWindows(
+        GetCurrentThreadId(),
+        [](HWND window, LPARAM into) -> BOOL {
+            auto* s = reinterpret_cast<Search*>(into);
+            if (!IsWindowVisible(window) || !s->holds(window))
+                return TRUE;
+            s->found = window;
+            return FALSE;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+// The number dialog has its 決定 button as a child of its own; the others by title and a control.
+HWND numberDialogWindow()
+{
+    return threadWindow([](HWND w) { return GetDlgItem(w, win32ui::FormInputCheck::lblmaxv) != nullptr; });
+}
+
+HWND optionsWindow()
+{
+    return threadWindow([](HWND w) {
+        return textOf(w) == win32ui::wide(kOptionsTitle) && childWithId(w, win32ui::optionControlId("tabOption"));
+    });
+}
+
+HWND calibrationWindow()
+{
+    return threadWindow([](HWND w) {
+        return textOf(w) == win32ui::wide(kCalibrationTitle) && childWithId(w, win32ui::calibrateControlId("cmdLearn"));
+    });
+}
+
+int numberControlId(std::string_view name)
+{
+    using C = win32ui::FormInputCheck;
+    const std::pair<const char*, int> ids[] = {
+        {"txtInput", C::txtInput}, {"cmdInc", C::cmdInc}, {"cmdDec", C::cmdDec},   {"cmdEnter", C::cmdEnter},
+        {"cmdCancel", C::cmdCancel}, {"lblmsg", C::lblmsg}, {"lblmax", C::lblmax}, {"lblmaxv", C::lblmaxv},
+        {"lblmin", C::lblmin},     {"lblminV", C::lblminV},
+    };
+    for (const auto& [known, id] : ids)
+        if (name == known)
+            return id;
+    ADD_FAILURE() << "no such control: " << name;
+    return 0;
+}
+
+class Win32Desktop final : public Desktop {
+public:
+    Win32Desktop()
+    {
+        // A plain top-level window away from the screen's centre.
+        m_owner = CreateWindowExW(0, L"STATIC", L"owner", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 60, 40, 420, 300, nullptr,
+                                  nullptr, GetModuleHandleW(nullptr), nullptr);
+        SetForegroundWindow(m_owner);
+        SetActiveWindow(m_owner);
+        pumpMessages(50);
+        m_prompter.setOwner(m_owner);
+    }
+    ~Win32Desktop() override { DestroyWindow(m_owner); }
+
+    Prompter& prompter() override { return m_prompter; }
+
+    void play(std::deque<PlayerStep> steps, const std::function<void()>& modal) override
+    {
+        DialogScript script(std::move(steps), 30000);
+        modal();
+        EXPECT_TRUE(script.finished()) << "the window closed before the player was done";
+        EXPECT_FALSE(script.timedOut());
+    }
+
+    WindowDriver& numberDialog() override { return m_dialog; }
+    WindowDriver& options() override { return m_options; }
+    WindowDriver& calibration() override { return m_calibration; }
+
+    WindowDriver::Box owner() override { return boxOf(m_owner); }
+
+    // A message box: a window with the title that is none of the program's own.
+    std::optional<std::string> answerBox(const std::string& title, Button button) override
+    {
+        const HWND own[] = {numberDialogWindow(), optionsWindow(), calibrationWindow()};
+        const HWND box = threadWindow([&](HWND w) {
+            return textOf(w) == win32ui::wide(title) && std::find(std::begin(own), std::end(own), w) == std::end(own);
+        });
+        if (box == nullptr)
+            return std::nullopt;
+        std::string text = win32ui::utf8(staticTexts(box));
+        std::erase(text, '\r');
+        if (text.ends_with('\n'))
+            text.pop_back();
+        const UINT ids[] = {IDOK, IDCANCEL, IDYES, IDNO};
+        PostMessageW(box, WM_COMMAND, ids[static_cast<int>(button)], 0);
+        return text;
+    }
+
+    void showOptions(ConfigFile& config, const CaptureBitmap* lastCapture, const WindowServices& services) override
+    {
+        win32ui::OptionsContext context;
+        context.config = &config;
+        context.lastCapture = lastCapture;
+        context.screen = services.screen;
+        context.waiter = services.waiter;
+        context.clock = services.clock;
+        context.prompter = &m_prompter;
+        context.cycleSkip = services.cycleSkip;
+        context.settingsChanged = services.settingsChanged;
+        win32ui::ShowFormOption(m_owner, context);
+    }
+
+    bool showCalibration(Settings& settings, const CaptureBitmap* screen, const WindowServices& services) override
+    {
+        return win32ui::ShowFormCalibrate(m_owner, {&settings, screen, services.screen, services.waiter, services.log});
+    }
+
+private:
+    HWND m_owner = nullptr;
+    win32ui::Win32Prompter m_prompter;
+    Win32WindowDriver m_dialog{numberDialogWindow, numberControlId};
+    Win32WindowDriver m_options{optionsWindow, win32ui::optionControlId};
+    Win32WindowDriver m_calibration{calibrationWindow, win32ui::calibrateControlId};
+};
+
+std::string withoutCarriageReturns(std::string text)
+{
+    std::erase(text, '\r');
+    return text;
+}
+
+class Win32MainWindowHost final : public MainWindowHost {
+public:
+    Win32MainWindowHost(Settings& settings, DebugLog& log, FakeMachine& machine)
+        : m_window(programTitle("MapleStory"), log, log.path().parent_path()),
+          m_ports{machine.clock, machine, machine, machine, machine, machine, machine, m_window},
+          m_meter(settings, m_ports, log)
+    {
+        m_window.attach(m_meter);
+        ShowWindow(m_window.handle(), SW_SHOWNA);
+    }
+
+    Meter& meter() override { return m_meter; }
+
+    void load() override
+    {
+        m_window.FormMain_Load();
+        pumpMessages(50);
+    }
+
+    std::string title() override { return win32ui::windowText(m_window.handle()); }
+    std::string text(const std::string& control) override { return m_window.controlText(control); }
+
+    std::string menuText(const std::string& item) override
+    {
+        wchar_t text[128] = {};
+        GetMenuStringW(m_window.menu(), id(item), text, 128, MF_BYCOMMAND);
+        return win32ui::utf8(text);
+    }
+
+    bool menuEnabled(const std::string& item) override
+    {
+        return (GetMenuState(m_window.menu(), id(item), MF_BYCOMMAND) & (MF_GRAYED | MF_DISABLED)) == 0;
+    }
+
+    void choose(const std::string& item) override { SendMessageW(m_window.handle(), WM_COMMAND, id(item), 0); }
+
+    std::string logBox() override
+    {
+        return withoutCarriageReturns(m_window.handle() ? win32ui::windowText(m_window.txtLog())
+                                                        : m_meter.logBox().text());
+    }
+
+    void clickGraphLabel(GraphLabel label) override
+    {
+        const PixelRect& at = m_window.frmGraph().view().label(label).rect;
+        const LPARAM point = MAKELPARAM(at.left + at.width / 2, at.top + at.height / 2);
+        SendMessageW(m_window.frmGraph().handle(), WM_LBUTTONDOWN, MK_LBUTTON, point);
+        SendMessageW(m_window.frmGraph().handle(), WM_LBUTTONUP, 0, point);
+    }
+
+    void close() override
+    {
+        SendMessageW(m_window.handle(), WM_CLOSE, 0, 0);
+        EXPECT_EQ(m_window.handle(), nullptr);
+        MSG quit;
+        EXPECT_TRUE(PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) << "the main loop is told to end";
+    }
+
+private:
+    // The menu command of an item name.
+    static UINT id(const std::string& item)
+    {
+        for (const MenuBarEntry& entry : mainMenu()) {
+            if (entry.command.name == item)
+                return static_cast<UINT>(win32ui::FormMain::commandId(entry.command.command));
+            for (const MenuItem& each : entry.items)
+                if (each.name == item)
+                    return static_cast<UINT>(win32ui::FormMain::commandId(each.command));
+        }
+        ADD_FAILURE() << "no menu item " << item;
+        return 0;
+    }
+
+    win32ui::FormMain m_window;
+    MeterPorts m_ports;
+    Meter m_meter;
+};
+
+} // namespace
+
+HWND handleOf(WindowDriver& window, const std::string& control)
+{
+    auto& win32 = dynamic_cast<Win32WindowDriver&>(window);
+    return control.empty() ? win32.window() : win32.control(control);
+}
+
+std::unique_ptr<MainWindowHost> makeMainWindowHost(Settings& settings, DebugLog& log, FakeMachine& machine)
+{
+    return std::make_unique<Win32MainWindowHost>(settings, log, machine);
+}
+
+std::unique_ptr<Desktop> makeDesktop()
+{
+    return std::make_unique<Win32Desktop>();
+}
+
+} // namespace tvx::test

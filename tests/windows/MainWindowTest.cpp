@@ -1,0 +1,89 @@
+// The main window's menus, account and log, the same in the Qt and the Win32 front end.
+#include "support/WindowDriver.h"
+
+#include "meter/Meter.h"
+#include "shell/DebugLog.h"
+#include "support/FakeMachine.h"
+#include "support/GameScreen.h"
+#include "support/ReadFile.h"
+#include "support/TempFolder.h"
+#include "view/GraphFrameView.h"
+
+#include <gtest/gtest.h>
+
+namespace tvx::test {
+namespace {
+
+class MainWindowTest : public testing::Test {
+protected:
+    MainWindowTest()
+    {
+        settings.SaveFolder = temp.path().string();
+        settings.StartDelay = 0;
+    }
+
+    std::string debugLog() const { return readAll(log.path()); }
+
+    TempFolder temp;
+    FakeMachine machine;
+    Settings settings = defaultSettings("");
+    DebugLog log{temp.path(), machine.clock};
+    std::unique_ptr<MainWindowHost> host = makeMainWindowHost(settings, log, machine);
+};
+
+TEST_F(MainWindowTest, MenusCarryTheirCaptionsAndRunWaitsForTheLoad)
+{
+    EXPECT_EQ(host->title(), "Tallivex  for MapleStory    Ver.2.20");
+    const std::pair<const char*, const char*> items[] = {
+        {"menuPatternSave", "パターン保存"}, {"menuEnd", "終了"},        {"menuOption", "設定"},
+        {"menuRun", "開始"},                {"menuStop", "停止"},        {"menuTimeLeft", "あと何時間？"},
+        {"menuRandomOne", "らんだまーオンリーONE"}, {"menuPrtScr", "プリントスクリーン"}, {"menuReadMe", "よんで！"},
+        {"menuVersion", "バージョン情報..."},
+    };
+    for (const auto& [name, caption] : items)
+        EXPECT_EQ(host->menuText(name), caption) << name;
+    EXPECT_FALSE(host->menuEnabled("menuRun"));
+    EXPECT_FALSE(host->menuEnabled("menuStop"));
+    EXPECT_EQ(host->text("cmdTempStop"), "一時停止");
+}
+
+TEST_F(MainWindowTest, AutoStartRunsTheSessionUntilStopAndTheCloseEndsIt)
+{
+    machine.screens = {gameCapture({"50", "1000", "0"})};
+    host->load();
+    EXPECT_FALSE(host->menuEnabled("menuRun"));
+    EXPECT_EQ(host->menuText("menuRun"), "ロギング");
+    EXPECT_TRUE(host->menuEnabled("menuStop"));
+    EXPECT_TRUE(host->logBox().starts_with(" 月日 時刻")) << host->logBox();
+
+    host->meter().cycle().runCycle();
+    EXPECT_EQ(host->text("lblStartLv"), "50");
+    EXPECT_EQ(host->text("lblStartExpPS"), "0.14％");
+
+    host->choose("menuStop");
+    EXPECT_TRUE(host->menuEnabled("menuRun"));
+    EXPECT_EQ(host->menuText("menuRun"), "開始");
+    EXPECT_NE(host->logBox().find("    開始  Lv:  50"), std::string::npos) << host->logBox();
+    host->choose("menuOperatingInfo");
+    EXPECT_NE(debugLog().find("Click : Operating Information "), std::string::npos);
+
+    host->close();
+    EXPECT_TRUE(host->logBox().ends_with("        終了しています・・・\n")) << host->logBox();
+    EXPECT_NE(debugLog().find("Closing Program ･･･ "), std::string::npos);
+}
+
+TEST_F(MainWindowTest, GraphLabelClicksReachTheViewAndTheLog)
+{
+    settings.AutoStart = false;
+    host->load();
+    host->clickGraphLabel(GraphLabel::Tl1);
+    host->clickGraphLabel(GraphLabel::El0);
+    EXPECT_EQ(host->meter().state().graphView.timeShift, settings.GraphTimeScale / 4);
+    EXPECT_FLOAT_EQ(host->meter().state().graphView.zoom, 1.1f);
+    const std::string text = debugLog();
+    EXPECT_NE(text.find("Click : Graph Old View "), std::string::npos) << text;
+    EXPECT_EQ(text.find("Click : Window Refresh "), std::string::npos) << "a label click is the graph's";
+}
+
+} // namespace
+} // namespace tvx::test

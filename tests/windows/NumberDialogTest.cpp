@@ -1,0 +1,218 @@
+// The number dialog and the questions of the prompter, played the same way in the Qt and
+// the Win32 front end. The rules behind them are the core's NumberInput; these check
+// that each front end hands keys and clicks to it and shows what it answers.
+#include "support/WindowDriver.h"
+
+#include <gtest/gtest.h>
+
+namespace tvx::test {
+namespace {
+
+using Key = WindowDriver::Key;
+using Button = Desktop::Button;
+
+constexpr double kCancelled = 19999;
+
+class NumberDialogTest : public testing::Test {
+protected:
+    WindowDriver& dialog() { return host->numberDialog(); }
+
+    // Asks with these limits while the steps play, from the moment the field has the focus.
+    double ask(std::deque<PlayerStep> steps, const char* limitA = "300", const char* limitB = "1",
+               double proposed = 10, const char* step = "1", const char* title = "設定値入力")
+    {
+        steps.push_front([this] { return dialog().isOpen() && dialog().focused("txtInput"); });
+        double answer = 0;
+        host->play(std::move(steps), [&] {
+            answer = host->prompter().askNumber(limitA, limitB, proposed, step, "値を入力してください", title);
+        });
+        return answer;
+    }
+
+    // A step that presses a key.
+    PlayerStep press(Key key)
+    {
+        return [this, key] {
+            dialog().press(key);
+            return true;
+        };
+    }
+
+    std::unique_ptr<Desktop> host = makeDesktop();
+};
+
+TEST_F(NumberDialogTest, OpensOverTheAskerWithOrderedLimitsAndTheProposedValueSelected)
+{
+    struct Case { const char* a; const char* b; const char* title; std::string texts; const char* shownTitle; };
+    const Case cases[] = {
+        {"300", "1", "設定値入力", "値を入力してください|最大：|300|最小：|1|10|決 定|キャンセル|", "設定値入力"},
+        {"5", "1200", "", "値を入力してください|最大：|1200|最小：|5|10|決 定|キャンセル|", "パラメータ入力"},
+    };
+    for (const Case& c : cases) {
+        std::string texts;
+        std::string title;
+        WindowDriver::Box box;
+        bool onEnterButton = false;
+        const double answer = ask(
+            {[&] {
+                 for (const char* name :
+                      {"lblmsg", "lblmax", "lblmaxv", "lblmin", "lblminV", "txtInput", "cmdEnter", "cmdCancel"})
+                     texts += dialog().text(name) + "|";
+                 title = dialog().title();
+                 box = dialog().frame();
+                 dialog().type("txtInput", "25"); // replaces the selected proposal
+                 dialog().press(Key::Enter);
+                 return true;
+             },
+             [&] {
+                 onEnterButton = dialog().focused("cmdEnter");
+                 dialog().press(Key::Enter);
+                 return true;
+             }},
+            c.a, c.b, 10, "1", c.title);
+        EXPECT_EQ(texts, c.texts) << c.title;
+        EXPECT_EQ(title, c.shownTitle);
+        EXPECT_TRUE(onEnterButton) << "the first Enter moves to 決定";
+        EXPECT_EQ(answer, 25) << c.title;
+        // Over the window that asked, not in the middle of the screen.
+        EXPECT_NEAR(box.centreX(), host->owner().centreX(), 4);
+        EXPECT_NEAR(box.centreY(), host->owner().centreY(), 4);
+    }
+}
+
+TEST_F(NumberDialogTest, TheKeyFilterLetsNumbersThrough)
+{
+    struct Case { const char* typed; const char* shown; double answer; };
+    const Case cases[] = {{"2x5,0", "250", 250}, {"1a2E,+3 x", "12E3", 12000}, {"12E-1", "12E-1", 1.2}};
+    for (const Case& c : cases) {
+        std::string shown;
+        const double answer = ask({[&] {
+                                       dialog().type("txtInput", c.typed);
+                                       shown = dialog().text("txtInput");
+                                       dialog().press(Key::Enter);
+                                       return true;
+                                   },
+                                   press(Key::Enter)},
+                                  "0", "99999");
+        EXPECT_EQ(shown, c.shown) << c.typed;
+        EXPECT_DOUBLE_EQ(answer, c.answer) << c.typed;
+    }
+}
+
+TEST_F(NumberDialogTest, ARefusedValueIsExplainedAndTheDialogStays)
+{
+    struct Case {
+        const char* text;
+        const char* button;
+        const char* message;
+        const char* boxTitle;
+        bool backInField; // a value out of the limits puts the focus back for the next try
+    };
+    const Case cases[] = {
+        {"500", "cmdEnter", "入力上限を超えています", "入力エラー", true},
+        {"0", "cmdEnter", "入力下限を超えています", "入力エラー", true},
+        {"12３", "cmdEnter", "無効文字が含まれています。", "入力チェック", false},
+        // The stepping buttons refuse the same characters and leave the text.
+        {"1x", "cmdInc", "無効文字が含まれています。", "入力チェック", false},
+    };
+    for (const Case& c : cases) {
+        std::optional<std::string> message;
+        std::string left;
+        const double answer = ask({[&] {
+                                       dialog().setText("txtInput", c.text);
+                                       dialog().click(c.button);
+                                       return true;
+                                   },
+                                   [&] { return (message = host->answerBox(c.boxTitle, Button::Ok)).has_value(); },
+                                   [&] {
+                                       // Waiting in vain for the focus times the script out.
+                                       if (!dialog().isOpen() || (c.backInField && !dialog().focused("txtInput")))
+                                           return false;
+                                       left = dialog().text("txtInput");
+                                       dialog().setText("txtInput", "42");
+                                       dialog().click("cmdEnter");
+                                       return true;
+                                   }});
+        EXPECT_EQ(message.value_or(""), c.message) << c.text;
+        EXPECT_EQ(left, c.text);
+        EXPECT_EQ(answer, 42) << c.text;
+    }
+}
+
+TEST_F(NumberDialogTest, SteppingStaysWithinTheLimitsGivenInEitherOrder)
+{
+    struct Case {
+        const char* a;
+        const char* b;
+        const char* step;
+        const char* text;
+        const char* button;
+        int clicks;
+        const char* expected;
+    };
+    const Case cases[] = {
+        {"12", "5", "1", "11", "cmdInc", 3, "12"},
+        {"12", "5", "1", "11", "cmdDec", 1, "10"},
+        {"1200", "5", "-5", "1198", "cmdInc", 1, "1200"},
+        {"5", "1200", "10", "7", "cmdDec", 1, "5"},
+    };
+    for (const Case& c : cases) {
+        std::string stepped;
+        const double answer = ask({[&] {
+                                       dialog().setText("txtInput", c.text);
+                                       for (int i = 0; i < c.clicks; ++i)
+                                           dialog().click(c.button);
+                                       return true;
+                                   },
+                                   [&] {
+                                       stepped = dialog().text("txtInput");
+                                       dialog().click("cmdEnter");
+                                       return true;
+                                   }},
+                                  c.a, c.b, 0, c.step);
+        EXPECT_EQ(stepped, c.expected) << c.a << " " << c.b << " " << c.text << " " << c.button;
+        EXPECT_EQ(answer, std::stod(c.expected));
+    }
+}
+
+TEST_F(NumberDialogTest, CancelCloseEscapeAndEnterOnCancelAnswerTheSentinel)
+{
+    const std::function<void(WindowDriver&)> ways[] = {
+        [](WindowDriver& d) { d.click("cmdCancel"); },
+        [](WindowDriver& d) { d.close(); },
+        [](WindowDriver& d) { d.press(Key::Escape); },
+        [](WindowDriver& d) {
+            d.focus("cmdCancel");
+            d.press(Key::Enter);
+        },
+    };
+    for (const auto& leave : ways) {
+        EXPECT_EQ(ask({[&] {
+                  leave(dialog());
+                  return true;
+              }}),
+                  kCancelled);
+        EXPECT_FALSE(dialog().isOpen());
+    }
+}
+
+TEST_F(NumberDialogTest, QuestionsShowTheirTitleAndTextAndAnswerByTheButton)
+{
+    struct Case { Button button; bool yesNo; bool expected; };
+    const Case cases[] = {
+        {Button::Yes, true, true}, {Button::No, true, false}, {Button::Ok, false, true}, {Button::Cancel, false, false}};
+    for (const Case& c : cases) {
+        std::optional<std::string> text;
+        bool answer = !c.expected;
+        host->play({[&] { return (text = host->answerBox("検査領域追従選択", c.button)).has_value(); }}, [&] {
+            Prompter& prompter = host->prompter();
+            answer = c.yesNo ? prompter.askYesNo("一行目\r\n二行目", "検査領域追従選択")
+                             : prompter.askOkCancel("一行目\r\n二行目", "検査領域追従選択");
+        });
+        EXPECT_EQ(answer, c.expected) << static_cast<int>(c.button);
+        EXPECT_EQ(text.value_or(""), "一行目\n二行目") << static_cast<int>(c.button);
+    }
+}
+
+} // namespace
+} // namespace tvx::test

@@ -1,0 +1,267 @@
+// The options window's pages, played the same way in the Qt and the Win32 front end: the
+// numbers asked through the number dialog, the configuration file's buttons, closing with
+// unsaved edits, the pattern capture, templates drawn or taken from a capture, and the
+// calibration window it opens. What the edits mean is the core's OptionsEditor.
+#include "support/WindowDriver.h"
+
+#include "TextCodecFactory.h"
+#include "base/Utf8Path.h"
+#include "config/ConfigFile.h"
+#include "config/PatternColumns.h"
+#include "ports/Waiter.h"
+#include "shell/DebugLog.h"
+#include "support/FakeClock.h"
+#include "support/GameScreen.h"
+#include "support/ReadFile.h"
+#include "support/ScriptedScreen.h"
+#include "support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+
+namespace tvx::test {
+namespace {
+
+using Button = Desktop::Button;
+
+// How many colours a picture holds: one for a blank control.
+std::size_t colours(const Frame& picture)
+{
+    std::set<std::uint32_t> seen;
+    for (std::int32_t y = 0; y < picture.height(); ++y)
+        for (std::int32_t x = 0; x < picture.width(); ++x) {
+            const std::uint8_t* p = picture.row(y) + 3 * x;
+            seen.insert(std::uint32_t{p[0]} | std::uint32_t{p[1]} << 8 | std::uint32_t{p[2]} << 16);
+        }
+    return seen.size();
+}
+
+class OptionsWindowTest : public testing::Test {
+protected:
+    // The window over the last capture while the steps play; the last step closes it.
+    void show(std::deque<PlayerStep> steps, const CaptureBitmap* capture = nullptr, WindowServices services = {})
+    {
+        steps.push_front([this] { return options().isOpen(); });
+        services.settingsChanged = [this] { ++changes; };
+        desktop->play(std::move(steps), [&] { desktop->showOptions(config, capture, services); });
+    }
+
+    WindowDriver& options() { return desktop->options(); }
+
+    // Steps: the number button clicked and the dialog answered ("" cancels it).
+    void answerNumber(std::deque<PlayerStep>& steps, const std::string& button, const std::string& typed)
+    {
+        steps.push_back(act([this, button] { options().click(button); }));
+        steps.push_back([this, typed] {
+            WindowDriver& number = desktop->numberDialog();
+            if (!number.isOpen() || !number.focused("txtInput"))
+                return false;
+            dialogCentre = {number.frame().centreX(), number.frame().centreY()};
+            if (!typed.empty())
+                number.type("txtInput", typed);
+            number.click(typed.empty() ? "cmdCancel" : "cmdEnter");
+            return true;
+        });
+        steps.push_back([this] { return !desktop->numberDialog().isOpen(); });
+    }
+
+    std::string file() const { return codec->fromCp932(readAll(home / "TV2MConfig.ini")).value_or(""); }
+
+    TempFolder temp;
+    const std::filesystem::path& home = temp.path();
+    FakeClock clock{LocalDateTime{2024, 3, 9, 7, 5, 2}};
+    DebugLog log{home, clock};
+    std::unique_ptr<Desktop> desktop = makeDesktop();
+    std::unique_ptr<TextCodec> codec = platform::makeTextCodec();
+    Settings settings = defaultSettings(pathUtf8(home));
+    int sized = 0;
+    int changes = 0;
+    WindowDriver::Point dialogCentre;
+    ConfigFile config{settings, home, desktop->prompter(), *codec, &log, [this] { ++sized; }};
+};
+
+TEST_F(OptionsWindowTest, NumbersAreAskedOverTheWindowAndTheButtonsRunTheConfigurationFile)
+{
+    std::map<std::string, std::string> seen;
+    const auto note = [&](const std::string& what, const std::string& control) {
+        return act([&, what, control] { seen[what] = options().text(control); });
+    };
+    bool captureEnabled = true;
+    WindowDriver::Box window;
+    std::string saved;
+    std::string question;
+    std::deque<PlayerStep> steps{act([&] {
+        captureEnabled = options().enabled("cmdCapture");
+        window = options().frame();
+    })};
+    steps.push_back(note("first", "cmdCaptureInterval"));
+    answerNumber(steps, "cmdCaptureInterval", "");
+    steps.push_back(note("cancelled", "cmdCaptureInterval"));
+    answerNumber(steps, "cmdCaptureInterval", "12");
+    steps.push_back(note("typed", "cmdCaptureInterval"));
+    answerNumber(steps, "cmdSizeY1", "12"); // a region size resizes the capture buffers at once
+    int sizedByRegion = 0;
+    steps.push_back(act([&] {
+        sizedByRegion = sized;
+        seen["method0"] = options().text("cboScreenCapture");
+        options().choose("cboScreenCapture", 1);
+        seen["method1"] = options().text("cboScreenCapture");
+        options().clickNow("chkGraph");
+        options().click("cmdSave");
+    }));
+    steps.push_back(desktop->answer("設定", Button::Ok, &saved));
+    steps.push_back(act([&] {
+        seen["file"] = file();
+        options().click("cmdInit");
+    }));
+    steps.push_back(desktop->answer("検査領域追従選択", Button::Yes));
+    steps.push_back(desktop->answer("検査領域追従選択", Button::Ok));
+    steps.push_back(note("defaults", "cmdCaptureInterval"));
+    steps.push_back(note("method", "cboScreenCapture"));
+    answerNumber(steps, "cmdCaptureInterval", "30");
+    steps.push_back(act([&] { options().close(); }));
+    steps.push_back(desktop->answer("設定", Button::Yes, &question)); // unsaved edits: saved on closing
+    steps.push_back(desktop->answer("設定", Button::Ok));
+    show(std::move(steps));
+
+    EXPECT_FALSE(captureEnabled) << "no screen to capture";
+    EXPECT_EQ((std::vector<std::string>{seen["first"], seen["cancelled"], seen["typed"], seen["defaults"]}),
+              (std::vector<std::string>{"6", "6", "12", "6"}));
+    EXPECT_TRUE(window.contains({dialogCentre.x, dialogCentre.y, 0, 0})) << "the number dialog opens over the window";
+    EXPECT_EQ(saved, "設定を保存しました。");
+    EXPECT_NE(seen["file"].find("     12 ,          キャプチャインターバル(分)\r\n"), std::string::npos) << seen["file"];
+    EXPECT_NE(seen["file"].find("      1 ,          画面の取り込み方法"), std::string::npos);
+    EXPECT_NE(seen["file"].find("  False ,     20 ,"), std::string::npos) << "the graph switched off";
+    EXPECT_EQ(sizedByRegion, 1);
+    EXPECT_EQ(settings.CaptureRegion[RegionExp].SizeY, 9) << "the defaults' again";
+    EXPECT_GE(changes, 4);
+    EXPECT_NE(seen["method1"], seen["method0"]);
+    EXPECT_EQ(seen["method"], seen["method0"]) << "the defaults take the direct copy again";
+    EXPECT_EQ(settings.ScreenCapture, CaptureMethod::Direct);
+    EXPECT_TRUE(question.starts_with("変更した設定はまだ保存されていません。")) << question;
+    EXPECT_EQ(settings.CaptureInterval, 30);
+    EXPECT_NE(file().find("     30 ,          キャプチャインターバル(分)\r\n"), std::string::npos);
+}
+
+TEST_F(OptionsWindowTest, ThePatternCaptureWaitsWithTheReadingsHeldAndShowsTheRegions)
+{
+    struct Waiting : Waiter {
+        std::vector<std::int32_t> waited;
+        bool* held = nullptr;
+        bool heldMeanwhile = false;
+        void WaitMs(std::int32_t ms) override
+        {
+            waited.push_back(ms);
+            heldMeanwhile = *held;
+        }
+    } waiter;
+    bool cycleSkip = false;
+    waiter.held = &cycleSkip;
+    ScriptedScreen screen;
+    screen.screens = {gameCapture({"137", "", ""})};
+    std::string before;
+    std::string read;
+    std::string failed;
+    std::size_t blank = 0;
+    std::size_t shown = 0;
+    show({act([&] {
+              before = options().text("lblResult0");
+              blank = colours(options().picture("picCapture0"));
+              options().click("cmdCapture");
+          }),
+          act([&] {
+              read = options().text("lblResult0");
+              shown = colours(options().picture("picCapture0"));
+              options().click("cmdCapture"); // no screen left to take
+          }),
+          act([&] {
+              failed = options().text("lblCaptureStatus");
+              options().close();
+          })},
+         nullptr, {&screen, &waiter, &clock, &cycleSkip, nullptr, {}});
+    EXPECT_EQ(before, "認識結果： キャプチャ画像がありません　［完全一致］");
+    EXPECT_EQ(waiter.waited, (std::vector<std::int32_t>{10000, 10000}));
+    EXPECT_TRUE(waiter.heldMeanwhile) << "no reading meanwhile";
+    EXPECT_FALSE(cycleSkip) << "and readings go on afterwards";
+    EXPECT_TRUE(std::filesystem::exists(home / "Capture_0309070502.bmp"));
+    EXPECT_EQ(sized, 1);
+    EXPECT_EQ(read, "認識結果： 137　［完全一致］");
+    EXPECT_EQ(blank, 1u);
+    EXPECT_GT(shown, 2u) << "the region's picture";
+    EXPECT_EQ(failed, "キャプチャできませんでした。");
+    const std::string text = readAll(log.path());
+    EXPECT_NE(text.find("Pattern Capture and Save ･･･ End \r\n"), std::string::npos);
+    EXPECT_NE(text.find("Error Trap : cmdCapture_Click : CODE5  "), std::string::npos) << text;
+}
+
+TEST_F(OptionsWindowTest, ATemplateIsTakenFromTheCapturesColumnsOrDrawnPixelByPixel)
+{
+    const std::string five = settings.PatternStrings[RegionLevel][5];
+    settings.PatternStrings[RegionLevel][5] = "";
+    const CaptureBitmap capture = gameCapture({"57", "", ""});
+    std::string before;
+    std::string taken;
+    std::string question;
+    bool takeEnabled = false;
+    show({act([&] {
+              before = options().text("lblResult0");
+              options().clickCell("picPattern5", 0, 0);
+              options().clickCell("picColumns", 1, 0); // the "5" starts at column 1: one glyph width from there
+              takeEnabled = options().enabled("cmdTakeColumns");
+              options().clickNow("cmdTakeColumns");
+              taken = options().text("lblResult0");
+              options().clickCell("picEditor", 0, 0); // row 0 of the first column is blank in every template
+              options().close();
+          }),
+          desktop->answer("設定", Button::No, &question)},
+         &capture);
+    EXPECT_EQ(before, "認識結果： 認識できません（未学習：5）　［完全一致］");
+    EXPECT_TRUE(takeEnabled);
+    EXPECT_EQ(taken, "認識結果： 57　［完全一致］");
+    EXPECT_EQ(settings.PatternStrings[RegionLevel][5], "004F" + five.substr(4));
+    EXPECT_FALSE(question.empty()) << "the edits were not saved, so closing asked";
+    EXPECT_EQ(file(), "") << "and No saves nothing";
+}
+
+TEST_F(OptionsWindowTest, TheCalibrationWindowOpensFromItAndWhatIsAppliedIsShown)
+{
+    const CaptureBitmap screen = fontCapture({"", "4096", ""}, 1);
+    WindowDriver& calibration = desktop->calibration();
+    std::string before;
+    std::string after;
+    show({act([&] {
+              before = options().text("lblResult1");
+              options().click("cmdCalibrate");
+          }),
+          [&] {
+              if (!calibration.isOpen())
+                  return false;
+              calibration.setText("txtNumber1", "4,096");
+              calibration.clickNow("cmdLearn");
+              calibration.click("cmdApply");
+              return true;
+          },
+          [&] {
+              // Closed, the calibration hands its result over before the window redraws.
+              if (calibration.isOpen() || options().text("lblResult1") == before)
+                  return false;
+              after = options().text("lblResult1");
+              options().close();
+              return true;
+          },
+          desktop->answer("設定", Button::No)},
+         &screen);
+    EXPECT_EQ(before, "認識結果： 認識できません　［完全一致］");
+    EXPECT_EQ(after, "認識結果： 4096　［完全一致］");
+    EXPECT_EQ(sized, 1);
+    EXPECT_EQ(settings.ReferenceSize[RegionExp].Width, 5);
+    EXPECT_EQ(settings.PatternStrings[RegionLevel], defaultSettings("").PatternStrings[RegionLevel]);
+    const std::string text = readAll(log.path());
+    EXPECT_NE(text.find("Click : Calibration Learn "), std::string::npos) << text;
+    EXPECT_NE(text.find("Click : Calibration Apply "), std::string::npos);
+}
+
+} // namespace
+} // namespace tvx::test
