@@ -100,6 +100,8 @@ void FormHistory::load(const std::filesystem::path& historyFile)
         const int wanted = columns + margins.left() + margins.right() + 8;
         resize(std::clamp(wanted, 480, work.width() - 40), height());
     }
+    // Nothing to export from a file that could not be read.
+    findChild<QPushButton*>(QStringLiteral("cmdExport"))->setEnabled(!loaded.error);
     if (loaded.error)
         m_prompter.message(*loaded.error, std::string(kHistoryTitle));
 }
