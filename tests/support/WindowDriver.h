@@ -174,8 +174,45 @@ public:
     // The log box's lines, each ended by "\n"; once the window is gone, the engine's.
     virtual std::string logBox() = 0;
     virtual void clickGraphLabel(GraphLabel label) = 0;
+    // A button of the account by name ("cmdTempStop").
+    virtual void click(const std::string& control) = 0;
+    // Whether a label's text fits it as the window draws it.
+    virtual bool fits(const std::string& control) = 0;
+    virtual WindowDriver::Box screen() = 0;
     // The close box; the window is gone afterwards.
     virtual void close() = 0;
+
+    // The compact window: whether it is open, its texts as drawn (state, level, then caption
+    // and value of each line), whether they are all whole, whether it stays over the game
+    // without taking the focus, its place and its opacity in percent.
+    virtual bool compactOpen() = 0;
+    virtual std::string compactTitle() = 0;
+    virtual std::vector<std::string> compactTexts() = 0;
+    // The colour of its state mark, where the front end keeps it apart from the painting.
+    virtual std::optional<std::uint32_t> compactStateColour() = 0;
+    virtual bool compactWhole() = 0;
+    virtual bool compactOverGame() = 0;
+    virtual WindowDriver::Point compactPlace() = 0;
+    virtual int compactOpacity() = 0;
+    // The player drags it by this much, or chooses an opacity from its menu (0: closes it by
+    // its own close button).
+    virtual void dragCompact(int dx, int dy) = 0;
+    virtual void compactMenu(int opacity) = 0;
+    // With TALLIVEX_SHOT_DIR set, its picture as NAME.bmp there.
+    virtual void shootCompact(const std::string& name) = 0;
+
+    // The history window: its title, each page's table with its header row first, whether
+    // every column is wide enough for its texts, and whether it can export.
+    struct HistoryShown {
+        std::string title;
+        std::vector<std::vector<std::vector<std::string>>> pages;
+        bool columnsWhole = false;
+        bool exportEnabled = false;
+    };
+    virtual HistoryShown history() = 0;
+    // Exports where the player chooses; the name proposed to the player, where the front end proposes one.
+    virtual std::optional<std::string> exportHistory(const std::filesystem::path& to) = 0;
+    virtual void shootHistory(const std::string& name) = 0;
 };
 
 std::unique_ptr<MainWindowHost> makeMainWindowHost(Settings& settings, DebugLog& log, FakeMachine& machine);

@@ -2,17 +2,31 @@
 #include "QtWindowDriver.h"
 
 #include "FormCalibrate.h"
+#include "FormCompact.h"
+#include "FormHistory.h"
 #include "FormInputCheck.h"
 #include "FormMain.h"
 #include "GraphFrame.h"
 #include "FormOption.h"
 #include "QtPrompter.h"
 
+#include "TextCodecFactory.h"
+#include "base/Utf8Path.h"
+#include "config/ConfigFile.h"
 #include "meter/Meter.h"
 #include "shell/DebugLog.h"
 #include "support/FakeMachine.h"
+#include "view/LiveView.h"
 
 #include <QAction>
+#include <QHeaderView>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QScreen>
+#include <QTableWidget>
+#include <QToolButton>
 #include <QPlainTextEdit>
 #include <QApplication>
 #include <QElapsedTimer>
@@ -125,13 +139,22 @@ private:
     QtWindowDriver m_calibration{[this] { return shown<ui::FormCalibrate>(); }};
 };
 
+// What the screen shows of a widget, as a file for the README when TALLIVEX_SHOT_DIR is set.
+void shoot(QWidget* widget, const std::string& name)
+{
+    if (widget != nullptr)
+        QtWindowDriver([widget] { return widget; }).shoot(name);
+}
+
 class QtMainWindowHost final : public MainWindowHost {
 public:
     QtMainWindowHost(Settings& settings, DebugLog& log, FakeMachine& machine)
-        : m_window(programTitle("MapleStory"), log, log.path().parent_path()),
+        : m_config(settings, log.path().parent_path(), machine, *m_codec, &log),
+          m_window(programTitle("MapleStory"), log, log.path().parent_path()),
           m_ports{machine.clock, machine, machine, machine, machine, machine, machine, m_window},
           m_meter(settings, m_ports, log)
     {
+        m_window.setConfigFile(&m_config, {});
         m_window.attach(m_meter);
     }
 
@@ -168,7 +191,138 @@ public:
         QTest::mouseClick(m_window.findChild<ui::GraphFrame*>()->label(label), Qt::LeftButton);
     }
 
+    void click(const std::string& control) override
+    {
+        m_window.findChild<QAbstractButton*>(QString::fromStdString(control))->click();
+    }
+
+    bool fits(const std::string& control) override
+    {
+        const auto* label = m_window.findChild<QLabel*>(QString::fromStdString(control));
+        return label != nullptr && label->fontMetrics().horizontalAdvance(label->text()) <= label->width();
+    }
+
+    WindowDriver::Box screen() override
+    {
+        const QRect r = QGuiApplication::primaryScreen()->geometry();
+        return {r.x(), r.y(), r.width(), r.height()};
+    }
+
     void close() override { m_window.close(); }
+
+    bool compactOpen() override { return compact() != nullptr && compact()->isVisible(); }
+    std::string compactTitle() override { return compact()->windowTitle().toStdString(); }
+    std::optional<std::uint32_t> compactStateColour() override
+    {
+        return compact()->findChild<QLabel*>(QStringLiteral("shpState"))->property("stateColour").toUInt();
+    }
+
+    std::vector<std::string> compactTexts() override
+    {
+        std::vector<std::string> texts;
+        const auto add = [&](const QString& name) {
+            const auto* label = compact()->findChild<QLabel*>(name);
+            if (label != nullptr)
+                texts.push_back(label->text().toStdString());
+            return label != nullptr;
+        };
+        add(QStringLiteral("lblState"));
+        add(QStringLiteral("lblLevel"));
+        for (int i = 0; add(QStringLiteral("lblCaption%1").arg(i)) && add(QStringLiteral("lblValue%1").arg(i)); ++i) {
+        }
+        return texts;
+    }
+
+    // Every line inside the window.
+    bool compactWhole() override
+    {
+        const auto values = compact()->findChildren<QLabel*>(QRegularExpression(QStringLiteral("^lblValue")));
+        return std::all_of(values.begin(), values.end(), [this](const QLabel* value) {
+            return value->geometry().bottom() <= compact()->height() - kCompactMargin;
+        });
+    }
+
+    bool compactOverGame() override
+    {
+        return compact()->windowFlags().testFlags(Qt::Tool | Qt::WindowStaysOnTopHint) && compact()->parent() == nullptr;
+    }
+
+    WindowDriver::Point compactPlace() override { return {compact()->pos().x(), compact()->pos().y()}; }
+    int compactOpacity() override { return qRound(compact()->windowOpacity() * 100); }
+
+    void dragCompact(int dx, int dy) override
+    {
+        QWidget& window = *compact();
+        const QPoint grip(60, 40);
+        const QPoint by(dx, dy);
+        const QPoint from = window.mapToGlobal(grip);
+        QMouseEvent press(QEvent::MouseButtonPress, grip, from, Qt::LeftButton, Qt::LeftButton, {});
+        QApplication::sendEvent(&window, &press);
+        for (const QPoint step : {by / 2, by}) {
+            QMouseEvent move(QEvent::MouseMove, grip + step, from + step, Qt::NoButton, Qt::LeftButton, {});
+            QApplication::sendEvent(&window, &move);
+        }
+        QMouseEvent release(QEvent::MouseButtonRelease, grip + by, from + by, Qt::LeftButton, Qt::NoButton, {});
+        QApplication::sendEvent(&window, &release);
+    }
+
+    void compactMenu(int opacity) override
+    {
+        if (opacity == 0)
+            return compact()->findChild<QToolButton*>(QStringLiteral("cmdClose"))->click();
+        std::unique_ptr<QMenu> menu(compact()->makeMenu());
+        menu->findChild<QAction*>(QStringLiteral("menuOpacity%1").arg(opacity))->trigger();
+    }
+
+    void shootCompact(const std::string& name) override { shoot(compact(), name); }
+
+    HistoryShown history() override
+    {
+        HistoryShown shown;
+        const auto* form = m_window.findChild<QWidget*>(QStringLiteral("frmHistory"));
+        if (form == nullptr || !form->isVisible())
+            return shown;
+        shown.title = form->windowTitle().toStdString();
+        shown.columnsWhole = true;
+        for (const char* name : {"grdSessions", "grdDays", "grdWeeks"}) {
+            const auto* grid = form->findChild<QTableWidget*>(QLatin1String(name));
+            std::vector<std::vector<std::string>> table(1);
+            for (int c = 0; c < grid->columnCount(); ++c) {
+                const QString header = grid->horizontalHeaderItem(c)->text();
+                table[0].push_back(header.toStdString());
+                shown.columnsWhole = shown.columnsWhole &&
+                                     grid->horizontalHeader()->fontMetrics().horizontalAdvance(header) <= grid->columnWidth(c);
+            }
+            for (int r = 0; r < grid->rowCount(); ++r) {
+                table.emplace_back();
+                for (int c = 0; c < grid->columnCount(); ++c) {
+                    const QString cell = grid->item(r, c)->text();
+                    table.back().push_back(cell.toStdString());
+                    shown.columnsWhole = shown.columnsWhole && grid->fontMetrics().horizontalAdvance(cell) <= grid->columnWidth(c);
+                }
+            }
+            shown.pages.push_back(table);
+        }
+        shown.exportEnabled = form->findChild<QPushButton*>(QStringLiteral("cmdExport"))->isEnabled();
+        return shown;
+    }
+
+    std::optional<std::string> exportHistory(const std::filesystem::path& to) override
+    {
+        auto* form = m_window.findChild<ui::FormHistory*>(QStringLiteral("frmHistory"));
+        QString proposed;
+        form->setSaveChooser([&](QWidget*, const QString& suggestion) {
+            proposed = suggestion;
+            return QString::fromStdString(pathUtf8(to));
+        });
+        form->findChild<QPushButton*>(QStringLiteral("cmdExport"))->click();
+        return proposed.toStdString();
+    }
+
+    void shootHistory(const std::string& name) override
+    {
+        shoot(m_window.findChild<QWidget*>(QStringLiteral("frmHistory")), name);
+    }
 
 private:
     QAction* action(const std::string& item)
@@ -177,12 +331,14 @@ private:
         EXPECT_NE(found, nullptr) << item;
         return found;
     }
+    ui::FormCompact* compact() { return m_window.formCompact(); }
 
+    std::unique_ptr<TextCodec> m_codec = platform::makeTextCodec();
+    ConfigFile m_config;
     ui::FormMain m_window;
     MeterPorts m_ports;
     Meter m_meter;
 };
-
 } // namespace
 
 std::unique_ptr<MainWindowHost> makeMainWindowHost(Settings& settings, DebugLog& log, FakeMachine& machine)

@@ -6,13 +6,18 @@
 #include "FormInputCheck.h"
 #include "FormMain.h"
 #include "FormOption.h"
+#include "CompactWindow.h"
+#include "HistoryWindow.h"
 #include "GlyphControl.h"
 #include "Win32Prompter.h"
 #include "Win32Ui.h"
 
+#include "TextCodecFactory.h"
+#include "config/ConfigFile.h"
 #include "meter/Meter.h"
 #include "shell/DebugLog.h"
 #include "support/FakeMachine.h"
+#include "view/LiveView.h"
 #include "view/MainMenu.h"
 #include "view/OptionFields.h"
 #include "view/Calibration.h"
@@ -21,6 +26,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <utility>
 
 namespace tvx::test {
@@ -131,6 +137,27 @@ private:
     std::function<HWND()> m_window;
     std::function<int(std::string_view)> m_idOf;
 };
+
+// Width in pixels of a text in the font a control draws with.
+int drawnWidth(HWND control, const std::wstring& text)
+{
+    HDC dc = GetDC(control);
+    const HGDIOBJ before = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)));
+    SIZE size{};
+    GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
+    SelectObject(dc, before);
+    ReleaseDC(control, dc);
+    return size.cx;
+}
+
+// With TALLIVEX_SHOT_DIR set, what the screen shows of a window as NAME.bmp there.
+void shoot(HWND window, const std::string& name)
+{
+    if (const char* folder = std::getenv("TALLIVEX_SHOT_DIR")) {
+        pumpMessages(300); // painted, behind whatever it opened over
+        writeBitmap24(std::filesystem::path(folder) / (name + ".bmp"), screenPicture(window));
+    }
+}
 
 // The visible window of this thread that `holds`.
 HWND threadWindow(const std::function<bool(HWND)>& holds)
@@ -271,10 +298,13 @@ std::string withoutCarriageReturns(std::string text)
 class Win32MainWindowHost final : public MainWindowHost {
 public:
     Win32MainWindowHost(Settings& settings, DebugLog& log, FakeMachine& machine)
-        : m_window(programTitle("MapleStory"), log, log.path().parent_path()),
+        : m_config(settings, log.path().parent_path(), machine, *m_codec, &log),
+          m_window(programTitle("MapleStory"), log, log.path().parent_path()),
           m_ports{machine.clock, machine, machine, machine, machine, machine, machine, m_window},
           m_meter(settings, m_ports, log)
     {
+        m_window.setOptionsContext({&m_config, nullptr, nullptr, nullptr, nullptr, &machine, nullptr, {}, {}});
+        m_window.setExportChooser([this](HWND) { return m_exportTarget; });
         m_window.attach(m_meter);
         ShowWindow(m_window.handle(), SW_SHOWNA);
     }
@@ -318,6 +348,17 @@ public:
         SendMessageW(m_window.frmGraph().handle(), WM_LBUTTONUP, 0, point);
     }
 
+    void click(const std::string& control) override { SendMessageW(child(control), BM_CLICK, 0, 0); }
+
+    bool fits(const std::string& control) override
+    {
+        RECT client{};
+        GetClientRect(child(control), &client);
+        return drawnWidth(child(control), win32ui::wide(m_window.controlText(control))) <= client.right;
+    }
+
+    WindowDriver::Box screen() override { return {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)}; }
+
     void close() override
     {
         SendMessageW(m_window.handle(), WM_CLOSE, 0, 0);
@@ -325,6 +366,115 @@ public:
         MSG quit;
         EXPECT_TRUE(PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) << "the main loop is told to end";
     }
+
+    bool compactOpen() override { return m_window.compact().isOpen(); }
+    std::string compactTitle() override { return win32ui::windowText(compact()); }
+
+    std::vector<std::string> compactTexts() override
+    {
+        UpdateWindow(compact());
+        return m_window.compact().drawnTexts();
+    }
+
+    std::optional<std::uint32_t> compactStateColour() override { return std::nullopt; }
+
+    bool compactWhole() override
+    {
+        UpdateWindow(compact());
+        return !m_window.compact().clipped();
+    }
+
+    bool compactOverGame() override
+    {
+        constexpr LONG_PTR overlay = WS_EX_TOPMOST | WS_EX_LAYERED | WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE;
+        return (GetWindowLongPtrW(compact(), GWL_EXSTYLE) & overlay) == overlay;
+    }
+
+    WindowDriver::Point compactPlace() override { return {boxOf(compact()).left, boxOf(compact()).top}; }
+
+    int compactOpacity() override
+    {
+        BYTE alpha = 0;
+        DWORD flags = 0;
+        GetLayeredWindowAttributes(compact(), nullptr, &alpha, &flags);
+        return (flags & LWA_ALPHA) != 0 ? MulDiv(alpha, 100, 255) : -1;
+    }
+
+    // Held at one point and moved there by the drag.
+    void dragCompact(int dx, int dy) override
+    {
+        SendMessageW(compact(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(40, 30));
+        SendMessageW(compact(), WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(40 + dx, 30 + dy));
+        SendMessageW(compact(), WM_LBUTTONUP, 0, MAKELPARAM(40, 30));
+    }
+
+    void compactMenu(int opacity) override
+    {
+        const auto* at = std::find(kCompactOpacities.begin(), kCompactOpacities.end(), opacity);
+        const int command = opacity == 0 ? win32ui::CompactWindow::kCmdClose
+                                         : win32ui::CompactWindow::kCmdOpacity + static_cast<int>(at - kCompactOpacities.begin());
+        SendMessageW(compact(), WM_COMMAND, static_cast<WPARAM>(command), 0);
+    }
+
+    void shootCompact(const std::string& name) override { shoot(compact(), name); }
+
+    HistoryShown history() override
+    {
+        HistoryShown shown;
+        const HWND window = m_window.history().handle();
+        if (window == nullptr)
+            return shown;
+        shown.title = win32ui::windowText(window);
+        shown.columnsWhole = true;
+        for (std::size_t page = 0; page < 3; ++page) {
+            const HWND list = m_window.history().listView(page);
+            const HWND header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
+            const int columns = static_cast<int>(SendMessageW(header, HDM_GETITEMCOUNT, 0, 0));
+            const int rows = static_cast<int>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0));
+            std::vector<std::vector<std::wstring>> table(static_cast<std::size_t>(rows) + 1);
+            for (int column = 0; column < columns; ++column) {
+                wchar_t caption[64] = {};
+                HDITEMW item{};
+                item.mask = HDI_TEXT;
+                item.pszText = caption;
+                item.cchTextMax = 64;
+                SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&item));
+                table[0].push_back(caption);
+                for (int row = 0; row < rows; ++row) {
+                    wchar_t text[128] = {};
+                    LVITEMW cell{};
+                    cell.iSubItem = column;
+                    cell.pszText = text;
+                    cell.cchTextMax = 128;
+                    SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&cell));
+                    table[static_cast<std::size_t>(row) + 1].push_back(text);
+                }
+                const auto width = SendMessageW(list, LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(column), 0);
+                for (const auto& line : table)
+                    shown.columnsWhole = shown.columnsWhole &&
+                                         width >= SendMessageW(list, LVM_GETSTRINGWIDTHW, 0,
+                                                               reinterpret_cast<LPARAM>(line.back().c_str())) + 12;
+            }
+            std::vector<std::vector<std::string>> texts;
+            for (const auto& line : table) {
+                texts.emplace_back();
+                for (const std::wstring& text : line)
+                    texts.back().push_back(win32ui::utf8(text));
+            }
+            shown.pages.push_back(texts);
+        }
+        shown.exportEnabled = IsWindowEnabled(GetDlgItem(window, win32ui::HistoryWindow::kCmdExport)) != FALSE;
+        return shown;
+    }
+
+    std::optional<std::string> exportHistory(const std::filesystem::path& to) override
+    {
+        m_exportTarget = to;
+        SendMessageW(m_window.history().handle(), WM_COMMAND, MAKEWPARAM(win32ui::HistoryWindow::kCmdExport, BN_CLICKED), 0);
+        return std::nullopt;
+    }
+
+    void shootHistory(const std::string& name) override { shoot(m_window.history().handle(), name); }
 
 private:
     // The menu command of an item name.
@@ -341,6 +491,21 @@ private:
         return 0;
     }
 
+    HWND compact() { return m_window.compact().handle(); }
+    // A control of the main window, found by the text it shows.
+    HWND child(const std::string& control)
+    {
+        const std::string text = m_window.controlText(control);
+        for (HWND c = GetWindow(m_window.handle(), GW_CHILD); c != nullptr; c = GetWindow(c, GW_HWNDNEXT))
+            if (win32ui::windowText(c) == text)
+                return c;
+        ADD_FAILURE() << "no control showing " << text;
+        return nullptr;
+    }
+
+    std::unique_ptr<TextCodec> m_codec = platform::makeTextCodec();
+    ConfigFile m_config;
+    std::optional<std::filesystem::path> m_exportTarget;
     win32ui::FormMain m_window;
     MeterPorts m_ports;
     Meter m_meter;

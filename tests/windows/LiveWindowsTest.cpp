@@ -1,0 +1,243 @@
+// The live figures' windows, the same in the Qt and the Win32 front end: the main window's
+// two live lines and the compact window draw the core's LiveView whole and follow the
+// session; the compact window keeps its place, opacity and openness in the settings file;
+// the history window lists the sessions as the core's tables and exports them.
+#include "support/WindowDriver.h"
+
+#include "TextCodecFactory.h"
+#include "base/Utf8Path.h"
+#include "config/ConfigFile.h"
+#include "measurement/SessionHistory.h"
+#include "meter/Meter.h"
+#include "shell/DebugLog.h"
+#include "support/FakeMachine.h"
+#include "support/GameScreen.h"
+#include "support/ReadFile.h"
+#include "support/TempFolder.h"
+#include "view/HistoryView.h"
+#include "view/LiveWindowModel.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <tuple>
+
+namespace tvx::test {
+namespace {
+
+// The texts the compact window draws for a view, in its order.
+std::vector<std::string> compactTexts(const LiveView& view)
+{
+    std::vector<std::string> texts{view.stateText, view.levelText};
+    for (const LiveLine& line : view.compact) {
+        texts.push_back(line.caption);
+        texts.push_back(line.value);
+    }
+    return texts;
+}
+
+class LiveWindowsTest : public testing::Test {
+protected:
+    LiveWindowsTest()
+    {
+        settings.SaveFolder = pathUtf8(temp.path());
+        settings.StartDelay = 0;
+    }
+
+    // A reading of these numbers after the given seconds of play.
+    void readAfter(std::uint32_t seconds, const std::array<std::string, kRegionCount>& numbers)
+    {
+        machine.clock.advanceMs(seconds * 1000);
+        machine.screens = {gameCapture(numbers)};
+        host->meter().cycle().runCycle();
+    }
+
+    // The settings as the file holds them now.
+    Settings saved()
+    {
+        Settings read = defaultSettings(pathUtf8(temp.path()));
+        ConfigFile(read, temp.path(), machine, *codec).run(ConfigFile::Load);
+        return read;
+    }
+
+    TempFolder temp;
+    FakeMachine machine;
+    std::unique_ptr<TextCodec> codec = platform::makeTextCodec();
+    Settings settings = defaultSettings("");
+    DebugLog log{temp.path(), machine.clock};
+    std::unique_ptr<MainWindowHost> host = makeMainWindowHost(settings, log, machine);
+};
+
+TEST_F(LiveWindowsTest, TheLiveLinesAndTheCompactWindowDrawTheLiveViewWholeAndFollowTheSession)
+{
+    settings.StallAlarm = true;
+    settings.StallMinutes = 1;
+    settings.CompactShown = true; // open when the meter last closed: it opens before the session starts
+    host->load();
+    ASSERT_TRUE(host->compactOpen());
+    EXPECT_EQ(host->compactTitle(), kCompactTitle);
+    EXPECT_TRUE(host->compactOverGame());
+    const auto expectShown = [&](const char* when) {
+        const LiveView view = meterLiveView(host->meter());
+        EXPECT_EQ(host->text("lblLiveRates"), view.rates) << when;
+        EXPECT_EQ(host->text("lblLiveOutlook"), view.outlook) << when;
+        EXPECT_TRUE(host->fits("lblLiveRates") && host->fits("lblLiveOutlook")) << when;
+        EXPECT_EQ(host->compactTexts(), compactTexts(view)) << when;
+        EXPECT_TRUE(host->compactWhole()) << when;
+        if (const auto colour = host->compactStateColour()) {
+            EXPECT_EQ(*colour, view.stateColour) << when;
+        }
+        return view;
+    };
+    EXPECT_EQ(expectShown("waiting").stateText, "待機中");
+
+    readAfter(0, {"180", "1000", "2000"});
+    readAfter(600, {"180", "2501000", "9000"});
+    const LiveView reading = expectShown("reading");
+    EXPECT_EQ(reading.stateText, "読み取り中");
+    EXPECT_NE(reading.rates.find("15,000k/h"), std::string::npos) << reading.rates; // 2.5 million in 10 minutes
+    EXPECT_EQ(reading.compact.size(), 4u) << "the money line too";
+    host->shootCompact("compact-reading");
+
+    // A reading without a gain after the stall minutes.
+    readAfter(61, {"180", "2501000", "9000"});
+    const LiveView stalled = expectShown("stalled");
+    EXPECT_EQ(stalled.stateText, "停滞：経験値が増えません");
+    EXPECT_EQ(stalled.stateColour, 0xD02020u) << "red";
+    host->shootCompact("compact-stall");
+
+    // About a million k/h of each still fits the live lines and the compact window.
+    readAfter(600, {"180", "166001000", "16667666666"});
+    const LiveView high = expectShown("high rates");
+    EXPECT_NE(high.rates.find("10分 981,"), std::string::npos) << high.rates;
+
+    host->click("cmdTempStop");
+    EXPECT_EQ(expectShown("suspended").stateText, "一時停止中");
+    host->choose("menuStop");
+    EXPECT_EQ(expectShown("stopped").stateText, "停止中");
+}
+
+TEST_F(LiveWindowsTest, TheCompactWindowKeepsItsPlaceOpacityAndOpennessInTheSettingsFile)
+{
+    settings.AutoStart = false;
+    host->load();
+    host->choose("menuCompact");
+    ASSERT_TRUE(host->compactOpen());
+    EXPECT_TRUE(saved().CompactShown);
+    EXPECT_EQ(saved().CompactX, kUnplaced) << "not moved yet";
+    EXPECT_EQ(host->compactOpacity(), 90) << "the default";
+
+    const WindowDriver::Point first = host->compactPlace();
+    EXPECT_EQ(first.x, host->screen().width - kCompactWidth - 16) << "the top right corner at first";
+    EXPECT_EQ(first.y, 16);
+    host->dragCompact(-300, 200);
+    const WindowDriver::Point placed = host->compactPlace();
+    EXPECT_EQ(placed.x, first.x - 300);
+    EXPECT_EQ(placed.y, first.y + 200);
+    host->compactMenu(60);
+    EXPECT_EQ(host->compactOpacity(), 60);
+    Settings file = saved();
+    EXPECT_EQ(std::tuple(file.CompactX, file.CompactY, file.CompactOpacity, file.CompactShown),
+              std::tuple(placed.x, placed.y, 60, true));
+
+    // Closed by itself or from the main window's menu, and opened again: where it was left.
+    host->compactMenu(0);
+    EXPECT_FALSE(host->compactOpen());
+    EXPECT_FALSE(saved().CompactShown);
+    host->choose("menuCompact");
+    host->choose("menuCompact");
+    EXPECT_FALSE(host->compactOpen()) << "the menu closes it too";
+    host->choose("menuCompact");
+    ASSERT_TRUE(host->compactOpen());
+    EXPECT_EQ(host->compactPlace().x, placed.x);
+    EXPECT_EQ(host->compactPlace().y, placed.y);
+    EXPECT_TRUE(saved().CompactShown);
+
+    // Open when the meter closes: it stays open in the file, and the next start opens it
+    // where it was left, as it was.
+    host->close();
+    EXPECT_FALSE(host->compactOpen());
+    Settings next = saved();
+    ASSERT_TRUE(next.CompactShown);
+    host.reset();
+    host = makeMainWindowHost(next, log, machine);
+    host->load();
+    ASSERT_TRUE(host->compactOpen());
+    EXPECT_EQ(host->compactPlace().x, placed.x);
+    EXPECT_EQ(host->compactPlace().y, placed.y);
+    EXPECT_EQ(host->compactOpacity(), 60);
+    EXPECT_EQ(machine.count("message "), 0u);
+}
+
+TEST_F(LiveWindowsTest, TheHistoryWindowListsTheSessionsNewestFirstExportsThemAndNamesAnUnreadableFile)
+{
+    settings.AutoStart = false;
+    const std::filesystem::path history = historyFilePath(settings);
+    // Oldest first in the file, as the meter writes it; two sessions in one week.
+    for (const int day : {2, 9, 3}) {
+        HistoryRow row;
+        row.start = {2025, 6, day, 21, 0, 0};
+        row.end = addSeconds(row.start, 5400);
+        row.activeSeconds = 5400;
+        row.startLevel = 140;
+        row.endLevel = 141;
+        row.expGained = 123'456'789LL * day;
+        row.expPerHour = row.expGained / 1500;
+        row.moneyGained = 98'765'432;
+        row.moneyPerHour = 65'843;
+        saveHistoryRow(history, row);
+    }
+    const std::string historyBytes = readAll(history);
+    const std::vector<HistoryRow> rows = loadHistory(history);
+    host->load();
+    host->choose("menuHistory");
+    const MainWindowHost::HistoryShown shown = host->history();
+    EXPECT_EQ(shown.title, kHistoryTitle);
+    const HistoryTable tables[] = {historySessions(rows), historyDays(rows), historyWeeks(rows)};
+    ASSERT_EQ(shown.pages.size(), std::size(tables));
+    for (std::size_t page = 0; page < shown.pages.size(); ++page) {
+        ASSERT_FALSE(shown.pages[page].empty()) << page;
+        EXPECT_EQ(shown.pages[page].front(), tables[page].headers) << page;
+        EXPECT_EQ(std::vector(shown.pages[page].begin() + 1, shown.pages[page].end()), tables[page].rows) << page;
+    }
+    EXPECT_EQ(shown.pages[0][1][0], "2025/06/09 21:00:00") << "newest first";
+    EXPECT_EQ(shown.pages[0][1][5], "1,111,111,101");
+    EXPECT_EQ(shown.pages[2].size(), 3u) << "2 and 3 June share a week";
+    EXPECT_TRUE(shown.columnsWhole);
+    EXPECT_TRUE(shown.exportEnabled);
+    host->shootHistory("history");
+
+    // Where the player chooses, the sessions as the core writes them; neither the history
+    // file itself nor a folder that is not there takes it, and the player is told.
+    const std::filesystem::path exported = temp.path() / utf8Path("書き出し 先.csv");
+    const std::optional<std::string> proposed = host->exportHistory(exported);
+    if (proposed) {
+        EXPECT_TRUE(proposed->ends_with("/セッション履歴.csv")) << *proposed;
+    }
+    EXPECT_EQ(readAll(exported), historyCsv(rows));
+    EXPECT_EQ(machine.count("message "), 0u);
+    for (const auto& [refused, named] :
+         {std::pair{history, "セッション履歴のファイルそのもの"}, std::pair{temp.path() / "missing" / "x.csv", "missing"}}) {
+        machine.events.clear();
+        host->exportHistory(refused);
+        ASSERT_EQ(machine.count("message "), 1u) << pathUtf8(refused);
+        EXPECT_NE(machine.events.back().find(named), std::string::npos) << machine.events.back();
+    }
+    EXPECT_EQ(readAll(history), historyBytes) << "the history is never written by the window";
+
+    // A file that is not a history: named, nothing listed, left as it is.
+    const std::string damaged = std::string(kHistoryHeader) + "\r\n2025/06/09 21:00:00,not a row\r\n";
+    std::ofstream(history, std::ios::binary | std::ios::trunc) << damaged;
+    machine.events.clear();
+    host->choose("menuHistory");
+    ASSERT_EQ(machine.count("message "), 1u);
+    EXPECT_NE(machine.events.back().find(pathUtf8(history)), std::string::npos) << machine.events.back();
+    const MainWindowHost::HistoryShown empty = host->history();
+    for (const auto& page : empty.pages)
+        EXPECT_EQ(page.size(), 1u) << "the header alone";
+    EXPECT_FALSE(empty.exportEnabled);
+    EXPECT_EQ(readAll(history), damaged);
+}
+
+} // namespace
+} // namespace tvx::test
