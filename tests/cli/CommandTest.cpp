@@ -311,17 +311,6 @@ TEST_F(CommandTest, ARefusedImageSavesNothing)
     EXPECT_NE(err.str().find("level 3x: not a number"), std::string::npos) << err.str();
 }
 
-TEST_F(CommandTest, RecognizePrintsOneJsonLinePerImage)
-{
-    const auto first = gameImage("a.bmp", {"137", "4567890", "1234567890"});
-    const auto second = gameImage("b.bmp", {"8", "", "0"}, ScreenMode::FullScreen, 2);
-    EXPECT_EQ(run(cli::runRecognize, {first, second}), 0);
-    EXPECT_EQ(out.str(), "{\"file\":\"" + test::jsonPath(home / "a.bmp") +
-                               "\",\"level\":137,\"exp\":4567890,\"money\":1234567890}\n" + "{\"file\":\"" +
-                               test::jsonPath(home / "b.bmp") + "\",\"level\":8,\"exp\":-1,\"money\":0}\n");
-    EXPECT_EQ(err.str(), "");
-}
-
 TEST_F(CommandTest, RecognizeInWindowModeReadsTheShiftedRegions)
 {
     const auto image = gameImage("w.bmp", {"42", "777", "31"}, ScreenMode::Window);

@@ -162,20 +162,6 @@ TEST_F(FormMainTest, ABackgroundClickRefreshesTheWindow)
     window.close();
 }
 
-TEST_F(FormMainTest, CaptureCaptionsStandUnderTheirColumns)
-{
-    window.show();
-    QTest::qWait(20);
-    const char* columns[] = {"lblStartLv", "lblStartExp", "lblStartMoney"};
-    for (int region = 0; region < 3; ++region) {
-        const QLabel* caption = window.findChild<QLabel*>(QStringLiteral("lblCapture%1").arg(region));
-        const QLabel* column = window.findChild<QLabel*>(QString::fromLatin1(columns[region]));
-        ASSERT_TRUE(caption && column);
-        EXPECT_EQ(caption->geometry().left(), column->geometry().left()) << columns[region];
-        EXPECT_EQ(caption->geometry().right(), column->geometry().right()) << columns[region];
-    }
-}
-
 TEST_F(FormMainTest, TheVersionWindowNamesTheVersionOnce)
 {
     QString shown;

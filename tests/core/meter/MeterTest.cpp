@@ -337,19 +337,6 @@ TEST_F(MeterTest, GesturesRunTheirCommandsAndAlwaysSaySo)
     EXPECT_NE(debugText().find("OnLine Print Screen ･･･ End "), std::string::npos);
 }
 
-TEST_F(MeterTest, ButtonEventsReachTheGesturesThroughTheClock)
-{
-    show("5", "6", "7");
-    meter().menuRun_Click();
-    const auto click = [this](MouseButton button) {
-        meter().mouseButtons({{button, true}, {button, false}});
-        machine.clock.advanceMs(200);
-    };
-    for (MouseButton b : {MouseButton::Left, MouseButton::Right, MouseButton::Left, MouseButton::Left})
-        click(b);
-    EXPECT_TRUE(meter().session().Suspended);
-}
-
 TEST_F(MeterTest, MoneyHasNoTimeRateOrCurveUntilItIsRead)
 {
     struct Case {

@@ -60,28 +60,6 @@ TEST(BinarizeRegion, MaskingModesDecideWhichLevelsAreInk)
     }
 }
 
-TEST(BinarizeRegion, ColumnsAreGroupsOfFourHexDigitsWithRowZeroInBitZero)
-{
-    Region allInk(3, 9, 1020);
-    EXPECT_EQ(allInk.binarize(188, 34), "01FF01FF01FF");
-
-    Region pattern(2, 12, 0);
-    pattern.levels.at(0, 0, 0) = 1020;
-    pattern.levels.at(0, 0, 4) = 1020;
-    pattern.levels.at(0, 1, 11) = 1020;
-    EXPECT_EQ(pattern.binarize(133, -1), "00110800");
-}
-
-TEST(BinarizeRegion, RowsFromSixteenOnAreLost)
-{
-    Region tall(1, 17, 1020);
-    EXPECT_EQ(tall.binarize(133, -1), "FFFF");
-    Region bottomOnly(1, 30, 0);
-    for (std::int32_t y = 16; y < 30; ++y)
-        bottomOnly.levels.at(0, 0, y) = 1020;
-    EXPECT_EQ(bottomOnly.binarize(133, -1), "0000");
-}
-
 TEST(BinarizeRegion, MaskPastThirtyOneBitsOverflows)
 {
     Region tall(1, 32, 0);
