@@ -97,6 +97,8 @@ public:
     virtual Box frame() = 0;
     // The close box.
     virtual void close() = 0;
+    // Whether a label's or a button's text fits it as the window draws it.
+    virtual bool fits(const std::string& control) = 0;
 
     // With TALLIVEX_SHOT_DIR set, the window's picture as NAME.bmp there (for the README).
     void shoot(const std::string& name)
@@ -162,6 +164,11 @@ public:
     virtual ~MainWindowHost() = default;
 
     virtual Meter& meter() = 0;
+    // Runs `modal` (a menu item that opens a window) while the player's steps run.
+    virtual void play(std::deque<PlayerStep> steps, const std::function<void()>& modal) = 0;
+    // The version window and the joke popup it opens.
+    virtual WindowDriver& version() = 0;
+    virtual WindowDriver& joke() = 0;
     // The engine's part of the load: empty account, timers, auto start.
     virtual void load() = 0;
     virtual std::string title() = 0;

@@ -1,6 +1,4 @@
-#include "FormJoke.h"
 #include "FormMain.h"
-#include "QtText.h"
 #include "GraphFrame.h"
 #include "GraphPicture.h"
 #include "base/Utf8Path.h"
@@ -16,7 +14,6 @@
 #include "TextCodecFactory.h"
 #include "config/ConfigFile.h"
 #include "graph/GraphLayout.h"
-#include "view/JokePopup.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -28,7 +25,6 @@
 #include <QTimer>
 #include <QApplication>
 #include <QDialog>
-#include <QFontMetrics>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -182,68 +178,6 @@ TEST_F(FormMainTest, TheVersionWindowNamesTheVersionOnce)
     EXPECT_NE(test::readAll(log.path()).find("Click : VersionInformation "), std::string::npos);
 }
 
-
-// Every kind of attempt in turn: the close box (and Alt+F4) through close(), Escape and the
-// popup's own button. Each shows the next line, whole, in a window that keeps its size;
-// only the attempt on the last line lets the popup go.
-TEST_F(FormMainTest, TheJokePopupFromTheVersionWindowLetsGoOnlyAfterItsScript)
-{
-    const auto script = JokePopup::script();
-    std::vector<std::string> faults;
-    std::size_t attempts = 0;
-    bool versionStillOpen = false;
-    const auto attemptOn = [&](ui::FormJoke* popup) {
-        const QSize size = popup->size();
-        for (std::size_t line = 0; line < script.size() && popup->isVisible(); ++line) {
-            const std::string at = "line " + std::to_string(line) + ": ";
-            const auto* message = popup->findChild<QLabel*>(QStringLiteral("lblMessage"));
-            auto* button = popup->findChild<QPushButton*>(QStringLiteral("cmdClose"));
-            if (popup->windowTitle() != ui::qtText(script[line].caption) || message->text() != ui::qtText(script[line].message) ||
-                button->text() != ui::qtText(script[line].button))
-                faults.push_back(at + "shows " + message->text().toStdString());
-            const QRect room = message->contentsRect();
-            const QRect needed = message->fontMetrics().boundingRect(room, Qt::TextWordWrap, message->text());
-            if (needed.height() > room.height() || needed.width() > room.width() ||
-                button->sizeHint().width() > button->width())
-                faults.push_back(at + "cut off");
-            if (popup->size() != size)
-                faults.push_back(at + "resized");
-            switch (attempts++ % 3) {
-            case 0: popup->close(); break;
-            case 1: QTest::keyClick(popup, Qt::Key_Escape); break;
-            default: button->click(); break;
-            }
-        }
-        if (popup->isVisible()) {
-            faults.push_back("still open after the script");
-            popup->done(QDialog::Rejected);
-        }
-    };
-    QTimer::singleShot(0, [&] {
-        auto* version = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        auto* joke = version ? version->findChild<QPushButton*>(QStringLiteral("cmdJoke")) : nullptr;
-        if (joke == nullptr) {
-            faults.push_back("no button to the popup");
-            if (version)
-                version->accept();
-            return;
-        }
-        EXPECT_EQ(joke->text(), QStringLiteral("おまけ"));
-        QTimer::singleShot(0, [&] {
-            if (auto* popup = qobject_cast<ui::FormJoke*>(QApplication::activeModalWidget()))
-                attemptOn(popup);
-            else
-                faults.push_back("no popup");
-        });
-        joke->click(); // returns once the popup has let go
-        versionStillOpen = version->isVisible();
-        version->accept();
-    });
-    window.action("menuVersion")->trigger();
-    EXPECT_TRUE(faults.empty()) << faults.front() << " (" << faults.size() << " in all)";
-    EXPECT_EQ(attempts, script.size());
-    EXPECT_TRUE(versionStillOpen) << "the popup's last attempt closes only the popup";
-}
 
 } // namespace
 } // namespace tvx

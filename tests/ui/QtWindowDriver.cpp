@@ -160,6 +160,13 @@ public:
 
     Meter& meter() override { return m_meter; }
 
+    void play(std::deque<PlayerStep> steps, const std::function<void()>& modal) override
+    {
+        playWhile(std::move(steps), modal);
+    }
+    WindowDriver& version() override { return m_version; }
+    WindowDriver& joke() override { return m_joke; }
+
     void load() override
     {
         m_window.FormMain_Load();
@@ -338,6 +345,8 @@ private:
     ui::FormMain m_window;
     MeterPorts m_ports;
     Meter m_meter;
+    QtWindowDriver m_version{[this] { return m_window.findChild<QWidget*>(QStringLiteral("FormVersion")); }};
+    QtWindowDriver m_joke{[this] { return m_window.findChild<QWidget*>(QStringLiteral("FormJoke")); }};
 };
 } // namespace
 

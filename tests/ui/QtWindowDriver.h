@@ -64,7 +64,7 @@ public:
     }
     void press(Key key) override
     {
-        QWidget* target = m_window()->focusWidget();
+        QWidget* target = m_window()->focusWidget() ? m_window()->focusWidget() : m_window();
         QCoreApplication::postEvent(target, new QKeyEvent(QEvent::KeyPress, code(key), Qt::NoModifier));
         QCoreApplication::postEvent(target, new QKeyEvent(QEvent::KeyRelease, code(key), Qt::NoModifier));
     }
@@ -107,6 +107,16 @@ public:
         return {r.x(), r.y(), r.width(), r.height()};
     }
     void close() override { QMetaObject::invokeMethod(m_window(), "close", Qt::QueuedConnection); }
+    bool fits(const std::string& name) override
+    {
+        const QWidget* widget = control(name);
+        if (const auto* label = qobject_cast<const QLabel*>(widget)) {
+            const QRect room = label->contentsRect();
+            const QRect needed = label->fontMetrics().boundingRect(room, Qt::TextWordWrap, label->text());
+            return needed.height() <= room.height() && needed.width() <= room.width();
+        }
+        return widget->sizeHint().width() <= widget->width();
+    }
 
     QWidget* control(const std::string& name)
     {

@@ -4,6 +4,7 @@
 #include "DesktopSupport.h"
 #include "FormCalibrate.h"
 #include "FormInputCheck.h"
+#include "FormJoke.h"
 #include "FormMain.h"
 #include "FormOption.h"
 #include "CompactWindow.h"
@@ -17,6 +18,7 @@
 #include "meter/Meter.h"
 #include "shell/DebugLog.h"
 #include "support/FakeMachine.h"
+#include "view/FormMainCommands.h"
 #include "view/LiveView.h"
 #include "view/MainMenu.h"
 #include "view/OptionFields.h"
@@ -102,6 +104,26 @@ public:
     Frame picture(const std::string& name) override { return screenPicture(name.empty() ? m_window() : control(name)); }
     Box frame() override { return boxOf(m_window()); }
     void close() override { PostMessageW(m_window(), WM_CLOSE, 0, 0); }
+    // Drawn as the control draws it: a button on one line with its margins, a label wrapped.
+    bool fits(const std::string& name) override
+    {
+        const HWND shown = control(name);
+        wchar_t kind[32] = {};
+        GetClassNameW(shown, kind, 32);
+        const bool button = lstrcmpiW(kind, L"Button") == 0;
+        const int padding = button ? 8 : 0;
+        RECT room{};
+        GetClientRect(shown, &room);
+        const std::wstring text = textOf(shown);
+        const HDC dc = GetDC(shown);
+        const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(shown, WM_GETFONT, 0, 0)));
+        RECT needed{0, 0, room.right - padding, 0};
+        DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &needed,
+                  DT_CALCRECT | DT_NOPREFIX | (button ? DT_SINGLELINE : DT_WORDBREAK));
+        SelectObject(dc, old);
+        ReleaseDC(shown, dc);
+        return needed.right <= room.right - padding && needed.bottom <= room.bottom;
+    }
 
     HWND window() { return m_window(); }
     HWND control(const std::string& name)
@@ -197,6 +219,29 @@ HWND calibrationWindow()
     return threadWindow([](HWND w) {
         return textOf(w) == win32ui::wide(kCalibrationTitle) && childWithId(w, win32ui::calibrateControlId("cmdLearn"));
     });
+}
+
+HWND versionWindow()
+{
+    return threadWindow([](HWND w) { return textOf(w) == win32ui::wide(kVersionCaption) && GetDlgItem(w, 101); });
+}
+
+HWND jokeWindow()
+{
+    return threadWindow([](HWND w) { return GetDlgItem(w, win32ui::FormJoke::lblMessage) != nullptr; });
+}
+
+// The controls of the small windows by the names the Qt windows give them.
+int smallWindowControlId(std::string_view name)
+{
+    const std::pair<const char*, int> ids[] = {{"cmdJoke", 101}, {"cmdOK", IDOK},
+                                               {"lblMessage", win32ui::FormJoke::lblMessage},
+                                               {"cmdClose", win32ui::FormJoke::cmdClose}};
+    for (const auto& [known, id] : ids)
+        if (name == known)
+            return id;
+    ADD_FAILURE() << "no such control: " << name;
+    return 0;
 }
 
 int numberControlId(std::string_view name)
@@ -310,6 +355,16 @@ public:
     }
 
     Meter& meter() override { return m_meter; }
+
+    void play(std::deque<PlayerStep> steps, const std::function<void()>& modal) override
+    {
+        DialogScript script(std::move(steps), 30000);
+        modal();
+        EXPECT_TRUE(script.finished()) << "the window closed before the player was done";
+        EXPECT_FALSE(script.timedOut());
+    }
+    WindowDriver& version() override { return m_version; }
+    WindowDriver& joke() override { return m_joke; }
 
     void load() override
     {
@@ -509,6 +564,8 @@ private:
     win32ui::FormMain m_window;
     MeterPorts m_ports;
     Meter m_meter;
+    Win32WindowDriver m_version{versionWindow, smallWindowControlId};
+    Win32WindowDriver m_joke{jokeWindow, smallWindowControlId};
 };
 
 } // namespace

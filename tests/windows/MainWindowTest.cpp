@@ -8,8 +8,11 @@
 #include "support/ReadFile.h"
 #include "support/TempFolder.h"
 #include "view/GraphFrameView.h"
+#include "view/JokePopup.h"
 
 #include <gtest/gtest.h>
+
+#include <tuple>
 
 namespace tvx::test {
 namespace {
@@ -83,6 +86,68 @@ TEST_F(MainWindowTest, GraphLabelClicksReachTheViewAndTheLog)
     const std::string text = debugLog();
     EXPECT_NE(text.find("Click : Graph Old View "), std::string::npos) << text;
     EXPECT_EQ(text.find("Click : Window Refresh "), std::string::npos) << "a label click is the graph's";
+}
+
+// The version window's おまけ opens the popup; each kind of attempt in turn (the close box,
+// Escape, its button) shows the next line, whole, in a window that neither moves nor
+// resizes, and only the attempt on the last line lets it go.
+TEST_F(MainWindowTest, TheJokePopupFromTheVersionWindowLetsGoOnlyAfterItsScript)
+{
+    const auto script = JokePopup::script();
+    WindowDriver& version = host->version();
+    WindowDriver& joke = host->joke();
+    std::string caption;
+    WindowDriver::Box opened;
+    std::vector<std::string> faults;
+    bool versionLeftOpen = false;
+    std::deque<PlayerStep> steps{[&] {
+                                     if (!version.isOpen())
+                                         return false;
+                                     caption = version.text("cmdJoke");
+                                     version.shoot("version");
+                                     version.click("cmdJoke");
+                                     return true;
+                                 },
+                                 [&] {
+                                     opened = joke.frame();
+                                     return joke.isOpen();
+                                 }};
+    for (std::size_t line = 0; line < script.size(); ++line)
+        steps.push_back([&, line] {
+            const std::string at = "line " + std::to_string(line) + ": ";
+            if (!joke.isOpen()) {
+                faults.push_back(at + "the popup has gone");
+                return true;
+            }
+            if (joke.title() != script[line].caption || joke.text("lblMessage") != script[line].message ||
+                joke.text("cmdClose") != script[line].button)
+                faults.push_back(at + "shows " + joke.text("lblMessage"));
+            if (!joke.fits("lblMessage") || !joke.fits("cmdClose"))
+                faults.push_back(at + "cut off");
+            const WindowDriver::Box now = joke.frame();
+            if (std::tie(now.left, now.top, now.width, now.height) !=
+                std::tie(opened.left, opened.top, opened.width, opened.height))
+                faults.push_back(at + "moved or resized");
+            joke.shoot("popup-" + std::to_string(line + 1));
+            if (line % 3 == 0)
+                joke.close();
+            else if (line % 3 == 1)
+                joke.press(WindowDriver::Key::Escape);
+            else
+                joke.click("cmdClose");
+            return true;
+        });
+    steps.push_back([&] {
+        if (joke.isOpen())
+            return false; // the deadline's own closing attempts end it, and the test fails
+        versionLeftOpen = version.isOpen();
+        version.click("cmdOK");
+        return true;
+    });
+    host->play(std::move(steps), [&] { host->choose("menuVersion"); });
+    EXPECT_EQ(caption, JokePopup::kOpenCaption);
+    EXPECT_TRUE(faults.empty()) << faults.front() << " (" << faults.size() << " in all)";
+    EXPECT_TRUE(versionLeftOpen) << "the last attempt closes only the popup";
 }
 
 } // namespace
