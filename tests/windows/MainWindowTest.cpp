@@ -9,6 +9,7 @@
 #include "support/TempFolder.h"
 #include "view/GraphFrameView.h"
 #include "view/JokePopup.h"
+#include "view/MainMenu.h"
 
 #include <gtest/gtest.h>
 
@@ -37,14 +38,11 @@ protected:
 TEST_F(MainWindowTest, MenusCarryTheirCaptionsAndRunWaitsForTheLoad)
 {
     EXPECT_EQ(host->title(), "Tallivex  for MapleStory    Ver.2.20");
-    const std::pair<const char*, const char*> items[] = {
-        {"menuPatternSave", "パターン保存"}, {"menuEnd", "終了"},        {"menuOption", "設定"},
-        {"menuRun", "開始"},                {"menuStop", "停止"},        {"menuTimeLeft", "あと何時間？"},
-        {"menuRandomOne", "らんだまーオンリーONE"}, {"menuPrtScr", "プリントスクリーン"}, {"menuReadMe", "よんで！"},
-        {"menuVersion", "バージョン情報..."},
-    };
-    for (const auto& [name, caption] : items)
-        EXPECT_EQ(host->menuText(name), caption) << name;
+    // Every item of the core's menu, as the core captions it.
+    for (int command = 0; command <= static_cast<int>(MenuCommand::Version); ++command) {
+        const MenuItem& item = menuItem(static_cast<MenuCommand>(command));
+        EXPECT_EQ(host->menuText(std::string(item.name)), item.caption) << item.name;
+    }
     EXPECT_FALSE(host->menuEnabled("menuRun"));
     EXPECT_FALSE(host->menuEnabled("menuStop"));
     EXPECT_EQ(host->text("cmdTempStop"), "一時停止");
