@@ -5,6 +5,7 @@
 #include "FormMain.h"
 #include "GameScreen.h"
 #include "HomeFolder.h"
+#include "Memory.h"
 #include "MouseButtons.h"
 #include "StartGuard.h"
 #include "SystemClock.h"
@@ -49,6 +50,7 @@ int runMessageLoop()
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int show)
 {
     namespace platform = tvx::platform;
+    platform::returnLargeBlocksToSystem();
     initCommonControls();
     const tvx::app::AppOptions options = tvx::app::parseAppOptions(platform::commandLineUtf8(__argc, __argv));
     if (options.bad) {

@@ -6,6 +6,7 @@
 #include "FormMain.h"
 #include "GameScreen.h"
 #include "HomeFolder.h"
+#include "Memory.h"
 #include "MouseButtons.h"
 #include "QtPorts.h"
 #include "QtPrompter.h"
@@ -33,6 +34,7 @@
 
 int main(int argc, char** argv)
 {
+    tvx::platform::returnLargeBlocksToSystem();
     QApplication app(argc, argv);
     tvx::ui::shareJapaneseFace();
     const tvx::app::AppOptions options = tvx::app::parseAppOptions(tvx::platform::commandLineUtf8(argc, argv));

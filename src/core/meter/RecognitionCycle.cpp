@@ -220,7 +220,7 @@ int RecognitionCycle::GetPictForClip(int region)
         wanted.push_back(m_settings.CaptureRegion[static_cast<std::size_t>(region)]);
     std::optional<CaptureBitmap> screen;
     ScreenCapture::Result taken = ScreenCapture::Result::NoPicture;
-    if (!trapErrors(m_log, "GetPictForClip", [&] { taken = m_capture.take(wanted, screen); })) {
+    if (!trapErrors(m_log, "GetPictForClip", [&] { taken = m_capture.take(wanted, screen, region < 0); })) {
         securePixels();
         return -1;
     }
@@ -241,12 +241,17 @@ int RecognitionCycle::GetPictForClip(int region)
                 m_recognizer.fill(r, *screen);
     });
     if (region < 0)
-        m_lastCapture = std::move(*screen);
+        m_capture.keep(std::move(screen));
     if (!filled) {
         securePixels();
         return -2;
     }
     return 0;
+}
+
+std::optional<CaptureBitmap> RecognitionCycle::lastCapture() const
+{
+    return m_capture.kept();
 }
 
 void RecognitionCycle::securePixels()

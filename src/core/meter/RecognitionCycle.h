@@ -51,7 +51,8 @@ public:
 
     bool noticeShown() const { return m_noticeShown; }
     std::int32_t missCount() const { return m_missCount; }
-    const std::optional<CaptureBitmap>& lastCapture() const { return m_lastCapture; }
+    // The last reading's whole screen (read back from the capture file that keeps it).
+    std::optional<CaptureBitmap> lastCapture() const;
 
 private:
     void retryLater();
@@ -80,7 +81,6 @@ private:
     MeasurementSession& m_session;
     bool m_noticeShown = false;
     std::int32_t m_missCount = 0;
-    std::optional<CaptureBitmap> m_lastCapture;
     std::array<std::string, kRegionCount> m_untaught;
 };
 

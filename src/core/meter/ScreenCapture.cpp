@@ -47,6 +47,12 @@ bool isAllBlack(const CaptureBitmap& image, std::span<const CaptureRegionRect> w
     return seen > 0;
 }
 
+void ScreenCapture::setCaptureFile(std::filesystem::path path)
+{
+    holdKeptPicture(); // it lives in the file named until now
+    m_captureFile = std::move(path);
+}
+
 void ScreenCapture::noteOnce(bool& said, const char* line)
 {
     if (!said)
@@ -66,19 +72,22 @@ ScreenCapture::Result ScreenCapture::printScreenRoute(std::optional<CaptureBitma
     if (m_captureFile.empty())
         return Result::Taken;
     // The picture goes through the capture file, which stays on disk for the player.
+    holdKeptPicture();
     CaptureBitmap fromFile;
-    if (!writeBitmap24(m_captureFile, toFrame(*image)) ||
-        LoadCaptureBitmap(m_captureFile, fromFile) != CaptureLoadResult::Read) {
+    if (!writeBitmap24(m_captureFile, *image) || LoadCaptureBitmap(m_captureFile, fromFile) != CaptureLoadResult::Read) {
         image.reset();
         return Result::FileUnreadable;
     }
     image = std::move(fromFile);
+    m_takenInFile = captureFileStamp();
     return Result::Taken;
 }
 
-ScreenCapture::Result ScreenCapture::take(std::span<const CaptureRegionRect> wanted, std::optional<CaptureBitmap>& image)
+ScreenCapture::Result ScreenCapture::take(std::span<const CaptureRegionRect> wanted, std::optional<CaptureBitmap>& image,
+                                          bool toKeep)
 {
     image.reset();
+    m_takenInFile.reset();
     bool routeExists = false;
     if (m_settings.ScreenCapture == CaptureMethod::PrintScreen) {
         const Result result = printScreenRoute(image, routeExists);
@@ -99,20 +108,69 @@ ScreenCapture::Result ScreenCapture::take(std::span<const CaptureRegionRect> wan
         }
     }
     if (wanted.empty())
-        keepInCaptureFile(*image);
+        keepInCaptureFile(*image, toKeep);
     return Result::Taken;
 }
 
-void ScreenCapture::keepInCaptureFile(const CaptureBitmap& image)
+void ScreenCapture::keepInCaptureFile(const CaptureBitmap& image, bool toKeep)
 {
     // The player builds templates from this file, whichever route took the screen; the
     // reading does not depend on it.
     if (m_captureFile.empty())
         return;
     trapErrors(m_log, "GetPictForClip", [&] {
-        if (!writeBitmap24(m_captureFile, toFrame(image)))
+        // A picture to be kept replaces the kept one. Should its write fail, the file (written
+        // through a temporary name) still holds the one kept before.
+        if (!toKeep)
+            holdKeptPicture();
+        if (!writeBitmap24(m_captureFile, image))
             throw RuntimeError(ErrorNumber::PathFileAccessError, pathUtf8(m_captureFile));
+        m_takenInFile = captureFileStamp();
     });
+}
+
+std::optional<ScreenCapture::FileStamp> ScreenCapture::captureFileStamp() const
+{
+    std::error_code ec;
+    const std::uintmax_t size = std::filesystem::file_size(m_captureFile, ec);
+    if (ec)
+        return std::nullopt;
+    const std::filesystem::file_time_type written = std::filesystem::last_write_time(m_captureFile, ec);
+    if (ec)
+        return std::nullopt;
+    return FileStamp{size, written};
+}
+
+void ScreenCapture::keep(std::optional<CaptureBitmap>&& image)
+{
+    m_keptInFile.reset();
+    m_keptInMemory.reset();
+    if (image && m_takenInFile)
+        m_keptInFile = m_takenInFile;
+    else
+        m_keptInMemory = std::move(image);
+}
+
+std::optional<CaptureBitmap> ScreenCapture::kept() const
+{
+    if (!m_keptInFile)
+        return m_keptInMemory;
+    CaptureBitmap picture;
+    if (captureFileStamp() == m_keptInFile && LoadCaptureBitmap(m_captureFile, picture) == CaptureLoadResult::Read)
+        return picture;
+    try {
+        m_log.WriteDebugLog("CaptureFile Changed : Last Capture Lost ");
+    } catch (const RuntimeError&) {
+    }
+    return std::nullopt;
+}
+
+void ScreenCapture::holdKeptPicture()
+{
+    if (!m_keptInFile)
+        return;
+    m_keptInMemory = kept();
+    m_keptInFile.reset();
 }
 
 } // namespace tvx

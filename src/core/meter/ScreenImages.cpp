@@ -36,14 +36,13 @@ bool ScreenImages::PrintScreen(const std::filesystem::path& basePath, std::strin
             m_log.WriteDebugLog("PrintScreen MissTake ");
             return false;
         }
-        const Frame frame = toFrame(*screen);
         bool written = false;
         if (format == ".bmp")
-            written = writeBitmap24(withExtension(basePath, ".bmp"), frame);
+            written = writeBitmap24(withExtension(basePath, ".bmp"), *screen);
         else if (format == ".png" && m_encoder != nullptr)
-            written = m_encoder->writePng(frame, withExtension(basePath, ".png"));
+            written = m_encoder->writePng(toFrame(*screen), withExtension(basePath, ".png"));
         else if ((format == ".jpg90" || format == ".jpg70") && m_encoder != nullptr)
-            written = m_encoder->writeJpeg(frame, withExtension(basePath, ".jpg"), format == ".jpg90" ? 90 : 70);
+            written = m_encoder->writeJpeg(toFrame(*screen), withExtension(basePath, ".jpg"), format == ".jpg90" ? 90 : 70);
         else
             return false;
         if (!written)

@@ -241,14 +241,17 @@ std::vector<std::uint8_t> encodeBitmap24(const Frame& frame)
     return out;
 }
 
-bool writeBitmap24(const std::filesystem::path& path, const Frame& frame)
+namespace {
+
+// Writes the file through a temporary name so a reader never sees half a file.
+template <typename Write>
+bool writeThrough(const std::filesystem::path& path, Write write)
 {
-    const std::vector<std::uint8_t> bytes = encodeBitmap24(frame);
     std::filesystem::path temporary = path;
     temporary += ".tmp";
     {
         std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        write(out);
         if (!out.flush())
             return false;
     }
@@ -258,6 +261,46 @@ bool writeBitmap24(const std::filesystem::path& path, const Frame& frame)
         return true;
     std::filesystem::remove(temporary, ec);
     return false;
+}
+
+} // namespace
+
+bool writeBitmap24(const std::filesystem::path& path, const Frame& frame)
+{
+    const std::vector<std::uint8_t> bytes = encodeBitmap24(frame);
+    return writeThrough(path, [&](std::ostream& out) {
+        out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    });
+}
+
+bool writeBitmap24(const std::filesystem::path& path, const CaptureBitmap& bitmap)
+{
+    const std::int32_t width = bitmap.infoHeader.biWidth;
+    const std::size_t stride = stride24(width);
+    const bool fileLayout = bitmap.infoHeader.biBitCount == 24 && bitmap.infoHeader.biHeight > 0 && width > 0 &&
+                            bitmap.rows > 0 && bitmap.stride == static_cast<std::int64_t>(stride) &&
+                            bitmap.pixels.size() >= stride * static_cast<std::size_t>(bitmap.rows);
+    if (!fileLayout)
+        return writeBitmap24(path, toFrame(bitmap));
+    // Already the file's rows: written from where they are, not copied twice more for a
+    // screen's 6 MB. Padding is written as zeros, as the frame's writer does.
+    const auto height = static_cast<std::int32_t>(bitmap.rows);
+    const std::vector<std::uint8_t> header = header24(width, height);
+    const std::size_t rowBytes = static_cast<std::size_t>(width) * 3;
+    return writeThrough(path, [&](std::ostream& out) {
+        out.write(reinterpret_cast<const char*>(header.data()), static_cast<std::streamsize>(header.size()));
+        if (rowBytes == stride) {
+            out.write(reinterpret_cast<const char*>(bitmap.pixels.data()),
+                      static_cast<std::streamsize>(stride * static_cast<std::size_t>(height)));
+            return;
+        }
+        const char padding[4] = {};
+        for (std::int32_t row = 0; row < height; ++row) {
+            out.write(reinterpret_cast<const char*>(bitmap.pixels.data() + static_cast<std::size_t>(row) * stride),
+                      static_cast<std::streamsize>(rowBytes));
+            out.write(padding, static_cast<std::streamsize>(stride - rowBytes));
+        }
+    });
 }
 
 CaptureBitmap blankCapture(std::int32_t width, std::int32_t height)

@@ -79,6 +79,8 @@ CaptureLoadResult parseCaptureBitmap(std::span<const std::uint8_t> bytes, Captur
 std::vector<std::uint8_t> encodeBitmap24(const Frame& frame);
 // Writes the file through a temporary name so a reader never sees half a file; false on failure.
 bool writeBitmap24(const std::filesystem::path& path, const Frame& frame);
+// The same file from a 24-bit capture, written from its rows without copying them.
+bool writeBitmap24(const std::filesystem::path& path, const CaptureBitmap& bitmap);
 // The frame as the capture file reader would give it back.
 CaptureBitmap toCaptureBitmap(const Frame& frame);
 // A black 24-bit bottom-up capture of that size, for a screen source to fill in place

@@ -58,7 +58,7 @@ void FormMainCommands::menuPatternSave_Click()
     const auto& capture = m_meter.cycle().lastCapture();
     if (capture) {
         const std::string name = "Capture" + formatPatternStamp(m_meter.clock().now()) + ".bmp";
-        writeBitmap24(m_programFolder / name, toFrame(*capture));
+        writeBitmap24(m_programFolder / name, *capture);
     } else {
         m_meter.logBox().write("まだキャプチャしていません\r\n");
     }

@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <new>
@@ -894,6 +896,55 @@ TEST_F(MeterTest, TheImagesKeptForThePlayerAreTheWholeScreen)
     meter().cycle().runCycle();
     EXPECT_NE(debugText().find("Error Trap : GetPictForClip : CODE75  Path/File access error"), std::string::npos);
     EXPECT_EQ(meter().state().labels.End.Exp, "900");
+}
+
+TEST_F(MeterTest, TheCyclesPictureIsReadBackFromTheCaptureFileUnlessTheFileCannotHoldIt)
+{
+    restart();
+    meter().menuRun_Click();
+    const auto kept = [this] {
+        const std::optional<CaptureBitmap> picture = meter().cycle().lastCapture();
+        return picture ? picture->pixels : std::vector<std::uint8_t>{};
+    };
+    const std::filesystem::path file = temp.path() / "Capture.bmp";
+    const CaptureBitmap first = test::gameCapture({"50", "1", ""});
+    machine.screens = {first};
+    meter().cycle().runCycle();
+    EXPECT_EQ(kept(), first.pixels);
+
+    // A file that cannot be written: the picture is held in memory instead.
+    meter().capture().setCaptureFile(temp.path() / "missing" / "Capture.bmp");
+    const CaptureBitmap second = test::gameCapture({"50", "2", ""});
+    machine.screens = {second};
+    meter().cycle().runCycle();
+    EXPECT_EQ(kept(), second.pixels);
+    meter().capture().setCaptureFile(file);
+    EXPECT_EQ(kept(), second.pixels);
+
+    // A region read leaves file and picture alone; a whole screen that is no reading's is
+    // written, and the picture moves to memory first.
+    const CaptureBitmap third = test::gameCapture({"51", "3", ""});
+    machine.screens = {third};
+    meter().cycle().runCycle();
+    meter().watch().timDoHLInterval_Timer();
+    const CaptureBitmap shot = test::gameCapture({"52", "4", ""}, ScreenMode::FullScreen, 2);
+    machine.screens = {shot};
+    meter().menuPrtScr_Click();
+    CaptureBitmap onDisk;
+    ASSERT_EQ(LoadCaptureBitmap(file, onDisk), CaptureLoadResult::Read);
+    EXPECT_EQ(onDisk.pixels, shot.pixels);
+    EXPECT_EQ(kept(), third.pixels);
+
+    // Another program replaces the file the picture lives in: no picture, and the debug
+    // log says why, rather than the other program's picture passing for the reading's.
+    machine.screens = {third};
+    meter().cycle().runCycle();
+    ASSERT_TRUE(writeBitmap24(file, toFrame(shot)));
+    std::filesystem::last_write_time(file, std::filesystem::last_write_time(file) + std::chrono::seconds(2));
+    EXPECT_TRUE(kept().empty());
+    EXPECT_NE(debugText().find("CaptureFile Changed : Last Capture Lost "), std::string::npos);
+    FormMainCommands(meter(), log, temp.path()).run(MenuCommand::PatternSave);
+    EXPECT_NE(meter().logBox().text().find("まだキャプチャしていません"), std::string::npos);
 }
 
 } // namespace

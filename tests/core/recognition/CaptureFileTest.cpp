@@ -2,6 +2,7 @@
 #include "recognition/PixelLevels.h"
 #include "base/Errors.h"
 #include "support/ExpectError.h"
+#include "support/ReadFile.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -199,6 +200,16 @@ TEST(CaptureFile, TheInMemoryCaptureMatchesTheFileReadBack)
         EXPECT_EQ(direct.stride, fromFile.stride);
         EXPECT_EQ(direct.infoHeader.biSizeImage, fromFile.infoHeader.biSizeImage);
         EXPECT_EQ(toFrame(direct).bytes(), frame.bytes());
+
+        // Written from the capture itself: the same file, padding written as zeros even
+        // where the capture's own padding holds something else.
+        CaptureBitmap dirtyPadding = direct;
+        for (std::int64_t row = 0; row < dirtyPadding.rows; ++row)
+            for (std::int64_t byte = 3 * width; byte < dirtyPadding.stride; ++byte)
+                dirtyPadding.pixels[static_cast<std::size_t>(row * dirtyPadding.stride + byte)] = 0xEE;
+        const std::filesystem::path again = temp.path() / "capture.bmp";
+        ASSERT_TRUE(writeBitmap24(again, dirtyPadding));
+        EXPECT_EQ(test::readAll(again), test::readAll(file)) << "width " << width;
     }
 }
 
