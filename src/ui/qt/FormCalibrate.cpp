@@ -181,13 +181,6 @@ QWidget* FormCalibrate::buildRegionRow(int region, RegionRow& row)
     return box;
 }
 
-void FormCalibrate::showScreen(CaptureBitmap screen)
-{
-    m_calibration.picker().setScreen(std::move(screen));
-    m_picture->refresh();
-    refreshAll();
-}
-
 void FormCalibrate::refreshAll()
 {
     for (int r = 0; r < kRegionCount; ++r)

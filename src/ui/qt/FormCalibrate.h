@@ -36,10 +36,6 @@ public:
                   DebugLog* log = nullptr, QWidget* parent = nullptr);
     ~FormCalibrate() override;
 
-    Calibration& calibration() { return m_calibration; }
-    // The screen changed (a capture, or a test).
-    void showScreen(CaptureBitmap screen);
-
 private:
     struct RegionRow {
         QRadioButton* option = nullptr;

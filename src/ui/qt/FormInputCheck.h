@@ -37,9 +37,6 @@ public:
     void prepare(const QString& limitA, const QString& limitB, double proposed, const QString& step,
                  const QString& prompt, const QString& title);
 
-    double result() const { return m_input.result(); }
-    bool isDone() const { return m_input.done(); }
-
     void reject() override;
 
 protected:
