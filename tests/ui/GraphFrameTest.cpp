@@ -89,6 +89,7 @@ TEST_F(GraphFrameTest, PaintsCurvesOfASmallHistoryAndTrapsWhatFails)
     for (const auto& [e, m] : {std::pair{120.0, -1.0}, {300.0, 40.0}, {250.0, 55.0}, {80.0, -1.0}})
         buffer.AddGraphData(Currency::fromDouble(e), Currency::fromDouble(m), 3, settings.GraphTimeScale);
     frame.GraphFrameDisplay();
+    EXPECT_FALSE(frame.picGraph()->curves().rateE.empty() || frame.picGraph()->curves().rateM.empty());
     const QImage image = frame.picGraph()->grab().toImage();
     bool blue = false;
     bool red = false;
