@@ -34,13 +34,14 @@ class MeterEndToEndTest : public testing::Test {
 protected:
     void SetUp() override
     {
-        int n = 100 + static_cast<int>(getpid() % 400);
-        while (fs::exists("/tmp/.X11-unix/X" + std::to_string(n)))
-            ++n;
-        display = ":" + std::to_string(n);
-        xvfb = test::Child({"Xvfb", display, "-screen", "0", "1760x1000x24", "-nolisten", "tcp"});
+        // A free display number, chosen by Xvfb itself: other test runs on this machine may
+        // be starting their own servers at the same moment.
+        const fs::path chosen = home.path() / "display";
+        xvfb = test::Child({"Xvfb", "-displayfd", "1", "-screen", "0", "1760x1000x24", "-nolisten", "tcp"},
+                           pathUtf8(chosen));
         ASSERT_TRUE(xvfb.started()) << "Xvfb is missing";
-        ASSERT_TRUE(test::eventually([&] { return fs::exists("/tmp/.X11-unix/X" + std::to_string(n)); }, 10s));
+        ASSERT_TRUE(test::eventually([&] { return test::readAll(chosen).ends_with('\n'); }, 10s));
+        display = ":" + textLines(test::readAll(chosen)).front();
         setenv("DISPLAY", display.c_str(), 1);
         // The socket comes before the server takes clients: a program started then finds no display.
         ASSERT_TRUE(test::eventually([&] { return !x("getdisplaygeometry").empty(); }, 10s)) << "Xvfb takes no clients";
