@@ -70,7 +70,51 @@ public:
         return complete ? std::optional(std::move(bitmap)) : std::nullopt;
     }
 
+    // The whole screen from the bottom up, a band of rows through shared memory at a time,
+    // each converted to the file's rows: no more than a band is held. Without MIT-SHM the
+    // caller grabs the screen whole by a plain request.
+    bool grabRows(ScreenRows& sink) override
+    {
+        const std::int32_t width = m_screen->width_in_pixels;
+        const std::int32_t height = m_screen->height_in_pixels;
+        if (width <= 0 || height <= 0)
+            return false;
+        const std::size_t sourceBytes = static_cast<std::size_t>(width) * 4;
+        const auto bandRows = static_cast<std::int32_t>(
+            std::clamp<std::size_t>(kBandBytes / sourceBytes, 1, static_cast<std::size_t>(height)));
+        const auto shm = SharedImage::attach(m_connection, sourceBytes * static_cast<std::size_t>(bandRows));
+        if (!shm)
+            return false;
+        const std::size_t stride = bitmapStride24(width);
+        std::vector<std::uint8_t> band(stride * static_cast<std::size_t>(bandRows), 0);
+        sink.begin(width, height);
+        for (std::int32_t bottom = height; bottom > 0; bottom -= bandRows) {
+            const std::int32_t top = std::max(0, bottom - bandRows);
+            const std::int32_t count = bottom - top;
+            if (!shm->get(m_screen->root, {0, top, width, count}))
+                return false;
+            for (std::int32_t i = 0; i < count; ++i) // the band's bottom row first
+                packRow(shm->data() + static_cast<std::size_t>(count - 1 - i) * sourceBytes,
+                        band.data() + static_cast<std::size_t>(i) * stride, width);
+            sink.rows(top, count, band.data());
+        }
+        return true;
+    }
+
 private:
+    // One row of 32-bit pixels (blue, green, red, unused; the common layout and the only one
+    // taken) as three bytes each. Four bytes a pixel, the unused one overwritten by the next
+    // pixel: one move each instead of three, over two million pixels a screen.
+    static void packRow(const std::uint8_t* source, std::uint8_t* target, std::int32_t width)
+    {
+        if (width <= 0)
+            return;
+        const std::int32_t last = width - 1;
+        for (std::int32_t x = 0; x < last; ++x)
+            std::memcpy(target + 3 * x, source + 4 * x, 4);
+        std::memcpy(target + 3 * last, source + 4 * last, 3);
+    }
+
     // The whole screen through shared memory when the server offers it (8 MB at 1920x1080
     // need not pass through the socket), else by a plain request. The segment holds a band
     // of rows and lives for one grab: the screen comes a band at a time, and the meter
@@ -114,18 +158,9 @@ private:
         const std::size_t rowBytes = static_cast<std::size_t>(rect.SizeX) * 4;
         if (length < rowBytes * static_cast<std::size_t>(rect.SizeY))
             return false;
-        if (rect.SizeX <= 0)
-            return true;
-        for (std::int32_t y = 0; y < rect.SizeY; ++y) {
-            const std::uint8_t* source = data + static_cast<std::size_t>(y) * rowBytes;
-            std::uint8_t* target = bitmap.screenRow(rect.StartY + y) + 3 * static_cast<std::size_t>(rect.StartX);
-            // Four bytes a pixel, the unused one overwritten by the next pixel: one move
-            // each instead of three, over two million pixels a screen.
-            const std::int32_t last = rect.SizeX - 1;
-            for (std::int32_t x = 0; x < last; ++x)
-                std::memcpy(target + 3 * x, source + 4 * x, 4);
-            std::memcpy(target + 3 * last, source + 4 * last, 3);
-        }
+        for (std::int32_t y = 0; y < rect.SizeY; ++y)
+            packRow(data + static_cast<std::size_t>(y) * rowBytes,
+                    bitmap.screenRow(rect.StartY + y) + 3 * static_cast<std::size_t>(rect.StartX), rect.SizeX);
         return true;
     }
 
