@@ -1,5 +1,6 @@
 // The X11 back end on a virtual screen of a width whose rows need padding: the screen a
-// reading writes out band by band, the whole screen and the regions' grab are one picture.
+// reading writes out band by band, the whole screen and the regions' grab are one picture,
+// and the game window is found by its title where a player's desktop would have it.
 #include "Processes.h"
 
 #include "GameScreen.h"
@@ -9,6 +10,7 @@
 
 #include <xcb/xcb.h>
 
+#include <cstring>
 #include <filesystem>
 #include <vector>
 
@@ -38,7 +40,7 @@ public:
     std::vector<std::uint8_t> bytes;
 };
 
-TEST(X11Screen, BandsWholeScreenAndRegionsAreOnePicture)
+TEST(X11Screen, BandsWholeScreenAndRegionsAreOnePictureAndTheGameIsFoundByTitle)
 {
     int n = 500 + static_cast<int>(getpid() % 400);
     while (std::filesystem::exists("/tmp/.X11-unix/X" + std::to_string(n)))
@@ -97,6 +99,45 @@ TEST(X11Screen, BandsWholeScreenAndRegionsAreOnePicture)
     ASSERT_TRUE(some);
     for (const CaptureRegionRect& rect : regions)
         EXPECT_EQ(regionPixels(*some, rect), regionPixels(*whole, rect));
+
+    // The game window by its title: under the root, or inside a frame as a window manager
+    // puts it; a hidden one does not count, the newer UTF-8 name goes before the older one.
+    const auto window = [&](xcb_window_t parent, const char* oldName, const char* utf8Name, bool shown) {
+        const xcb_window_t id = xcb_generate_id(painter);
+        xcb_create_window(painter, XCB_COPY_FROM_PARENT, id, parent, 10, 10, 50, 40, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                          root->root_visual, 0, nullptr);
+        if (oldName != nullptr)
+            xcb_change_property(painter, XCB_PROP_MODE_REPLACE, id, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8,
+                                static_cast<std::uint32_t>(std::strlen(oldName)), oldName);
+        if (utf8Name != nullptr) {
+            const auto atom = [&](const char* name) {
+                auto* answer = xcb_intern_atom_reply(
+                    painter, xcb_intern_atom(painter, 0, static_cast<std::uint16_t>(std::strlen(name)), name), nullptr);
+                const xcb_atom_t value = answer->atom;
+                std::free(answer);
+                return value;
+            };
+            xcb_change_property(painter, XCB_PROP_MODE_REPLACE, id, atom("_NET_WM_NAME"), atom("UTF8_STRING"), 8,
+                                static_cast<std::uint32_t>(std::strlen(utf8Name)), utf8Name);
+        }
+        if (shown)
+            xcb_map_window(painter, id);
+        return id;
+    };
+    const xcb_window_t frame = window(root->root, nullptr, nullptr, true);
+    const xcb_window_t inner = window(window(frame, nullptr, nullptr, true), "Framed", nullptr, true);
+    const xcb_window_t top = window(root->root, "Old", "メイプル", true);
+    window(root->root, "Hidden", nullptr, false);
+    std::free(xcb_get_input_focus_reply(painter, xcb_get_input_focus(painter), nullptr));
+    xcb_set_input_focus(painter, XCB_INPUT_FOCUS_POINTER_ROOT, top, XCB_CURRENT_TIME);
+    std::free(xcb_get_input_focus_reply(painter, xcb_get_input_focus(painter), nullptr));
+    EXPECT_EQ(screen->state("メイプル"), GameWindowState::Front);
+    EXPECT_EQ(screen->state("Old"), GameWindowState::Missing) << "the UTF-8 name is the title";
+    EXPECT_EQ(screen->state("Framed"), GameWindowState::Background);
+    EXPECT_EQ(screen->state("Hidden"), GameWindowState::Missing);
+    xcb_set_input_focus(painter, XCB_INPUT_FOCUS_POINTER_ROOT, inner, XCB_CURRENT_TIME);
+    std::free(xcb_get_input_focus_reply(painter, xcb_get_input_focus(painter), nullptr));
+    EXPECT_EQ(screen->state("Framed"), GameWindowState::Front);
     xcb_disconnect(painter);
 }
 

@@ -9,7 +9,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <optional>
+#include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tvx::platform {
@@ -28,7 +30,7 @@ public:
 
     GameWindowState state(std::string_view title) override
     {
-        const auto window = findWindow(m_screen->root, title, 0);
+        const auto window = findWindow(m_screen->root, title);
         if (!window)
             return GameWindowState::Missing;
         return inFront(*window) ? GameWindowState::Front : GameWindowState::Background;
@@ -173,43 +175,92 @@ private:
 
     std::string property(xcb_window_t window, xcb_atom_t name, xcb_atom_t type)
     {
-        auto answer = reply(xcb_get_property_reply(
-            m_connection, xcb_get_property(m_connection, 0, window, name, type, 0, 1024), nullptr));
+        return propertyText(requestProperty(window, name, type));
+    }
+
+    xcb_get_property_cookie_t requestProperty(xcb_window_t window, xcb_atom_t name, xcb_atom_t type)
+    {
+        return xcb_get_property(m_connection, 0, window, name, type, 0, 1024);
+    }
+
+    std::string propertyText(xcb_get_property_cookie_t cookie)
+    {
+        auto answer = reply(xcb_get_property_reply(m_connection, cookie, nullptr));
         if (!answer || answer->type == XCB_ATOM_NONE)
             return {};
         return std::string(static_cast<const char*>(xcb_get_property_value(answer.get())),
                            static_cast<std::size_t>(xcb_get_property_value_length(answer.get())));
     }
 
-    std::string title(xcb_window_t window)
+    // Which of the windows are shown, asked all at once: one round trip, not one a window.
+    std::vector<bool> viewable(std::span<const xcb_window_t> windows)
     {
-        std::string name = property(window, m_netWmName, m_utf8);
-        return name.empty() ? property(window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING) : name;
+        std::vector<xcb_get_window_attributes_cookie_t> cookies;
+        for (const xcb_window_t window : windows)
+            cookies.push_back(xcb_get_window_attributes(m_connection, window));
+        std::vector<bool> shown;
+        for (const auto cookie : cookies) {
+            auto attributes = reply(xcb_get_window_attributes_reply(m_connection, cookie, nullptr));
+            shown.push_back(attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE);
+        }
+        return shown;
     }
 
-    bool viewable(xcb_window_t window)
+    // The topmost shown window of these titled `wanted` (its UTF-8 name, else its older
+    // name), the questions for all of them sent together.
+    std::optional<xcb_window_t> titled(std::span<const xcb_window_t> windows, std::string_view wanted)
     {
-        auto attributes = reply(xcb_get_window_attributes_reply(
-            m_connection, xcb_get_window_attributes(m_connection, window), nullptr));
-        return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
+        std::vector<xcb_get_property_cookie_t> names;
+        for (const xcb_window_t window : windows)
+            names.push_back(requestProperty(window, m_netWmName, m_utf8));
+        const std::vector<bool> shown = viewable(windows);
+        std::vector<std::string> titles;
+        for (const auto cookie : names)
+            titles.push_back(propertyText(cookie));
+        std::vector<std::pair<std::size_t, xcb_get_property_cookie_t>> older;
+        for (std::size_t i = 0; i < windows.size(); ++i)
+            if (shown[i] && titles[i].empty())
+                older.emplace_back(i, requestProperty(windows[i], XCB_ATOM_WM_NAME, XCB_ATOM_STRING));
+        for (const auto& [i, cookie] : older)
+            titles[i] = propertyText(cookie);
+        for (std::size_t i = windows.size(); i-- > 0;) // topmost first
+            if (shown[i] && titles[i] == wanted)
+                return windows[i];
+        return std::nullopt;
     }
 
-    // Top-level windows sit under the root, or one level lower inside a window manager's frame.
-    std::optional<xcb_window_t> findWindow(xcb_window_t parent, std::string_view wanted, int depth)
+    std::span<const xcb_window_t> children(const xcb_query_tree_reply_t& tree)
+    {
+        return {xcb_query_tree_children(&tree), static_cast<std::size_t>(xcb_query_tree_children_length(&tree))};
+    }
+
+    // Top-level windows sit under the root, or one level lower inside a window manager's
+    // frame. Each level's questions go out together; the game is looked for every second
+    // while the level watch runs, on desktops of many windows.
+    std::optional<xcb_window_t> findWindow(xcb_window_t parent, std::string_view wanted)
     {
         auto tree = reply(xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, parent), nullptr));
-        if (!tree)
-            return std::nullopt;
-        const xcb_window_t* children = xcb_query_tree_children(tree.get());
-        const int count = xcb_query_tree_children_length(tree.get());
-        for (int i = count - 1; i >= 0; --i) // topmost first
-            if (viewable(children[i]) && title(children[i]) == wanted)
-                return children[i];
+        return tree ? findWindow(*tree, wanted, 0) : std::nullopt;
+    }
+
+    std::optional<xcb_window_t> findWindow(const xcb_query_tree_reply_t& tree, std::string_view wanted, int depth)
+    {
+        const std::span<const xcb_window_t> windows = children(tree);
+        if (auto found = titled(windows, wanted))
+            return found;
         if (depth >= 2)
             return std::nullopt;
-        for (int i = count - 1; i >= 0; --i)
-            if (auto found = findWindow(children[i], wanted, depth + 1))
-                return found;
+        std::vector<xcb_query_tree_cookie_t> trees;
+        for (const xcb_window_t window : windows)
+            trees.push_back(xcb_query_tree(m_connection, window));
+        // Every reply is taken, the ones after a find too; the search goes topmost first.
+        std::vector<Reply<xcb_query_tree_reply_t>> below;
+        for (const auto cookie : trees)
+            below.push_back(reply(xcb_query_tree_reply(m_connection, cookie, nullptr)));
+        for (std::size_t i = below.size(); i-- > 0;)
+            if (below[i])
+                if (auto found = findWindow(*below[i], wanted, depth + 1))
+                    return found;
         return std::nullopt;
     }
 
@@ -235,10 +286,11 @@ private:
         auto tree = reply(xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, m_screen->root), nullptr));
         if (!tree)
             return XCB_NONE;
-        const xcb_window_t* children = xcb_query_tree_children(tree.get());
-        for (int i = xcb_query_tree_children_length(tree.get()) - 1; i >= 0; --i)
-            if (viewable(children[i]))
-                return children[i];
+        const std::span<const xcb_window_t> windows = children(*tree);
+        const std::vector<bool> shown = viewable(windows);
+        for (std::size_t i = windows.size(); i-- > 0;)
+            if (shown[i])
+                return windows[i];
         return XCB_NONE;
     }
 
