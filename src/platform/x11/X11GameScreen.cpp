@@ -72,35 +72,28 @@ public:
         return complete ? std::optional(std::move(bitmap)) : std::nullopt;
     }
 
-    // The whole screen from the bottom up, a band of rows through shared memory at a time,
-    // each converted to the file's rows: no more than a band is held. Without MIT-SHM the
-    // caller grabs the screen whole by a plain request.
+    // The whole screen converted to the file's rows band by band: no more than two bands
+    // are held. Without MIT-SHM the caller grabs the screen whole by a plain request.
     bool grabRows(ScreenRows& sink) override
     {
         const std::int32_t width = m_screen->width_in_pixels;
         const std::int32_t height = m_screen->height_in_pixels;
         if (width <= 0 || height <= 0)
             return false;
-        const std::size_t sourceBytes = static_cast<std::size_t>(width) * 4;
-        const auto bandRows = static_cast<std::int32_t>(
-            std::clamp<std::size_t>(kBandBytes / sourceBytes, 1, static_cast<std::size_t>(height)));
-        const auto shm = SharedImage::attach(m_connection, sourceBytes * static_cast<std::size_t>(bandRows));
-        if (!shm)
-            return false;
         const std::size_t stride = bitmapStride24(width);
-        std::vector<std::uint8_t> band(stride * static_cast<std::size_t>(bandRows), 0);
-        sink.begin(width, height);
-        for (std::int32_t bottom = height; bottom > 0; bottom -= bandRows) {
-            const std::int32_t top = std::max(0, bottom - bandRows);
-            const std::int32_t count = bottom - top;
-            if (!shm->get(m_screen->root, {0, top, width, count}))
-                return false;
+        std::vector<std::uint8_t> band;
+        bool begun = false;
+        return walkBands(width, height, [&](std::int32_t top, std::int32_t count, const std::uint8_t* rows) {
+            if (!begun) {
+                band.assign(stride * static_cast<std::size_t>(count), 0);
+                sink.begin(width, height);
+                begun = true;
+            }
             for (std::int32_t i = 0; i < count; ++i) // the band's bottom row first
-                packRow(shm->data() + static_cast<std::size_t>(count - 1 - i) * sourceBytes,
+                packRow(rows + static_cast<std::size_t>(count - 1 - i) * static_cast<std::size_t>(width) * 4,
                         band.data() + static_cast<std::size_t>(i) * stride, width);
             sink.rows(top, count, band.data());
-        }
-        return true;
+        });
     }
 
 private:
@@ -117,28 +110,57 @@ private:
         std::memcpy(target + 3 * last, source + 4 * last, 3);
     }
 
-    // The whole screen through shared memory when the server offers it (8 MB at 1920x1080
-    // need not pass through the socket), else by a plain request. The segment holds a band
-    // of rows and lives for one grab: the screen comes a band at a time, and the meter
-    // keeps no segment mapped in the minutes between readings.
+    // The screen through shared memory (8 MB at 1920x1080 need not pass through the socket)
+    // a band of rows at a time from the bottom up, each handed to `use` as its top row, its
+    // row count and its rows top first at 32 bits a pixel. The segment holds two bands, so
+    // the server fills the next while this one is used, and lives for one walk: the meter
+    // keeps no segment mapped in the minutes between readings. False without MIT-SHM or
+    // when a band could not be had.
+    template <typename Use>
+    bool walkBands(std::int32_t width, std::int32_t height, Use use)
+    {
+        const std::size_t rowBytes = static_cast<std::size_t>(width) * 4;
+        const auto bandRows = static_cast<std::int32_t>(
+            std::clamp<std::size_t>(kBandBytes / rowBytes, 1, static_cast<std::size_t>(height)));
+        const std::size_t bandBytes = rowBytes * static_cast<std::size_t>(bandRows);
+        const auto shm = SharedImage::attach(m_connection, 2 * bandBytes);
+        if (!shm)
+            return false;
+        const std::int32_t bands = (height + bandRows - 1) / bandRows;
+        const auto band = [&](std::int32_t k) {
+            const std::int32_t bottom = height - k * bandRows;
+            const std::int32_t top = std::max(0, bottom - bandRows);
+            return CaptureRegionRect{0, top, width, bottom - top};
+        };
+        const auto request = [&](std::int32_t k) {
+            return shm->request(m_screen->root, band(k), static_cast<std::size_t>(k % 2) * bandBytes);
+        };
+        auto pending = request(0);
+        bool complete = pending.has_value();
+        for (std::int32_t k = 0; pending; ++k) { // every request is waited for, even after a failure
+            const xcb_shm_get_image_cookie_t cookie = *pending;
+            pending = complete && k + 1 < bands ? request(k + 1) : std::nullopt;
+            complete = shm->wait(cookie) && complete;
+            if (complete) {
+                const CaptureRegionRect rect = band(k);
+                use(rect.StartY, rect.SizeY, shm->data() + static_cast<std::size_t>(k % 2) * bandBytes);
+            }
+        }
+        return complete;
+    }
+
+    // The whole screen by the bands when the server offers them, else by a plain request.
     std::optional<CaptureBitmap> grabWhole(std::int32_t width, std::int32_t height)
     {
         const CaptureRegionRect all{0, 0, width, height};
         CaptureBitmap bitmap = blankCapture(width, height);
         if (bitmap.pixels.empty())
             return std::nullopt;
-        const std::size_t rowBytes = static_cast<std::size_t>(width) * 4;
-        const auto bandRows = static_cast<std::int32_t>(
-            std::clamp<std::size_t>(kBandBytes / rowBytes, 1, static_cast<std::size_t>(height)));
-        if (const auto shm = SharedImage::attach(m_connection, rowBytes * static_cast<std::size_t>(bandRows))) {
-            bool complete = true;
-            for (std::int32_t y = 0; y < height && complete; y += bandRows) {
-                const CaptureRegionRect band{0, y, width, std::min(bandRows, height - y)};
-                complete = shm->get(m_screen->root, band) && put(bitmap, band, shm->data(), shm->size());
-            }
-            if (complete)
-                return bitmap;
-        }
+        const bool banded = walkBands(width, height, [&](std::int32_t top, std::int32_t count, const std::uint8_t* rows) {
+            put(bitmap, {0, top, width, count}, rows, static_cast<std::size_t>(width) * 4 * static_cast<std::size_t>(count));
+        });
+        if (banded)
+            return bitmap;
         auto image = reply(xcb_get_image_reply(m_connection, requestImage(all), nullptr));
         if (!image || !put(bitmap, all, xcb_get_image_data(image.get()),
                            static_cast<std::size_t>(xcb_get_image_data_length(image.get()))))
@@ -294,7 +316,7 @@ private:
         return XCB_NONE;
     }
 
-    // A band of 68 rows at 1920 pixels.
+    // A band of 68 rows at 1920 pixels; the segment holds two.
     static constexpr std::size_t kBandBytes = std::size_t{512} << 10;
 
     xcb_connection_t* m_connection;
