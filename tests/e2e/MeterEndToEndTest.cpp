@@ -34,14 +34,9 @@ class MeterEndToEndTest : public testing::Test {
 protected:
     void SetUp() override
     {
-        // A free display number, chosen by Xvfb itself: other test runs on this machine may
-        // be starting their own servers at the same moment.
-        const fs::path chosen = home.path() / "display";
-        xvfb = test::Child({"Xvfb", "-displayfd", "1", "-screen", "0", "1760x1000x24", "-nolisten", "tcp"},
-                           pathUtf8(chosen));
-        ASSERT_TRUE(xvfb.started()) << "Xvfb is missing";
-        ASSERT_TRUE(test::eventually([&] { return test::readAll(chosen).ends_with('\n'); }, 10s));
-        display = ":" + textLines(test::readAll(chosen)).front();
+        screen = test::startVirtualScreen("1760x1000x24", pathUtf8(home.path()));
+        ASSERT_FALSE(screen.display.empty()) << "Xvfb is missing or did not start";
+        display = screen.display;
         setenv("DISPLAY", display.c_str(), 1);
         // The socket comes before the server takes clients: a program started then finds no display.
         ASSERT_TRUE(test::eventually([&] { return !x("getdisplaygeometry").empty(); }, 10s)) << "Xvfb takes no clients";
@@ -66,7 +61,7 @@ protected:
     fs::path save = home.path() / "save";
     fs::path state = home.path() / "practice-state.txt";
     std::string display;
-    test::Child xvfb;
+    test::VirtualScreen screen;
 };
 
 TEST_F(MeterEndToEndTest, TheMeterReadsThePracticeTargetAndAnswersGestures)

@@ -44,6 +44,9 @@ public:
     std::function<void()> onGrab;
     int grabs = 0;
     std::vector<std::size_t> grabbedRegions; // per grab; 0 is the whole screen
+    // The whole screen is offered in bands of this many rows, as the X11 back end does
+    // (0: not offered, as on Windows).
+    std::int32_t bandRows = 7;
 
     void WaitMs(std::int32_t ms) override
     {
@@ -66,6 +69,27 @@ public:
         ++grabs;
         grabbedRegions.push_back(wanted.size());
         return screens.empty() ? std::nullopt : next(screens);
+    }
+    bool grabRows(ScreenRows& sink) override
+    {
+        if (bandRows <= 0)
+            return false;
+        if (onGrab)
+            onGrab();
+        ++grabs;
+        grabbedRegions.push_back(0);
+        const std::optional<CaptureBitmap> screen = screens.empty() ? std::nullopt : next(screens);
+        if (!screen)
+            return false;
+        const auto height = static_cast<std::int32_t>(screen->rows);
+        sink.begin(screen->infoHeader.biWidth, height);
+        // The bottom band first; the file keeps the bottom row first, so each band is a run of it.
+        for (std::int32_t bottom = height; bottom > 0; bottom -= bandRows) {
+            const std::int32_t top = std::max(0, bottom - bandRows);
+            sink.rows(top, bottom - top,
+                      screen->pixels.data() + static_cast<std::size_t>((height - bottom) * screen->stride));
+        }
+        return true;
     }
     bool pressPrintScreen() override
     {

@@ -91,4 +91,32 @@ inline bool eventually(const std::function<bool()>& condition, std::chrono::mill
     return condition();
 }
 
+// An Xvfb server of the given size ("1760x1000x24") on a display number it chooses itself,
+// since other test runs on this machine may be starting servers at the same moment. The
+// number is passed through a file in the folder; display is empty when no server came up.
+struct VirtualScreen {
+    Child server;
+    std::string display;
+};
+
+inline VirtualScreen startVirtualScreen(const std::string& size, const std::string& folder)
+{
+    const std::string chosen = folder + "/display";
+    VirtualScreen screen{Child({"Xvfb", "-displayfd", "1", "-screen", "0", size, "-nolisten", "tcp"}, chosen), {}};
+    std::string number;
+    const bool told = screen.server.started() && eventually([&] {
+        number.clear();
+        if (FILE* file = std::fopen(chosen.c_str(), "r")) {
+            char buffer[32] = {};
+            if (std::fgets(buffer, sizeof buffer, file) != nullptr)
+                number = buffer;
+            std::fclose(file);
+        }
+        return !number.empty() && number.back() == '\n';
+    }, std::chrono::seconds(10));
+    if (told)
+        screen.display = ":" + number.substr(0, number.size() - 1);
+    return screen;
+}
+
 } // namespace tvx::test

@@ -215,12 +215,15 @@ int RecognitionCycle::GetPictForClip(int region)
     // A whole reading takes the whole screen, once a cycle: it is the picture the pattern
     // save and the options window show. The level watch and the money re-read take only
     // their region, and leave that picture alone.
-    std::vector<CaptureRegionRect> wanted;
-    if (region >= 0)
-        wanted.push_back(m_settings.CaptureRegion[static_cast<std::size_t>(region)]);
     std::optional<CaptureBitmap> screen;
     ScreenCapture::Result taken = ScreenCapture::Result::NoPicture;
-    if (!trapErrors(m_log, "GetPictForClip", [&] { taken = m_capture.take(wanted, screen, region < 0); })) {
+    const bool captured = trapErrors(m_log, "GetPictForClip", [&] {
+        if (region < 0)
+            taken = m_capture.takeReading(m_settings.CaptureRegion, screen);
+        else
+            taken = m_capture.take(std::span(&m_settings.CaptureRegion[static_cast<std::size_t>(region)], 1), screen);
+    });
+    if (!captured) {
         securePixels();
         return -1;
     }
@@ -240,8 +243,6 @@ int RecognitionCycle::GetPictForClip(int region)
             if (region < 0 || region == r)
                 m_recognizer.fill(r, *screen);
     });
-    if (region < 0)
-        m_capture.keep(std::move(screen));
     if (!filled) {
         securePixels();
         return -2;

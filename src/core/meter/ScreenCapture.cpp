@@ -7,6 +7,8 @@
 #include "shell/DebugLog.h"
 
 #include <algorithm>
+#include <cstring>
+#include <vector>
 
 namespace tvx {
 
@@ -83,8 +85,131 @@ ScreenCapture::Result ScreenCapture::printScreenRoute(std::optional<CaptureBitma
     return Result::Taken;
 }
 
-ScreenCapture::Result ScreenCapture::take(std::span<const CaptureRegionRect> wanted, std::optional<CaptureBitmap>& image,
-                                          bool toKeep)
+namespace {
+
+// A reading's whole screen as the source hands it over: every band goes on to the capture
+// file, the regions' pixels into a small image, and whether it is all black is noted.
+class ReadingRows final : public ScreenRows {
+public:
+    ReadingRows(const std::filesystem::path& file, std::span<const CaptureRegionRect> regions)
+        : m_file(file), m_regions(regions.begin(), regions.end())
+    {
+    }
+
+    bool opened() const { return m_file.good(); }
+
+    void begin(std::int32_t width, std::int32_t height) override
+    {
+        m_width = width;
+        m_height = height;
+        m_file.begin(width, height);
+        // As a grab of the regions gives it: black but for them, ending where the furthest does.
+        std::int32_t right = 1;
+        std::int32_t bottom = 1;
+        for (CaptureRegionRect& rect : m_regions) {
+            const std::int32_t x0 = std::clamp(rect.StartX, 0, width);
+            const std::int32_t y0 = std::clamp(rect.StartY, 0, height);
+            const std::int32_t x1 = std::clamp(rect.StartX + rect.SizeX, 0, width);
+            const std::int32_t y1 = std::clamp(rect.StartY + rect.SizeY, 0, height);
+            right = std::max(right, x1);
+            bottom = std::max(bottom, y1);
+            rect = {x0, y0, std::max(0, x1 - x0), std::max(0, y1 - y0)};
+        }
+        m_image = blankCapture(right, bottom);
+        m_blackRow.assign(3 * static_cast<std::size_t>(std::max(width, 0)), 0);
+    }
+
+    void rows(std::int32_t top, std::int32_t count, const std::uint8_t* data) override
+    {
+        if (m_image.pixels.empty() || top < 0 || count <= 0 || top + count > m_height) {
+            m_failed = true;
+            return;
+        }
+        m_file.write(data, count);
+        const std::size_t stride = bitmapStride24(m_width);
+        const std::size_t rowBytes = 3 * static_cast<std::size_t>(m_width);
+        for (std::int32_t i = 0; i < count; ++i) {
+            const std::int32_t y = top + count - 1 - i;
+            const std::uint8_t* row = data + static_cast<std::size_t>(i) * stride;
+            if (m_black) // until the first ink: a screen's black half costs a compare, not a loop
+                m_black = std::memcmp(row, m_blackRow.data(), rowBytes) == 0;
+            if (y >= m_image.rows)
+                continue;
+            for (const CaptureRegionRect& rect : m_regions)
+                if (y >= rect.StartY && y < rect.StartY + rect.SizeY)
+                    std::copy_n(row + 3 * static_cast<std::size_t>(rect.StartX), 3 * static_cast<std::size_t>(rect.SizeX),
+                                m_image.screenRow(y) + 3 * static_cast<std::size_t>(rect.StartX));
+        }
+        m_rowsSeen += count;
+    }
+
+    bool complete() const { return !m_failed && m_height > 0 && m_rowsSeen == m_height && m_file.good(); }
+    bool black() const { return m_black; }
+    bool commit() { return m_file.commit(); }
+    CaptureBitmap& image() { return m_image; }
+
+private:
+    BitmapWriter m_file;
+    std::vector<CaptureRegionRect> m_regions;
+    std::int32_t m_width = 0;
+    std::int32_t m_height = 0;
+    std::int32_t m_rowsSeen = 0;
+    bool m_black = true;
+    bool m_failed = false;
+    CaptureBitmap m_image;
+    std::vector<std::uint8_t> m_blackRow;
+};
+
+} // namespace
+
+ScreenCapture::Result ScreenCapture::take(std::span<const CaptureRegionRect> wanted, std::optional<CaptureBitmap>& image)
+{
+    return takeScreen(wanted, image, false);
+}
+
+ScreenCapture::Result ScreenCapture::takeReading(std::span<const CaptureRegionRect> regions,
+                                                 std::optional<CaptureBitmap>& image)
+{
+    Result result = Result::NoPicture;
+    if (!streamReading(regions, image, result))
+        result = takeScreen({}, image, true);
+    if (result == Result::Taken && image)
+        keep(*image);
+    return result;
+}
+
+bool ScreenCapture::streamReading(std::span<const CaptureRegionRect> regions, std::optional<CaptureBitmap>& image,
+                                  Result& result)
+{
+    image.reset();
+    m_takenInFile.reset();
+    if (m_settings.ScreenCapture != CaptureMethod::Direct || m_captureFile.empty())
+        return false;
+    ReadingRows screen(m_captureFile, regions);
+    if (!screen.opened() || !m_screen.grabRows(screen) || !screen.complete())
+        return false;
+    if (screen.black()) {
+        // Until the key route has its picture, the file still holds the last reading's.
+        bool routeExists = false;
+        std::optional<CaptureBitmap> viaKey;
+        const Result viaKeyResult = printScreenRoute(viaKey, routeExists);
+        if (routeExists) {
+            noteOnce(m_saidBlack, "Direct Capture Black : PrintScreen Route Used ");
+            image = std::move(viaKey);
+            result = viaKeyResult;
+            return true;
+        }
+    }
+    if (!screen.commit())
+        return false;
+    m_takenInFile = captureFileStamp();
+    image = std::move(screen.image());
+    result = Result::Taken;
+    return true;
+}
+
+ScreenCapture::Result ScreenCapture::takeScreen(std::span<const CaptureRegionRect> wanted,
+                                                std::optional<CaptureBitmap>& image, bool toKeep)
 {
     image.reset();
     m_takenInFile.reset();
@@ -141,14 +266,14 @@ std::optional<ScreenCapture::FileStamp> ScreenCapture::captureFileStamp() const
     return FileStamp{size, written};
 }
 
-void ScreenCapture::keep(std::optional<CaptureBitmap>&& image)
+void ScreenCapture::keep(const CaptureBitmap& screen)
 {
     m_keptInFile.reset();
     m_keptInMemory.reset();
-    if (image && m_takenInFile)
+    if (m_takenInFile)
         m_keptInFile = m_takenInFile;
     else
-        m_keptInMemory = std::move(image);
+        m_keptInMemory = screen;
 }
 
 std::optional<CaptureBitmap> ScreenCapture::kept() const

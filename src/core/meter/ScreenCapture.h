@@ -30,19 +30,21 @@ public:
 
     void setCaptureFile(std::filesystem::path path);
 
-    // `wanted` as for ScreenSource::grab; empty asks for the whole screen. `toKeep` says the
-    // picture is to become the kept one (below), so the one kept before need not be saved
-    // from the capture file that this take may replace.
-    Result take(std::span<const CaptureRegionRect> wanted, std::optional<CaptureBitmap>& image, bool toKeep = false);
+    // `wanted` as for ScreenSource::grab; empty asks for the whole screen.
+    Result take(std::span<const CaptureRegionRect> wanted, std::optional<CaptureBitmap>& image);
 
-    // The picture of the last take() becomes the one kept for the player (the reading's
-    // whole screen, which the pattern save and the options window show). It stays in the
-    // capture file when the take wrote it there, so the meter does not hold a screen's
-    // 6 MB between readings; it is held in memory when there is no such file, its write
-    // failed, or another capture is about to replace the file.
-    void keep(std::optional<CaptureBitmap>&& image);
-    // The kept picture; nullopt when none was kept or the capture file that held it was
-    // changed by someone else.
+    // A reading: the whole screen for the capture file, where it is kept for the player
+    // (below), and the image the recogniser reads its `regions` from, of one moment. Where
+    // the source hands the screen over in bands and the file takes them, the screen goes
+    // to the file without being held whole, and the image holds only the regions (black
+    // elsewhere, as far as the furthest one reaches); otherwise it is the whole screen.
+    Result takeReading(std::span<const CaptureRegionRect> regions, std::optional<CaptureBitmap>& image);
+
+    // The last reading's whole screen, which the pattern save and the options window show;
+    // nullopt when there was none or the capture file that held it was changed by someone
+    // else. It stays in the capture file when the reading wrote it there, so the meter does
+    // not hold a screen's 6 MB between readings; it is held in memory when there is no such
+    // file, its write failed, or another capture is about to replace the file.
     std::optional<CaptureBitmap> kept() const;
 
 private:
@@ -54,9 +56,17 @@ private:
     };
     std::optional<FileStamp> captureFileStamp() const;
 
+    // `toKeep`: the picture is a reading's, to replace the kept one, which then need not be
+    // saved from the capture file this take may replace.
+    Result takeScreen(std::span<const CaptureRegionRect> wanted, std::optional<CaptureBitmap>& image, bool toKeep);
+    // The reading through the source's bands; false when that route is not there (no
+    // capture file, one that cannot be written, a source without bands): nothing was taken.
+    bool streamReading(std::span<const CaptureRegionRect> regions, std::optional<CaptureBitmap>& image, Result& result);
     Result printScreenRoute(std::optional<CaptureBitmap>& image, bool& routeExists);
     void noteOnce(bool& said, const char* line);
     void keepInCaptureFile(const CaptureBitmap& image, bool toKeep);
+    // The reading's whole screen (`screen`) becomes the kept picture.
+    void keep(const CaptureBitmap& screen);
     // Before the capture file is written: a kept picture that lives there moves to memory.
     void holdKeptPicture();
 
@@ -67,7 +77,7 @@ private:
     std::filesystem::path m_captureFile;
     bool m_saidNoRoute = false;
     bool m_saidBlack = false;
-    // The capture file as the last take() left it, when that take's picture is the file.
+    // The capture file as the last take left it, when that take's picture is the file.
     std::optional<FileStamp> m_takenInFile;
     // The kept picture: in the file with this stamp, or in memory.
     std::optional<FileStamp> m_keptInFile;

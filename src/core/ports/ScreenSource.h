@@ -3,10 +3,22 @@
 #include "config/Settings.h"
 #include "recognition/CaptureFile.h"
 
+#include <cstdint>
 #include <optional>
 #include <span>
 
 namespace tvx {
+
+// Takes a whole screen a band of rows at a time, in the order a bitmap file keeps them.
+class ScreenRows {
+public:
+    virtual ~ScreenRows() = default;
+    // The screen's size, before any rows.
+    virtual void begin(std::int32_t width, std::int32_t height) = 0;
+    // Screen rows top .. top + count - 1, the bottom one first, bitmapStride24(width) bytes
+    // each: blue, green, red a pixel, then zeros. The bottom band comes first.
+    virtual void rows(std::int32_t top, std::int32_t count, const std::uint8_t* data) = 0;
+};
 
 // Port: the screen, in screen coordinates at 24 bits per pixel, by two routes.
 //
@@ -21,6 +33,11 @@ class ScreenSource {
 public:
     virtual ~ScreenSource() = default;
     virtual std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect> wanted) = 0;
+    // The whole screen of the direct route handed to `sink` in bands, for a caller that
+    // writes it out and reads only some rectangles, so that the screen is never held
+    // whole. False when the source does not offer it or the screen could not be had
+    // (rows already handed over are then to be dropped): the caller grabs it whole.
+    virtual bool grabRows(ScreenRows& /*sink*/) { return false; }
     virtual bool pressPrintScreen() { return false; }
     virtual std::optional<CaptureBitmap> clipboardPicture() { return std::nullopt; }
 };

@@ -303,6 +303,64 @@ bool writeBitmap24(const std::filesystem::path& path, const CaptureBitmap& bitma
     });
 }
 
+std::size_t bitmapStride24(std::int32_t width)
+{
+    return stride24(width);
+}
+
+BitmapWriter::BitmapWriter(std::filesystem::path path) : m_path(std::move(path))
+{
+    m_temporary = m_path;
+    m_temporary += ".tmp";
+    m_out.open(m_temporary, std::ios::binary | std::ios::trunc);
+}
+
+BitmapWriter::~BitmapWriter()
+{
+    if (m_committed)
+        return;
+    const bool opened = m_out.is_open();
+    m_out.close();
+    std::error_code ec;
+    if (opened)
+        std::filesystem::remove(m_temporary, ec);
+}
+
+void BitmapWriter::begin(std::int32_t width, std::int32_t height)
+{
+    if (!good() || m_rowsLeft >= 0 || width <= 0 || height <= 0) {
+        m_out.setstate(std::ios::failbit);
+        return;
+    }
+    m_stride = stride24(width);
+    m_rowsLeft = height;
+    const std::vector<std::uint8_t> header = header24(width, height);
+    m_out.write(reinterpret_cast<const char*>(header.data()), static_cast<std::streamsize>(header.size()));
+}
+
+void BitmapWriter::write(const std::uint8_t* rows, std::int32_t count)
+{
+    if (!good() || count <= 0 || count > m_rowsLeft) {
+        m_out.setstate(std::ios::failbit);
+        return;
+    }
+    m_out.write(reinterpret_cast<const char*>(rows), static_cast<std::streamsize>(m_stride * static_cast<std::size_t>(count)));
+    m_rowsLeft -= count;
+}
+
+bool BitmapWriter::commit()
+{
+    if (!good() || m_rowsLeft != 0 || !m_out.flush())
+        return false;
+    m_out.close();
+    if (m_out.fail())
+        return false;
+    std::error_code ec;
+    std::filesystem::rename(m_temporary, m_path, ec);
+    m_committed = !ec;
+    return m_committed;
+}
+
 CaptureBitmap blankCapture(std::int32_t width, std::int32_t height)
 {
     CaptureBitmap bitmap;

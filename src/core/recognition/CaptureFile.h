@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <span>
 #include <string>
 #include <string_view>
@@ -81,6 +82,38 @@ std::vector<std::uint8_t> encodeBitmap24(const Frame& frame);
 bool writeBitmap24(const std::filesystem::path& path, const Frame& frame);
 // The same file from a 24-bit capture, written from its rows without copying them.
 bool writeBitmap24(const std::filesystem::path& path, const CaptureBitmap& bitmap);
+// The bytes of one row of a 24-bit bitmap of that width: three a pixel, padded to four.
+std::size_t bitmapStride24(std::int32_t width);
+
+// A 24-bit bottom-up bitmap file written a band of rows at a time, through a temporary
+// name: commit() puts it in place once every row is there; a writer dropped before that
+// leaves no file behind. For a screen that need not be held whole to be written.
+class BitmapWriter {
+public:
+    // Opens the temporary file; the size comes with begin().
+    explicit BitmapWriter(std::filesystem::path path);
+    ~BitmapWriter();
+    BitmapWriter(const BitmapWriter&) = delete;
+    BitmapWriter& operator=(const BitmapWriter&) = delete;
+
+    // The temporary file is open and every write so far went through.
+    bool good() const { return m_out.good(); }
+    // The headers of a picture of that size.
+    void begin(std::int32_t width, std::int32_t height);
+    // The next `count` rows in file order (the bottom row first), bitmapStride24(width) bytes each.
+    void write(const std::uint8_t* rows, std::int32_t count);
+    // False, and no file, unless every row was written and the file is in place.
+    bool commit();
+
+private:
+    std::filesystem::path m_path;
+    std::filesystem::path m_temporary;
+    std::ofstream m_out;
+    std::size_t m_stride = 0;
+    std::int64_t m_rowsLeft = -1; // before begin()
+    bool m_committed = false;
+};
+
 // The frame as the capture file reader would give it back.
 CaptureBitmap toCaptureBitmap(const Frame& frame);
 // A black 24-bit bottom-up capture of that size, for a screen source to fill in place

@@ -2,11 +2,13 @@
 #include "SoundFactory.h"
 
 #include <alsa/asoundlib.h>
+#include <dlfcn.h>
 #include <xcb/xcb.h>
 
 #include <cmath>
 #include <cstdint>
 #include <numbers>
+#include <optional>
 #include <vector>
 
 namespace tvx::platform {
@@ -33,15 +35,60 @@ std::vector<std::int16_t> sineTone(std::int32_t frequencyHz, std::int32_t durati
 // ALSA reports a missing card on stderr at every open; a meter without sound says nothing.
 void quietAlsa(const char*, int, const char*, int, const char*, ...) {}
 
+// ALSA, loaded at the first tone: most players keep the capture beep off, and the library
+// costs a quarter of a megabyte of memory from start-up on when linked.
+struct Alsa {
+    decltype(&snd_lib_error_set_handler) setErrorHandler = nullptr;
+    decltype(&snd_pcm_open) open = nullptr;
+    decltype(&snd_pcm_nonblock) nonblock = nullptr;
+    decltype(&snd_pcm_close) close = nullptr;
+    decltype(&snd_pcm_set_params) setParams = nullptr;
+    decltype(&snd_pcm_writei) writei = nullptr;
+    decltype(&snd_pcm_recover) recover = nullptr;
+    decltype(&snd_pcm_drain) drain = nullptr;
+
+    // Null when the library or one of its functions is missing: then there is no tone.
+    static const Alsa* get()
+    {
+        static const std::optional<Alsa> loaded = load();
+        return loaded ? &*loaded : nullptr;
+    }
+
+private:
+    static std::optional<Alsa> load()
+    {
+        void* library = dlopen("libasound.so.2", RTLD_LAZY | RTLD_LOCAL);
+        if (library == nullptr)
+            return std::nullopt;
+        Alsa alsa;
+        const bool found = bind(library, "snd_lib_error_set_handler", alsa.setErrorHandler) &&
+                           bind(library, "snd_pcm_open", alsa.open) && bind(library, "snd_pcm_nonblock", alsa.nonblock) &&
+                           bind(library, "snd_pcm_close", alsa.close) &&
+                           bind(library, "snd_pcm_set_params", alsa.setParams) &&
+                           bind(library, "snd_pcm_writei", alsa.writei) && bind(library, "snd_pcm_recover", alsa.recover) &&
+                           bind(library, "snd_pcm_drain", alsa.drain);
+        if (!found)
+            return std::nullopt; // the library stays loaded: it is asked once a run
+        alsa.setErrorHandler(quietAlsa);
+        return alsa;
+    }
+
+    template <typename Function>
+    static bool bind(void* library, const char* name, Function& function)
+    {
+        function = reinterpret_cast<Function>(dlsym(library, name));
+        return function != nullptr;
+    }
+};
+
 class PcmHandle {
 public:
-    PcmHandle()
+    explicit PcmHandle(const Alsa& alsa) : m_alsa(alsa)
     {
-        snd_lib_error_set_handler(quietAlsa);
         // Non-blocking open: a device held by another program must not freeze the window.
-        if (snd_pcm_open(&m_pcm, "default", SND_PCM_STREAM_PLAYBACK, SND_PCM_NONBLOCK) < 0)
+        if (m_alsa.open(&m_pcm, "default", SND_PCM_STREAM_PLAYBACK, SND_PCM_NONBLOCK) < 0)
             m_pcm = nullptr;
-        else if (snd_pcm_nonblock(m_pcm, 0) < 0)
+        else if (m_alsa.nonblock(m_pcm, 0) < 0)
             close();
     }
     ~PcmHandle() { close(); }
@@ -53,9 +100,10 @@ private:
     void close()
     {
         if (m_pcm)
-            snd_pcm_close(m_pcm);
+            m_alsa.close(m_pcm);
         m_pcm = nullptr;
     }
+    const Alsa& m_alsa;
     snd_pcm_t* m_pcm = nullptr;
 };
 
@@ -76,16 +124,19 @@ public:
     {
         if (frequencyHz <= 0 || durationMs <= 0)
             return;
-        const PcmHandle pcm;
-        if (!pcm.get() || snd_pcm_set_params(pcm.get(), SND_PCM_FORMAT_S16, SND_PCM_ACCESS_RW_INTERLEAVED, 1, kRate, 1,
-                                              50000) < 0)
+        const Alsa* alsa = Alsa::get();
+        if (alsa == nullptr)
+            return;
+        const PcmHandle pcm(*alsa);
+        if (!pcm.get() ||
+            alsa->setParams(pcm.get(), SND_PCM_FORMAT_S16, SND_PCM_ACCESS_RW_INTERLEAVED, 1, kRate, 1, 50000) < 0)
             return;
         const std::vector<std::int16_t> samples = sineTone(frequencyHz, durationMs);
-        snd_pcm_sframes_t written = snd_pcm_writei(pcm.get(), samples.data(), samples.size());
-        if (written < 0 && snd_pcm_recover(pcm.get(), static_cast<int>(written), 1) == 0)
-            written = snd_pcm_writei(pcm.get(), samples.data(), samples.size());
+        snd_pcm_sframes_t written = alsa->writei(pcm.get(), samples.data(), samples.size());
+        if (written < 0 && alsa->recover(pcm.get(), static_cast<int>(written), 1) == 0)
+            written = alsa->writei(pcm.get(), samples.data(), samples.size());
         if (written > 0)
-            snd_pcm_drain(pcm.get());
+            alsa->drain(pcm.get());
     }
 };
 

@@ -45,15 +45,25 @@ SharedImage::~SharedImage()
 
 bool SharedImage::get(xcb_drawable_t drawable, const CaptureRegionRect& rect)
 {
-    if (static_cast<std::size_t>(rect.SizeX) * static_cast<std::size_t>(rect.SizeY) * 4 > m_size)
-        return false;
-    auto answer = reply(xcb_shm_get_image_reply(
-        m_connection,
-        xcb_shm_get_image(m_connection, drawable, static_cast<std::int16_t>(rect.StartX),
-                          static_cast<std::int16_t>(rect.StartY), static_cast<std::uint16_t>(rect.SizeX),
-                          static_cast<std::uint16_t>(rect.SizeY), ~0u, XCB_IMAGE_FORMAT_Z_PIXMAP, m_segment, 0),
-        nullptr));
-    return answer != nullptr;
+    const auto cookie = request(drawable, rect, 0);
+    return cookie && wait(*cookie);
+}
+
+std::optional<xcb_shm_get_image_cookie_t> SharedImage::request(xcb_drawable_t drawable, const CaptureRegionRect& rect,
+                                                               std::size_t offset)
+{
+    const std::size_t bytes = static_cast<std::size_t>(rect.SizeX) * static_cast<std::size_t>(rect.SizeY) * 4;
+    if (offset > m_size || bytes > m_size - offset)
+        return std::nullopt;
+    return xcb_shm_get_image(m_connection, drawable, static_cast<std::int16_t>(rect.StartX),
+                             static_cast<std::int16_t>(rect.StartY), static_cast<std::uint16_t>(rect.SizeX),
+                             static_cast<std::uint16_t>(rect.SizeY), ~0u, XCB_IMAGE_FORMAT_Z_PIXMAP, m_segment,
+                             static_cast<std::uint32_t>(offset));
+}
+
+bool SharedImage::wait(xcb_shm_get_image_cookie_t cookie)
+{
+    return reply(xcb_shm_get_image_reply(m_connection, cookie, nullptr)) != nullptr;
 }
 
 } // namespace tvx::platform

@@ -2,11 +2,13 @@
 
 #include "config/Settings.h"
 
+#include <xcb/shm.h>
 #include <xcb/xcb.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 namespace tvx::platform {
 
@@ -23,6 +25,13 @@ public:
     // Has the server write the rectangle of the drawable (32 bits per pixel, Z pixmap) to
     // the start of the segment; false on any failure.
     bool get(xcb_drawable_t drawable, const CaptureRegionRect& rect);
+    // The same in two steps, at `offset` bytes into the segment, so that the caller can use
+    // one part of the segment while the server fills another. nullopt when the rectangle
+    // does not fit there.
+    std::optional<xcb_shm_get_image_cookie_t> request(xcb_drawable_t drawable, const CaptureRegionRect& rect,
+                                                      std::size_t offset);
+    // True when the request was carried out; every request is to be waited for.
+    bool wait(xcb_shm_get_image_cookie_t cookie);
     const std::uint8_t* data() const { return m_data; }
     std::size_t size() const { return m_size; }
 

@@ -9,7 +9,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <optional>
+#include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tvx::platform {
@@ -28,7 +30,7 @@ public:
 
     GameWindowState state(std::string_view title) override
     {
-        const auto window = findWindow(m_screen->root, title, 0);
+        const auto window = findWindow(m_screen->root, title);
         if (!window)
             return GameWindowState::Missing;
         return inFront(*window) ? GameWindowState::Front : GameWindowState::Background;
@@ -70,29 +72,95 @@ public:
         return complete ? std::optional(std::move(bitmap)) : std::nullopt;
     }
 
+    // The whole screen converted to the file's rows band by band: no more than two bands
+    // are held. Without MIT-SHM the caller grabs the screen whole by a plain request.
+    bool grabRows(ScreenRows& sink) override
+    {
+        const std::int32_t width = m_screen->width_in_pixels;
+        const std::int32_t height = m_screen->height_in_pixels;
+        if (width <= 0 || height <= 0)
+            return false;
+        const std::size_t stride = bitmapStride24(width);
+        std::vector<std::uint8_t> band;
+        bool begun = false;
+        return walkBands(width, height, [&](std::int32_t top, std::int32_t count, const std::uint8_t* rows) {
+            if (!begun) {
+                band.assign(stride * static_cast<std::size_t>(count), 0);
+                sink.begin(width, height);
+                begun = true;
+            }
+            for (std::int32_t i = 0; i < count; ++i) // the band's bottom row first
+                packRow(rows + static_cast<std::size_t>(count - 1 - i) * static_cast<std::size_t>(width) * 4,
+                        band.data() + static_cast<std::size_t>(i) * stride, width);
+            sink.rows(top, count, band.data());
+        });
+    }
+
 private:
-    // The whole screen through shared memory when the server offers it (8 MB at 1920x1080
-    // need not pass through the socket), else by a plain request. The segment holds a band
-    // of rows and lives for one grab: the screen comes a band at a time, and the meter
-    // keeps no segment mapped in the minutes between readings.
+    // One row of 32-bit pixels (blue, green, red, unused; the common layout and the only one
+    // taken) as three bytes each. Four bytes a pixel, the unused one overwritten by the next
+    // pixel: one move each instead of three, over two million pixels a screen.
+    static void packRow(const std::uint8_t* source, std::uint8_t* target, std::int32_t width)
+    {
+        if (width <= 0)
+            return;
+        const std::int32_t last = width - 1;
+        for (std::int32_t x = 0; x < last; ++x)
+            std::memcpy(target + 3 * x, source + 4 * x, 4);
+        std::memcpy(target + 3 * last, source + 4 * last, 3);
+    }
+
+    // The screen through shared memory (8 MB at 1920x1080 need not pass through the socket)
+    // a band of rows at a time from the bottom up, each handed to `use` as its top row, its
+    // row count and its rows top first at 32 bits a pixel. The segment holds two bands, so
+    // the server fills the next while this one is used, and lives for one walk: the meter
+    // keeps no segment mapped in the minutes between readings. False without MIT-SHM or
+    // when a band could not be had.
+    template <typename Use>
+    bool walkBands(std::int32_t width, std::int32_t height, Use use)
+    {
+        const std::size_t rowBytes = static_cast<std::size_t>(width) * 4;
+        const auto bandRows = static_cast<std::int32_t>(
+            std::clamp<std::size_t>(kBandBytes / rowBytes, 1, static_cast<std::size_t>(height)));
+        const std::size_t bandBytes = rowBytes * static_cast<std::size_t>(bandRows);
+        const auto shm = SharedImage::attach(m_connection, 2 * bandBytes);
+        if (!shm)
+            return false;
+        const std::int32_t bands = (height + bandRows - 1) / bandRows;
+        const auto band = [&](std::int32_t k) {
+            const std::int32_t bottom = height - k * bandRows;
+            const std::int32_t top = std::max(0, bottom - bandRows);
+            return CaptureRegionRect{0, top, width, bottom - top};
+        };
+        const auto request = [&](std::int32_t k) {
+            return shm->request(m_screen->root, band(k), static_cast<std::size_t>(k % 2) * bandBytes);
+        };
+        auto pending = request(0);
+        bool complete = pending.has_value();
+        for (std::int32_t k = 0; pending; ++k) { // every request is waited for, even after a failure
+            const xcb_shm_get_image_cookie_t cookie = *pending;
+            pending = complete && k + 1 < bands ? request(k + 1) : std::nullopt;
+            complete = shm->wait(cookie) && complete;
+            if (complete) {
+                const CaptureRegionRect rect = band(k);
+                use(rect.StartY, rect.SizeY, shm->data() + static_cast<std::size_t>(k % 2) * bandBytes);
+            }
+        }
+        return complete;
+    }
+
+    // The whole screen by the bands when the server offers them, else by a plain request.
     std::optional<CaptureBitmap> grabWhole(std::int32_t width, std::int32_t height)
     {
         const CaptureRegionRect all{0, 0, width, height};
         CaptureBitmap bitmap = blankCapture(width, height);
         if (bitmap.pixels.empty())
             return std::nullopt;
-        const std::size_t rowBytes = static_cast<std::size_t>(width) * 4;
-        const auto bandRows = static_cast<std::int32_t>(
-            std::clamp<std::size_t>(kBandBytes / rowBytes, 1, static_cast<std::size_t>(height)));
-        if (const auto shm = SharedImage::attach(m_connection, rowBytes * static_cast<std::size_t>(bandRows))) {
-            bool complete = true;
-            for (std::int32_t y = 0; y < height && complete; y += bandRows) {
-                const CaptureRegionRect band{0, y, width, std::min(bandRows, height - y)};
-                complete = shm->get(m_screen->root, band) && put(bitmap, band, shm->data(), shm->size());
-            }
-            if (complete)
-                return bitmap;
-        }
+        const bool banded = walkBands(width, height, [&](std::int32_t top, std::int32_t count, const std::uint8_t* rows) {
+            put(bitmap, {0, top, width, count}, rows, static_cast<std::size_t>(width) * 4 * static_cast<std::size_t>(count));
+        });
+        if (banded)
+            return bitmap;
         auto image = reply(xcb_get_image_reply(m_connection, requestImage(all), nullptr));
         if (!image || !put(bitmap, all, xcb_get_image_data(image.get()),
                            static_cast<std::size_t>(xcb_get_image_data_length(image.get()))))
@@ -114,18 +182,9 @@ private:
         const std::size_t rowBytes = static_cast<std::size_t>(rect.SizeX) * 4;
         if (length < rowBytes * static_cast<std::size_t>(rect.SizeY))
             return false;
-        if (rect.SizeX <= 0)
-            return true;
-        for (std::int32_t y = 0; y < rect.SizeY; ++y) {
-            const std::uint8_t* source = data + static_cast<std::size_t>(y) * rowBytes;
-            std::uint8_t* target = bitmap.screenRow(rect.StartY + y) + 3 * static_cast<std::size_t>(rect.StartX);
-            // Four bytes a pixel, the unused one overwritten by the next pixel: one move
-            // each instead of three, over two million pixels a screen.
-            const std::int32_t last = rect.SizeX - 1;
-            for (std::int32_t x = 0; x < last; ++x)
-                std::memcpy(target + 3 * x, source + 4 * x, 4);
-            std::memcpy(target + 3 * last, source + 4 * last, 3);
-        }
+        for (std::int32_t y = 0; y < rect.SizeY; ++y)
+            packRow(data + static_cast<std::size_t>(y) * rowBytes,
+                    bitmap.screenRow(rect.StartY + y) + 3 * static_cast<std::size_t>(rect.StartX), rect.SizeX);
         return true;
     }
 
@@ -138,43 +197,92 @@ private:
 
     std::string property(xcb_window_t window, xcb_atom_t name, xcb_atom_t type)
     {
-        auto answer = reply(xcb_get_property_reply(
-            m_connection, xcb_get_property(m_connection, 0, window, name, type, 0, 1024), nullptr));
+        return propertyText(requestProperty(window, name, type));
+    }
+
+    xcb_get_property_cookie_t requestProperty(xcb_window_t window, xcb_atom_t name, xcb_atom_t type)
+    {
+        return xcb_get_property(m_connection, 0, window, name, type, 0, 1024);
+    }
+
+    std::string propertyText(xcb_get_property_cookie_t cookie)
+    {
+        auto answer = reply(xcb_get_property_reply(m_connection, cookie, nullptr));
         if (!answer || answer->type == XCB_ATOM_NONE)
             return {};
         return std::string(static_cast<const char*>(xcb_get_property_value(answer.get())),
                            static_cast<std::size_t>(xcb_get_property_value_length(answer.get())));
     }
 
-    std::string title(xcb_window_t window)
+    // Which of the windows are shown, asked all at once: one round trip, not one a window.
+    std::vector<bool> viewable(std::span<const xcb_window_t> windows)
     {
-        std::string name = property(window, m_netWmName, m_utf8);
-        return name.empty() ? property(window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING) : name;
+        std::vector<xcb_get_window_attributes_cookie_t> cookies;
+        for (const xcb_window_t window : windows)
+            cookies.push_back(xcb_get_window_attributes(m_connection, window));
+        std::vector<bool> shown;
+        for (const auto cookie : cookies) {
+            auto attributes = reply(xcb_get_window_attributes_reply(m_connection, cookie, nullptr));
+            shown.push_back(attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE);
+        }
+        return shown;
     }
 
-    bool viewable(xcb_window_t window)
+    // The topmost shown window of these titled `wanted` (its UTF-8 name, else its older
+    // name), the questions for all of them sent together.
+    std::optional<xcb_window_t> titled(std::span<const xcb_window_t> windows, std::string_view wanted)
     {
-        auto attributes = reply(xcb_get_window_attributes_reply(
-            m_connection, xcb_get_window_attributes(m_connection, window), nullptr));
-        return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
+        std::vector<xcb_get_property_cookie_t> names;
+        for (const xcb_window_t window : windows)
+            names.push_back(requestProperty(window, m_netWmName, m_utf8));
+        const std::vector<bool> shown = viewable(windows);
+        std::vector<std::string> titles;
+        for (const auto cookie : names)
+            titles.push_back(propertyText(cookie));
+        std::vector<std::pair<std::size_t, xcb_get_property_cookie_t>> older;
+        for (std::size_t i = 0; i < windows.size(); ++i)
+            if (shown[i] && titles[i].empty())
+                older.emplace_back(i, requestProperty(windows[i], XCB_ATOM_WM_NAME, XCB_ATOM_STRING));
+        for (const auto& [i, cookie] : older)
+            titles[i] = propertyText(cookie);
+        for (std::size_t i = windows.size(); i-- > 0;) // topmost first
+            if (shown[i] && titles[i] == wanted)
+                return windows[i];
+        return std::nullopt;
     }
 
-    // Top-level windows sit under the root, or one level lower inside a window manager's frame.
-    std::optional<xcb_window_t> findWindow(xcb_window_t parent, std::string_view wanted, int depth)
+    std::span<const xcb_window_t> children(const xcb_query_tree_reply_t& tree)
+    {
+        return {xcb_query_tree_children(&tree), static_cast<std::size_t>(xcb_query_tree_children_length(&tree))};
+    }
+
+    // Top-level windows sit under the root, or one level lower inside a window manager's
+    // frame. Each level's questions go out together; the game is looked for every second
+    // while the level watch runs, on desktops of many windows.
+    std::optional<xcb_window_t> findWindow(xcb_window_t parent, std::string_view wanted)
     {
         auto tree = reply(xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, parent), nullptr));
-        if (!tree)
-            return std::nullopt;
-        const xcb_window_t* children = xcb_query_tree_children(tree.get());
-        const int count = xcb_query_tree_children_length(tree.get());
-        for (int i = count - 1; i >= 0; --i) // topmost first
-            if (viewable(children[i]) && title(children[i]) == wanted)
-                return children[i];
+        return tree ? findWindow(*tree, wanted, 0) : std::nullopt;
+    }
+
+    std::optional<xcb_window_t> findWindow(const xcb_query_tree_reply_t& tree, std::string_view wanted, int depth)
+    {
+        const std::span<const xcb_window_t> windows = children(tree);
+        if (auto found = titled(windows, wanted))
+            return found;
         if (depth >= 2)
             return std::nullopt;
-        for (int i = count - 1; i >= 0; --i)
-            if (auto found = findWindow(children[i], wanted, depth + 1))
-                return found;
+        std::vector<xcb_query_tree_cookie_t> trees;
+        for (const xcb_window_t window : windows)
+            trees.push_back(xcb_query_tree(m_connection, window));
+        // Every reply is taken, the ones after a find too; the search goes topmost first.
+        std::vector<Reply<xcb_query_tree_reply_t>> below;
+        for (const auto cookie : trees)
+            below.push_back(reply(xcb_query_tree_reply(m_connection, cookie, nullptr)));
+        for (std::size_t i = below.size(); i-- > 0;)
+            if (below[i])
+                if (auto found = findWindow(*below[i], wanted, depth + 1))
+                    return found;
         return std::nullopt;
     }
 
@@ -200,14 +308,15 @@ private:
         auto tree = reply(xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, m_screen->root), nullptr));
         if (!tree)
             return XCB_NONE;
-        const xcb_window_t* children = xcb_query_tree_children(tree.get());
-        for (int i = xcb_query_tree_children_length(tree.get()) - 1; i >= 0; --i)
-            if (viewable(children[i]))
-                return children[i];
+        const std::span<const xcb_window_t> windows = children(*tree);
+        const std::vector<bool> shown = viewable(windows);
+        for (std::size_t i = windows.size(); i-- > 0;)
+            if (shown[i])
+                return windows[i];
         return XCB_NONE;
     }
 
-    // A band of 68 rows at 1920 pixels.
+    // A band of 68 rows at 1920 pixels; the segment holds two.
     static constexpr std::size_t kBandBytes = std::size_t{512} << 10;
 
     xcb_connection_t* m_connection;

@@ -5,6 +5,7 @@
 #include "support/GameScreen.h"
 #include "support/ReadFile.h"
 #include "support/TempFolder.h"
+#include "view/RegionPreview.h"
 
 #include <gtest/gtest.h>
 
@@ -99,6 +100,58 @@ TEST_F(ScreenCaptureTest, TheKeyRouteGoesThroughTheCaptureFile)
     EXPECT_EQ(image->pixels, game.pixels);
     const std::vector<std::uint8_t> file = encodeBitmap24(toFrame(game));
     EXPECT_EQ(test::readAll(home.path() / "Capture.bmp"), std::string(file.begin(), file.end()));
+}
+
+TEST_F(ScreenCaptureTest, AReadingWritesTheWholeScreenToTheFileAndReadsTheRegionsOfTheSameMoment)
+{
+    const CaptureBitmap fromKey = test::gameCapture({"1", "2", "3"}, ScreenMode::FullScreen, 7);
+    const CaptureBitmap narrow = toCaptureBitmap(test::gameScreen({"9", "8", "7"}, ScreenMode::FullScreen, 3, 1023, 700));
+    const std::filesystem::path file = home.path() / "Capture.bmp";
+    const struct {
+        const char* name;
+        std::int32_t bandRows; // 0: the source offers no bands
+        std::filesystem::path captureFile;
+        CaptureBitmap screen;
+        bool keyExists;
+        const CaptureBitmap* expected; // the whole screen kept, and in the file when there is one
+        bool wholeImage;               // the image is that whole screen, not the regions only
+    } cases[] = {
+        {"bands", 7, file, game, false, &game, false},
+        {"bands of one row, padded rows", 1, file, narrow, false, &narrow, false},
+        {"no bands", 0, file, game, false, &game, true},
+        {"no capture file", 7, {}, game, false, &game, true},
+        {"a capture file that cannot be written", 7, home.path() / "missing" / "Capture.bmp", game, false, &game, true},
+        {"black, the key route", 7, file, blackScreen(), true, &fromKey, true},
+        {"black, no key route", 7, file, blackScreen(), false, nullptr, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::filesystem::remove(file);
+        machine.bandRows = c.bandRows;
+        machine.printScreenKey = c.keyExists;
+        machine.screens = {c.screen};
+        machine.clipboard = {fromKey};
+        ScreenCapture fresh{settings, machine, machine, log};
+        fresh.setCaptureFile(c.captureFile);
+        std::optional<CaptureBitmap> image;
+        ASSERT_EQ(fresh.takeReading(settings.CaptureRegion, image), ScreenCapture::Result::Taken);
+        ASSERT_TRUE(image);
+        const CaptureBitmap& whole = c.expected != nullptr ? *c.expected : c.screen;
+        for (const CaptureRegionRect& rect : settings.CaptureRegion)
+            EXPECT_EQ(regionPixels(*image, rect), regionPixels(whole, rect));
+        EXPECT_EQ(image->pixels.size() == whole.pixels.size(), c.wholeImage);
+        if (c.wholeImage) {
+            EXPECT_EQ(image->pixels, whole.pixels);
+        }
+        const std::optional<CaptureBitmap> kept = fresh.kept();
+        ASSERT_TRUE(kept);
+        EXPECT_EQ(kept->pixels, whole.pixels);
+        if (c.captureFile == file) {
+            const std::vector<std::uint8_t> bytes = encodeBitmap24(toFrame(whole));
+            EXPECT_EQ(test::readAll(file), std::string(bytes.begin(), bytes.end()));
+        }
+        EXPECT_FALSE(std::filesystem::exists(file.string() + ".tmp"));
+    }
 }
 
 TEST(ScreenCaptureBlack, OnlyTheWantedRectanglesCount)
