@@ -1,8 +1,10 @@
 #include "AppStart.h"
 
 #include "base/Errors.h"
+#include "base/Language.h"
 #include "base/Utf8Path.h"
 #include "config/ConfigFile.h"
+#include "config/Settings.h"
 #include "ports/Waiter.h"
 #include "shell/DebugLog.h"
 
@@ -46,12 +48,14 @@ void writeQuietly(DebugLog& log, const std::string& text, int mode = DebugLog::k
 } // namespace
 
 void startUp(DebugLog& log, const std::string& title, const std::filesystem::path& programFolder,
-             const LibraryCheck& check, Prompter& prompter, ConfigFile& config)
+             const LibraryCheck& check, Prompter& prompter, ConfigFile& config, std::string_view systemLocale)
 {
+    setLanguage(languageOfLocale(systemLocale));
     writeQuietly(log, "Starting Program  " + title, DebugLog::kNewLog);
     writeQuietly(log, "Execute Folder : " + pathUtf8(programFolder));
     CheckSystemFiles(check.libraries, check.canLoad, prompter, log);
     config.run(ConfigFile::Load);
+    applyLanguage(config.settings(), systemLocale);
     writeQuietly(log, "Reading ConfigFile ･･･ End ");
 }
 

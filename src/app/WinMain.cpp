@@ -68,7 +68,8 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int show)
     const std::unique_ptr<tvx::TextCodec> codec = platform::makeTextCodec();
     tvx::ConfigFile config(settings, home, prompter, *codec, &log);
     tvx::app::startUp(log, tvx::programTitle(settings.SearchWindowName), platform::programFolder(),
-                      {platform::requiredLibraries(), platform::canLoadLibrary}, prompter, config);
+                      {platform::requiredLibraries(), platform::canLoadLibrary}, prompter, config,
+                      platform::systemLocale());
 
     tvx::win32ui::FormMain window(tvx::programTitle(settings.SearchWindowName), log, home);
     prompter.setOwner(window.handle());

@@ -54,7 +54,8 @@ int main(int argc, char** argv)
     const std::unique_ptr<tvx::TextCodec> codec = tvx::platform::makeTextCodec();
     tvx::ConfigFile config(settings, home, prompter, *codec, &log);
     tvx::app::startUp(log, tvx::programTitle(settings.SearchWindowName), tvx::platform::programFolder(),
-                      {tvx::platform::requiredLibraries(), tvx::platform::canLoadLibrary}, prompter, config);
+                      {tvx::platform::requiredLibraries(), tvx::platform::canLoadLibrary}, prompter, config,
+                      tvx::platform::systemLocale());
 
     tvx::ui::FormMain window(tvx::programTitle(settings.SearchWindowName), log, home);
     tvx::ui::QtWaiter waiter;

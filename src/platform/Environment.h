@@ -14,4 +14,8 @@ EnvironmentFacts gatherEnvironment();
 std::vector<RequiredLibrary> requiredLibraries();
 bool canLoadLibrary(const std::string& name);
 
+// The user's language and region as the system names them ("ja_JP.UTF-8", "ko-KR"); "" when
+// it names none.
+std::string systemLocale();
+
 } // namespace tvx::platform

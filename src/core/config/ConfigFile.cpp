@@ -1,5 +1,6 @@
 #include "config/ConfigFile.h"
 
+#include "base/Language.h"
 #include "base/CopyOver.h"
 #include "base/Utf8Path.h"
 #include "config/PatternColumns.h"
@@ -227,6 +228,7 @@ void readOwnLines(FieldReader& in, Settings& s, std::vector<std::string>& notes)
     s.CompactY = fresh.CompactY;
     s.CompactOpacity = fresh.CompactOpacity;
     s.CompactShown = fresh.CompactShown;
+    s.UiLanguage = fresh.UiLanguage;
     const auto line = [&](std::size_t values, const std::string& name, const auto& read) {
         if (in.atEnd())
             return;
@@ -290,6 +292,12 @@ void readOwnLines(FieldReader& in, Settings& s, std::vector<std::string>& notes)
         s.CompactY = y;
         s.CompactOpacity = opacity;
         s.CompactShown = shown;
+    });
+    line(1, "Language", [&] {
+        const std::string code = in.text();
+        if (!languageFromCode(code))
+            throw RuntimeError(ErrorNumber::InvalidProcedureCall);
+        s.UiLanguage = code;
     });
 }
 
@@ -466,6 +474,8 @@ std::string configFileText(const Settings& s)
     line(N(s.NextLevelWindow) + ",          次のレベルまでの時間に使う時給の期間(分 0:全体)");
     line(N(s.CompactX) + "," + N(s.CompactY) + "," + N(s.CompactOpacity) + "," + N(s.CompactShown) +
          ",          小窓の位置、不透明度(％)、表示するかどうか");
+    if (!s.UiLanguage.empty())
+        line(s.UiLanguage + " ,          表示の言語(ja:日本語 en:English ko:한국어)");
     return out;
 }
 

@@ -1,5 +1,7 @@
 #include "config/Settings.h"
 
+#include "base/Language.h"
+
 namespace tvx {
 
 std::string programName(std::string_view searchWindowName)
@@ -74,6 +76,13 @@ Settings defaultSettings(std::string_view programFolder, ScreenMode mode)
     Settings settings;
     restoreDefaults(settings, programFolder, mode);
     return settings;
+}
+
+void applyLanguage(Settings& settings, std::string_view systemLocale)
+{
+    const Language language = languageFromCode(settings.UiLanguage).value_or(languageOfLocale(systemLocale));
+    settings.UiLanguage = languageCode(language);
+    setLanguage(language);
 }
 
 } // namespace tvx

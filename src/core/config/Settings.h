@@ -115,9 +115,15 @@ struct Settings {
     std::int32_t CompactY = kUnplaced;
     std::int32_t CompactOpacity = 90;
     bool CompactShown = false;
+    // The windows' language ("ja", "en", "ko"); empty until the first start chose the system's.
+    std::string UiLanguage;
 
     friend bool operator==(const Settings&, const Settings&) = default;
 };
+
+// Makes the configured language the current one; with none configured, the system locale's,
+// which the settings then keep.
+void applyLanguage(Settings& settings, std::string_view systemLocale);
 
 inline constexpr std::string_view kVersionText = "Ver.2.20";
 

@@ -184,4 +184,13 @@ bool canLoadLibrary(const std::string& name)
     return true;
 }
 
+std::string systemLocale()
+{
+    // The order the C library itself takes them in for messages.
+    for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"})
+        if (const char* value = std::getenv(name); value != nullptr && *value != '\0')
+            return value;
+    return {};
+}
+
 } // namespace tvx::platform

@@ -301,4 +301,12 @@ bool canLoadLibrary(const std::string& name)
     return true;
 }
 
+std::string systemLocale()
+{
+    wchar_t name[LOCALE_NAME_MAX_LENGTH] = {};
+    if (GetUserDefaultLocaleName(name, LOCALE_NAME_MAX_LENGTH) <= 0)
+        return {};
+    return utf8(name);
+}
+
 } // namespace tvx::platform
