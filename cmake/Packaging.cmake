@@ -1,10 +1,11 @@
 # Windows: `cpack -G ZIP` in the Windows build makes Tallivex-<version>-win64.zip with the
 # programs, the help documents (installed with the desktop program) and a Japanese
-# read-me, all in one folder; nothing to install beside them (the runtime is linked
-# statically).
+# read-me, all in one folder, with the English and Korean documents in en/ and ko/ inside
+# it; nothing to install beside them (the runtime is linked statically).
 # Linux: `cpack` (-G DEB) in a Linux build with the desktop program makes
 # tallivex_<version>_<arch>.deb: the programs in /usr/bin, the help documents in
-# /usr/share/tallivex, a menu entry with its icons and AppStream metadata.
+# /usr/share/tallivex (translations in its en/ and ko/), a menu entry with its icons and
+# AppStream metadata.
 set(CPACK_PACKAGE_NAME Tallivex)
 set(CPACK_PACKAGE_VENDOR Tallivex)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
@@ -14,6 +15,10 @@ set(CPACK_STRIP_FILES ON)
 
 if(WIN32)
   install(FILES ${PROJECT_SOURCE_DIR}/docs/windows/お読みください.txt DESTINATION ${CMAKE_INSTALL_BINDIR})
+  foreach(language ${TALLIVEX_DOCUMENT_LANGUAGES})
+    install(FILES ${PROJECT_SOURCE_DIR}/docs/windows/${language}/お読みください.txt
+      DESTINATION ${CMAKE_INSTALL_BINDIR}/${language})
+  endforeach()
   set(CPACK_SYSTEM_NAME win64)
 elseif(TARGET tallivex AND TARGET tallivex-practice)
   set(linux ${PROJECT_SOURCE_DIR}/src/app/linux)

@@ -52,8 +52,9 @@ expected=(usr/bin/tallivex usr/bin/tallivex-cli usr/bin/tallivex-practice
 for size in 48 128 256; do
   expected+=("usr/share/icons/hicolor/${size}x$size/apps/org.tallivex.Tallivex.png")
 done
-for document in "$source"/docs/help/*; do
-  expected+=("usr/share/tallivex/$(basename "$document")")
+# The Japanese documents and each translation's folder beside them.
+for document in "$source"/docs/help/* "$source"/docs/help/*/*; do
+  if [ -f "$document" ]; then expected+=("usr/share/tallivex/${document#"$source"/docs/help/}"); fi
 done
 for name in "${expected[@]}"; do
   grep -qxF "./$name" <<<"$listing" || fail "$name is not in the package"
