@@ -23,7 +23,7 @@ export DISPLAY=":$(cat "$work/display")"
 pids+=($!)
 "$build/src/cli/tallivex-cli" config defaults --home "$work/home" --fullscreen >/dev/null 2>&1
 # With the compact window open over the game, as a player keeps it.
-sed -i '$ s/False ,/True ,/' "$work/home/TV2MConfig.ini"
+sed -i '/小窓/ s/False ,/True ,/' "$work/home/TV2MConfig.ini"
 ticks=$(getconf CLK_TCK)
 
 median() { sort -n | awk '{v[NR]=$1} END {print v[int((NR+1)/2)]}'; }

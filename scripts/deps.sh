@@ -5,9 +5,10 @@ set -euo pipefail
 
 packages=(cmake ninja-build g++ pkg-config qt6-base-dev libxcb1-dev libxcb-xinput-dev libxcb-shm0-dev libasound2-dev fonts-noto-cjk)
 if [ "${1:-run}" = test ]; then
-  # The last line: making the Debian package (dpkg-shlibdeps) and checking it.
+  # The last line: making the Debian package (dpkg-shlibdeps) and checking it; the
+  # translations checked against the texts of the code (xgettext, msgcmp).
   packages+=(libgtest-dev g++-mingw-w64-x86-64-posix xvfb xauth xdotool imagemagick wine64 clang libclang-rt-14-dev
-    dpkg-dev appstream desktop-file-utils lintian)
+    dpkg-dev appstream desktop-file-utils lintian gettext)
 else
   packages+=(xvfb xauth)
 fi

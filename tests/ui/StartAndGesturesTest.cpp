@@ -56,7 +56,7 @@ TEST(StartUp, TheDebugLogTellsTheRunInOrder)
     const app::LibraryCheck check{{{"present.so", "x"}, {"missing.so", "warning"}},
                                   [](const std::string& name) { return name == "present.so"; }};
     prompter.answers = {true, true}; // a first start: full screen, confirmed
-    app::startUp(log, programTitle("MapleStory"), program.path(), check, prompter, config);
+    app::startUp(log, programTitle("MapleStory"), program.path(), check, prompter, config, "ja_JP.UTF-8");
     {
         settings.StartDelay = 0;
         ui::FormMain window(programTitle("MapleStory"), log, program.path());

@@ -198,6 +198,7 @@ TEST_F(ConfigFileTest, EveryFieldSurvivesASaveAndALoad)
     s.CompactY = 700;
     s.CompactOpacity = 35;
     s.CompactShown = true;
+    s.UiLanguage = "ko";
     run(ConfigFile::Save);
     EXPECT_TRUE(m_prompter.shown.empty());
     const Settings saved = s;
@@ -242,11 +243,11 @@ TEST_F(ConfigFileTest, OurLineAfterTheSixtyIsOptionalAndNeverCondemnsTheFile)
         {"7\r\n", CaptureMethod::Direct},
     };
     // Values out of their range keep the defaults, line by line.
-    const std::string badLive = "0\r\n0\r\n0\r\n0\r\n\r\n\r\n\r\n1,0\r\n45\r\n0,0,101,1\r\n";
+    const std::string badLive = "0\r\n0\r\n0\r\n0\r\n\r\n\r\n\r\n1,0\r\n45\r\n0,0,101,1\r\nxx ,\r\n";
     writeAll(file(), m_codec->toCp932(sixty + badLive));
     run(ConfigFile::Load);
-    EXPECT_EQ(std::tie(m_settings.StallAlarm, m_settings.NextLevelWindow, m_settings.CompactOpacity),
-              std::make_tuple(false, 30, 90));
+    EXPECT_EQ(std::tie(m_settings.StallAlarm, m_settings.NextLevelWindow, m_settings.CompactOpacity, m_settings.UiLanguage),
+              std::make_tuple(false, 30, 90, std::string()));
     for (const auto& c : cases) {
         writeAll(file(), m_codec->toCp932(sixty + c.extra));
         m_settings.ScreenCapture = c.expected == CaptureMethod::Direct ? CaptureMethod::PrintScreen : CaptureMethod::Direct;
