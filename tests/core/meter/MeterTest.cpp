@@ -215,13 +215,7 @@ TEST_F(MeterTest, TheStallAlarmSoundsOncePerStallAndAgainAfterAGain)
         }
         const std::string& box = meter().logBox().text();
         EXPECT_EQ(box.find("停滞  15分間経験値が増えていません") != std::string::npos, alarm) << box;
-        const std::size_t lines = [&] {
-            std::size_t n = 0;
-            for (std::size_t at = box.find("  停滞  "); at != std::string::npos; at = box.find("  停滞  ", at + 1))
-                ++n;
-            return n;
-        }();
-        EXPECT_EQ(lines, alarm ? 2u : 0u);
+        EXPECT_EQ(test::countOf(box, "  停滞  "), alarm ? 2u : 0u);
         EXPECT_EQ(beeps[4], beeps[3]) << "not yet 15 minutes";
         EXPECT_EQ(beeps[5] - beeps[4], alarm ? 1u : 0u);
         EXPECT_EQ(beeps[9], beeps[5]) << "the failed readings are the same stall";
