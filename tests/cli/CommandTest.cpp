@@ -13,6 +13,8 @@
 #include "support/JsonPath.h"
 #include "support/ReadFile.h"
 #include "support/TempFolder.h"
+#include "support/TestData.h"
+#include "support/TextChecks.h"
 
 #include <gtest/gtest.h>
 
@@ -226,16 +228,7 @@ TEST_F(CommandTest, AFewScreensTeachAnUnknownFontThatRecognizeThenReads)
         args.insert(args.end(), taught[i].begin(), taught[i].end());
     }
     ASSERT_EQ(inHome(cli::runLearn, args), 0) << err.str();
-    EXPECT_EQ(out.str(),
-              "{\"region\":\"level\",\"images\":5,\"mode\":\"exact\",\"width\":6,\"threshold\":188,"
-              "\"thresholdProposed\":false,\"learnt\":\"0123456789\",\"missing\":\"\",\"endMark\":true,"
-              "\"separator\":null,\"ambiguous\":false,\"replaced\":false}\n"
-              "{\"region\":\"exp\",\"images\":5,\"mode\":\"exact\",\"width\":6,\"threshold\":133,"
-              "\"thresholdProposed\":false,\"learnt\":\"0123456789\",\"missing\":\"\",\"endMark\":true,"
-              "\"separator\":0,\"ambiguous\":false,\"replaced\":false}\n"
-              "{\"region\":\"money\",\"images\":5,\"mode\":\"exact\",\"width\":6,\"threshold\":223,"
-              "\"thresholdProposed\":false,\"learnt\":\"0123456789\",\"missing\":\"\",\"endMark\":true,"
-              "\"separator\":2,\"ambiguous\":false,\"replaced\":false}\n");
+    EXPECT_EQ(out.str(), test::testData("cli/learn-five-screens.txt", false));
 
     const std::string unseen = fontImage("new.bmp", {"185", "7301264", "6,543,210"}, 9);
     EXPECT_EQ(inHome(cli::runRecognize, {unseen}), 0) << err.str();
@@ -251,14 +244,10 @@ TEST_F(CommandTest, SkippedRegionsKeepTheirTemplatesAndReportWhatIsMissing)
               0)
         << err.str();
     const std::string printed = out.str();
-    EXPECT_NE(printed.find("\"region\":\"level\",\"images\":2,\"mode\":\"exact\",\"width\":6,\"threshold\":188,"
-                       "\"thresholdProposed\":false,\"learnt\":\"37\",\"missing\":\"01245689\""),
-              std::string::npos)
-        << printed;
-    EXPECT_NE(printed.find("{\"region\":\"exp\",\"images\":0,\"mode\":\"exact\",\"width\":5,\"threshold\":133,"
-                       "\"thresholdProposed\":false,\"learnt\":\"\",\"missing\":\"\""),
-              std::string::npos)
-        << printed;
+    EXPECT_HOLDS(printed,
+                 "\"region\":\"level\",\"images\":2,\"mode\":\"exact\",\"width\":6,\"threshold\":188," "\"thresholdProposed\":false,\"learnt\":\"37\",\"missing\":\"01245689\"");
+    EXPECT_HOLDS(printed,
+                 "{\"region\":\"exp\",\"images\":0,\"mode\":\"exact\",\"width\":5,\"threshold\":133," "\"thresholdProposed\":false,\"learnt\":\"\",\"missing\":\"\"");
     // Lines 21 to 33 hold the level's settings, 34 to 59 those of the experience and money.
     const auto lines = [](const std::string& text, std::ptrdiff_t first, std::ptrdiff_t last) {
         const std::vector<std::string> all = test::splitLines(text);
@@ -276,12 +265,11 @@ TEST_F(CommandTest, ScreensTaughtOneACallAddUpAndLoadAsSaved)
     for (std::uint32_t i = 0; i < std::size(calls); ++i) {
         const std::string image = fontImage(std::to_string(i) + ".bmp", {calls[i][0], calls[i][1], ""}, i + 1);
         ASSERT_EQ(inHome(cli::runLearn, {image, calls[i][0], calls[i][1], "-"}), 0) << err.str();
-        EXPECT_EQ(out.str().find("\"replaced\":true"), std::string::npos) << "call " << i << ": " << out.str();
+        EXPECT_LACKS(out.str(), "\"replaced\":true") << "call " << i << ": " << out.str();
         // Read back as the program loads it: no back-up, no defaults in its place.
         const std::string saved = configFile();
         EXPECT_EQ(inHome(cli::runRecognize, {image}), 0) << err.str();
-        EXPECT_NE(out.str().find("\"level\":" + calls[i][0] + ",\"exp\":" + calls[i][1]), std::string::npos)
-            << out.str();
+        EXPECT_HOLDS(out.str(), "\"level\":" + calls[i][0] + ",\"exp\":" + calls[i][1]);
         EXPECT_EQ(configFile(), saved);
         EXPECT_FALSE(std::filesystem::exists(home / "TV2MConfigBack.ini"));
     }
@@ -290,8 +278,8 @@ TEST_F(CommandTest, ScreensTaughtOneACallAddUpAndLoadAsSaved)
                      {fontImage("held.bmp", {"147", "9831", ""}, 7), fontImage("new.bmp", {"56", "3", ""}, 8)}),
               0);
     const std::string printed = out.str();
-    EXPECT_NE(printed.find("\"level\":147,\"exp\":9831"), std::string::npos) << printed;
-    EXPECT_NE(printed.find("\"level\":-1,\"exp\":3,"), std::string::npos) << printed;
+    EXPECT_HOLDS(printed, "\"level\":147,\"exp\":9831");
+    EXPECT_HOLDS(printed, "\"level\":-1,\"exp\":3,");
 }
 
 TEST_F(CommandTest, ARefusedImageSavesNothing)
@@ -300,24 +288,23 @@ TEST_F(CommandTest, ARefusedImageSavesNothing)
     const std::string good = fontImage("good.bmp", {"37", "", ""});
     const std::string wrong = fontImage("wrong.bmp", {"73", "", ""}, 2);
     EXPECT_EQ(inHome(cli::runLearn, {good, "37", "-", "-", wrong, "37", "-", "-"}), 2);
-    EXPECT_NE(err.str().find(wrong + ": level 37: the digit 3 differs from the one learnt before"), std::string::npos)
-        << err.str();
-    EXPECT_NE(err.str().find("nothing was saved"), std::string::npos);
+    EXPECT_HOLDS(err.str(), wrong + ": level 37: the digit 3 differs from the one learnt before");
+    EXPECT_HOLDS(err.str(), "nothing was saved");
     EXPECT_EQ(out.str(), "");
     EXPECT_EQ(configFile(), before);
 
     EXPECT_EQ(inHome(cli::runLearn, {good, "37", "-"}), 1);
     EXPECT_EQ(inHome(cli::runLearn, {good, "3x", "-", "-"}), 2);
-    EXPECT_NE(err.str().find("level 3x: not a number"), std::string::npos) << err.str();
+    EXPECT_HOLDS(err.str(), "level 3x: not a number");
 }
 
 TEST_F(CommandTest, RecognizeInWindowModeReadsTheShiftedRegions)
 {
     const auto image = gameImage("w.bmp", {"42", "777", "31"}, ScreenMode::Window);
     EXPECT_EQ(run(cli::runRecognize, {"--window-mode", image}), 0);
-    EXPECT_NE(out.str().find("\"level\":42,\"exp\":777,\"money\":31"), std::string::npos) << out.str();
+    EXPECT_HOLDS(out.str(), "\"level\":42,\"exp\":777,\"money\":31");
     EXPECT_EQ(run(cli::runRecognize, {image}), 0);
-    EXPECT_NE(out.str().find("\"level\":-1,\"exp\":-1,\"money\":-1"), std::string::npos) << out.str();
+    EXPECT_HOLDS(out.str(), "\"level\":-1,\"exp\":-1,\"money\":-1");
 }
 
 TEST_F(CommandTest, RecognizesTraceGoesToStandardError)
@@ -325,8 +312,8 @@ TEST_F(CommandTest, RecognizesTraceGoesToStandardError)
     const auto image = gameImage("t.bmp", {"5", "12", "3"});
     EXPECT_EQ(run(cli::runRecognize, {"--trace", image}), 0);
     const std::string trace = err.str();
-    EXPECT_NE(trace.find("category0 変換データ : "), std::string::npos);
-    EXPECT_NE(trace.find("1 認識:\n2 認識:\n 認識:デリミタ"), std::string::npos) << trace;
+    EXPECT_HOLDS(trace, "category0 変換データ : ");
+    EXPECT_HOLDS(trace, "1 認識:\n2 認識:\n 認識:デリミタ");
 }
 
 // Each image that cannot be read is named with its result; the others are still read.
@@ -347,7 +334,7 @@ TEST_F(CommandTest, RecognizeNamesUnreadableImagesAndStillReadsTheRest)
     for (const std::string& said :
          {path("broken.bmp") + cannot + "result -4", path("missing.bmp") + cannot + "result -5",
           path("short.bmp") + cannot, path("folder.bmp") + cannot, path("small.bmp") + ": level region: error 9"})
-        EXPECT_NE(err.str().find(said), std::string::npos) << said << "\n" << err.str();
+        EXPECT_HOLDS(err.str(), said) << said << "\n" << err.str();
     EXPECT_TRUE(out.str().ends_with("{\"file\":\"" + test::jsonPath(utf8Path(good)) +
                                       "\",\"level\":9,\"exp\":9,\"money\":9}\n"))
         << out.str();
@@ -362,22 +349,8 @@ TEST_F(CommandTest, ReplayWritesTheRecordFileAndTheLogBox)
     ASSERT_EQ(replay({"--per-session", "--money-scan"}), 0) << err.str();
 
     EXPECT_EQ(test::readAll(saves / "log" / utf8Path("給与明細202401312350.txt")),
-              "\xEF\xBB\xBF 月日 時刻      Lv          Exp              メル           獲得Exp           獲得メル     "
-              "Exp経過(分)   Exp時給(k/h)   メル経過(分)   メル時給(k/h)\r\n"
-              "01/31 23:56    137    1,336,967,353            5,000            3,600                  0           6.0"
-              "             36            0.0               0 \r\n"
-              "02/01 00:02    138    1,410,563,166            5,800       73,595,813                800           6.0"
-              "        735,958            6.0               8 \r\n");
-    EXPECT_EQ(out.str(),
-              " 月日 時刻    Lv     獲得Exp       獲得メル  経過   Exp時給   時給 (k/h)\r\n"
-              "\r\n  137  1,336,963,753         5,000 \r\n"
-              "01/31 23:56  137        3,600             0   6.0        36             \r\n"
-              "02/01 00:02  138   73,595,813           800   6.0   735,958           8 \r\n"
-              " 経過: 2024/01/31 23:50:10  ～  2024/02/01 00:02:10  ＝  0日 0時 12分間\r\n"
-              "    開始  Lv: 137    Exp:         1000      0.00％   ﾒﾙ:            5000 \r\n"
-              "    終了  Lv: 138    Exp:          100      0.00％   ﾒﾙ:            5800 \r\n"
-              "    増加  Lv:   1    Exp:     73599413      0.00％   ﾒﾙ:             800 \r\n"
-              "\r\n");
+              test::testData("cli/replay-record.txt"));
+    EXPECT_EQ(out.str(), test::testData("cli/replay-log-box.txt"));
 }
 
 TEST_F(CommandTest, ReplayRefusesBadArguments)
@@ -388,7 +361,7 @@ TEST_F(CommandTest, ReplayRefusesBadArguments)
     EXPECT_EQ(run(cli::runReplay, {pathUtf8(frames), "--save-folder", "x", "--start", "2024-02-30 10:00"}), 1);
     EXPECT_EQ(run(cli::runReplay, {pathUtf8(home / "none"), "--save-folder", "x"}), 1);
     EXPECT_EQ(replay({"--fast"}), 1);
-    EXPECT_NE(err.str().find("unknown option --fast"), std::string::npos);
+    EXPECT_HOLDS(err.str(), "unknown option --fast");
 }
 
 // Frames that are no image, a folder or an image cut short: each is named, is a failed
@@ -404,9 +377,8 @@ TEST_F(CommandTest, FramesThatCannotBeReadAreNamedAndFailedReadings)
     frame("720.bmp", "137", "4600", "5000");
     EXPECT_EQ(replay({"--per-session", "--csv"}), 2);
     for (const char* name : {"180.bmp", "360.bmp", "540.bmp"})
-        EXPECT_NE(err.str().find(pathUtf8(frames / name) + ": cannot read the image ("), std::string::npos)
-            << err.str();
-    EXPECT_NE(out.str().find("01/31 23:56  認識失敗  全部 NG\r\n"), std::string::npos) << out.str();
+        EXPECT_HOLDS(err.str(), pathUtf8(frames / name) + ": cannot read the image (");
+    EXPECT_HOLDS(out.str(), "01/31 23:56  認識失敗  全部 NG\r\n");
     // The frame at 720 s makes the only record.
     const auto lines = test::splitLines(test::readAll(saves / "log" / utf8Path("給与明細202401312350.csv")));
     ASSERT_EQ(lines.size(), 2u) << out.str() << err.str();
@@ -425,7 +397,7 @@ TEST_F(CommandTest, ARecordFileThatCannotBeWrittenIsReportedNotFatal)
     const std::size_t first = err.str().find(told);
     EXPECT_NE(first, std::string::npos) << err.str();
     EXPECT_EQ(err.str().find(told, first + 1), std::string::npos) << err.str();
-    EXPECT_NE(out.str().find("02/01 00:02  137"), std::string::npos) << out.str();
+    EXPECT_HOLDS(out.str(), "02/01 00:02  137");
 }
 
 TEST_F(CommandTest, AHomeNotYetMadeIsMadeWithItsConfigurationAndLog)
@@ -436,7 +408,7 @@ TEST_F(CommandTest, AHomeNotYetMadeIsMadeWithItsConfigurationAndLog)
     EXPECT_EQ(replay({"--home", pathUtf8(made)}), 0) << err.str();
     EXPECT_TRUE(std::filesystem::exists(made / "TV2MConfig.ini"));
     EXPECT_TRUE(std::filesystem::exists(made / "debug.txt"));
-    EXPECT_NE(out.str().find("01/31 23:56  137"), std::string::npos) << out.str() << err.str();
+    EXPECT_HOLDS(out.str(), "01/31 23:56  137") << out.str() << err.str();
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "support/GameScreen.h"
 #include "support/ReadFile.h"
 #include "support/TempFolder.h"
+#include "support/TextChecks.h"
 
 #include <gtest/gtest.h>
 
@@ -203,7 +204,7 @@ TEST_F(LiveReplayTest, EveryLineHoldsTheFiguresOfItsReading)
     EXPECT_EQ(field(first, "startLevel"), "100");
     EXPECT_EQ(field(first, "levelUps"), std::to_string(frames[26].level - 100));
     EXPECT_EQ(field(first, "expGained"), std::to_string(total(frames[26]) - total(frames[0])));
-    EXPECT_NE(first.find("\"start\": \"2025/03/01 21:00:30\", \"end\": \"2025/03/01 23:10:30\""), std::string::npos);
+    EXPECT_HOLDS(first, "\"start\": \"2025/03/01 21:00:30\", \"end\": \"2025/03/01 23:10:30\"");
     const std::string second = text.substr(first.size() + 1);
     EXPECT_EQ(field(second, "startLevel"), "150");
     EXPECT_EQ(field(first, "stalls") + "+" + field(second, "stalls"), std::to_string(stalls) + "+0");
@@ -217,10 +218,10 @@ TEST_F(LiveReplayTest, AHistoryThatCannotBeReadIsNamedAndLeftAsItIs)
     std::ostringstream out;
     std::ostringstream err;
     EXPECT_EQ(cli::runReplay({pathUtf8(folder), "--save-folder", pathUtf8(saves)}, out, err), 2);
-    EXPECT_NE(err.str().find("セッション履歴"), std::string::npos) << err.str();
+    EXPECT_HOLDS(err.str(), "セッション履歴");
     EXPECT_EQ(test::readAll(history), "not a history\r\n");
     EXPECT_EQ(cli::runHistory({"--save-folder", pathUtf8(saves)}, out, err), 2);
-    EXPECT_NE(err.str().find("line 1"), std::string::npos) << err.str();
+    EXPECT_HOLDS(err.str(), "line 1");
 }
 
 } // namespace

@@ -140,19 +140,6 @@ TEST_F(GameScreenTest, RegionsReachingPastTheScreenAreClipped)
     EXPECT_EQ(wrong, 0);
 }
 
-TEST_F(GameScreenTest, BothDirectGrabsReadTheNumbersBack)
-{
-    for (const bool regionsOnly : {true, false}) {
-        SCOPED_TRACE(regionsOnly ? "regions only" : "whole screen");
-        const auto bitmap = regionsOnly ? screen->grab(settings.CaptureRegion) : screen->grab({});
-        ASSERT_TRUE(bitmap.has_value());
-        const Reading reading = read(*bitmap);
-        EXPECT_EQ(reading.level, 137);
-        EXPECT_EQ(reading.exp, Currency::fromInt(12345678));
-        EXPECT_EQ(reading.money, Currency::fromInt(9876543210));
-    }
-}
-
 TEST_F(GameScreenTest, ANewPictureIsReadAtTheNextGrab)
 {
     const Frame changed = test::gameScreen({"", "42", "1000"}, ScreenMode::FullScreen, 9, 800, 600);

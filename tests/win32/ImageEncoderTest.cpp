@@ -73,9 +73,10 @@ protected:
     Frame picture = scene();
 };
 
+// A Japanese name, as the player's folders have.
 TEST_F(ImageEncoderTest, PngIsLosslessAndHasItsSignature)
 {
-    const auto path = folder.path() / "PrtScr_20240131235959.png";
+    const auto path = folder.path() / std::filesystem::path(u8"給与明細.png");
     ASSERT_TRUE(encoder->writePng(picture, path));
     EXPECT_EQ(test::readAll(path).substr(0, 8), std::string("\x89PNG\r\n\x1a\n", 8));
     const Frame back = decode(path);
@@ -84,44 +85,31 @@ TEST_F(ImageEncoderTest, PngIsLosslessAndHasItsSignature)
     EXPECT_EQ(back.bytes(), picture.bytes());
 }
 
-TEST_F(ImageEncoderTest, JpegFilesAreCompleteAtBothQualities)
+TEST_F(ImageEncoderTest, JpegFilesAreCompleteAndNinetyIsCloserAndLargerThanSeventy)
 {
-    for (const int quality : {70, 90}) {
+    std::string bytes[2];
+    double error[2] = {};
+    for (const int i : {0, 1}) {
+        const int quality = i == 0 ? 70 : 90;
         SCOPED_TRACE(quality);
         const auto path = folder.path() / ("shot" + std::to_string(quality) + ".jpg");
         ASSERT_TRUE(encoder->writeJpeg(picture, path, quality));
-        const std::string bytes = test::readAll(path);
-        ASSERT_GT(bytes.size(), 4u);
-        EXPECT_EQ(bytes.substr(0, 3), "\xFF\xD8\xFF");
-        EXPECT_EQ(bytes.substr(bytes.size() - 2), "\xFF\xD9");
+        bytes[i] = test::readAll(path);
+        ASSERT_GT(bytes[i].size(), 4u);
+        EXPECT_EQ(bytes[i].substr(0, 3), "\xFF\xD8\xFF");
+        EXPECT_EQ(bytes[i].substr(bytes[i].size() - 2), "\xFF\xD9");
         const Frame back = decode(path);
         ASSERT_EQ(back.width(), picture.width());
         ASSERT_EQ(back.height(), picture.height());
-        EXPECT_LT(meanError(back, picture), 12.0);
+        error[i] = meanError(back, picture);
+        EXPECT_LT(error[i], 12.0);
     }
-}
-
-TEST_F(ImageEncoderTest, JpegQualityNinetyIsCloserAndLargerThanSeventy)
-{
-    const auto path70 = folder.path() / "seventy.jpg";
-    const auto path90 = folder.path() / "ninety.jpg";
-    ASSERT_TRUE(encoder->writeJpeg(picture, path70, 70));
-    ASSERT_TRUE(encoder->writeJpeg(picture, path90, 90));
-    const std::string bytes70 = test::readAll(path70);
-    const std::string bytes90 = test::readAll(path90);
     // Wine 8's GDI+ drops the encoder parameters and always writes its default quality.
-    if (bytes70 == bytes90 && test::runningUnderWine())
+    if (bytes[0] == bytes[1] && test::runningUnderWine())
         GTEST_SKIP() << "Wine's GDI+ ignores the JPEG quality parameter";
-    EXPECT_TRUE(bytes70 != bytes90);
-    EXPECT_GT(bytes90.size(), bytes70.size());
-    EXPECT_LT(meanError(decode(path90), picture), meanError(decode(path70), picture));
-}
-
-TEST_F(ImageEncoderTest, JapaneseFileNamesAreWritten)
-{
-    const auto path = folder.path() / std::filesystem::path(u8"給与明細.png");
-    ASSERT_TRUE(encoder->writePng(picture, path));
-    EXPECT_TRUE(std::filesystem::exists(path));
+    EXPECT_TRUE(bytes[0] != bytes[1]);
+    EXPECT_GT(bytes[1].size(), bytes[0].size());
+    EXPECT_LT(error[1], error[0]);
 }
 
 TEST_F(ImageEncoderTest, MissingFolderOrEmptyPictureFails)

@@ -295,7 +295,7 @@ void readOwnLines(FieldReader& in, Settings& s, std::vector<std::string>& notes)
     });
     line(1, "Language", [&] {
         const std::string code = in.text();
-        if (!languageFromCode(code))
+        if (!code.empty() && !languageFromCode(code))
             throw RuntimeError(ErrorNumber::InvalidProcedureCall);
         s.UiLanguage = code;
     });
@@ -474,8 +474,7 @@ std::string configFileText(const Settings& s)
     line(N(s.NextLevelWindow) + ",          次のレベルまでの時間に使う時給の期間(分 0:全体)");
     line(N(s.CompactX) + "," + N(s.CompactY) + "," + N(s.CompactOpacity) + "," + N(s.CompactShown) +
          ",          小窓の位置、不透明度(％)、表示するかどうか");
-    if (!s.UiLanguage.empty())
-        line(s.UiLanguage + " ,          表示の言語(ja:日本語 en:English ko:한국어)");
+    line(s.UiLanguage + "     ,          表示の言語(ja en ko 空欄:システムの言語)");
     return out;
 }
 

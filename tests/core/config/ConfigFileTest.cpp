@@ -10,6 +10,8 @@
 #include "support/ReadFile.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TempFolder.h"
+#include "support/TestData.h"
+#include "support/TextChecks.h"
 
 #include <gtest/gtest.h>
 
@@ -105,112 +107,35 @@ TEST_F(ConfigFileTest, AFreshInstallationWritesTheDefaultFileByteForByte)
     EXPECT_EQ(m_prompter.shown[0].text, kFullScreenQuestion);
     EXPECT_EQ(m_prompter.shown[0].title, "検査領域追従選択");
     EXPECT_EQ(m_settings, defaults());
-
-    const std::string folder = pathUtf8(m_home);
-    std::string expected = "Tallivex  for MapleStory    Ver.2.20\r\n"
-                           "     35 ,    578 ,     50 ,      9 , Lvキャプチャ領域(1)、開始座標とサイズ\r\n"
-                           "    463 ,    570 ,     90 ,      9 , Expキャプチャ領域(2)、開始座標とサイズ\r\n"
-                           "      0 ,    269 ,    146 ,      9 , マネーキャプチャ領域(3)、開始座標とサイズ\r\n"
-                           "   True ,          自動開始フラグ\r\n"
-                           "      6 ,          キャプチャインターバル(分)\r\n"
-                           "      0 ,          キャプチャ時に音を鳴らす\r\n" +
-                           folder +
-                           " , 給与明細 , 時給ファイル保存場所\r\n"
-                           "  False ,          時給ファイルをCSVで保存する\r\n"
-                           "   True ,          時給記録ファイルを一ヶ月追記する\r\n"
-                           "    500 ,          キャプチャ調整時間(ｍ秒)\r\n"
-                           "     15 ,          起動時にメイプルストーリ起動確認遅延時間(秒)\r\n"
-                           "  False ,  ,       アプリケーション1を自動起動させるかと、そのファイルパス\r\n"
-                           "  False ,  ,       アプリケーション2を自動起動させるかと、そのファイルパス\r\n"
-                           "     15 ,          アプリケーション2を自動起動させる遅延時間(秒)\r\n"
-                           "  False ,   1000 ,          撮影チェックを実行するかどうかと、撮影チェックインターバル(m秒)\r\n"
-                           "   .png ,          画像ファイルの保存拡張子\r\n"
-                           "  False ,    500 ,          マウスボタンジェスチャを監視するかどうかと、ジェスチャ入力待ち時間(m秒)\r\n"
-                           "  False ,   1500 ,          お金の時給を監視するかどうかと、お金を認識するときの待機時間(m秒)\r\n"
-                           "   True ,     20 ,     10 ,          グラフを表示するかどうかと、グラフ時間軸データ数、グラフの平均化データ数\r\n";
-    const char* regionLines[3][2] = {
-        {"    188 ,     34 , 画像２値化境界値とマスク値1\r\n", "      7 ,      9 , 基準画像サイズ\r\n"},
-        {"    133 ,     -1 , 画像２値化境界値とマスク値2\r\n", "      5 ,      9 , 基準画像サイズ\r\n"},
-        {"    223 ,     -1 , 画像２値化境界値とマスク値3\r\n", "      7 ,      9 , 基準画像サイズ\r\n"},
-    };
-    const char* indexes[] = {"00", "01", "02", "03", "04", "05", "06", "07", "08", "09", "10"};
-    for (int r = 0; r < 3; ++r) {
-        expected += std::string(regionLines[r][0]) + regionLines[r][1];
-        for (int j = 0; j < 11; ++j)
-            expected += defaultPatternStrings()[static_cast<std::size_t>(r)][static_cast<std::size_t>(j)] +
-                        "  , 基準パターン画像変換文字列" + std::to_string(r + 1) + indexes[j] + "\r\n";
-    }
-    expected += "MapleStory     , 検索ウィンドウ名\r\n";
-    expected += "      0 ,          画面の取り込み方法(0:直接 1:PrintScreenキー)\r\n";
-    for (const char* r : {"1", "2", "3"})
-        expected += std::string("      0 ,      0 ,      0 ,      0 ,  , 読み取り方式(0:完全一致 1:字形)、数字の後の空白幅、"
-                                "字形の許容差(千分率)、数字の間隔(百分率)、桁区切りパターン") + r + "\r\n";
-    for (const char* r : {"1", "2", "3"})
-        expected += std::string(" , 字形一覧") + r + "\r\n";
-    expected += "  False ,     15 ,          停滞を知らせるかどうかと、停滞とみなす時間(分)\r\n"
-                "     30 ,          次のレベルまでの時間に使う時給の期間(分 0:全体)\r\n"
-                " -32768 , -32768 ,     90 ,  False ,          小窓の位置、不透明度(％)、表示するかどうか\r\n";
-
     const std::string bytes = test::readAll(file());
-    EXPECT_EQ(m_codec->fromCp932(bytes), expected);
+    EXPECT_EQ(m_codec->fromCp932(bytes), test::withValue(test::testData("default.ini"), "folder", pathUtf8(m_home)));
     // CP932 on disk, not UTF-8: line 5's comment as Windows encodes it.
-    EXPECT_NE(bytes.find("   True ,          \x8E\xA9\x93\xAE\x8A\x4A\x8E\x6E\x83\x74\x83\x89\x83\x4F\r\n"),
-              std::string::npos);
+    EXPECT_HOLDS(bytes, "   True ,          \x8E\xA9\x93\xAE\x8A\x4A\x8E\x6E\x83\x74\x83\x89\x83\x4F\r\n");
     EXPECT_FALSE(std::filesystem::exists(m_home / "TV2MConfig.ini.tmp"));
 }
 
-TEST_F(ConfigFileTest, EveryFieldSurvivesASaveAndALoad)
+// Every line of the file differs from the default's, so a field that is not read or not
+// written back changes the bytes.
+TEST_F(ConfigFileTest, EveryFieldSurvivesALoadAndASave)
 {
-    Settings& s = m_settings;
-    s.CaptureRegion = {{{1, 2, 3, 4}, {5, 6, 7, 8}, {9, 10, 11, 12}}};
-    s.AutoStart = false;
-    s.CaptureInterval = 30;
-    s.CaptureBeep = 3;
-    s.SaveFile = "記録 ファイル";
-    s.SaveCsv = true;
-    s.SaveMonthly = false;
-    s.Lag = 0;
-    s.StartDelay = 99;
-    s.StartUp = {{{true, "C:\\ゲーム\\ツール.exe"}, {false, "https://example.com/"}}};
-    s.StartUpDelay = 7;
-    s.DoHLCheckExec = true;
-    s.DoHLInterval = 250;
-    s.SaveFormat = ".jpg90";
-    s.Gesture = true;
-    s.GestureTime = 800;
-    s.MoneyScan = true;
-    s.MoneyWait = 2000;
-    s.Graph = false;
-    s.GraphTimeScale = 100;
-    s.GraphAveNum = 1;
-    s.BinaryThreshold = {1, 255, 0};
-    s.BinaryMask = {-1, 0, 200};
-    s.ReferenceSize = {{{7, 10}, {5, 11}, {7, 12}}};
-    s.PatternStrings = defaultPatternStrings();
-    s.PatternStrings[1][4] = "00000000FFFF00010000";
-    s.PatternStrings[2][10] = "FFFF0001FFFF0001FFFF00010000";
-    s.SearchWindowName = "MapleStory Test";
-    s.ScreenCapture = CaptureMethod::PrintScreen;
-    s.StallAlarm = true;
-    s.StallMinutes = 45;
-    s.NextLevelWindow = 0;
-    s.CompactX = -120;
-    s.CompactY = 700;
-    s.CompactOpacity = 35;
-    s.CompactShown = true;
-    s.UiLanguage = "ko";
-    run(ConfigFile::Save);
-    EXPECT_TRUE(m_prompter.shown.empty());
-    const Settings saved = s;
-
-    s = Settings{};
+    const std::string text = test::withValue(test::testData("every-field.ini"), "folder", pathUtf8(m_home));
+    const std::vector<std::string> lines = test::splitLines(text);
+    const std::vector<std::string> defaultLines = test::splitLines(configFileText(defaults()));
+    ASSERT_EQ(lines.size(), defaultLines.size());
+    for (std::size_t i = 0; i < lines.size(); ++i)
+        EXPECT_NE(lines[i], defaultLines[i]) << "line " << i + 1;
+    writeAll(file(), m_codec->toCp932(text));
+    m_settings = defaults();
     m_prompter.answers = {true}; // take over the new target
     run(ConfigFile::Load);
-    EXPECT_EQ(s, saved);
     ASSERT_EQ(m_prompter.shown.size(), 1u);
     EXPECT_EQ(m_prompter.shown[0].text, "ターゲットは MapleStory Test でよろしいいですか？");
     EXPECT_EQ(m_prompter.shown[0].title, "ターゲット変更選択");
-    EXPECT_NE(logText().find("Target Change : MapleStory Test\r\n"), std::string::npos);
+    EXPECT_HOLDS(logText(), "Target Change : MapleStory Test\r\n");
+    EXPECT_LACKS(logText(), "Setting");
+    std::filesystem::remove(file());
+    run(ConfigFile::Save);
+    EXPECT_EQ(m_codec->fromCp932(test::readAll(file())), text);
 }
 
 // The compact window's place is written alone: an option kept for this run only stays so.
@@ -243,11 +168,11 @@ TEST_F(ConfigFileTest, OurLineAfterTheSixtyIsOptionalAndNeverCondemnsTheFile)
         {"7\r\n", CaptureMethod::Direct},
     };
     // Values out of their range keep the defaults, line by line.
-    const std::string badLive = "0\r\n0\r\n0\r\n0\r\n\r\n\r\n\r\n1,0\r\n45\r\n0,0,101,1\r\nxx ,\r\n";
+    const std::string badLive = "0\r\n0\r\n0\r\n0\r\n\r\n\r\n\r\n1,0\r\n45\r\n0,0,101,1\r\n";
     writeAll(file(), m_codec->toCp932(sixty + badLive));
     run(ConfigFile::Load);
-    EXPECT_EQ(std::tie(m_settings.StallAlarm, m_settings.NextLevelWindow, m_settings.CompactOpacity, m_settings.UiLanguage),
-              std::make_tuple(false, 30, 90, std::string()));
+    EXPECT_EQ(std::tie(m_settings.StallAlarm, m_settings.NextLevelWindow, m_settings.CompactOpacity),
+              std::make_tuple(false, 30, 90));
     for (const auto& c : cases) {
         writeAll(file(), m_codec->toCp932(sixty + c.extra));
         m_settings.ScreenCapture = c.expected == CaptureMethod::Direct ? CaptureMethod::PrintScreen : CaptureMethod::Direct;
@@ -312,8 +237,7 @@ TEST_F(ConfigFileTest, AnUnreadableFileIsBackedUpAndReplacedByTheDefaults)
         EXPECT_EQ(test::readAll(m_home / "TV2MConfigBack.ini"), c.bytes);
         EXPECT_EQ(m_settings, defaults(ScreenMode::Window));
         EXPECT_EQ(test::readAll(file()), cp932(m_settings));
-        EXPECT_NE(logText().find(std::string("Error Trap : ConfigFile : ") + c.logged + "\r\n"), std::string::npos)
-            << logText();
+        EXPECT_HOLDS(logText(), std::string("Error Trap : ConfigFile : ") + c.logged + "\r\n");
     }
 }
 
@@ -417,8 +341,8 @@ TEST_F(ConfigFileTest, TheOlderFileIsMigratedOnRequest)
         EXPECT_EQ(test::readAll(m_home / "TV2Config.ini"), c.bytes);
     }
     EXPECT_EQ(m_prompter.shown[1].text, "読込みできない設定ファイルです。\r\n　　初期値で設定ファイルを再作成します。");
-    EXPECT_NE(logText().find("Error Trap : ConfigFileOld : CODE62  Input past end of file"), std::string::npos);
-    EXPECT_NE(logText().find("Setting Out Of Range : Lag 99999 -> 10000 "), std::string::npos);
+    EXPECT_HOLDS(logText(), "Error Trap : ConfigFileOld : CODE62  Input past end of file");
+    EXPECT_HOLDS(logText(), "Setting Out Of Range : Lag 99999 -> 10000 ");
     EXPECT_FALSE(std::filesystem::exists(m_home / "TV2MConfigBack.ini"));
 }
 
@@ -447,7 +371,7 @@ TEST_F(ConfigFileTest, AFailedWriteKeepsTheSettingsAndSaysSo)
     EXPECT_EQ(m_prompter.shown[0].title, "設定ファイル書き込み");
     EXPECT_EQ(m_settings.CaptureInterval, 17);
     EXPECT_FALSE(std::filesystem::exists(file()));
-    EXPECT_NE(logText().find("Error Trap : ConfigFile 2 : CODE70  Permission denied\r\n"), std::string::npos);
+    EXPECT_HOLDS(logText(), "Error Trap : ConfigFile 2 : CODE70  Permission denied\r\n");
 }
 
 TEST_F(ConfigFileTest, RestoringTheDefaultsAsksTheScreenModeAndKeepsTheTarget)
@@ -540,18 +464,14 @@ TEST_F(SettingRangesTest, EveryRangedSettingKeepsItsBoundsAndFollowsItsRuleBeyon
                 const LoadOutcome outcome = loadChanged(setTo(outside));
                 if (range.rule == OutOfRange::Damaged) {
                     EXPECT_TRUE(outcome.damaged);
-                    EXPECT_NE(outcome.log.find("ConfigFile : Invalid procedure call or argument: " + name + " = " +
-                                               std::to_string(outside)),
-                              std::string::npos)
-                        << outcome.log;
+                    EXPECT_HOLDS(outcome.log,
+                                 "ConfigFile : Invalid procedure call or argument: " + name + " = " + std::to_string(outside));
                 } else {
                     const std::int32_t bound = outside < range.low ? range.low : range.high;
                     EXPECT_FALSE(outcome.damaged);
                     EXPECT_EQ(range.field(m_settings, i), bound);
-                    EXPECT_NE(outcome.log.find("Setting Out Of Range : " + name + " " + std::to_string(outside) +
-                                               " -> " + std::to_string(bound) + " \r\n"),
-                              std::string::npos)
-                        << outcome.log;
+                    EXPECT_HOLDS(outcome.log,
+                                 "Setting Out Of Range : " + name + " " + std::to_string(outside) + " -> " + std::to_string(bound) + " \r\n");
                 }
             }
         }
@@ -579,9 +499,9 @@ TEST_F(SettingRangesTest, TemplatesThatAreNotWholeAreKeptAndLogged)
         EXPECT_FALSE(outcome.damaged);
         EXPECT_EQ(outcome.settings.PatternStrings[0][0], c.kept);
         if (c.logged.empty())
-            EXPECT_EQ(outcome.log.find("PatternStrings"), std::string::npos) << outcome.log;
+            EXPECT_LACKS(outcome.log, "PatternStrings");
         else
-            EXPECT_NE(outcome.log.find(c.logged), std::string::npos) << outcome.log;
+            EXPECT_HOLDS(outcome.log, c.logged);
     }
 }
 
@@ -590,8 +510,7 @@ TEST_F(SettingRangesTest, AnUnknownImageFormatBecomesThePngDefault)
     const LoadOutcome outcome = loadChanged([](Settings& s) { s.SaveFormat = ".gif"; });
     EXPECT_FALSE(outcome.damaged);
     EXPECT_EQ(outcome.settings.SaveFormat, ".png");
-    EXPECT_NE(outcome.log.find("Setting Out Of Range : SaveFormat \".gif\" -> .png \r\n"), std::string::npos)
-        << outcome.log;
+    EXPECT_HOLDS(outcome.log, "Setting Out Of Range : SaveFormat \".gif\" -> .png \r\n");
 }
 
 TEST_F(ConfigFileTest, AFolderInThePlaceOfTheFilePromisesNoBackUpAndSaysTheWriteFailed)
@@ -604,8 +523,8 @@ TEST_F(ConfigFileTest, AFolderInThePlaceOfTheFilePromisesNoBackUpAndSaysTheWrite
     EXPECT_EQ(m_prompter.shown[3].text, "設定をファイルに保存できませんでした。");
     EXPECT_FALSE(std::filesystem::exists(m_home / "TV2MConfigBack.ini"));
     EXPECT_EQ(m_settings, defaults());
-    EXPECT_NE(logText().find("Error Trap : ConfigFile : CODE75  Path/File access error\r\n"), std::string::npos);
-    EXPECT_NE(logText().find("Error Trap : ConfigFile 2 : CODE75"), std::string::npos) << logText();
+    EXPECT_HOLDS(logText(), "Error Trap : ConfigFile : CODE75  Path/File access error\r\n");
+    EXPECT_HOLDS(logText(), "Error Trap : ConfigFile 2 : CODE75");
 }
 
 } // namespace

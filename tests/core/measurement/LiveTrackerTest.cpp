@@ -5,6 +5,7 @@
 
 #include "support/ReadFile.h"
 #include "support/TempFolder.h"
+#include "support/TextChecks.h"
 
 #include <gtest/gtest.h>
 
@@ -75,8 +76,7 @@ TEST(SessionHistoryTest, RowsSurviveTheFileAndAStrangeFileIsRefused)
     row.levelUps = 3; // the running row again: replaced, not added
     saveHistoryRow(path, row);
     EXPECT_EQ(loadHistory(path), (std::vector<HistoryRow>{row, later}));
-    EXPECT_NE(test::readAll(path).find("2025/06/01 12:00:00,2025/06/01 13:30:06,90.1,120,122,99000000,65926,,,3,1"),
-              std::string::npos);
+    EXPECT_HOLDS(test::readAll(path), "2025/06/01 12:00:00,2025/06/01 13:30:06,90.1,120,122,99000000,65926,,,3,1");
 
     for (const char* text : {"start,end\r\n", "x\r\n2025/06/01 12:00:00,2025/06/01 13:30:06,90.1,1,1,1,,,,0,0\r\n"}) {
         { std::ofstream(path, std::ios::binary) << text; }

@@ -13,6 +13,7 @@
 #include "support/FakeMachine.h"
 #include "support/ReadFile.h"
 #include "support/TempFolder.h"
+#include "support/TextChecks.h"
 
 #include <gtest/gtest.h>
 
@@ -201,7 +202,7 @@ TEST(TimeLeftTest, AsksTargetAndRateAndStopsOnCancel)
     ASSERT_EQ(machine.count("ask あと何時間？"), 2u);
     EXPECT_EQ(machine.events[0], "ask あと何時間？ | 目標Lvを入力してください  (現在:120) | 1 200 121.000000 1");
     EXPECT_EQ(machine.events[1], "ask あと何時間？ | 時給Exp(k)を入力してください | 0.1 100000 42.000000 500");
-    EXPECT_NE(box.text().find("59.43時間です"), std::string::npos);
+    EXPECT_HOLDS(box.text(), "59.43時間です");
 
     box.clear();
     menuTimeLeft_Click(120, ExpTable(120), Currency{}, machine, box, log); // cancelled

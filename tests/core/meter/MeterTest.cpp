@@ -5,6 +5,7 @@
 #include "config/SettingRanges.h"
 #include "support/CsvFields.h"
 #include "support/MeterFixture.h"
+#include "support/TextChecks.h"
 #include "view/FormMainCommands.h"
 
 #include <gtest/gtest.h>
@@ -79,10 +80,10 @@ TEST_F(MeterTest, WholeSessionMakesTheRecordsOfEveryCase)
 
     const std::string text = meter().logBox().text();
     EXPECT_TRUE(text.starts_with(std::string(kLogHeader) + "\r\n\r\n   10        3,447         5,000 \r\n")) << text;
-    EXPECT_NE(text.find("\r\n04/01 13:18   10          250   6.0         2 \r\n"), std::string::npos) << text;
-    EXPECT_NE(text.find("\r\nキャラクタチェンジ検出\r\n" + std::string(kLogHeader) + "\r\n"), std::string::npos);
-    EXPECT_NE(text.find("    増加  Lv:   0    Exp:           30"), std::string::npos) << text;
-    EXPECT_NE(debugText().find("Detect Character Change "), std::string::npos);
+    EXPECT_HOLDS(text, "\r\n04/01 13:18   10          250   6.0         2 \r\n");
+    EXPECT_HOLDS(text, "\r\nキャラクタチェンジ検出\r\n" + std::string(kLogHeader) + "\r\n");
+    EXPECT_HOLDS(text, "    増加  Lv:   0    Exp:           30");
+    EXPECT_HOLDS(debugText(), "Detect Character Change ");
     // Rates of the records, a zero point for each reading without a record, and the
     // averaging window's zeros after the change of character.
     EXPECT_EQ(meter().state().graph->Value(0).RateE(), Currency{});
@@ -178,7 +179,7 @@ TEST_F(MeterTest, SuspendPausesTheTimerAndResumeReadsOnce)
 {
     meter().session().ChangeSuspend(0); // idle: only the log line
     EXPECT_FALSE(meter().session().Suspended);
-    EXPECT_NE(debugText().find("Suspend Mode On "), std::string::npos);
+    EXPECT_HOLDS(debugText(), "Suspend Mode On ");
 
     show("5", "6", "7");
     meter().menuRun_Click();
@@ -214,13 +215,7 @@ TEST_F(MeterTest, TheStallAlarmSoundsOncePerStallAndAgainAfterAGain)
         }
         const std::string& box = meter().logBox().text();
         EXPECT_EQ(box.find("停滞  15分間経験値が増えていません") != std::string::npos, alarm) << box;
-        const std::size_t lines = [&] {
-            std::size_t n = 0;
-            for (std::size_t at = box.find("  停滞  "); at != std::string::npos; at = box.find("  停滞  ", at + 1))
-                ++n;
-            return n;
-        }();
-        EXPECT_EQ(lines, alarm ? 2u : 0u);
+        EXPECT_EQ(test::countOf(box, "  停滞  "), alarm ? 2u : 0u);
         EXPECT_EQ(beeps[4], beeps[3]) << "not yet 15 minutes";
         EXPECT_EQ(beeps[5] - beeps[4], alarm ? 1u : 0u);
         EXPECT_EQ(beeps[9], beeps[5]) << "the failed readings are the same stall";
@@ -336,7 +331,7 @@ TEST_F(MeterTest, GesturesRunTheirCommandsAndAlwaysSaySo)
     settings.SaveFormat = ".bmp";
     EXPECT_EQ(gesture(Gesture::PrintScreen), "マウスジェスチャ：プリントスクリーン\r\n");
     EXPECT_TRUE(std::filesystem::exists(temp.path() / "ss" / "PrtScr_20090401130500.bmp"));
-    EXPECT_NE(debugText().find("OnLine Print Screen ･･･ End "), std::string::npos);
+    EXPECT_HOLDS(debugText(), "OnLine Print Screen ･･･ End ");
 }
 
 TEST_F(MeterTest, MoneyHasNoTimeRateOrCurveUntilItIsRead)
@@ -428,12 +423,12 @@ TEST_F(MeterTest, AFailedReadingIsReportedAndChangesNeitherLabelsNorRecordsNorSu
         EXPECT_EQ(now.Elapse.Lv, before.Elapse.Lv);
         EXPECT_EQ(now.Elapse.Exp, before.Elapse.Exp);
     }
-    EXPECT_NE(debugText().find("ImageRecognition misstep :Exp NG"), std::string::npos);
+    EXPECT_HOLDS(debugText(), "ImageRecognition misstep :Exp NG");
     EXPECT_EQ(records(temp.path()).size(), 1u);
     meter().menuStop_Click();
     const std::string box = meter().logBox().text();
-    EXPECT_NE(box.find("    終了  Lv:  11    Exp:           50 "), std::string::npos) << box;
-    EXPECT_NE(box.find("    増加  Lv:   1    Exp:         1666 "), std::string::npos) << box;
+    EXPECT_HOLDS(box, "    終了  Lv:  11    Exp:           50 ");
+    EXPECT_HOLDS(box, "    増加  Lv:   1    Exp:         1666 ");
 }
 
 TEST_F(MeterTest, AReadingThatOutlivesItsSessionIsDropped)
@@ -512,9 +507,9 @@ TEST_F(MeterTest, AMissingGameIsToldOnceASessionAndANewSessionStartsFromNothing)
     meter().logBox().clear();
     meter().menuStop_Click();
     const std::string summary = meter().logBox().text();
-    EXPECT_EQ(summary.find("5000"), std::string::npos) << summary;
-    EXPECT_EQ(summary.find("5900"), std::string::npos) << summary;
-    EXPECT_EQ(summary.find("3697"), std::string::npos) << summary;
+    EXPECT_LACKS(summary, "5000");
+    EXPECT_LACKS(summary, "5900");
+    EXPECT_LACKS(summary, "3697");
 }
 
 TEST_F(MeterTest, EveryEntryPointTrapsWhatItCallsAndTheSessionGoesOn)
@@ -561,7 +556,7 @@ TEST_F(MeterTest, EveryEntryPointTrapsWhatItCallsAndTheSessionGoesOn)
         else
             machine.onWait = [&k](std::int32_t) { k.thrower(); };
         EXPECT_NO_THROW(k.command(meter()));
-        EXPECT_NE(debugText().find(k.line), std::string::npos) << debugText();
+        EXPECT_HOLDS(debugText(), k.line);
         EXPECT_FALSE(meter().state().busy);
         EXPECT_TRUE(meter().state().controls.testButtonsEnabled);
     }
@@ -630,7 +625,7 @@ TEST_F(MeterTest, AStopOrACloseDuringAWaitEndsWhatWaited)
                 ++shots;
         EXPECT_EQ(shots, k.shots);
         EXPECT_TRUE(m.state().labels.Start.Time.empty()) << "no reading shown after the wait";
-        EXPECT_EQ(m.logBox().text().find("LvUP or Dead 検出"), std::string::npos);
+        EXPECT_LACKS(m.logBox().text(), "LvUP or Dead 検出");
         EXPECT_FALSE(m.state().controls.captureTimerEnabled);
     }
 }
@@ -680,7 +675,7 @@ TEST_F(MeterTest, StopEndsTheSessionEvenWhenItsSummaryFails)
     meter().menuStop_Click();
     EXPECT_FALSE(meter().session().running());
     EXPECT_TRUE(meter().state().controls.runEnabled);
-    EXPECT_NE(debugText().find("Error Trap : menuStop_Click : CODE7  Out of memory"), std::string::npos);
+    EXPECT_HOLDS(debugText(), "Error Trap : menuStop_Click : CODE7  Out of memory");
 }
 
 TEST_F(MeterTest, ATrapThatCannotWriteItsLineStillHoldsTheError)
@@ -697,7 +692,7 @@ TEST_F(MeterTest, DebugModeShowsTheDebugAreaAndItsCommandsWork)
     meter().setDebugMode(true);
     EXPECT_TRUE(meter().state().DebugMode);
     EXPECT_EQ(machine.count("debug area"), 1u);
-    EXPECT_NE(debugText().find("Change DebugMode ･･･ End "), std::string::npos);
+    EXPECT_HOLDS(debugText(), "Change DebugMode ･･･ End ");
 
     meter().cycle().cmdCapture_Click();
     EXPECT_EQ(machine.count("wait 10000"), 1u);
@@ -705,18 +700,18 @@ TEST_F(MeterTest, DebugModeShowsTheDebugAreaAndItsCommandsWork)
     EXPECT_GE(machine.count("caption 0 認識中…"), 1u) << "progress captions while tracing";
     EXPECT_EQ(std::count(machine.events.begin(), machine.events.end(), "caption 1 100"), 1);
     const std::string afterCapture = debugText();
-    EXPECT_NE(afterCapture.find("Single Capture ･･･ End "), std::string::npos);
-    EXPECT_NE(afterCapture.find(" 変換データ : "), std::string::npos) << "the recogniser's trace";
+    EXPECT_HOLDS(afterCapture, "Single Capture ･･･ End ");
+    EXPECT_HOLDS(afterCapture, " 変換データ : ") << "the recogniser's trace";
 
     meter().cycle().cmdRecognize_Click();
     EXPECT_EQ(machine.count("elapsed 0.000秒"), 1u);
-    EXPECT_NE(debugText().find("Single Recognize(0.000) ･･･ End "), std::string::npos);
+    EXPECT_HOLDS(debugText(), "Single Recognize(0.000) ･･･ End ");
     EXPECT_EQ(meter().session().CurrentLv, 10);
     EXPECT_EQ(meter().session().CurrentExp, Currency::fromInt(100));
 
     machine.windows = {GameWindowState::Missing, GameWindowState::Front};
     meter().cycle().runCycle(); // no session to stop, but the trace says the game went
-    EXPECT_NE(debugText().find("Lost MapleStory Then Capture Stop "), std::string::npos);
+    EXPECT_HOLDS(debugText(), "Lost MapleStory Then Capture Stop ");
 
     meter().setDebugMode(false);
     const std::size_t captions = machine.count("caption 0 認識中…");
@@ -741,10 +736,10 @@ TEST_F(MeterTest, LevelWatchFollowsItsSettingsAndStartsAfreshWhenSwitchedOn)
     show("51", "1", "1"); // a level-up while the watch was off
     meter().runGesture(Gesture::WatchOn);
     meter().watch().timDoHLInterval_Timer();
-    EXPECT_EQ(meter().logBox().text().find("LvUP or Dead 検出"), std::string::npos) << "no burst for the jump";
+    EXPECT_LACKS(meter().logBox().text(), "LvUP or Dead 検出") << "no burst for the jump";
     show("52", "1", "1");
     meter().watch().timDoHLInterval_Timer();
-    EXPECT_NE(meter().logBox().text().find("LvUP or Dead 検出"), std::string::npos) << "the next rise is captured";
+    EXPECT_HOLDS(meter().logBox().text(), "LvUP or Dead 検出") << "the next rise is captured";
 
     settings.DoHLCheckExec = false;
     meter().settingsChanged();
@@ -784,8 +779,7 @@ TEST_F(MeterTest, TimeLeftAsksFromTheLatestReadingOfTheSession)
     meter().logBox().clear();
     meter().menuTimeLeft_Click(); // after the Stop the tools still know it
     EXPECT_EQ(asked("120", 121), 2u);
-    EXPECT_NE(meter().logBox().text().find("Lv121まで、あと 29,716 Kexp、59.43時間です"), std::string::npos)
-        << meter().logBox().text();
+    EXPECT_HOLDS(meter().logBox().text(), "Lv121まで、あと 29,716 Kexp、59.43時間です");
 
     meter().menuRun_Click();
     meter().menuTimeLeft_Click(); // a new session starts from nothing
@@ -827,8 +821,8 @@ TEST_F(MeterTest, AFailedCaptureIsAFailedReadingWithItsOwnDebugLine)
         const Settings good = settings;
         k.arm();
         tick("10", "250");
-        EXPECT_NE(debugText().find(k.line), std::string::npos) << debugText();
-        EXPECT_NE(meter().logBox().text().find("認識失敗  全部 NG"), std::string::npos) << meter().logBox().text();
+        EXPECT_HOLDS(debugText(), k.line);
+        EXPECT_HOLDS(meter().logBox().text(), "認識失敗  全部 NG");
         EXPECT_EQ(meter().state().labels.End.Exp, before.End.Exp);
         EXPECT_EQ(meter().state().labels.Elapse.Exp, before.Elapse.Exp);
 
@@ -839,7 +833,7 @@ TEST_F(MeterTest, AFailedCaptureIsAFailedReadingWithItsOwnDebugLine)
         tick("10", "300");
         EXPECT_EQ(meter().state().labels.Elapse.Exp, "200");
         const auto lines = test::splitLines(meter().logBox().text());
-        EXPECT_NE(lines.back().find(" 12.0 "), std::string::npos) << lines.back();
+        EXPECT_HOLDS(lines.back(), " 12.0 ");
     }
 }
 
@@ -850,8 +844,8 @@ TEST_F(MeterTest, PixelsThatCannotBeSizedAreLoggedUnderTheirOwnName)
     settings.CaptureRegion[2].SizeY = kMaxScreenSide + 1;
     tick("10", "100");
     const std::string text = debugText();
-    EXPECT_NE(text.find("Error Trap : GetPictForClip2 : CODE9  Subscript out of range"), std::string::npos) << text;
-    EXPECT_NE(text.find("Error Trap : SecurePixels : CODE9  Subscript out of range"), std::string::npos) << text;
+    EXPECT_HOLDS(text, "Error Trap : GetPictForClip2 : CODE9  Subscript out of range");
+    EXPECT_HOLDS(text, "Error Trap : SecurePixels : CODE9  Subscript out of range");
     EXPECT_TRUE(meter().state().labels.Start.Time.empty()) << "no reading from pixels that were not taken";
     EXPECT_FALSE(meter().state().busy);
 }
@@ -894,7 +888,7 @@ TEST_F(MeterTest, TheImagesKeptForThePlayerAreTheWholeScreen)
     meter().capture().setCaptureFile(temp.path() / "missing" / "Capture.bmp");
     machine.screens = {test::gameCapture({"51", "900", "1"})};
     meter().cycle().runCycle();
-    EXPECT_NE(debugText().find("Error Trap : GetPictForClip : CODE75  Path/File access error"), std::string::npos);
+    EXPECT_HOLDS(debugText(), "Error Trap : GetPictForClip : CODE75  Path/File access error");
     EXPECT_EQ(meter().state().labels.End.Exp, "900");
 }
 
@@ -942,9 +936,9 @@ TEST_F(MeterTest, TheCyclesPictureIsReadBackFromTheCaptureFileUnlessTheFileCanno
     ASSERT_TRUE(writeBitmap24(file, toFrame(shot)));
     std::filesystem::last_write_time(file, std::filesystem::last_write_time(file) + std::chrono::seconds(2));
     EXPECT_TRUE(kept().empty());
-    EXPECT_NE(debugText().find("CaptureFile Changed : Last Capture Lost "), std::string::npos);
+    EXPECT_HOLDS(debugText(), "CaptureFile Changed : Last Capture Lost ");
     FormMainCommands(meter(), log, temp.path()).run(MenuCommand::PatternSave);
-    EXPECT_NE(meter().logBox().text().find("まだキャプチャしていません"), std::string::npos);
+    EXPECT_HOLDS(meter().logBox().text(), "まだキャプチャしていません");
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 #include "support/FakeMachine.h"
 #include "support/ReadFile.h"
 #include "support/TempFolder.h"
+#include "support/TextChecks.h"
 
 #include <gtest/gtest.h>
 
@@ -91,8 +92,7 @@ TEST(EnvironmentReport, JapaneseLabelsIndentsAndGroupedNumbers)
         ASSERT_NE(found, std::string::npos) << line << "\n" << report;
         at = found;
     }
-    EXPECT_NE(ReportEnvironment(fullFacts(), false).find("　　　FreePhysicalMemory : 1,234,567 / 8,000,000,000 Byte\r\n"),
-              std::string::npos);
+    EXPECT_HOLDS(ReportEnvironment(fullFacts(), false), "　　　FreePhysicalMemory : 1,234,567 / 8,000,000,000 Byte\r\n");
 }
 
 TEST(EnvironmentReport, WhatTheSystemDoesNotSayIsLeftOut)
@@ -105,9 +105,9 @@ TEST(EnvironmentReport, WhatTheSystemDoesNotSayIsLeftOut)
     facts.freePhysicalBytes = 5;
     for (const bool japanese : {true, false}) {
         const std::string report = ReportEnvironment(facts, japanese);
-        EXPECT_EQ(report.find("Byte"), std::string::npos) << report;
-        EXPECT_EQ(report.find(" : \r\n"), std::string::npos) << report;
-        EXPECT_EQ(report.find("\r\n\r\n"), std::string::npos) << report;
+        EXPECT_LACKS(report, "Byte");
+        EXPECT_LACKS(report, " : \r\n");
+        EXPECT_LACKS(report, "\r\n\r\n");
     }
     const std::string english = ReportEnvironment(facts, false);
     EXPECT_EQ(english, "　　Processor : Ryzen\r\n　　　CacheMemory : NONE\r\n");
@@ -120,11 +120,11 @@ TEST(EnvironmentReport, TheUnloadReportHasNoBlankLine)
     DebugLog log(home.path(), clock);
     WriteOperatingInformation(fullFacts(), log);
     const std::string text = test::readAll(log.path());
-    EXPECT_EQ(text.find("\r\n\r\n"), std::string::npos) << text;
-    EXPECT_NE(text.find(" OperatingInformation\r\n"), std::string::npos);
+    EXPECT_LACKS(text, "\r\n\r\n");
+    EXPECT_HOLDS(text, " OperatingInformation\r\n");
     // 2,048,000 bytes are 2,000 kB; a small fraction of the 8 GB total.
-    EXPECT_NE(text.find("　　Available Physical Memory"), std::string::npos) << text;
-    EXPECT_NE(text.find("2,000 kByte  0%\r\n"), std::string::npos) << text;
+    EXPECT_HOLDS(text, "　　Available Physical Memory");
+    EXPECT_HOLDS(text, "2,000 kByte  0%\r\n");
 }
 
 class LauncherTest : public testing::Test {
@@ -157,9 +157,9 @@ TEST_F(LauncherTest, TellsThePlayerWhatCouldNotBeOpenedAndLogsIt)
         EXPECT_EQ(machine.count("message "), 1u) << c.line;
         EXPECT_EQ(machine.count(c.message), 1u) << c.message;
         EXPECT_EQ(machine.count("wait "), 0u) << c.line;
-        EXPECT_NE(logText().find(c.line), std::string::npos) << c.line;
+        EXPECT_HOLDS(logText(), c.line) << c.line;
     }
-    EXPECT_EQ(logText().find("Finish"), std::string::npos) << "nothing ran, nothing finished";
+    EXPECT_LACKS(logText(), "Finish") << "nothing ran, nothing finished";
 }
 
 TEST_F(LauncherTest, AnOpenedFileIsWaitedForAndFinishes)

@@ -10,6 +10,7 @@
 #include "support/GameScreen.h"
 #include "support/ReadFile.h"
 #include "support/TempFolder.h"
+#include "support/TextChecks.h"
 
 #include <gtest/gtest.h>
 
@@ -78,7 +79,7 @@ TEST(CalibrationTest, RefusalsAreExplainedAndMovingARegionStartsItAnew)
         calibration.learn();
         const CalibrationRegionView view = calibration.view(RegionLevel);
         EXPECT_TRUE(view.refused) << typed;
-        EXPECT_NE(view.message.find(message), std::string::npos) << view.message;
+        EXPECT_HOLDS(view.message, message);
         EXPECT_EQ(view.readBack.size(), 2u);
     }
 
@@ -120,7 +121,7 @@ TEST(CalibrationTest, TheCommandsAreLoggedAndSayWhatHappened)
     EXPECT_EQ(calibration.view(RegionExp).typed, "1,234,567");
     EXPECT_EQ(calibration.learnCommand(), "");
     const std::string text = calibration.view(RegionExp).text;
-    EXPECT_NE(text.find("\n読み返し： 1234567 → 1234567　未学習： 089"), std::string::npos) << text;
+    EXPECT_HOLDS(text, "\n読み返し： 1234567 → 1234567　未学習： 089");
     EXPECT_EQ(Calibration::readingText(calibration.preview(RegionExp)), "読み取り： 1234567");
 
     Settings settings = kDefaults;
@@ -130,7 +131,7 @@ TEST(CalibrationTest, TheCommandsAreLoggedAndSayWhatHappened)
     const std::string written = test::readAll(log.path());
     for (const char* line : {"Click : Calibration Learn ", "Click : Calibration Capture ",
                              "Error Trap : cmdCalibrationCapture_Click", "Click : Calibration Apply "})
-        EXPECT_NE(written.find(line), std::string::npos) << line << "\n" << written;
+        EXPECT_HOLDS(written, line) << line << "\n" << written;
 }
 
 TEST(CalibrationTest, TheNumberFieldsTakeDigitsSeparatorsAndTheSkippingDash)

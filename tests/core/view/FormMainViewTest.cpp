@@ -16,6 +16,7 @@
 #include "support/FakeMachine.h"
 #include "support/ReadFile.h"
 #include "support/TempFolder.h"
+#include "support/TextChecks.h"
 
 #include <gtest/gtest.h>
 
@@ -146,8 +147,8 @@ TEST_F(FormMainCommandsTest, EachCommandLogsAndSaysWhatTheWindowDoes)
     // The documents are looked for beside the program; none is there.
     EXPECT_EQ(machine.count("message 実行エラー: ReadMeM.txtファイルが見つかりません。"), 1u);
     EXPECT_EQ(machine.count("message 実行エラー: 使用方法M.mhtファイルが見つかりません。"), 1u);
-    EXPECT_NE(meter.logBox().text().find("まだキャプチャしていません\r\n"), std::string::npos);
-    EXPECT_EQ(logText().find("Error Trap"), std::string::npos) << logText();
+    EXPECT_HOLDS(meter.logBox().text(), "まだキャプチャしていません\r\n");
+    EXPECT_LACKS(logText(), "Error Trap");
 }
 
 TEST_F(FormMainCommandsTest, HelpDocumentsOpenFromTheirFolder)
@@ -179,7 +180,7 @@ TEST_F(FormMainCommandsTest, ClosingEndsTheLogBoxAndTheTimerFollowsTheInterval)
     commands.closing();
     EXPECT_TRUE(meter.logBox().text().ends_with("\r\n        終了しています・・・\r\n"));
     EXPECT_TRUE(meter.state().closing);
-    EXPECT_NE(logText().find("Closing Program ･･･ "), std::string::npos);
+    EXPECT_HOLDS(logText(), "Closing Program ･･･ ");
     EXPECT_EQ(FormMainCommands::captureTimerMs(0), 10000);
     EXPECT_EQ(FormMainCommands::captureTimerMs(3), 1501);
     EXPECT_EQ(FormMainCommands::captureTimerMs(60), 10000);
@@ -322,7 +323,7 @@ TEST_F(GraphFrameViewTest, CurvesFollowTheBufferAndFailingStepsAreLogged)
     view.GraphFrameDisplay();
     EXPECT_EQ(view.picGraph(), (PixelRect{38, 6, 400, 200}));
     EXPECT_EQ(view.label(GraphLabel::Ml0).rect.left, 24);
-    EXPECT_NE(logText().find("Error Trap : GraphFrameDisplay : CODE"), std::string::npos) << logText();
+    EXPECT_HOLDS(logText(), "Error Trap : GraphFrameDisplay : CODE");
 
     settings.Graph = false;
     view.setFrameSize(476, 224);

@@ -1,5 +1,6 @@
 #include "view/HistoryView.h"
 #include "view/LiveView.h"
+#include "support/TextChecks.h"
 
 #include <gtest/gtest.h>
 
@@ -82,7 +83,7 @@ TEST(HistoryViewTest, SessionsNewestFirstAndTotalsPerDayAndWeek)
 
     const std::string csv = historyCsv(rows);
     EXPECT_EQ(csv.substr(0, 3), "\xEF\xBB\xBF");
-    EXPECT_NE(csv.find("\r\n2025/06/02 09:00:00,2025/06/02 11:00:00,120.0,0,0,4000000,"), std::string::npos) << csv;
+    EXPECT_HOLDS(csv, "\r\n2025/06/02 09:00:00,2025/06/02 11:00:00,120.0,0,0,4000000,");
 }
 
 } // namespace

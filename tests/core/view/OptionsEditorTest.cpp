@@ -12,6 +12,7 @@
 #include "support/ReadFile.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TempFolder.h"
+#include "support/TextChecks.h"
 
 #include <gtest/gtest.h>
 
@@ -256,7 +257,7 @@ TEST_F(OptionsEditorTest, UnsavedEditsAreKnownUntilSavedAndSavingSaysSo)
     EXPECT_TRUE(editor.hasUnsavedEdits());
     EXPECT_EQ(editor.runConfigFile(m_config, ConfigFile::Save), std::optional<std::string>("設定を保存しました。"));
     EXPECT_FALSE(editor.hasUnsavedEdits());
-    EXPECT_NE(test::readAll(m_home / "TV2MConfig.ini").find("False"), std::string::npos);
+    EXPECT_HOLDS(test::readAll(m_home / "TV2MConfig.ini"), "False");
     m_settings.CompactX = 300;
     m_settings.CompactOpacity = 60;
     m_settings.CompactShown = true;
@@ -296,9 +297,9 @@ TEST_F(OptionsEditorTest, APatternCaptureIsSavedBesideTheProgramAndShownInThePre
     EXPECT_EQ(editor.capturePattern(screen, m_clock, m_config), "キャプチャできませんでした。");
     EXPECT_EQ(editor.previewResult(RegionLevel), "認識結果： 42　［完全一致］") << "the last capture stays";
     const std::string log = test::readAll(m_home / "debug.txt");
-    EXPECT_NE(log.find("Click : Pattern Capture \r\n"), std::string::npos);
-    EXPECT_NE(log.find("Pattern Capture and Save ･･･ End \r\n"), std::string::npos);
-    EXPECT_NE(log.find("Error Trap : cmdCapture_Click : CODE5  "), std::string::npos);
+    EXPECT_HOLDS(log, "Click : Pattern Capture \r\n");
+    EXPECT_HOLDS(log, "Pattern Capture and Save ･･･ End \r\n");
+    EXPECT_HOLDS(log, "Error Trap : cmdCapture_Click : CODE5  ");
 }
 
 TEST(GlyphCanvasTest, EditTogglesThenDragsTheSameInkAndSelectTakesAGlyphWidth)
