@@ -11,7 +11,7 @@ trap 'rm -f "$pot"' EXIT
 git ls-files 'src/*.cpp' 'src/*.h' 2>/dev/null | sort > "$pot.files" || find src -name '*.cpp' -o -name '*.h' | sort > "$pot.files"
 xgettext --from-code=UTF-8 --language=C++ --keyword= --keyword=tr --keyword=N_ --keyword=trFormat:1 \
   --flag=trFormat:1:qt-format --add-location=file --sort-by-file --package-name=Tallivex \
-  --msgid-bugs-address= --files-from="$pot.files" --output="$pot"
+  --msgid-bugs-address=none --force-po --files-from="$pot.files" --output="$pot"
 rm -f "$pot.files"
 status=0
 for po in po/en.po po/ko.po; do

@@ -310,8 +310,10 @@ std::size_t bitmapStride24(std::int32_t width)
 
 BitmapWriter::BitmapWriter(std::filesystem::path path) : m_path(std::move(path))
 {
+    // Not the name a whole-picture write uses: the key route may write the same file while
+    // this one is still open, and Windows opens no file twice for writing.
     m_temporary = m_path;
-    m_temporary += ".tmp";
+    m_temporary += ".rows.tmp";
     m_out.open(m_temporary, std::ios::binary | std::ios::trunc);
 }
 
