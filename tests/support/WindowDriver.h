@@ -99,6 +99,9 @@ public:
     virtual void close() = 0;
     // Whether a label's or a button's text fits it as the window draws it.
     virtual bool fits(const std::string& control) = 0;
+    // The texts of the shown labels, buttons, check boxes, group titles, tabs and list items
+    // that do not fit their control as the window draws them.
+    virtual std::vector<std::string> clipped() = 0;
 
     // With TALLIVEX_SHOT_DIR set, the window's picture as NAME.bmp there (for the README).
     void shoot(const std::string& name)
@@ -185,6 +188,8 @@ public:
     virtual void click(const std::string& control) = 0;
     // Whether a label's text fits it as the window draws it.
     virtual bool fits(const std::string& control) = 0;
+    // As WindowDriver::clipped, for the main window and the compact window.
+    virtual std::vector<std::string> clipped() = 0;
     virtual WindowDriver::Box screen() = 0;
     // The close box; the window is gone afterwards.
     virtual void close() = 0;

@@ -19,6 +19,10 @@
 #include "view/LiveView.h"
 
 #include <QAction>
+#include <QCheckBox>
+#include <QGroupBox>
+#include <QStyle>
+#include <QTabBar>
 #include <QHeaderView>
 #include <QMenu>
 #include <QMouseEvent>
@@ -59,6 +63,46 @@ void playWhile(std::deque<PlayerStep> steps, const std::function<void()>& modal)
     modal();
     EXPECT_TRUE(steps.empty()) << "the window closed before the player was done";
     EXPECT_FALSE(timedOut);
+}
+
+std::vector<std::string> clippedTexts(QWidget* window)
+{
+    std::vector<std::string> clipped;
+    if (window == nullptr)
+        return clipped;
+    QApplication::processEvents(); // the layouts follow texts set since the last event
+    const auto check = [&](const QString& text, int needed, int room) {
+        if (!text.isEmpty() && needed > room)
+            clipped.push_back(text.toStdString() + " (" + std::to_string(needed) + " > " + std::to_string(room) + ")");
+    };
+    const auto advance = [](const QWidget* w, QString text) {
+        return w->fontMetrics().horizontalAdvance(text.remove(QLatin1Char('&')));
+    };
+    for (QWidget* w : window->findChildren<QWidget*>()) {
+        if (!w->isVisibleTo(window) || w->width() <= 0)
+            continue;
+        if (auto* label = qobject_cast<QLabel*>(w)) {
+            if (label->wordWrap())
+                check(label->text(), label->heightForWidth(label->contentsRect().width()), label->contentsRect().height());
+            else
+                check(label->text(), label->fontMetrics().horizontalAdvance(label->text()), label->contentsRect().width());
+        } else if (auto* box = qobject_cast<QCheckBox*>(w)) {
+            check(box->text(), box->sizeHint().width(), box->width());
+        } else if (auto* button = qobject_cast<QAbstractButton*>(w)) {
+            check(button->text(), advance(button, button->text()) + 6, button->width());
+        } else if (auto* group = qobject_cast<QGroupBox*>(w)) {
+            check(group->title(), advance(group, group->title()) + 16, group->width());
+        } else if (auto* combo = qobject_cast<QComboBox*>(w)) {
+            const int arrow = combo->style()->pixelMetric(QStyle::PM_ScrollBarExtent) + 8;
+            for (int i = 0; i < combo->count(); ++i)
+                check(combo->itemText(i), advance(combo, combo->itemText(i)) + arrow, combo->width());
+        } else if (auto* tabs = qobject_cast<QTabWidget*>(w)) {
+            const QTabBar* bar = tabs->tabBar();
+            for (int i = 0; i < bar->count(); ++i)
+                check(bar->tabText(i), bar->tabRect(i).right(), tabs->width());
+        }
+    }
+    return clipped;
 }
 
 namespace {
@@ -207,6 +251,15 @@ public:
     {
         const auto* label = m_window.findChild<QLabel*>(QString::fromStdString(control));
         return label != nullptr && label->fontMetrics().horizontalAdvance(label->text()) <= label->width();
+    }
+
+    std::vector<std::string> clipped() override
+    {
+        std::vector<std::string> texts = clippedTexts(&m_window);
+        if (compactOpen())
+            for (std::string& text : clippedTexts(compact()))
+                texts.push_back(std::move(text));
+        return texts;
     }
 
     WindowDriver::Box screen() override

@@ -21,6 +21,9 @@
 
 namespace tvx::test {
 
+// The texts of a window's shown controls that do not fit them.
+std::vector<std::string> clippedTexts(QWidget* window);
+
 // A Qt window, found afresh for every call, and its children by object name.
 class QtWindowDriver final : public WindowDriver {
 public:
@@ -117,6 +120,8 @@ public:
         }
         return widget->sizeHint().width() <= widget->width();
     }
+
+    std::vector<std::string> clipped() override { return clippedTexts(m_window()); }
 
     QWidget* control(const std::string& name)
     {

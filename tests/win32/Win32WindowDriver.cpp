@@ -35,6 +35,65 @@ namespace tvx::test {
 
 namespace {
 
+// The texts of a window's shown child controls that do not fit them as they draw them.
+std::vector<std::string> clippedTexts(HWND window)
+{
+    std::vector<std::string> clipped;
+    if (window == nullptr)
+        return clipped;
+    const auto check = [&](const std::wstring& text, int needed, int room) {
+        if (!text.empty() && needed > room)
+            clipped.push_back(win32ui::utf8(text) + " (" + std::to_string(needed) + " > " + std::to_string(room) + ")");
+    };
+    const auto measure = [](HWND control, const std::wstring& text, UINT format, RECT room) {
+        const HDC dc = GetDC(control);
+        const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)));
+        DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &room, DT_CALCRECT | format);
+        SelectObject(dc, old);
+        ReleaseDC(control, dc);
+        return room;
+    };
+    std::vector<HWND> children;
+    EnumChildWindows(window, [](HWND child, LPARAM list) {
+        reinterpret_cast<std::vector<HWND>*>(list)->push_back(child);
+        return TRUE;
+    }, reinterpret_cast<LPARAM>(&children));
+    for (HWND child : children) {
+        if (!IsWindowVisible(child))
+            continue;
+        wchar_t kind[32] = {};
+        GetClassNameW(child, kind, 32);
+        RECT client{};
+        GetClientRect(child, &client);
+        const std::wstring text = textOf(child);
+        const LONG style = GetWindowLongW(child, GWL_STYLE);
+        if (lstrcmpiW(kind, L"Static") == 0 && (style & SS_TYPEMASK) <= SS_RIGHT) {
+            const RECT needed = measure(child, text, DT_WORDBREAK | DT_NOPREFIX, RECT{0, 0, client.right, 0});
+            check(text, std::max(needed.right - client.right, needed.bottom - client.bottom) + client.right, client.right);
+        } else if (lstrcmpiW(kind, L"Button") == 0) {
+            const LONG type = style & BS_TYPEMASK;
+            const bool box = type == BS_CHECKBOX || type == BS_AUTOCHECKBOX || type == BS_RADIOBUTTON ||
+                             type == BS_AUTORADIOBUTTON || type == BS_3STATE || type == BS_AUTO3STATE;
+            const int margin = type == BS_GROUPBOX ? 16 : box ? GetSystemMetrics(SM_CXMENUCHECK) + 4 : 8;
+            check(text, measure(child, text, DT_SINGLELINE, RECT{}).right + margin, client.right);
+        } else if (lstrcmpiW(kind, L"ComboBox") == 0) {
+            const int arrow = GetSystemMetrics(SM_CXVSCROLL) + 8;
+            const auto count = static_cast<int>(SendMessageW(child, CB_GETCOUNT, 0, 0));
+            for (int i = 0; i < count; ++i) {
+                std::wstring item(static_cast<std::size_t>(SendMessageW(child, CB_GETLBTEXTLEN, i, 0)), L'\0');
+                SendMessageW(child, CB_GETLBTEXT, i, reinterpret_cast<LPARAM>(item.data()));
+                check(item, measure(child, item, DT_SINGLELINE | DT_NOPREFIX, RECT{}).right + arrow, client.right);
+            }
+        } else if (lstrcmpiW(kind, WC_TABCONTROLW) == 0) {
+            const auto count = static_cast<int>(SendMessageW(child, TCM_GETITEMCOUNT, 0, 0));
+            RECT last{};
+            if (count > 0 && SendMessageW(child, TCM_GETITEMRECT, count - 1, reinterpret_cast<LPARAM>(&last)))
+                check(L"tabs", last.right, client.right);
+        }
+    }
+    return clipped;
+}
+
 WindowDriver::Box boxOf(HWND window)
 {
     RECT r{};
@@ -103,6 +162,7 @@ public:
     }
     Frame picture(const std::string& name) override { return screenPicture(name.empty() ? m_window() : control(name)); }
     Box frame() override { return boxOf(m_window()); }
+    std::vector<std::string> clipped() override { return clippedTexts(m_window()); }
     void close() override { PostMessageW(m_window(), WM_CLOSE, 0, 0); }
     // Drawn as the control draws it: a button on one line with its margins, a label wrapped.
     bool fits(const std::string& name) override
@@ -410,6 +470,15 @@ public:
         RECT client{};
         GetClientRect(child(control), &client);
         return drawnWidth(child(control), win32ui::wide(m_window.controlText(control))) <= client.right;
+    }
+
+    std::vector<std::string> clipped() override
+    {
+        std::vector<std::string> texts = clippedTexts(m_window.handle());
+        if (compactOpen())
+            for (std::string& text : clippedTexts(compact()))
+                texts.push_back(std::move(text));
+        return texts;
     }
 
     WindowDriver::Box screen() override { return {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)}; }

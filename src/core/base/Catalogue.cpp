@@ -5,6 +5,42 @@
 namespace tvx {
 namespace {
 
+// The number of up to `most` digits of `base` at `at` inside `body`, moving `at` past them.
+std::optional<char> escapedNumber(std::string_view body, std::size_t& at, unsigned base, std::size_t most)
+{
+    unsigned value = 0;
+    std::size_t used = 0;
+    for (; used < most && at < body.size(); ++used, ++at) {
+        const char d = body[at];
+        const unsigned v = d >= '0' && d <= '9' ? static_cast<unsigned>(d - '0')
+                           : d >= 'a' && d <= 'f' ? static_cast<unsigned>(d - 'a' + 10)
+                           : d >= 'A' && d <= 'F' ? static_cast<unsigned>(d - 'A' + 10)
+                                                  : base;
+        if (v >= base)
+            break;
+        value = value * base + v;
+    }
+    if (used == 0 || value > 255)
+        return std::nullopt;
+    return static_cast<char>(value);
+}
+
+// The character a C escape stands for, the backslash at `at`; `at` moves past it.
+std::optional<char> escaped(std::string_view body, std::size_t& at)
+{
+    if (++at >= body.size())
+        return std::nullopt;
+    constexpr std::string_view kFrom = "ntrbfva\"\\'?";
+    constexpr std::string_view kTo = "\n\t\r\b\f\v\a\"\\'?";
+    if (const std::size_t simple = kFrom.find(body[at]); simple != std::string_view::npos) {
+        ++at;
+        return kTo[simple];
+    }
+    if (body[at] == 'x')
+        return escapedNumber(body, ++at, 16, 2);
+    return escapedNumber(body, at, 8, 3);
+}
+
 // The text of a quoted PO string ("a\"b\n"), or nothing when it is not one.
 std::optional<std::string> unquote(std::string_view line)
 {
@@ -12,23 +48,19 @@ std::optional<std::string> unquote(std::string_view line)
         line.remove_suffix(1);
     if (line.size() < 2 || line.front() != '"' || line.back() != '"')
         return std::nullopt;
+    const std::string_view body = line.substr(1, line.size() - 2);
     std::string text;
-    for (std::size_t i = 1; i + 1 < line.size(); ++i) {
-        char c = line[i];
-        if (c == '"')
+    for (std::size_t at = 0; at < body.size();) {
+        if (body[at] == '"')
             return std::nullopt;
-        if (c == '\\') {
-            if (++i + 1 >= line.size())
-                return std::nullopt;
-            switch (line[i]) {
-            case 'n': c = '\n'; break;
-            case 't': c = '\t'; break;
-            case '"': c = '"'; break;
-            case '\\': c = '\\'; break;
-            default: return std::nullopt;
-            }
+        if (body[at] != '\\') {
+            text += body[at++];
+            continue;
         }
-        text += c;
+        const std::optional<char> c = escaped(body, at);
+        if (!c)
+            return std::nullopt;
+        text += *c;
     }
     return text;
 }

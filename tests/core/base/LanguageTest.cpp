@@ -19,7 +19,7 @@ TEST(PoReader, TakesTranslatedEntriesOnlyAndStopsAtALineItCannotRead)
                            "msgid \"\"\r\nmsgstr \"Language: en\\n\"\r\n\r\n"
                            "#: src/a.cpp\nmsgid \"開始\"\nmsgstr \"Start\"\n\n"
                            "msgid \"\"\n\"二行\"\n\"の文\"\nmsgstr \"\"\n\"Two \"\n\"lines\"\n\n"
-                           "msgid \"引用\\\"と\\\\改行\\n\"\nmsgstr \"quote\\\"and\\\\newline\\n\"\n\n"
+                           "msgid \"引用\\\"と\\\\改行\\r\\n\\x41\\102\"\nmsgstr \"quote\\\"and\\\\newline\\r\\n\"\n\n"
                            "#, fuzzy\nmsgid \"曖昧\"\nmsgstr \"vague\"\n\n"
                            "#, qt-format\nmsgid \"%1分\"\nmsgstr \"%1 min\"\n\n"
                            "msgid \"未訳\"\nmsgstr \"\"\n\n"
@@ -29,7 +29,7 @@ TEST(PoReader, TakesTranslatedEntriesOnlyAndStopsAtALineItCannotRead)
     std::string error;
     const Catalogue read = parsePo(po, &error);
     EXPECT_EQ(error, "");
-    EXPECT_EQ(read, (Catalogue{{"開始", "Start"}, {"二行の文", "Two lines"}, {"引用\"と\\改行\n", "quote\"and\\newline\n"},
+    EXPECT_EQ(read, (Catalogue{{"開始", "Start"}, {"二行の文", "Two lines"}, {"引用\"と\\改行\r\nAB", "quote\"and\\newline\r\n"},
                                {"%1分", "%1 min"}, {"停止", "Stop"}}));
 
     struct Bad { const char* text; const char* line; };
