@@ -86,6 +86,15 @@ const char* tr(const char* japanese)
     return found == texts.end() ? japanese : found->second.c_str();
 }
 
+std::string_view tr(std::string_view japanese)
+{
+    if (g_language == Language::Japanese)
+        return japanese;
+    const Catalogue& texts = catalogue(g_language);
+    const auto found = texts.find(std::string(japanese));
+    return found == texts.end() ? japanese : std::string_view(found->second);
+}
+
 std::string trFormat(const char* japanese, std::initializer_list<std::string_view> arguments)
 {
     const std::string_view pattern = tr(japanese);
