@@ -2,6 +2,7 @@
 
 #include "base/Errors.h"
 #include "base/Utf8Path.h"
+#include "config/Settings.h"
 #include "meter/Meter.h"
 #include "recognition/CaptureFile.h"
 #include "shell/DebugLog.h"
@@ -10,6 +11,13 @@
 #include <system_error>
 
 namespace tvx {
+
+bool followLanguageSetting(const Settings& settings, Language shown)
+{
+    if (const auto language = languageFromCode(settings.UiLanguage))
+        setLanguage(*language);
+    return currentLanguage() != shown;
+}
 
 std::filesystem::path helpDocumentPath(const std::filesystem::path& folder, std::string_view document,
                                        Language language)

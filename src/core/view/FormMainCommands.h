@@ -14,6 +14,7 @@ namespace tvx {
 
 class DebugLog;
 class Meter;
+struct Settings;
 
 // What a menu command leaves for the window to do after the engine's part.
 enum class WindowAction : std::uint8_t { None, Close, ShowOptions, ShowVersion, ToggleCompact, ShowHistory };
@@ -22,6 +23,10 @@ enum class WindowAction : std::uint8_t { None, Close, ShowOptions, ShowVersion, 
 inline constexpr std::string_view kVersionCaption = N_("バージョン情報");
 // The log box's last line.
 inline constexpr std::string_view kClosingText = N_("終了しています・・・");
+
+// After the options window: puts the language of the settings in effect. True when the
+// main window, whose texts are in `shown`, must set them again.
+bool followLanguageSetting(const Settings& settings, Language shown);
 
 // Where a help document is for a language: the translation in the folder's language
 // subfolder ("en/ReadMeM.txt"), or the Japanese file beside them when there is none.
