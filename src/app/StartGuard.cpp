@@ -20,8 +20,8 @@ std::unique_ptr<platform::SingleInstance> guardStart(const std::filesystem::path
         return nullptr;
     }
     if (IsTempFolder(pathUtf8(programFolder), temporaryFolder.first, temporaryFolder.second)) {
-        prompter.message(tr("テンポラリフォルダでは実行できません。\r\n"
-                            "Zip圧縮ファイルは適切なフォルダに解凍してから実行してください。"),
+        prompter.message(crlf(tr("テンポラリフォルダでは実行できません。\n"
+                                 "Zip圧縮ファイルは適切なフォルダに解凍してから実行してください。")),
                          title);
         return nullptr;
     }

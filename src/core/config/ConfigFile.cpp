@@ -498,9 +498,9 @@ std::string configFileText(const Settings& s)
 ScreenMode askScreenMode(Prompter& prompter, const std::string& searchWindowName)
 {
     const std::string title = shown(kScreenTitle);
-    const bool fullScreen = prompter.askYesNo(trFormat("%1をフルスクリーンモードでプレイするときは「はい」を、\r\n"
-                                                       "ウィンドウモードでプレイする場合は「いいえ」を選択してください。",
-                                                       {searchWindowName}),
+    const bool fullScreen = prompter.askYesNo(crlf(trFormat("%1をフルスクリーンモードでプレイするときは「はい」を、\n"
+                                                            "ウィンドウモードでプレイする場合は「いいえ」を選択してください。",
+                                                            {searchWindowName})),
                                               title);
     const std::string confirm = fullScreen ? tr("フルスクリーンモードでよろしいですか？") : tr("ウィンドウモードでよろしいですか？");
     const bool kept = prompter.askOkCancel(
@@ -582,11 +582,11 @@ void ConfigFile::load()
         }
         if (!isFolder(m_settings.SaveFolder)) {
             m_settings.SaveFolder = pathUtf8(m_folder);
-            m_prompter.message(tr("時給記録フォルダが不正のため\r\nデフォルトフォルダに変更しました。"), shown(kReadTitle));
+            m_prompter.message(crlf(tr("時給記録フォルダが不正のため\nデフォルトフォルダに変更しました。")), shown(kReadTitle));
             rewrite = true;
         }
     } else if (std::filesystem::exists(oldPath(), ec)) {
-        if (m_prompter.askYesNo(tr("以前の設定ファイルが見つかりました。\r\n　　共通する設定を引き継ぎますか？"),
+        if (m_prompter.askYesNo(crlf(tr("以前の設定ファイルが見つかりました。\n　　共通する設定を引き継ぎますか？")),
                                 shown(kReadTitle))) {
             Settings read = m_settings;
             std::optional<ErrorNumber> error;

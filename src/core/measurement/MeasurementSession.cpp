@@ -289,9 +289,9 @@ void MeasurementSession::saveHistory()
     if (m_toldHistoryFailure)
         return;
     m_toldHistoryFailure = true;
-    m_ports.prompter.message(trFormat("セッション履歴のファイルを読み書きできません。\r\n%1\r\n"
-                                      "このファイルには手を付けずに、計測はこのまま続けます。",
-                                      {pathUtf8(path)}),
+    m_ports.prompter.message(crlf(trFormat("セッション履歴のファイルを読み書きできません。\n%1\n"
+                                           "このファイルには手を付けずに、計測はこのまま続けます。",
+                                           {pathUtf8(path)})),
                              tr("エラー"));
 }
 
@@ -427,9 +427,9 @@ void MeasurementSession::writeRecord(std::string_view line, int mode)
     m_toldRecordFailure = true;
     std::string path;
     trapErrors(m_log, "WriteRecordLine", [&] { path = pathUtf8(recordFilePath(m_settings, SessionStamp)); });
-    m_ports.prompter.message(trFormat("時給記録ファイルに書き込めません。\r\n%1\r\n"
-                                      "保存場所を確かめてください。計測はこのまま続けます。",
-                                      {path}),
+    m_ports.prompter.message(crlf(trFormat("時給記録ファイルに書き込めません。\n%1\n"
+                                           "保存場所を確かめてください。計測はこのまま続けます。",
+                                           {path})),
                              tr("エラー"));
 }
 

@@ -94,9 +94,9 @@ void WriteOperatingInformation(const EnvironmentFacts& facts, DebugLog& log)
 void reportMissingLibrary(const RequiredLibrary& library, Prompter& prompter, DebugLog& log)
 {
     log.WriteDebugLog("System File of " + library.name + " is Not Find ");
-    prompter.message(trFormat("%1 ファイルが見つかりませんでした。\r\n%2\r\n"
-                              "お手数ですが、必要なランタイムをインストールしてから再度起動してください。",
-                              {library.name, tr(library.warning)}),
+    prompter.message(crlf(trFormat("%1 ファイルが見つかりませんでした。\n%2\n"
+                                   "お手数ですが、必要なランタイムをインストールしてから再度起動してください。",
+                                   {library.name, tr(library.warning)})),
                      tr("ライブラリファイルチェック"));
 }
 

@@ -46,8 +46,8 @@ HistoryWindowData openHistoryWindow(const std::filesystem::path& historyFile)
     try {
         data.rows = loadHistory(historyFile);
     } catch (const RuntimeError&) {
-        data.error = trFormat("セッション履歴のファイルを読み込めません。\r\n%1\r\nこのファイルには手を付けていません。",
-                              {pathUtf8(historyFile)});
+        data.error = crlf(trFormat("セッション履歴のファイルを読み込めません。\n%1\nこのファイルには手を付けていません。",
+                                   {pathUtf8(historyFile)}));
     }
     data.tables = {historySessions(data.rows), historyDays(data.rows), historyWeeks(data.rows)};
     return data;
@@ -57,8 +57,8 @@ std::optional<std::string> exportHistory(const std::vector<HistoryRow>& rows, co
                                          const std::filesystem::path& historyFile)
 {
     if (sameFile(target, historyFile))
-        return std::string(tr("セッション履歴のファイルそのものには書き出せません。\r\n"
-                              "別の名前か別の場所を選んでください。"));
+        return crlf(tr("セッション履歴のファイルそのものには書き出せません。\n"
+                       "別の名前か別の場所を選んでください。"));
     const std::string csv = historyCsv(rows);
     // Written beside it and renamed over it: a failed write leaves the old file as it was.
     std::filesystem::path temporary = target;
@@ -77,7 +77,7 @@ std::optional<std::string> exportHistory(const std::vector<HistoryRow>& rows, co
         return std::nullopt;
     std::error_code ignored;
     std::filesystem::remove(temporary, ignored);
-    return trFormat("CSVファイルを書き込めません。\r\n%1", {pathUtf8(target)});
+    return crlf(trFormat("CSVファイルを書き込めません。\n%1", {pathUtf8(target)}));
 }
 
 } // namespace tvx
