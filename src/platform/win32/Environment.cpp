@@ -308,7 +308,7 @@ std::string systemLocale()
     wchar_t name[LOCALE_NAME_MAX_LENGTH] = {};
     if (GetUserDefaultLocaleName(name, LOCALE_NAME_MAX_LENGTH) <= 0)
         return {};
-    return utf8(name);
+    return win32::utf8(name);
 }
 
 } // namespace tvx::platform
