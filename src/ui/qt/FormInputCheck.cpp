@@ -120,6 +120,11 @@ void FormInputCheck::prepare(const QString& limitA, const QString& limitB, doubl
                              const QString& prompt, const QString& title)
 {
     m_input.open(coreText(limitA), coreText(limitB), proposed, coreText(step), coreText(prompt), coreText(title));
+    // The dialog is kept between questions: its captions follow a change of language.
+    m_cmdEnter->setText(qtTr(NumberInput::kEnterCaption));
+    m_cmdCancel->setText(qtTr(NumberInput::kCancelCaption));
+    findChild<QLabel*>(QStringLiteral("lblmax"))->setText(qtTr(NumberInput::kMaxCaption));
+    findChild<QLabel*>(QStringLiteral("lblmin"))->setText(qtTr(NumberInput::kMinCaption));
     m_lblminV->setText(qtText(m_input.lowerText()));
     m_lblmaxv->setText(qtText(m_input.upperText()));
     m_lblmsg->setText(prompt);
