@@ -39,9 +39,10 @@ struct LibraryCheck {
     std::vector<RequiredLibrary> libraries;
     std::function<bool(const std::string&)> canLoad;
 };
-// The windows speak the system's language until the configuration names one.
+// The windows speak the system's language until the configuration names one; without a
+// locale, Japanese.
 void startUp(DebugLog& log, const std::string& title, const std::filesystem::path& programFolder,
-             const LibraryCheck& check, Prompter& prompter, ConfigFile& config, std::string_view systemLocale);
+             const LibraryCheck& check, Prompter& prompter, ConfigFile& config, std::string_view systemLocale = {});
 // After the main window: the last lines (the end and the operating information), then
 // half a second in which the system's events still run.
 void unload(DebugLog& log, const EnvironmentFacts& facts, Waiter& waiter);

@@ -2,6 +2,7 @@
 #include "AppStart.h"
 #include "CommandLine.h"
 #include "Environment.h"
+#include "base/Language.h"
 #include "FormMain.h"
 #include "GameScreen.h"
 #include "HomeFolder.h"
@@ -59,6 +60,7 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int show)
     }
     const std::filesystem::path home = platform::homeFolder(options.home);
     tvx::win32ui::Win32Prompter prompter;
+    tvx::setLanguage(tvx::languageOfLocale(platform::systemLocale())); // until the configuration is read
     const auto instance = tvx::app::guardStart(home, platform::programFolder(), platform::temporaryFolder(), prompter);
     if (!instance)
         return 1;

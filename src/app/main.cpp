@@ -2,6 +2,7 @@
 #include "AppStart.h"
 #include "CommandLine.h"
 #include "Environment.h"
+#include "base/Language.h"
 #include "Fonts.h"
 #include "FormMain.h"
 #include "GameScreen.h"
@@ -44,6 +45,7 @@ int main(int argc, char** argv)
     }
     const std::filesystem::path home = tvx::platform::homeFolder(options.home);
     tvx::ui::QtPrompter prompter;
+    tvx::setLanguage(tvx::languageOfLocale(tvx::platform::systemLocale())); // until the configuration is read
     const auto instance =
         tvx::app::guardStart(home, tvx::platform::programFolder(), tvx::platform::temporaryFolder(), prompter);
     if (!instance)

@@ -174,6 +174,8 @@ public:
     virtual WindowDriver& joke() = 0;
     // The engine's part of the load: empty account, timers, auto start.
     virtual void load() = 0;
+    // What the window does after the options window changed the language.
+    virtual void retranslate() = 0;
     virtual std::string title() = 0;
     // A label or button of the account by name ("lblStartLv", "cmdTempStop").
     virtual std::string text(const std::string& control) = 0;

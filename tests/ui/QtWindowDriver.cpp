@@ -219,6 +219,12 @@ public:
         QTest::qWait(20);
     }
 
+    void retranslate() override
+    {
+        m_window.retranslate();
+        QTest::qWait(20);
+    }
+
     std::string title() override { return m_window.windowTitle().toStdString(); }
 
     std::string text(const std::string& control) override

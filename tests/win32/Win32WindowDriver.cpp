@@ -432,6 +432,12 @@ public:
         pumpMessages(50);
     }
 
+    void retranslate() override
+    {
+        m_window.retranslate();
+        pumpMessages(50);
+    }
+
     std::string title() override { return win32ui::windowText(m_window.handle()); }
     std::string text(const std::string& control) override { return m_window.controlText(control); }
 

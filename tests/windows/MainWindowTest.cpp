@@ -73,6 +73,30 @@ TEST_F(MainWindowTest, AutoStartRunsTheSessionUntilStopAndTheCloseEndsIt)
     EXPECT_NE(debugLog().find("Closing Program ･･･ "), std::string::npos);
 }
 
+// Relabelling after a change of language sets the captions again and keeps what the engine
+// set: the running session's run caption, the enabled states, working menus.
+TEST_F(MainWindowTest, RelabellingKeepsTheEngineStateOfTheMenus)
+{
+    machine.screens = {gameCapture({"50", "1000", "0"})};
+    host->load();
+    host->retranslate();
+    for (int command = 0; command <= static_cast<int>(MenuCommand::Version); ++command) {
+        const MenuItem& item = menuItem(static_cast<MenuCommand>(command));
+        if (item.command != MenuCommand::Run) {
+            EXPECT_EQ(host->menuText(std::string(item.name)), item.text()) << item.name;
+        }
+    }
+    EXPECT_EQ(host->menuText("menuRun"), "ロギング");
+    EXPECT_FALSE(host->menuEnabled("menuRun"));
+    EXPECT_TRUE(host->menuEnabled("menuStop"));
+    EXPECT_EQ(host->text("cmdTempStop"), "一時停止");
+    host->choose("menuOperatingInfo");
+    EXPECT_NE(debugLog().find("Click : Operating Information "), std::string::npos);
+    host->choose("menuStop");
+    EXPECT_EQ(host->menuText("menuRun"), "開始");
+    EXPECT_TRUE(host->menuEnabled("menuRun"));
+}
+
 TEST_F(MainWindowTest, GraphLabelClicksReachTheViewAndTheLog)
 {
     settings.AutoStart = false;

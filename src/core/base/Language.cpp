@@ -86,6 +86,27 @@ const char* tr(const char* japanese)
     return found == texts.end() ? japanese : found->second.c_str();
 }
 
+std::string_view tr(std::string_view japanese)
+{
+    if (g_language == Language::Japanese)
+        return japanese;
+    const Catalogue& texts = catalogue(g_language);
+    const auto found = texts.find(std::string(japanese));
+    return found == texts.end() ? japanese : std::string_view(found->second);
+}
+
+std::string crlf(std::string_view text)
+{
+    std::string out;
+    out.reserve(text.size() + 8);
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\n' && (i == 0 || text[i - 1] != '\r'))
+            out += '\r';
+        out += text[i];
+    }
+    return out;
+}
+
 std::string trFormat(const char* japanese, std::initializer_list<std::string_view> arguments)
 {
     const std::string_view pattern = tr(japanese);

@@ -32,8 +32,14 @@ Language currentLanguage();
 // A text in the current language: its translation, or the Japanese text itself when the
 // catalogue has none. The pointer stays valid for the whole run.
 const char* tr(const char* japanese);
+// The same for a text held as a view (a marked constant); the view stays valid as long as
+// the text it was given.
+std::string_view tr(std::string_view japanese);
 // A text with %1 ... %9 put in, in the current language.
 std::string trFormat(const char* japanese, std::initializer_list<std::string_view> arguments);
+
+// Texts of the catalogue break lines with "\n"; message boxes and the log box take CR LF.
+std::string crlf(std::string_view text);
 
 // Marks a text for the catalogue where it is kept untranslated (a table of captions), to be
 // passed through tr() where it is shown.

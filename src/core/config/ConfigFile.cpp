@@ -19,13 +19,29 @@ namespace tvx {
 namespace {
 
 constexpr std::string_view kCrLf = "\r\n";
-constexpr std::string_view kReadTitle = "設定ファイル読込み";
-constexpr std::string_view kWriteTitle = "設定ファイル書き込み";
-constexpr std::string_view kScreenTitle = "検査領域追従選択";
-constexpr std::string_view kTargetTitle = "ターゲット変更選択";
-constexpr std::string_view kUnreadable = "読込みできない設定ファイルです。";
-constexpr std::string_view kRecreate = "　　初期値で設定ファイルを再作成します。";
-constexpr std::string_view kBackedUp = "　　以前のファイルは「TV2MConfigBack.ini」で保存されます。";
+// What the player is asked and told, in Japanese: shown through tr().
+constexpr std::string_view kReadTitle = N_("設定ファイル読込み");
+constexpr std::string_view kWriteTitle = N_("設定ファイル書き込み");
+constexpr std::string_view kScreenTitle = N_("検査領域追従選択");
+constexpr std::string_view kTargetTitle = N_("ターゲット変更選択");
+constexpr std::string_view kUnreadable = N_("読込みできない設定ファイルです。");
+constexpr std::string_view kRecreate = N_("初期値で設定ファイルを再作成します。");
+constexpr std::string_view kBackedUp = N_("以前のファイルは「TV2MConfigBack.ini」で保存されます。");
+// Later lines of a message stand indented.
+constexpr std::string_view kIndent = "　　";
+
+std::string shown(std::string_view japanese)
+{
+    return std::string(tr(japanese));
+}
+
+std::string damagedText(bool backedUp)
+{
+    std::string text = shown(kUnreadable) + std::string(kCrLf) + std::string(kIndent) + shown(kRecreate);
+    if (backedUp)
+        text += std::string(kCrLf) + std::string(kIndent) + shown(kBackedUp);
+    return text;
+}
 
 constexpr std::array<std::string_view, kRegionCount> kRegionComments{
     " Lvキャプチャ領域(1)、開始座標とサイズ",
@@ -480,14 +496,14 @@ std::string configFileText(const Settings& s)
 
 ScreenMode askScreenMode(Prompter& prompter, const std::string& searchWindowName)
 {
-    const std::string title(kScreenTitle);
-    const bool fullScreen = prompter.askYesNo(
-        searchWindowName + "をフルスクリーンモードでプレイするときは「はい」を、" + std::string(kCrLf) +
-            "ウィンドウモードでプレイする場合は「いいえ」を選択してください。",
-        title);
-    const std::string confirm = fullScreen ? "フルスクリーンモードでよろしいですか？" : "ウィンドウモードでよろしいですか？";
+    const std::string title = shown(kScreenTitle);
+    const bool fullScreen = prompter.askYesNo(crlf(trFormat("%1をフルスクリーンモードでプレイするときは「はい」を、\n"
+                                                            "ウィンドウモードでプレイする場合は「いいえ」を選択してください。",
+                                                            {searchWindowName})),
+                                              title);
+    const std::string confirm = fullScreen ? tr("フルスクリーンモードでよろしいですか？") : tr("ウィンドウモードでよろしいですか？");
     const bool kept = prompter.askOkCancel(
-        confirm + std::string(kCrLf) + "※注意！ Windowsの環境により逆を選択したほうが良い場合もあります。", title);
+        confirm + std::string(kCrLf) + tr("※注意！ Windowsの環境により逆を選択したほうが良い場合もあります。"), title);
     return fullScreen == kept ? ScreenMode::FullScreen : ScreenMode::Window;
 }
 
@@ -557,7 +573,7 @@ void ConfigFile::load()
         if (characterCount(target) <= 4) {
             rewrite = true;
         } else if (target != current) {
-            if (m_prompter.askYesNo("ターゲットは " + target + " でよろしいいですか？", std::string(kTargetTitle))) {
+            if (m_prompter.askYesNo(trFormat("ターゲットは %1 でよろしいいですか？", {target}), shown(kTargetTitle))) {
                 m_settings.SearchWindowName = target;
                 logLine("Target Change : " + target);
                 rewrite = true;
@@ -565,13 +581,12 @@ void ConfigFile::load()
         }
         if (!isFolder(m_settings.SaveFolder)) {
             m_settings.SaveFolder = pathUtf8(m_folder);
-            m_prompter.message("時給記録フォルダが不正のため" + std::string(kCrLf) + "デフォルトフォルダに変更しました。",
-                               std::string(kReadTitle));
+            m_prompter.message(crlf(tr("時給記録フォルダが不正のため\nデフォルトフォルダに変更しました。")), shown(kReadTitle));
             rewrite = true;
         }
     } else if (std::filesystem::exists(oldPath(), ec)) {
-        if (m_prompter.askYesNo("以前の設定ファイルが見つかりました。" + std::string(kCrLf) + "　　共通する設定を引き継ぎますか？",
-                                std::string(kReadTitle))) {
+        if (m_prompter.askYesNo(crlf(tr("以前の設定ファイルが見つかりました。\n　　共通する設定を引き継ぎますか？")),
+                                shown(kReadTitle))) {
             Settings read = m_settings;
             std::optional<ErrorNumber> error;
             try {
@@ -584,8 +599,7 @@ void ConfigFile::load()
             }
             if (error) {
                 logError("ConfigFileOld", *error);
-                m_prompter.message(std::string(kUnreadable) + std::string(kCrLf) + std::string(kRecreate),
-                                   std::string(kReadTitle));
+                m_prompter.message(damagedText(false), shown(kReadTitle));
                 restoreDefaults();
             } else {
                 // The older file holds no recognition parameters; its regions go with them.
@@ -612,10 +626,7 @@ void ConfigFile::replaceDamagedFile(ErrorNumber error, const std::string& detail
     // The message promises the back-up only when there is one (a folder in the file's
     // place cannot be copied).
     const bool backedUp = !copyOver(path(), backupPath());
-    std::string text = std::string(kUnreadable) + std::string(kCrLf) + std::string(kRecreate);
-    if (backedUp)
-        text += std::string(kCrLf) + std::string(kBackedUp);
-    m_prompter.message(text, std::string(kReadTitle));
+    m_prompter.message(damagedText(backedUp), shown(kReadTitle));
     restoreDefaults();
     write();
     logError("ConfigFile", error);
@@ -671,7 +682,7 @@ bool ConfigFile::write(const Settings& settings)
     if (error) {
         std::error_code ec;
         std::filesystem::remove(temporary, ec);
-        m_prompter.message("設定をファイルに保存できませんでした。", std::string(kWriteTitle));
+        m_prompter.message(tr("設定をファイルに保存できませんでした。"), shown(kWriteTitle));
         logError("ConfigFile 2", *error);
     }
     // The settings in memory hold either way, so the buffers must follow them.

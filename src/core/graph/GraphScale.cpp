@@ -1,5 +1,6 @@
 #include "graph/GraphScale.h"
 
+#include "base/Language.h"
 #include "graph/StepTrap.h"
 #include "measurement/RecordFormat.h"
 #include "base/Errors.h"
@@ -66,15 +67,15 @@ std::string moneyScaleLabel(Currency value)
 std::string timeAxisTitle(std::int32_t captureInterval, std::int32_t timeScale)
 {
     const std::int32_t minutes = toInt32(std::int64_t{captureInterval} * timeScale);
-    return "経過時間(" + std::to_string(minutes / 4) + "分間隔)";
+    return trFormat("経過時間(%1分間隔)", {std::to_string(minutes / 4)});
 }
 
 std::string timeAxisTitleSeconds(std::int32_t captureSeconds, std::int32_t timeScale)
 {
     const std::int32_t seconds = toInt32(std::int64_t{captureSeconds} * timeScale) / 4;
     if (seconds % 60 == 0)
-        return "経過時間(" + std::to_string(seconds / 60) + "分間隔)";
-    return "経過時間(" + std::to_string(seconds) + "秒間隔)";
+        return trFormat("経過時間(%1分間隔)", {std::to_string(seconds / 60)});
+    return trFormat("経過時間(%1秒間隔)", {std::to_string(seconds)});
 }
 
 GraphScaleTexts graphScaleTexts(Currency maxRateE, Currency maxRateM, float zoom, std::int32_t captureInterval,

@@ -1,4 +1,5 @@
 #include "measurement/LevelWatch.h"
+#include "base/Language.h"
 
 #include "measurement/MeasurementSession.h"
 #include "ports/Clock.h"
@@ -45,7 +46,7 @@ void LevelWatch::CheckLevelChange()
     m_cycle.GetPictForClip(RegionLevel);
     m_recognizer.binarize(RegionLevel);
     const RecognitionResult result = m_recognizer.recognize(RegionLevel);
-    m_ports.view.captureCaption(RegionLevel, result.caption);
+    m_ports.view.captureCaption(RegionLevel, std::string(tr(result.caption)));
     DoHLReading = amountFromText(result.digits);
     CaptureLevelChange();
 }
@@ -89,7 +90,7 @@ void LevelWatch::burst()
         }
         m_images.PrintScreen(folder / (base + suffixes[shot]), m_settings.SaveFormat);
     }
-    m_logBox.write(formatMonthDayTime(m_ports.clock.now()) + "  LvUP or Dead 検出 \r\n");
+    m_logBox.write(trFormat("%1  LvUP or Dead 検出 ", {formatMonthDayTime(m_ports.clock.now())}) + "\r\n");
     m_session.DisplayResult(MeasurementSession::kUpdate);
     m_log.WriteDebugLog("DEAD OR HAPPY LIVE Print Screen ･･･ End ");
 }

@@ -14,6 +14,7 @@
 #include "shell/LogBox.h"
 #include "base/Utf8Path.h"
 #include "ports/Prompter.h"
+#include "base/Language.h"
 
 #include <cmath>
 #include <cstdio>
@@ -30,7 +31,7 @@ std::string percentText(double value)
     char text[64];
     std::snprintf(text, sizeof text, "%.2f", value);
     // No "-0.00％" for a loss too small to show.
-    return std::string(std::string_view(text) == "-0.00" ? "0.00" : text) + "％";
+    return trFormat("%1％", {std::string_view(text) == "-0.00" ? "0.00" : text});
 }
 
 std::string wholeText(std::int64_t value)
@@ -46,19 +47,19 @@ std::string failureText(std::int32_t level, Currency exp, Currency money)
     const bool ex = exp.raw() < 0;
     const bool mo = money.raw() < 0;
     if (lv && ex && mo)
-        return "全部 NG";
+        return N_("全部 NG");
     if (ex && mo)
-        return "ExpとMoney NG";
+        return N_("ExpとMoney NG");
     if (lv && mo)
-        return "LvとMoney NG";
+        return N_("LvとMoney NG");
     if (mo && !lv && !ex)
-        return "Money NG";
+        return N_("Money NG");
     if (lv && ex)
-        return "LvとExp NG";
+        return N_("LvとExp NG");
     if (ex)
-        return "Exp NG";
+        return N_("Exp NG");
     if (lv)
-        return "Lv NG";
+        return N_("Lv NG");
     return "";
 }
 
@@ -96,7 +97,7 @@ void MeasurementSession::ChangeLogging(int mode)
     if (mode == kStartLogging) {
         m_state.controls.runEnabled = false;
         m_state.controls.stopEnabled = true;
-        m_state.controls.runCaption = "ロギング";
+        m_state.controls.runCaption = N_("ロギング");
         controlsChanged();
         const auto& apps = m_settings.StartUp;
         if (apps[0].Enabled)
@@ -128,14 +129,14 @@ void MeasurementSession::ChangeLogging(int mode)
         m_exp = {};
         m_latestExpRate = Currency{};
         DisplayResult(kReset);
-        m_logBox.write(std::string(kLogHeader) + std::string(kLineBreak));
+        m_logBox.write(std::string(tr(kLogHeader)) + std::string(kLineBreak));
         m_ports.waiter.WaitMs(m_settings.StartDelay * 1000);
     } else if (mode == kStopLogging) {
         m_state.busy = false;
         m_ports.view.sessionReset();
         m_state.controls.runEnabled = true;
         m_state.controls.stopEnabled = false;
-        m_state.controls.runCaption = "開始";
+        m_state.controls.runCaption = N_("開始");
         m_state.controls.captureTimerEnabled = false;
         SessionStamp.clear();
         // The next session starts from fresh bases; the latest reading stays for the tools.
@@ -200,7 +201,8 @@ std::int32_t MeasurementSession::presentSeconds()
 void MeasurementSession::reportFailure()
 {
     const std::string text = failureText(CurrentLv, CurrentExp, CurrentMoney);
-    m_logBox.write(formatMonthDayTime(m_ports.clock.now()) + "  認識失敗  " + text + std::string(kLineBreak));
+    m_logBox.write(trFormat("%1  認識失敗  %2", {formatMonthDayTime(m_ports.clock.now()), tr(text)}) +
+                   std::string(kLineBreak));
     m_log.WriteDebugLog("ImageRecognition misstep :" + text);
 }
 
@@ -287,9 +289,10 @@ void MeasurementSession::saveHistory()
     if (m_toldHistoryFailure)
         return;
     m_toldHistoryFailure = true;
-    m_ports.prompter.message("セッション履歴のファイルを読み書きできません。" + std::string(kLineBreak) + pathUtf8(path) +
-                                 std::string(kLineBreak) + "このファイルには手を付けずに、計測はこのまま続けます。",
-                             "エラー");
+    m_ports.prompter.message(crlf(trFormat("セッション履歴のファイルを読み書きできません。\n%1\n"
+                                           "このファイルには手を付けずに、計測はこのまま続けます。",
+                                           {pathUtf8(path)})),
+                             tr("エラー"));
 }
 
 void MeasurementSession::checkStall()
@@ -303,8 +306,9 @@ void MeasurementSession::checkStall()
         m_log.WriteDebugLog(begun == Stall::NoReading ? "Stall : No Reading " : "Stall : No Gain ");
         if (m_settings.StallAlarm) {
             PlayCaptureBeep(m_ports.sound, m_settings.CaptureBeep);
-            m_logBox.write(formatMonthDayTime(m_ports.clock.now()) + "  停滞  " +
-                           stallText(begun, m_settings.StallMinutes) + std::string(kLineBreak));
+            m_logBox.write(trFormat("%1  停滞  %2", {formatMonthDayTime(m_ports.clock.now()),
+                                                    stallText(begun, m_settings.StallMinutes)}) +
+                           std::string(kLineBreak));
         }
     }
     if (m_live.figures().stall != before)
@@ -313,15 +317,16 @@ void MeasurementSession::checkStall()
 
 std::string stallText(Stall stall, std::int32_t minutes)
 {
-    const std::string span = std::to_string(minutes) + "分間";
-    return stall == Stall::NoReading ? span + "読み取れていません" : span + "経験値が増えていません";
+    const std::string span = std::to_string(minutes);
+    return stall == Stall::NoReading ? trFormat("%1分間読み取れていません", {span})
+                                     : trFormat("%1分間経験値が増えていません", {span});
 }
 
 void MeasurementSession::detectCharacterChange()
 {
     DisplayResult(kSummary);
-    m_logBox.write(std::string(kLineBreak) + "キャラクタチェンジ検出" + std::string(kLineBreak) + std::string(kLogHeader) +
-                   std::string(kLineBreak));
+    m_logBox.write(std::string(kLineBreak) + tr("キャラクタチェンジ検出") + std::string(kLineBreak) +
+                   std::string(tr(kLogHeader)) + std::string(kLineBreak));
     m_exp.base = m_exp.current;
     m_money.base = m_money.current;
     m_previousLevel = 0;
@@ -394,7 +399,7 @@ std::string MeasurementSession::screenLine(const std::string& stamp, Currency mi
             FormatField(minutesE, 6, 1, 1, true) + FormatField(rateE, 10, 1, 0, false);
     if (m_moneyTime.elapsed != 0)
         return line + FormatField(rateM, 12, 1, 0, false);
-    return line + (CurrentMoney < Currency{} ? "     未認識 " : "            ");
+    return line + (CurrentMoney < Currency{} ? "     " + std::string(tr("未認識")) + " " : "            ");
 }
 
 std::string MeasurementSession::fileLine(const std::string& stamp, Currency minutesE, Currency rateE, Currency minutesM,
@@ -422,9 +427,10 @@ void MeasurementSession::writeRecord(std::string_view line, int mode)
     m_toldRecordFailure = true;
     std::string path;
     trapErrors(m_log, "WriteRecordLine", [&] { path = pathUtf8(recordFilePath(m_settings, SessionStamp)); });
-    m_ports.prompter.message("時給記録ファイルに書き込めません。" + std::string(kLineBreak) + path +
-                                 std::string(kLineBreak) + "保存場所を確かめてください。計測はこのまま続けます。",
-                             "エラー");
+    m_ports.prompter.message(crlf(trFormat("時給記録ファイルに書き込めません。\n%1\n"
+                                           "保存場所を確かめてください。計測はこのまま続けます。",
+                                           {path})),
+                             tr("エラー"));
 }
 
 void MeasurementSession::addZeroPoint()
@@ -493,7 +499,7 @@ void MeasurementSession::DisplayResult(int mode)
 void MeasurementSession::resetResults()
 {
     for (ResultRow* row : {&m_state.labels.Start, &m_state.labels.End, &m_state.labels.Elapse})
-        *row = ResultRow{"", "-1", "-1", "0.00％", "-1"};
+        *row = ResultRow{"", "-1", "-1", trFormat("%1％", {"0.00"}), "-1"};
     m_moneyPair = {kMinusOne, kMinusOne};
     m_startLv = -1;
     m_startTotal = Currency{};
@@ -546,12 +552,12 @@ std::string MeasurementSession::summaryText() const
 {
     const ResultLabels& labels = m_state.labels;
     auto row = [](std::string_view caption, const ResultRow& r) {
-        return std::string(caption) + FormatField(r.Lv, 5, 1, 0, false) + "   Exp:" + FormatField(r.Exp, 14, 1, 0, false) +
-               FormatField(r.ExpPS, 11, 1, 0, false) + "  ﾒﾙ:" + FormatField(r.Money, 17, 1, 0, false) + "\r\n";
+        return "    " + std::string(caption) + "  Lv:" + FormatField(r.Lv, 5, 1, 0, false) + "   Exp:" +
+               FormatField(r.Exp, 14, 1, 0, false) + FormatField(r.ExpPS, 11, 1, 0, false) + "  " + tr("ﾒﾙ") + ":" +
+               FormatField(r.Money, 17, 1, 0, false) + "\r\n";
     };
-    return " 経過: " + labels.Start.Time + "  ～  " + labels.End.Time + "  ＝  " + labels.Elapse.Time + "\r\n" +
-           row("    開始  Lv:", labels.Start) + row("    終了  Lv:", labels.End) + row("    増加  Lv:", labels.Elapse) +
-           "\r\n";
+    return trFormat(" 経過: %1  ～  %2  ＝  %3", {labels.Start.Time, labels.End.Time, labels.Elapse.Time}) + "\r\n" +
+           row(tr("開始"), labels.Start) + row(tr("終了"), labels.End) + row(tr("増加"), labels.Elapse) + "\r\n";
 }
 
 } // namespace tvx

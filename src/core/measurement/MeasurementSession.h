@@ -2,6 +2,7 @@
 
 #include "config/Settings.h"
 #include "base/Currency.h"
+#include "base/Language.h"
 #include "measurement/LiveFigures.h"
 #include "measurement/SessionHistory.h"
 #include "meter/MeterPorts.h"
@@ -20,9 +21,10 @@ class Launcher;
 class LogBox;
 class RecordFile;
 
-// The log box's column header, also written after a change of character.
+// The log box's column header, also written after a change of character (in Japanese:
+// shown through tr()).
 inline constexpr std::string_view kLogHeader =
-    " 月日 時刻    Lv     獲得Exp       獲得メル  経過   Exp時給   時給 (k/h)";
+    N_(" 月日 時刻    Lv     獲得Exp       獲得メル  経過   Exp時給   時給 (k/h)");
 
 // A value of one measurement series: now, at the base, and the gain between them.
 struct RateRecord {

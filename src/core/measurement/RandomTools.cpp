@@ -1,4 +1,5 @@
 #include "measurement/RandomTools.h"
+#include "base/Language.h"
 
 #include "ports/Prompter.h"
 #include "shell/DebugLog.h"
@@ -32,7 +33,9 @@ std::int32_t RandomInt(Rnd& rnd, std::int32_t range, std::int32_t base)
 
 std::string RandomSequence(Rnd& rnd, std::int32_t count, std::int32_t base, int perLine, int indent)
 {
-    std::string text = "  " + std::to_string(base) + " ～ " + std::to_string(count) + " の範囲の乱数列は以下のとおりです\r\n";
+    std::string text = "  " +
+                       trFormat("%1 ～ %2 の範囲の乱数列は以下のとおりです", {std::to_string(base), std::to_string(count)}) +
+                       "\r\n";
     const std::string indentText(static_cast<std::size_t>(std::max(indent, 0)), ' ');
     std::vector<bool> drawn(static_cast<std::size_t>(std::max(count, 0)), false);
     text += indentText;
@@ -53,17 +56,19 @@ std::string RandomSequence(Rnd& rnd, std::int32_t count, std::int32_t base, int 
 void menuRandomOne_Click(Prompter& prompter, LogBox& logBox, DebugLog& log, Rnd& rnd)
 {
     log.WriteDebugLog("Click : RandomOne ");
-    const auto limit = askWhole(prompter, "らんだまーオンリーONE", "乱数の上限値を入力してください", "32000", 10);
+    const auto limit = askWhole(prompter, tr("らんだまーオンリーONE"), tr("乱数の上限値を入力してください"), "32000", 10);
     if (!limit)
         return;
     const std::int32_t r = RandomInt(rnd, *limit, 1);
-    logBox.write("\r\n  1 ～ " + std::to_string(*limit) + " の範囲で、今回の乱数は " + std::to_string(r) + " です\r\n");
+    logBox.write("\r\n  " +
+                 trFormat("1 ～ %1 の範囲で、今回の乱数は %2 です", {std::to_string(*limit), std::to_string(r)}) +
+                 "\r\n");
 }
 
 void menuRandomSome_Click(Prompter& prompter, LogBox& logBox, DebugLog& log, Rnd& rnd)
 {
     log.WriteDebugLog("Click : RandomSome ");
-    const auto count = askWhole(prompter, "らんだまーステキなサムシング", "乱数の個数を入力してください", "128", 6);
+    const auto count = askWhole(prompter, tr("らんだまーステキなサムシング"), tr("乱数の個数を入力してください"), "128", 6);
     if (!count)
         return;
     logBox.write("\r\n" + RandomSequence(rnd, *count, 1, 10, 4));

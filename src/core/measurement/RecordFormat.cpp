@@ -1,4 +1,5 @@
 #include "measurement/RecordFormat.h"
+#include "base/Language.h"
 
 #include "shell/TextWidth.h"
 
@@ -93,8 +94,8 @@ std::string FormatNow(const LocalDateTime& now)
 std::string FormatDuration(const LocalDateTime& start, const LocalDateTime& end)
 {
     const std::int64_t minutes = minutesBetween(start, end);
-    return std::to_string(minutes / 1440) + "日 " + std::to_string(minutes % 1440 / 60) + "時 " +
-           std::to_string(minutes % 60) + "分間";
+    return trFormat("%1日 %2時 %3分間", {std::to_string(minutes / 1440), std::to_string(minutes % 1440 / 60),
+                                        std::to_string(minutes % 60)});
 }
 
 } // namespace tvx

@@ -1,4 +1,5 @@
 #include "measurement/TimeLeft.h"
+#include "base/Language.h"
 
 #include "measurement/ExpTable.h"
 #include "measurement/RecordFormat.h"
@@ -26,8 +27,11 @@ std::string timeLeftLine(std::int32_t currentLevel, Currency totalExp, std::int3
     char hoursText[64];
     std::snprintf(hoursText, sizeof hoursText, "%.2f", hours);
     const std::string kexp = formatNumber(Currency::fromDouble(std::round(needed.toDouble() / 1000.0)), 0, false);
-    return "\r\n  Lv" + std::to_string(target) + "まで、" + (hours > 0 ? "あと " : "かつて ") + kexp + " Kexp、" +
-           hoursText + "時間です\r\n";
+    const std::string level = std::to_string(target);
+    return "\r\n  " +
+           (hours > 0 ? trFormat("Lv%1まで、あと %2 Kexp、%3時間です", {level, kexp, hoursText})
+                      : trFormat("Lv%1まで、かつて %2 Kexp、%3時間です", {level, kexp, hoursText})) +
+           "\r\n";
 }
 
 void menuTimeLeft_Click(std::int32_t currentLevel, Currency totalExp, Currency latestRate, Prompter& prompter,
@@ -36,24 +40,24 @@ void menuTimeLeft_Click(std::int32_t currentLevel, Currency totalExp, Currency l
     try {
         log.WriteDebugLog("Click : Leftover Time ");
         if (currentLevel == 200) {
-            logBox.write("\r\nLv200到達 お疲れ様です。あなたがみんなの目標です。\r\n");
+            logBox.write("\r\n" + std::string(tr("Lv200到達 お疲れ様です。あなたがみんなの目標です。")) + "\r\n");
             return;
         }
         if (currentLevel == 199) {
-            logBox.write("\r\nLv200到達まであとひとつ。がんばって！\r\n");
+            logBox.write("\r\n" + std::string(tr("Lv200到達まであとひとつ。がんばって！")) + "\r\n");
             return;
         }
-        const std::string title = "あと何時間？";
+        const std::string title = tr("あと何時間？");
         // Before the first reading there is no level to name, and no proposal may lie
         // outside the dialog's own bounds.
         const bool read = currentLevel > 0;
-        const std::string now = read ? std::to_string(currentLevel) : std::string("未認識");
+        const std::string now = read ? std::to_string(currentLevel) : std::string(tr("未認識"));
         const double target = prompter.askNumber("1", "200", read ? currentLevel + 1 : 1, "1",
-                                                 "目標Lvを入力してください  (現在:" + now + ")", title);
+                                                 trFormat("目標Lvを入力してください  (現在:%1)", {now}), title);
         if (target == Prompter::kCancelled)
             return;
         const double rate = prompter.askNumber("0.1", "100000", std::clamp(latestRate.toDouble(), 0.1, 100000.0), "500",
-                                               "時給Exp(k)を入力してください", title);
+                                               tr("時給Exp(k)を入力してください"), title);
         if (rate == Prompter::kCancelled)
             return;
         logBox.write(timeLeftLine(currentLevel, totalExp, static_cast<std::int32_t>(std::lround(target)), rate));

@@ -1,4 +1,5 @@
 #include "meter/GestureListener.h"
+#include "base/Language.h"
 
 #include "meter/Meter.h"
 #include "ports/MouseButtons.h"
@@ -38,12 +39,12 @@ bool GestureListener::Form_Load()
     const auto result = m_source.start([this](const std::vector<MouseButtonEvent>& batch) { m_meter.mouseButtons(batch); });
     if (result == MouseButtonSource::StartResult::NoInputSystem) {
         writeLog(m_log, "It was mistake to Create DirectInput Object ");
-        m_prompter.message("DirectInputオブジェクトが生成できません。", "マウスジェスチャ");
+        m_prompter.message(tr("DirectInputオブジェクトが生成できません。"), tr("マウスジェスチャ"));
         return false;
     }
     if (result == MouseButtonSource::StartResult::NoMouseDevice) {
         writeLog(m_log, "It was mistake to Create DirectInputDevice Object ");
-        m_prompter.message("Mouse用DirectInputDeviceオブジェクトが生成できません。", "マウスジェスチャ");
+        m_prompter.message(tr("Mouse用DirectInputDeviceオブジェクトが生成できません。"), tr("マウスジェスチャ"));
         return false;
     }
     m_loaded = true;

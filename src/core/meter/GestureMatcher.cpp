@@ -1,4 +1,5 @@
 #include "meter/GestureMatcher.h"
+#include "base/Language.h"
 
 #include <array>
 #include <utility>
@@ -74,14 +75,14 @@ Gesture GestureMatcher::feed(const std::vector<MouseButtonEvent>& batch, std::ui
 std::string_view gestureMessage(Gesture gesture)
 {
     switch (gesture) {
-    case Gesture::Suspend: return "マウスジェスチャ：時給測定一時停止";
-    case Gesture::Resume: return "マウスジェスチャ：時給測定一時停止 解除";
-    case Gesture::MoneyScanOn: return "マウスジェスチャ：メル時給測定開始";
-    case Gesture::MoneyScanOff: return "マウスジェスチャ：メル時給測定停止";
-    case Gesture::WatchOn: return "マウスジェスチャ：自動撮影 監視開始";
-    case Gesture::WatchOff: return "マウスジェスチャ：自動撮影 監視終了";
-    case Gesture::CycleReset: return "マウスジェスチャ：時給サイクルタイマリセット";
-    case Gesture::PrintScreen: return "マウスジェスチャ：プリントスクリーン";
+    case Gesture::Suspend: return tr("マウスジェスチャ：時給測定一時停止");
+    case Gesture::Resume: return tr("マウスジェスチャ：時給測定一時停止 解除");
+    case Gesture::MoneyScanOn: return tr("マウスジェスチャ：メル時給測定開始");
+    case Gesture::MoneyScanOff: return tr("マウスジェスチャ：メル時給測定停止");
+    case Gesture::WatchOn: return tr("マウスジェスチャ：自動撮影 監視開始");
+    case Gesture::WatchOff: return tr("マウスジェスチャ：自動撮影 監視終了");
+    case Gesture::CycleReset: return tr("マウスジェスチャ：時給サイクルタイマリセット");
+    case Gesture::PrintScreen: return tr("マウスジェスチャ：プリントスクリーン");
     case Gesture::None: break;
     }
     return {};

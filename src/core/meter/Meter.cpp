@@ -1,4 +1,5 @@
 #include "meter/Meter.h"
+#include "base/Language.h"
 
 #include "measurement/TimeLeft.h"
 #include "ports/Clock.h"
@@ -36,7 +37,7 @@ void Meter::load(Clock& graphClock)
         }
         m_state.controls.runEnabled = true;
         m_state.controls.stopEnabled = false;
-        m_state.controls.runCaption = "開始";
+        m_state.controls.runCaption = N_("開始");
         m_ports.view.controlsChanged();
         if (m_settings.AutoStart) {
             m_watch.reset();
@@ -86,7 +87,7 @@ void Meter::menuPrtScr_Click()
             return;
         printScreen("menuPrtScr_Click");
         PlayCaptureBeep(m_ports.sound, m_settings.CaptureBeep);
-        m_logBox.write("プリントスクリーン実行\r\n");
+        m_logBox.write(std::string(tr("プリントスクリーン実行")) + "\r\n");
         m_log.WriteDebugLog("Print Screen ･･･ End ");
     });
 }

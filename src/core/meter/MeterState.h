@@ -4,12 +4,14 @@
 #include "graph/clsGraphBuffer.h"
 #include "base/Currency.h"
 #include "base/DateTime.h"
+#include "base/Language.h"
 
 #include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace tvx {
 
@@ -32,7 +34,7 @@ struct ResultLabels {
 struct MeterControls {
     bool runEnabled = false;  // menuRun
     bool stopEnabled = false; // menuStop
-    std::string runCaption = "開始";
+    std::string_view runCaption = N_("開始"); // Japanese; shown through tr()
     bool captureTimerEnabled = false; // timCaptureInterval
     bool doHLTimerEnabled = false;    // timDoHLInterval
     std::int32_t doHLIntervalMs = 1000; // its period

@@ -1,4 +1,5 @@
 #include "meter/RecognitionCycle.h"
+#include "base/Language.h"
 
 #include "measurement/MeasurementSession.h"
 #include "ports/Clock.h"
@@ -111,7 +112,7 @@ void RecognitionCycle::runCycle()
     const GameWindowState game = m_ports.probe.state(m_settings.SearchWindowName);
     if (game == GameWindowState::Missing) {
         if (!m_noticeShown) {
-            m_ports.view.showNotice(m_settings.SearchWindowName + "が起動していません", "エラー");
+            m_ports.view.showNotice(trFormat("%1が起動していません", {m_settings.SearchWindowName}), tr("エラー"));
             m_noticeShown = true;
         }
         if (!m_session.running() && m_state.DebugMode)
@@ -186,7 +187,7 @@ void RecognitionCycle::recognizeInto(int region)
     ViewCaptions captions(m_ports.view);
     const RecognitionResult result =
         m_recognizer.recognize(region, m_state.DebugMode, m_state.DebugMode ? &captions : nullptr);
-    m_ports.view.captureCaption(region, result.caption);
+    m_ports.view.captureCaption(region, std::string(tr(result.caption)));
     noteUntaught(region, result.untaught);
     if (m_state.DebugMode && !result.trace.empty())
         m_log.WriteDebugLog(joinTrace(result.trace));
@@ -293,7 +294,7 @@ void RecognitionCycle::cmdRecognize_Click()
     });
     char seconds[32];
     std::snprintf(seconds, sizeof seconds, "%.3f", (m_ports.clock.tickMs() - start) / 1000.0);
-    m_ports.view.recognizeElapsed(std::string(seconds) + "秒");
+    m_ports.view.recognizeElapsed(trFormat("%1秒", {seconds}));
     setTestButtons(true);
     trapErrors(m_log, "cmdRecognize_Click",
                [&] { m_log.WriteDebugLog("Single Recognize(" + std::string(seconds) + ") ･･･ End "); });

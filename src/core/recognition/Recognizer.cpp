@@ -1,4 +1,5 @@
 #include "recognition/Recognizer.h"
+#include "base/Language.h"
 
 #include "base/Errors.h"
 
@@ -102,13 +103,13 @@ public:
     void caption(std::string_view text) const
     {
         if (m_enabled && m_sink)
-            m_sink->setCaption(m_region, text);
+            m_sink->setCaption(m_region, tr(text));
     }
 
     void captionSoFar() const
     {
         if (m_enabled && m_sink)
-            m_sink->setCaption(m_region, m_result.digits + std::string(kCaptionRecognizing));
+            m_sink->setCaption(m_region, m_result.digits + std::string(tr(kCaptionRecognizing)));
     }
 
     std::string category() const { return "category" + std::to_string(m_region); }

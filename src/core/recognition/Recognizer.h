@@ -1,6 +1,7 @@
 #pragma once
 
 #include "config/Settings.h"
+#include "base/Language.h"
 
 #include <string>
 #include <string_view>
@@ -8,11 +9,11 @@
 
 namespace tvx {
 
-// Captions of the region label.
-inline constexpr std::string_view kCaptionRecognizing = "認識中…";
-inline constexpr std::string_view kCaptionNotFound = "NotFind";
-inline constexpr std::string_view kCaptionFailed = "認識NG";
-inline constexpr std::string_view kCaptionHidden = "Hidden";
+// Captions of the region label, kept in Japanese in results and shown through tr().
+inline constexpr std::string_view kCaptionRecognizing = N_("認識中…");
+inline constexpr std::string_view kCaptionNotFound = N_("NotFind");
+inline constexpr std::string_view kCaptionFailed = N_("認識NG");
+inline constexpr std::string_view kCaptionHidden = N_("Hidden");
 
 struct RecognitionResult {
     std::string digits;             // empty when nothing was read

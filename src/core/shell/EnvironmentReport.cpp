@@ -1,5 +1,6 @@
 #include "shell/EnvironmentReport.h"
 
+#include "base/Language.h"
 #include "measurement/RecordFormat.h"
 #include "ports/Prompter.h"
 #include "shell/DebugLog.h"
@@ -18,11 +19,11 @@ struct Label {
 };
 
 // An item the system says nothing about is left out rather than shown empty.
-std::string item(std::string_view indent, const Label& label, bool japanese, const std::string& value)
+std::string item(std::string_view indent, const Label& label, bool forPlayer, const std::string& value)
 {
     if (value.find_first_not_of(' ') == std::string::npos)
         return "";
-    return std::string(indent) + (japanese ? label.japanese : label.english) + value + "\r\n";
+    return std::string(indent) + (forPlayer ? tr(label.japanese) : label.english) + " : " + value + "\r\n";
 }
 
 // Without a total (a machine without swap has none) there is nothing to tell.
@@ -43,32 +44,32 @@ std::string groupedAmount(std::optional<std::uint64_t> value, const std::string&
     return number + " " + unit;
 }
 
-std::string ReportEnvironment(const EnvironmentFacts& f, bool japanese)
+std::string ReportEnvironment(const EnvironmentFacts& f, bool forPlayer)
 {
-    std::string text = japanese ? "実行環境情報\r\n" : "";
-    text += item(kMain, {"OperatingSystem : ", "オペレーティングシステム : "}, japanese, f.operatingSystem);
-    text += item(kSub, {"Version : ", "バージョン : "}, japanese, f.version);
-    text += item(kSub, {"ServicePack : ", "サービスパック : "}, japanese, f.servicePack);
-    text += item(kSub, {"NowLocalTime : ", "経過時間 : "}, japanese, f.localTime);
-    text += item(kSub, {"LastBootTime : ", "起動時間 : "}, japanese, f.lastBootTime);
-    text += item(kSub, {"ProcessorUse : ", "使用プロセッサ : "}, japanese, f.processorUse);
-    text += item(kSub, {"FreePhysicalMemory : ", "物理メモリ 空き/最大 : "}, japanese,
+    std::string text = forPlayer ? std::string(tr("実行環境情報")) + "\r\n" : "";
+    text += item(kMain, {"OperatingSystem", N_("オペレーティングシステム")}, forPlayer, f.operatingSystem);
+    text += item(kSub, {"Version", N_("バージョン")}, forPlayer, f.version);
+    text += item(kSub, {"ServicePack", N_("サービスパック")}, forPlayer, f.servicePack);
+    text += item(kSub, {"NowLocalTime", N_("経過時間")}, forPlayer, f.localTime);
+    text += item(kSub, {"LastBootTime", N_("起動時間")}, forPlayer, f.lastBootTime);
+    text += item(kSub, {"ProcessorUse", N_("使用プロセッサ")}, forPlayer, f.processorUse);
+    text += item(kSub, {"FreePhysicalMemory", N_("物理メモリ 空き/最大")}, forPlayer,
                  freeOfTotal(f.freePhysicalBytes, f.totalPhysicalBytes));
-    text += item(kSub, {"FreeVirtualMemory : ", "仮想メモリ 空き/最大 : "}, japanese,
+    text += item(kSub, {"FreeVirtualMemory", N_("仮想メモリ 空き/最大")}, forPlayer,
                  freeOfTotal(f.freeVirtualBytes, f.totalVirtualBytes));
-    text += item(kMain, {"Processor : ", "プロセッサ : "}, japanese, f.processor);
-    text += item(kSub, {"Revision : ", "リビジョン : "}, japanese, f.revision);
+    text += item(kMain, {"Processor", N_("プロセッサ")}, forPlayer, f.processor);
+    text += item(kSub, {"Revision", N_("リビジョン")}, forPlayer, f.revision);
     if (f.caches.empty())
-        text += item(kSub, {"CacheMemory : ", "キャッシュメモリ : "}, japanese, "NONE");
+        text += item(kSub, {"CacheMemory", N_("キャッシュメモリ")}, forPlayer, "NONE");
     for (const auto& [purpose, kilobytes] : f.caches)
-        text += item(kSub, {"CacheMemory : ", "キャッシュメモリ : "}, japanese,
+        text += item(kSub, {"CacheMemory", N_("キャッシュメモリ")}, forPlayer,
                      purpose + " = " + groupedAmount(kilobytes, "kByte"));
-    text += item(kMain, {"GraphicAdapter : ", "グラフィックアダプタ : "}, japanese, f.graphicAdapter);
-    text += item(kSubSub, {"AdapterRAM : ", "グラフィックメモリ : "}, japanese, groupedAmount(f.adapterRamBytes, "Byte"));
-    text += item(kSubSub, {"DriverVersion : ", "ドライババージョン : "}, japanese, f.driverVersion);
-    text += item(kSubSub, {"GraphicMode : ", "画面設定 : "}, japanese, f.graphicMode);
-    text += item(kMain, {"Manufacturer : ", "製造メーカー : "}, japanese, f.manufacturer);
-    text += item(kSub, {"Model : ", "モデル名 : "}, japanese, f.model);
+    text += item(kMain, {"GraphicAdapter", N_("グラフィックアダプタ")}, forPlayer, f.graphicAdapter);
+    text += item(kSubSub, {"AdapterRAM", N_("グラフィックメモリ")}, forPlayer, groupedAmount(f.adapterRamBytes, "Byte"));
+    text += item(kSubSub, {"DriverVersion", N_("ドライババージョン")}, forPlayer, f.driverVersion);
+    text += item(kSubSub, {"GraphicMode", N_("画面設定")}, forPlayer, f.graphicMode);
+    text += item(kMain, {"Manufacturer", N_("製造メーカー")}, forPlayer, f.manufacturer);
+    text += item(kSub, {"Model", N_("モデル名")}, forPlayer, f.model);
     return text;
 }
 
@@ -93,9 +94,10 @@ void WriteOperatingInformation(const EnvironmentFacts& facts, DebugLog& log)
 void reportMissingLibrary(const RequiredLibrary& library, Prompter& prompter, DebugLog& log)
 {
     log.WriteDebugLog("System File of " + library.name + " is Not Find ");
-    prompter.message(library.name + " ファイルが見つかりませんでした。\r\n" + library.warning +
-                         "\r\nお手数ですが、必要なランタイムをインストールしてから再度起動してください。",
-                     "ライブラリファイルチェック");
+    prompter.message(crlf(trFormat("%1 ファイルが見つかりませんでした。\n%2\n"
+                                   "お手数ですが、必要なランタイムをインストールしてから再度起動してください。",
+                                   {library.name, tr(library.warning)})),
+                     tr("ライブラリファイルチェック"));
 }
 
 void reportSystemFileResult(bool allFound, DebugLog& log)

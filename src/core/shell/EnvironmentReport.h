@@ -34,8 +34,8 @@ struct EnvironmentFacts {
 };
 
 // The operating-environment report, one item per line (CR LF), labels in English for the
-// debug log or in Japanese for the log box.
-std::string ReportEnvironment(const EnvironmentFacts& facts, bool japanese);
+// debug log or in the player's language for the log box.
+std::string ReportEnvironment(const EnvironmentFacts& facts, bool forPlayer);
 
 // The report of the unload handler, to the debug log.
 void WriteOperatingInformation(const EnvironmentFacts& facts, DebugLog& log);
@@ -43,7 +43,7 @@ void WriteOperatingInformation(const EnvironmentFacts& facts, DebugLog& log);
 // One library the program needs and what goes wrong without it.
 struct RequiredLibrary {
     std::string name;
-    std::string warning;
+    std::string warning; // Japanese, marked for the catalogue; shown in the player's language
 };
 
 // Tries each library, tells the player of every missing one and logs the result.

@@ -1,5 +1,7 @@
 #include "shell/Launcher.h"
 
+#include "base/Language.h"
+
 #include "ports/Prompter.h"
 #include "ports/ShellLauncher.h"
 #include "ports/Waiter.h"
@@ -28,8 +30,9 @@ void Launcher::run(const std::string& target, std::int32_t waitMs, bool isUrl)
 {
     const bool found = isUrl ? !target.empty() : m_shell.fileExists(target);
     if (!found) {
-        m_prompter.message(fileNamePart(target) + (isUrl ? "サイトが見つかりません。" : "ファイルが見つかりません。"),
-                           "実行エラー");
+        m_prompter.message(isUrl ? trFormat("%1サイトが見つかりません。", {fileNamePart(target)})
+                                 : trFormat("%1ファイルが見つかりません。", {fileNamePart(target)}),
+                           tr("実行エラー"));
         // The same line for addresses, on purpose.
         m_log.WriteDebugLog("Execution File Not Find  " + target);
         return;
@@ -43,7 +46,7 @@ void Launcher::run(const std::string& target, std::int32_t waitMs, bool isUrl)
     if (!opened) {
         // Found, but nothing on this desktop opens it: say so rather than pretend it ran.
         m_log.writeErrorTrap(isUrl ? "RunUrl" : "RunFile", ErrorNumber::PathFileAccessError);
-        m_prompter.message(fileNamePart(target) + std::string(kCannotOpen), "実行エラー");
+        m_prompter.message(trFormat("%1を開くプログラムが見つかりません。", {fileNamePart(target)}), tr("実行エラー"));
         return;
     }
     m_log.WriteDebugLog(isUrl ? "Execution Url Finish " : "Execution File Finish ");

@@ -30,9 +30,6 @@ private:
     DebugLog& m_log;
 };
 
-// Told after the file-name part when the shell found no program to open it with.
-inline constexpr std::string_view kCannotOpen = "を開くプログラムが見つかりません。";
-
 // The file-name part of a path: what follows the last "\" or "/".
 std::string fileNamePart(const std::string& path);
 

@@ -2,13 +2,33 @@
 
 #include "base/Errors.h"
 #include "base/Utf8Path.h"
+#include "config/Settings.h"
 #include "meter/Meter.h"
 #include "recognition/CaptureFile.h"
 #include "shell/DebugLog.h"
 
 #include <algorithm>
+#include <system_error>
 
 namespace tvx {
+
+bool followLanguageSetting(const Settings& settings, Language shown)
+{
+    if (const auto language = languageFromCode(settings.UiLanguage))
+        setLanguage(*language);
+    return currentLanguage() != shown;
+}
+
+std::filesystem::path helpDocumentPath(const std::filesystem::path& folder, std::string_view document,
+                                       Language language)
+{
+    std::filesystem::path japanese = folder / utf8Path(document);
+    if (language == Language::Japanese)
+        return japanese;
+    std::filesystem::path translated = folder / languageCode(language) / utf8Path(document);
+    std::error_code error;
+    return std::filesystem::is_regular_file(translated, error) ? translated : japanese;
+}
 
 FormMainCommands::FormMainCommands(Meter& meter, DebugLog& log, std::filesystem::path programFolder)
     : m_meter(meter), m_log(log), m_programFolder(std::move(programFolder))
@@ -49,7 +69,7 @@ void FormMainCommands::runDocument(std::string_view logLine, std::string_view do
 {
     m_log.WriteDebugLog(logLine);
     const auto& folder = m_documentFolder.empty() ? m_programFolder : m_documentFolder;
-    m_meter.launcher().RunFile(pathUtf8(folder / utf8Path(document)), 500);
+    m_meter.launcher().RunFile(pathUtf8(helpDocumentPath(folder, document, currentLanguage())), 500);
 }
 
 void FormMainCommands::menuPatternSave_Click()
@@ -60,7 +80,7 @@ void FormMainCommands::menuPatternSave_Click()
         const std::string name = "Capture" + formatPatternStamp(m_meter.clock().now()) + ".bmp";
         writeBitmap24(m_programFolder / name, *capture);
     } else {
-        m_meter.logBox().write("まだキャプチャしていません\r\n");
+        m_meter.logBox().write(std::string(tr("まだキャプチャしていません")) + "\r\n");
     }
     m_log.WriteDebugLog("Pattern Save ･･･ End ");
 }
@@ -74,7 +94,7 @@ void FormMainCommands::menuOperatingInfo_Click()
 
 std::string FormMainCommands::versionLine()
 {
-    return "バージョン " + std::string(kVersionText);
+    return trFormat("バージョン %1", {kVersionText});
 }
 
 std::string FormMainCommands::versionHeading(std::string_view searchWindowName)
@@ -85,7 +105,7 @@ std::string FormMainCommands::versionHeading(std::string_view searchWindowName)
 void FormMainCommands::closing()
 {
     m_meter.close(); // traps its own errors
-    m_meter.logBox().write(kClosingLine);
+    m_meter.logBox().write("\r\n        " + std::string(tr(kClosingText)) + "\r\n");
 }
 
 std::int32_t FormMainCommands::captureTimerMs(std::int32_t intervalSeconds)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Language.h"
 #include "shell/EnvironmentReport.h"
 #include "view/MainMenu.h"
 
@@ -13,12 +14,24 @@ namespace tvx {
 
 class DebugLog;
 class Meter;
+struct Settings;
 
 // What a menu command leaves for the window to do after the engine's part.
 enum class WindowAction : std::uint8_t { None, Close, ShowOptions, ShowVersion, ToggleCompact, ShowHistory };
 
-inline constexpr std::string_view kVersionCaption = "バージョン情報";
-inline constexpr std::string_view kClosingLine = "\r\n        終了しています・・・\r\n";
+// In Japanese, shown through tr().
+inline constexpr std::string_view kVersionCaption = N_("バージョン情報");
+// The log box's last line.
+inline constexpr std::string_view kClosingText = N_("終了しています・・・");
+
+// After the options window: puts the language of the settings in effect. True when the
+// main window, whose texts are in `shown`, must set them again.
+bool followLanguageSetting(const Settings& settings, Language shown);
+
+// Where a help document is for a language: the translation in the folder's language
+// subfolder ("en/ReadMeM.txt"), or the Japanese file beside them when there is none.
+std::filesystem::path helpDocumentPath(const std::filesystem::path& folder, std::string_view document,
+                                       Language language);
 
 // The main window's commands, the same for every front end: each menu command writes its
 // log line and does the engine's part; the window then opens or closes what it says.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Language.h"
 #include "view/PixelRect.h"
 
 #include <array>
@@ -12,19 +13,21 @@ class StepTrap;
 
 // The account's table: a header row, then one row each for start, end and increase,
 // whose labels are named prefix + field ("lblStartLv", "lblElapseMoney", ...).
-inline constexpr std::array<std::string_view, 5> kResultHeaders{"時刻", "Lv", "Exp", "％", "メル"};
+// Captions are Japanese, shown through tr().
+inline constexpr std::array<std::string_view, 5> kResultHeaders{N_("時刻"), N_("Lv"), N_("Exp"), N_("％"), N_("メル")};
 inline constexpr std::array<std::string_view, 5> kResultFields{"Time", "Lv", "Exp", "ExpPS", "Money"};
 struct ResultRowDesign {
     std::string_view caption;
     std::string_view prefix;
 };
-inline constexpr std::array<ResultRowDesign, 3> kResultRows{{{"開始", "lblStart"}, {"終了", "lblEnd"}, {"増加", "lblElapse"}}};
+inline constexpr std::array<ResultRowDesign, 3> kResultRows{
+    {{N_("開始"), "lblStart"}, {N_("終了"), "lblEnd"}, {N_("増加"), "lblElapse"}}};
 // The capture regions read level, experience and money; each one's caption stands under
 // its own column of the account.
 inline constexpr std::array<std::size_t, 3> kCaptureFields{1, 2, 4};
-inline constexpr std::string_view kTempStopCaption = "一時停止";
-inline constexpr std::string_view kTestCaptureCaption = "テストキャプチャ";
-inline constexpr std::string_view kTestRecognizeCaption = "テスト認識";
+inline constexpr std::string_view kTempStopCaption = N_("一時停止");
+inline constexpr std::string_view kTestCaptureCaption = N_("テストキャプチャ");
+inline constexpr std::string_view kTestRecognizeCaption = N_("テスト認識");
 
 // The left panel of the main window in pixels of its client area: the account, the test
 // pause button with the recogniser's captions beside it, the log box and, in debug mode,

@@ -1,5 +1,6 @@
 #include "view/GraphFrameView.h"
 
+#include "base/Language.h"
 #include "config/Settings.h"
 #include "graph/GraphLayout.h"
 #include "graph/GraphScale.h"
@@ -9,16 +10,17 @@
 #include "shell/DebugLog.h"
 
 #include <algorithm>
+#include <cctype>
 
 namespace tvx {
 namespace {
 
-constexpr std::string_view kZoomIn = " 縦軸を一時的に拡大 ";
-constexpr std::string_view kZoomOut = " 縦軸を一時的に縮小 ";
+constexpr std::string_view kZoomIn = N_(" 縦軸を一時的に拡大 ");
+constexpr std::string_view kZoomOut = N_(" 縦軸を一時的に縮小 ");
 
 struct LabelDesign {
     std::string_view name;
-    std::string_view text; // at design time
+    std::string_view text; // at design time; words are Japanese, shown through tr()
     std::string_view toolTip;
     TextAlign align;
 };
@@ -33,10 +35,10 @@ constexpr std::array<LabelDesign, kGraphLabelCount> kDesign{{
     {"lblGraph_Ml2", "98,765", {}, TextAlign::Left},
     {"lblGraph_Ml3", "98,765", {}, TextAlign::Left},
     {"lblGraph_Et", " k EXP", kZoomOut, TextAlign::Left},
-    {"lblGraph_Mt", " k ﾒﾙ", kZoomOut, TextAlign::Left},
-    {"lblGraph_Tt", "経過時間(6分間隔)", {}, TextAlign::Left},
-    {"lblGraph_Tl0", "現在", " 時間軸を一時的に現在にひとメモリ移動する ", TextAlign::Left},
-    {"lblGraph_Tl1", "思ひ出", " 時間軸を一時的に過去にひとメモリ移動する ", TextAlign::Left},
+    {"lblGraph_Mt", N_(" k ﾒﾙ"), kZoomOut, TextAlign::Left},
+    {"lblGraph_Tt", {}, {}, TextAlign::Left}, // the time axis's title, made by the scale
+    {"lblGraph_Tl0", N_("現在"), N_(" 時間軸を一時的に現在にひとメモリ移動する "), TextAlign::Left},
+    {"lblGraph_Tl1", N_("思ひ出"), N_(" 時間軸を一時的に過去にひとメモリ移動する "), TextAlign::Left},
 }};
 
 GraphLabel scaleLabel(bool experience, std::size_t index)
@@ -55,10 +57,36 @@ GraphFrameView::GraphFrameView(MeasureText measure) : m_measure(std::move(measur
 {
     for (std::size_t i = 0; i < kGraphLabelCount; ++i) {
         const LabelDesign& design = kDesign[i];
-        m_labels[i] = GraphLabelView{design.name, std::string(design.text), design.toolTip, design.align,
+        m_labels[i] = GraphLabelView{design.name, std::string(tr(design.text)), tr(design.toolTip), design.align,
                                      PixelRect{0, 0, kScaleLabelWidth, kLabelHeight}};
     }
+    // Six-minute steps: a 6-minute interval on the default time scale.
+    at(GraphLabel::Tt).text = timeAxisTitle(6, 4);
     fitLabels();
+}
+
+void GraphFrameView::retranslate()
+{
+    for (std::size_t i = 0; i < kGraphLabelCount; ++i) {
+        const LabelDesign& design = kDesign[i];
+        m_labels[i].toolTip = tr(design.toolTip);
+        if (!design.text.empty() && !std::isdigit(static_cast<unsigned char>(design.text.front())))
+            m_labels[i].text = tr(design.text);
+    }
+    // Only the time axis's title has words; the scales keep their numbers.
+    if (m_settings != nullptr) {
+        StepTrap trap;
+        at(GraphLabel::Tt).text = graphScaleTexts(Currency(), Currency(), 1.0f, m_settings->CaptureInterval,
+                                                  m_settings->GraphTimeScale, trap, m_intervalSeconds)
+                                      .lblGraph_Tt;
+    } else {
+        at(GraphLabel::Tt).text = timeAxisTitle(6, 4);
+    }
+    fitLabels();
+    if (graphOn())
+        GraphFrameDisplay();
+    else
+        notify();
 }
 
 void GraphFrameView::fitLabels()

@@ -60,6 +60,8 @@ public:
 
     // Fits the labels that follow their text again, after the front end's font changed.
     void fitLabels();
+    // Sets the captions and tool tips again in the current language, then lays out anew.
+    void retranslate();
 
     void setGraphBuffer(const clsGraphBuffer* buffer) { m_buffer = buffer; }
     void setGraphView(GraphView& view) { m_view = &view; }

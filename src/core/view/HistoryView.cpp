@@ -1,5 +1,7 @@
 #include "view/HistoryView.h"
 
+#include "base/Language.h"
+
 #include "measurement/RecordFormat.h"
 #include "measurement/SessionHistory.h"
 
@@ -72,8 +74,18 @@ struct Totals {
     }
 };
 
-const std::vector<std::string> kTotalHeaders{"", "回数", "時間(分)", "Exp獲得", "Exp時給(k/h)", "メル獲得", "メル時給(k/h)",
-                                             "Lvアップ", "停滞"};
+// Headers in Japanese, shown through tr().
+constexpr std::array kTotalHeaders{"", N_("回数"), N_("時間(分)"), N_("Exp獲得"), N_("Exp時給(k/h)"), N_("メル獲得"),
+                                   N_("メル時給(k/h)"), N_("Lvアップ"), N_("停滞")};
+
+template <std::size_t N>
+std::vector<std::string> shownHeaders(const std::array<const char*, N>& japanese)
+{
+    std::vector<std::string> headers;
+    for (const char* header : japanese)
+        headers.emplace_back(*header == '\0' ? header : tr(header));
+    return headers;
+}
 
 template <typename Key>
 HistoryTable totals(const std::vector<HistoryRow>& rows, std::string firstHeader, Key key)
@@ -81,7 +93,7 @@ HistoryTable totals(const std::vector<HistoryRow>& rows, std::string firstHeader
     std::map<std::string, Totals, std::greater<>> groups;
     for (const HistoryRow& row : rows)
         groups[key(row.start)].add(row);
-    HistoryTable table{kTotalHeaders, {}};
+    HistoryTable table{shownHeaders(kTotalHeaders), {}};
     table.headers[0] = std::move(firstHeader);
     for (const auto& [label, sum] : groups)
         table.rows.push_back(sum.cells(label));
@@ -94,14 +106,15 @@ std::vector<HistoryRow> newestFirst(std::vector<HistoryRow> rows)
     return rows;
 }
 
-const std::vector<std::string> kSessionHeaders{"開始", "終了", "時間(分)", "開始Lv", "終了Lv", "Exp獲得", "Exp時給(k/h)",
-                                               "メル獲得", "メル時給(k/h)", "Lvアップ", "停滞"};
+constexpr std::array kSessionHeaders{N_("開始"),   N_("終了"),         N_("時間(分)"),      N_("開始Lv"),
+                                     N_("終了Lv"), N_("Exp獲得"),      N_("Exp時給(k/h)"),  N_("メル獲得"),
+                                     N_("メル時給(k/h)"), N_("Lvアップ"), N_("停滞")};
 
 } // namespace
 
 HistoryTable historySessions(const std::vector<HistoryRow>& rows)
 {
-    HistoryTable table{kSessionHeaders, {}};
+    HistoryTable table{shownHeaders(kSessionHeaders), {}};
     for (const HistoryRow& row : newestFirst(rows))
         table.rows.push_back({formatTimestamp(row.start), formatTimestamp(row.end), minutes(row.activeSeconds),
                               std::to_string(row.startLevel), std::to_string(row.endLevel), amount(row.expGained),
@@ -113,12 +126,12 @@ HistoryTable historySessions(const std::vector<HistoryRow>& rows)
 
 HistoryTable historyDays(const std::vector<HistoryRow>& rows)
 {
-    return totals(rows, "日付", [](const LocalDateTime& t) { return date(t); });
+    return totals(rows, tr("日付"), [](const LocalDateTime& t) { return date(t); });
 }
 
 HistoryTable historyWeeks(const std::vector<HistoryRow>& rows)
 {
-    return totals(rows, "週（月曜から）", [](const LocalDateTime& t) {
+    return totals(rows, tr("週（月曜から）"), [](const LocalDateTime& t) {
         // Day 0 of the OLE date, 30 December 1899, was a Saturday: five days after a Monday.
         const auto day = static_cast<std::int64_t>(std::floor(toOleDate({t.year, t.month, t.day, 0, 0, 0})));
         const std::int64_t monday = day - (day + 5) % 7;

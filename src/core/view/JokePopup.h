@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Language.h"
+
 #include <cstddef>
 #include <span>
 #include <string_view>
@@ -7,11 +9,14 @@
 namespace tvx {
 
 // One line of the joke popup's script: the window's caption, its message and the caption
-// of its one button.
+// of its one button, in Japanese.
 struct JokeLine {
     std::string_view caption;
     std::string_view message;
     std::string_view button;
+
+    // The line as the window shows it, in the current language.
+    JokeLine shown() const;
 };
 
 // The joke popup behind the version window's "おまけ" button. It does not want to be
@@ -20,7 +25,7 @@ struct JokeLine {
 // The windows draw current() and forward attempts; they close when attemptClose() says so.
 class JokePopup {
 public:
-    static constexpr std::string_view kOpenCaption = "おまけ";
+    static constexpr std::string_view kOpenCaption = N_("おまけ"); // shown through tr()
     // The message's width in pixels at 96 dpi; each window measures the script's tallest
     // message at this width once, so the popup keeps one size from the first line to the last.
     static constexpr int kMessageWidth = 300;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Language.h"
 #include "config/Settings.h"
 #include "measurement/LiveFigures.h"
 #include "view/PixelRect.h"
@@ -42,7 +43,7 @@ struct LiveContext {
 
 LiveView liveView(const LiveFigures& figures, const LiveContext& context);
 
-inline constexpr std::string_view kCompactTitle = "Tallivex 小窓";
+inline constexpr std::string_view kCompactTitle = N_("Tallivex 小窓"); // shown through tr()
 inline constexpr std::int32_t kCompactWidth = 232;
 inline constexpr std::int32_t kCompactLineHeight = 18;
 inline constexpr std::int32_t kCompactMargin = 6;

@@ -1,6 +1,7 @@
 #include "view/LiveWindowModel.h"
 
 #include "base/Errors.h"
+#include "base/Language.h"
 #include "base/Utf8Path.h"
 #include "measurement/SessionHistory.h"
 #include "meter/Meter.h"
@@ -10,8 +11,6 @@
 
 namespace tvx {
 namespace {
-
-constexpr std::string_view kLineBreak = "\r\n";
 
 bool sameFile(const std::filesystem::path& a, const std::filesystem::path& b)
 {
@@ -38,7 +37,7 @@ LiveView meterLiveView(Meter& meter)
 
 std::string compactOpacityCaption(std::int32_t percent)
 {
-    return "不透明度 " + std::to_string(percent) + "％";
+    return trFormat("不透明度 %1％", {std::to_string(percent)});
 }
 
 HistoryWindowData openHistoryWindow(const std::filesystem::path& historyFile)
@@ -47,8 +46,8 @@ HistoryWindowData openHistoryWindow(const std::filesystem::path& historyFile)
     try {
         data.rows = loadHistory(historyFile);
     } catch (const RuntimeError&) {
-        data.error = "セッション履歴のファイルを読み込めません。" + std::string(kLineBreak) + pathUtf8(historyFile) +
-                     std::string(kLineBreak) + "このファイルには手を付けていません。";
+        data.error = crlf(trFormat("セッション履歴のファイルを読み込めません。\n%1\nこのファイルには手を付けていません。",
+                                   {pathUtf8(historyFile)}));
     }
     data.tables = {historySessions(data.rows), historyDays(data.rows), historyWeeks(data.rows)};
     return data;
@@ -58,8 +57,8 @@ std::optional<std::string> exportHistory(const std::vector<HistoryRow>& rows, co
                                          const std::filesystem::path& historyFile)
 {
     if (sameFile(target, historyFile))
-        return "セッション履歴のファイルそのものには書き出せません。" + std::string(kLineBreak) +
-               "別の名前か別の場所を選んでください。";
+        return crlf(tr("セッション履歴のファイルそのものには書き出せません。\n"
+                       "別の名前か別の場所を選んでください。"));
     const std::string csv = historyCsv(rows);
     // Written beside it and renamed over it: a failed write leaves the old file as it was.
     std::filesystem::path temporary = target;
@@ -78,7 +77,7 @@ std::optional<std::string> exportHistory(const std::vector<HistoryRow>& rows, co
         return std::nullopt;
     std::error_code ignored;
     std::filesystem::remove(temporary, ignored);
-    return "CSVファイルを書き込めません。" + std::string(kLineBreak) + pathUtf8(target);
+    return crlf(trFormat("CSVファイルを書き込めません。\n%1", {pathUtf8(target)}));
 }
 
 } // namespace tvx

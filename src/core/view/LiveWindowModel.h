@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Language.h"
 #include "measurement/LiveFigures.h"
 #include "view/HistoryView.h"
 #include "view/LiveView.h"
@@ -19,21 +20,22 @@ class Meter;
 
 // What the windows of the live figures share beyond LiveView and HistoryView: the meter's
 // live texts as of now, the compact window's menu, and the history window's loading and
-// export with their messages.
+// export with their messages. Captions are Japanese, marked for the catalogue, and shown
+// through tr(); the messages come already in the player's language.
 
 // The live texts of the meter's session in the light of its settings.
 LiveView meterLiveView(Meter& meter);
 
 // The compact window's context menu: one item per opacity of kCompactOpacities, then close.
 std::string compactOpacityCaption(std::int32_t percent);
-inline constexpr std::string_view kCompactCloseCaption = "小窓を閉じる";
+inline constexpr std::string_view kCompactCloseCaption = N_("小窓を閉じる");
 
 // The history window: a page per table (sessions, days, weeks), an export and a close button.
-inline constexpr std::array<std::string_view, 3> kHistoryPages{"セッション", "日別", "週別"};
+inline constexpr std::array<std::string_view, 3> kHistoryPages{N_("セッション"), N_("日別"), N_("週別")};
 // The leading columns of each page that hold dates; the figures after them align right.
 inline constexpr std::array<std::size_t, 3> kHistoryDateColumns{2, 1, 1};
-inline constexpr std::string_view kHistoryExportCaption = "CSVに書き出す...";
-inline constexpr std::string_view kHistoryCloseCaption = "閉じる";
+inline constexpr std::string_view kHistoryExportCaption = N_("CSVに書き出す...");
+inline constexpr std::string_view kHistoryCloseCaption = N_("閉じる");
 inline constexpr std::string_view kHistoryExportName = "セッション履歴.csv";
 
 struct HistoryWindowData {

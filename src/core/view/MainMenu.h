@@ -30,7 +30,9 @@ enum class MenuCommand : std::uint8_t {
 struct MenuItem {
     MenuCommand command;
     std::string_view name;    // control name, e.g. "menuRun"
-    std::string_view caption;
+    std::string_view caption; // Japanese, marked for the catalogue
+    // The caption as shown, in the current language.
+    std::string_view text() const;
 };
 
 struct MenuBarEntry {
@@ -38,6 +40,7 @@ struct MenuBarEntry {
     std::string_view caption;
     std::span<const MenuItem> items; // empty: `command` sits on the bar itself
     MenuItem command{};
+    std::string_view text() const;
 };
 
 // The main window's menu bar, left to right.

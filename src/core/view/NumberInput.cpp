@@ -1,5 +1,7 @@
 #include "view/NumberInput.h"
 
+#include "base/Language.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -9,11 +11,11 @@
 namespace tvx {
 namespace {
 
-constexpr std::string_view kInvalidCharacters = "無効文字が含まれています。";
-constexpr std::string_view kCheckTitle = "入力チェック";
-constexpr std::string_view kBelowLower = "入力下限を超えています";
-constexpr std::string_view kAboveUpper = "入力上限を超えています";
-constexpr std::string_view kErrorTitle = "入力エラー";
+constexpr std::string_view kInvalidCharacters = N_("無効文字が含まれています。");
+constexpr std::string_view kCheckTitle = N_("入力チェック");
+constexpr std::string_view kBelowLower = N_("入力下限を超えています");
+constexpr std::string_view kAboveUpper = N_("入力上限を超えています");
+constexpr std::string_view kErrorTitle = N_("入力エラー");
 
 bool isDigit(char c)
 {
@@ -87,7 +89,7 @@ bool codePasses(char32_t code)
 
 NumberInput::Warning invalidCharacters()
 {
-    return {std::string(kInvalidCharacters), std::string(kCheckTitle), false};
+    return {std::string(tr(kInvalidCharacters)), std::string(tr(kCheckTitle)), false};
 }
 
 } // namespace
@@ -134,7 +136,7 @@ void NumberInput::open(std::string_view limitA, std::string_view limitB, double 
     m_upper = std::max(a, b);
     m_step = std::fabs(numericValue(step));
     m_prompt = std::move(prompt);
-    m_title = title.empty() ? std::string(kDefaultTitle) : std::string(title);
+    m_title = title.empty() ? std::string(tr(kDefaultTitle)) : std::string(title);
     m_text = formatInputNumber(proposed);
     m_result = kCancelled;
     m_done = false;
@@ -194,9 +196,9 @@ std::optional<NumberInput::Warning> NumberInput::confirm()
         return invalidCharacters();
     const double value = numericValue(m_text);
     if (value < m_lower)
-        return Warning{std::string(kBelowLower), std::string(kErrorTitle), true};
+        return Warning{std::string(tr(kBelowLower)), std::string(tr(kErrorTitle)), true};
     if (value > m_upper)
-        return Warning{std::string(kAboveUpper), std::string(kErrorTitle), true};
+        return Warning{std::string(tr(kAboveUpper)), std::string(tr(kErrorTitle)), true};
     m_result = value;
     m_done = true;
     return std::nullopt;

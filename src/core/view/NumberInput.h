@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Language.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -13,12 +15,13 @@ class NumberInput {
 public:
     static constexpr double kCancelled = 19999;
 
-    static constexpr std::string_view kDefaultTitle = "パラメータ入力";
-    static constexpr std::string_view kGuide = "インプットガイド";
-    static constexpr std::string_view kEnterCaption = "決 定";
-    static constexpr std::string_view kCancelCaption = "キャンセル";
-    static constexpr std::string_view kMaxCaption = "最大：";
-    static constexpr std::string_view kMinCaption = "最小：";
+    // Captions in Japanese, shown through tr().
+    static constexpr std::string_view kDefaultTitle = N_("パラメータ入力");
+    static constexpr std::string_view kGuide = N_("インプットガイド");
+    static constexpr std::string_view kEnterCaption = N_("決 定");
+    static constexpr std::string_view kCancelCaption = N_("キャンセル");
+    static constexpr std::string_view kMaxCaption = N_("最大：");
+    static constexpr std::string_view kMinCaption = N_("最小：");
 
     // A refusal shown in a message box; the dialog stays open.
     struct Warning {
@@ -36,7 +39,7 @@ public:
     enum class EnterAction { FocusEnter, Confirm, Cancel };
 
     // Limits in either order and the step may be numbers or numeric texts; an empty
-    // title gives "パラメータ入力".
+    // title gives "パラメータ入力" in the player's language.
     void open(std::string_view limitA, std::string_view limitB, double proposed, std::string_view step,
               std::string prompt, std::string_view title);
 
@@ -71,7 +74,7 @@ private:
     double m_upper = 0;
     double m_step = 1;
     std::string m_prompt;
-    std::string m_title{kDefaultTitle};
+    std::string m_title{tr(kDefaultTitle)};
     std::string m_text;
     double m_result = kCancelled;
     bool m_done = false;

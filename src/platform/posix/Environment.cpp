@@ -1,5 +1,7 @@
 #include "Environment.h"
 
+#include "base/Language.h"
+
 #include <dlfcn.h>
 #include <sys/sysinfo.h>
 #include <sys/utsname.h>
@@ -15,7 +17,7 @@ namespace tvx::platform {
 
 namespace {
 
-constexpr const char* kMayFail = "正常に動作しない可能性があります。";
+constexpr const char* kMayFail = N_("正常に動作しない可能性があります。");
 
 std::string firstLine(const std::filesystem::path& path)
 {
@@ -167,9 +169,9 @@ std::vector<RequiredLibrary> requiredLibraries()
         {"libstdc++.so.6", kMayFail},
         {"libQt6Core.so.6", kMayFail},
         {"libQt6Gui.so.6", kMayFail},
-        {"libQt6Widgets.so.6", "オプションウィンドウを開けない可能性があります。"},
+        {"libQt6Widgets.so.6", N_("オプションウィンドウを開けない可能性があります。")},
         {"libxcb.so.1", kMayFail},
-        {"libfontconfig.so.1", "ダイアログメッセージの表示が日本語バケする可能性があります。"},
+        {"libfontconfig.so.1", N_("ダイアログメッセージの表示が日本語バケする可能性があります。")},
     };
 }
 

@@ -1,5 +1,7 @@
 #include "Environment.h"
 
+#include "base/Language.h"
+
 #include "Win32Handles.h"
 #include "Win32Text.h"
 
@@ -17,7 +19,7 @@ namespace {
 
 using win32::ComPtr;
 
-constexpr const char* kMayFail = "正常に動作しない可能性があります。";
+constexpr const char* kMayFail = N_("正常に動作しない可能性があります。");
 
 class Bstr {
 public:
@@ -288,7 +290,7 @@ std::vector<RequiredLibrary> requiredLibraries()
         {"winmm.dll", kMayFail},    {"shlwapi.dll", kMayFail},  {"comdlg32.dll", kMayFail},
         {"shell32.dll", kMayFail},  {"msvcrt.dll", kMayFail},   {"OLEAUT32.dll", kMayFail},
         {"COMCAT.dll", kMayFail},   {"scrrun.dll", kMayFail},
-        {"COMCTL32.dll", "オプションウィンドウを開けない可能性があります。"},
+        {"COMCTL32.dll", N_("オプションウィンドウを開けない可能性があります。")},
     };
 }
 

@@ -46,7 +46,7 @@ FormCompact::FormCompact(Settings& settings, std::function<void()> remember, QWi
       m_remember(std::move(remember))
 {
     setObjectName(QStringLiteral("frmCompact"));
-    setWindowTitle(qtText(kCompactTitle));
+    setWindowTitle(qtTr(kCompactTitle));
     // Taken anywhere, it moves: the cursor says so.
     setCursor(Qt::SizeAllCursor);
     const int inner = kCompactWidth - 2 * kCompactMargin;
@@ -60,7 +60,7 @@ FormCompact::FormCompact(Settings& settings, std::function<void()> remember, QWi
     m_cmdClose = new QToolButton(this);
     m_cmdClose->setObjectName(QStringLiteral("cmdClose"));
     m_cmdClose->setText(QStringLiteral("×"));
-    m_cmdClose->setToolTip(qtText(kCompactCloseCaption));
+    m_cmdClose->setToolTip(qtTr(kCompactCloseCaption));
     m_cmdClose->setAutoRaise(true);
     m_cmdClose->setCursor(Qt::ArrowCursor);
     m_cmdClose->setStyleSheet(QStringLiteral("QToolButton { color: #f0f0f0; border: none; }"
@@ -146,6 +146,12 @@ void FormCompact::followSettings()
         hide();
 }
 
+void FormCompact::retranslate()
+{
+    setWindowTitle(qtTr(kCompactTitle));
+    m_cmdClose->setToolTip(qtTr(kCompactCloseCaption));
+}
+
 void FormCompact::setOpacity(int percent)
 {
     setWindowOpacity(percent / 100.0);
@@ -178,7 +184,7 @@ QMenu* FormCompact::makeMenu()
         });
     }
     menu->addSeparator();
-    QAction* close = menu->addAction(qtText(kCompactCloseCaption));
+    QAction* close = menu->addAction(qtTr(kCompactCloseCaption));
     close->setObjectName(QStringLiteral("menuClose"));
     connect(close, &QAction::triggered, this, &QWidget::close);
     return menu;

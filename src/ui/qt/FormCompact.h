@@ -36,6 +36,8 @@ public:
     // The settings were loaded or reset: the window takes their place and opacity, and
     // hides when they say it is closed.
     void followSettings();
+    // The title and tool tip in the current language; the lines follow the next showView.
+    void retranslate();
     // The context menu, made anew for each showing.
     QMenu* makeMenu();
 

@@ -47,10 +47,9 @@ QString documentsFolder()
 FormHistory::FormHistory(Prompter& prompter, QWidget* parent) : QDialog(parent), m_prompter(prompter)
 {
     setObjectName(QStringLiteral("frmHistory"));
-    setWindowTitle(qtText(kHistoryTitle));
     setModal(false);
     m_chooseTarget = [](QWidget* owner, const QString& proposed) {
-        return QFileDialog::getSaveFileName(owner, qtText(kHistoryExportCaption), proposed, QStringLiteral("CSV (*.csv)"));
+        return QFileDialog::getSaveFileName(owner, qtTr(kHistoryExportCaption), proposed, QStringLiteral("CSV (*.csv)"));
     };
 
     auto* rows = new QVBoxLayout(this);
@@ -59,14 +58,14 @@ FormHistory::FormHistory(Prompter& prompter, QWidget* parent) : QDialog(parent),
     const QString names[] = {QStringLiteral("grdSessions"), QStringLiteral("grdDays"), QStringLiteral("grdWeeks")};
     for (std::size_t page = 0; page < kHistoryPages.size(); ++page) {
         m_grids[page] = makeGrid(names[page], m_tabs);
-        m_tabs->addTab(m_grids[page], qtText(kHistoryPages[page]));
+        m_tabs->addTab(m_grids[page], QString());
     }
     rows->addWidget(m_tabs, 1);
 
     auto* buttons = new QHBoxLayout;
-    auto* cmdExport = new QPushButton(qtText(kHistoryExportCaption), this);
+    auto* cmdExport = new QPushButton(this);
     cmdExport->setObjectName(QStringLiteral("cmdExport"));
-    auto* cmdClose = new QPushButton(qtText(kHistoryCloseCaption), this);
+    auto* cmdClose = new QPushButton(this);
     cmdClose->setObjectName(QStringLiteral("cmdClose"));
     cmdClose->setDefault(true);
     buttons->addWidget(cmdExport);
@@ -75,6 +74,7 @@ FormHistory::FormHistory(Prompter& prompter, QWidget* parent) : QDialog(parent),
     rows->addLayout(buttons);
     connect(cmdExport, &QPushButton::clicked, this, &FormHistory::cmdExport_Click);
     connect(cmdClose, &QPushButton::clicked, this, &QDialog::close);
+    retranslate();
 
     const QRect work = QGuiApplication::primaryScreen()->availableGeometry();
     resize(std::min(800, work.width() - 40), std::min(440, work.height() - 80));
@@ -103,7 +103,22 @@ void FormHistory::load(const std::filesystem::path& historyFile)
     // Nothing to export from a file that could not be read.
     findChild<QPushButton*>(QStringLiteral("cmdExport"))->setEnabled(!loaded.error);
     if (loaded.error)
-        m_prompter.message(*loaded.error, std::string(kHistoryTitle));
+        m_prompter.message(*loaded.error, std::string(tvx::tr(kHistoryTitle)));
+}
+
+void FormHistory::retranslate()
+{
+    setWindowTitle(qtTr(kHistoryTitle));
+    for (std::size_t page = 0; page < kHistoryPages.size(); ++page)
+        m_tabs->setTabText(static_cast<int>(page), qtTr(kHistoryPages[page]));
+    findChild<QPushButton*>(QStringLiteral("cmdExport"))->setText(qtTr(kHistoryExportCaption));
+    findChild<QPushButton*>(QStringLiteral("cmdClose"))->setText(qtTr(kHistoryCloseCaption));
+    // The rows as read last time, under headers in the new language.
+    if (!m_historyFile.empty()) {
+        const std::array<HistoryTable, 3> tables{historySessions(m_rows), historyDays(m_rows), historyWeeks(m_rows)};
+        for (std::size_t page = 0; page < tables.size(); ++page)
+            fill(page, tables[page]);
+    }
 }
 
 void FormHistory::fill(std::size_t page, const HistoryTable& table)
@@ -133,7 +148,7 @@ void FormHistory::cmdExport_Click()
     if (chosen.isEmpty())
         return;
     if (const auto message = exportHistory(m_rows, utf8Path(coreText(chosen)), m_historyFile))
-        m_prompter.message(*message, std::string(kHistoryTitle));
+        m_prompter.message(*message, std::string(tvx::tr(kHistoryTitle)));
 }
 
 } // namespace tvx::ui

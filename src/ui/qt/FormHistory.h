@@ -38,6 +38,8 @@ public:
     // Reads the history file and shows its rows; an unreadable one is named to the player
     // and shows none.
     void load(const std::filesystem::path& historyFile);
+    // The captions (and the headers of the rows shown) in the current language.
+    void retranslate();
     // Tests answer the save dialog themselves.
     void setSaveChooser(SaveChooser chooser) { m_chooseTarget = std::move(chooser); }
 

@@ -53,9 +53,9 @@ FormInputCheck::FormInputCheck(Prompter* messages, QWidget* parent) : QDialog(pa
     setObjectName(QStringLiteral("FormInputCheck"));
     setModal(true);
     setFont(dialogFont());
-    setWindowTitle(qtText(NumberInput::kDefaultTitle));
+    setWindowTitle(qtTr(NumberInput::kDefaultTitle));
 
-    m_lblmsg = label(QStringLiteral("lblmsg"), qtText(NumberInput::kGuide), this);
+    m_lblmsg = label(QStringLiteral("lblmsg"), qtTr(NumberInput::kGuide), this);
     m_lblmsg->setWordWrap(true);
     m_txtInput = new QLineEdit(this);
     m_txtInput->setObjectName(QStringLiteral("txtInput"));
@@ -73,10 +73,10 @@ FormInputCheck::FormInputCheck(Prompter* messages, QWidget* parent) : QDialog(pa
     m_cmdDec->setAutoRepeat(true);
     for (QToolButton* b : {m_cmdInc, m_cmdDec})
         b->setFixedSize(28, 16);
-    m_cmdEnter = new QPushButton(qtText(NumberInput::kEnterCaption), this);
+    m_cmdEnter = new QPushButton(qtTr(NumberInput::kEnterCaption), this);
     m_cmdEnter->setObjectName(QStringLiteral("cmdEnter"));
     m_cmdEnter->setAutoDefault(false);
-    m_cmdCancel = new QPushButton(qtText(NumberInput::kCancelCaption), this);
+    m_cmdCancel = new QPushButton(qtTr(NumberInput::kCancelCaption), this);
     m_cmdCancel->setObjectName(QStringLiteral("cmdCancel"));
     m_cmdCancel->setAutoDefault(false);
     m_lblmaxv = label(QStringLiteral("lblmaxv"), QString(), this);
@@ -87,9 +87,9 @@ FormInputCheck::FormInputCheck(Prompter* messages, QWidget* parent) : QDialog(pa
     steps->addWidget(m_cmdInc);
     steps->addWidget(m_cmdDec);
     auto* limits = new QGridLayout;
-    limits->addWidget(label(QStringLiteral("lblmax"), qtText(NumberInput::kMaxCaption), this), 0, 0);
+    limits->addWidget(label(QStringLiteral("lblmax"), qtTr(NumberInput::kMaxCaption), this), 0, 0);
     limits->addWidget(m_lblmaxv, 0, 1);
-    limits->addWidget(label(QStringLiteral("lblmin"), qtText(NumberInput::kMinCaption), this), 1, 0);
+    limits->addWidget(label(QStringLiteral("lblmin"), qtTr(NumberInput::kMinCaption), this), 1, 0);
     limits->addWidget(m_lblminV, 1, 1);
     auto* entry = new QHBoxLayout;
     entry->addWidget(m_txtInput, 1);
@@ -120,6 +120,11 @@ void FormInputCheck::prepare(const QString& limitA, const QString& limitB, doubl
                              const QString& prompt, const QString& title)
 {
     m_input.open(coreText(limitA), coreText(limitB), proposed, coreText(step), coreText(prompt), coreText(title));
+    // The dialog is kept between questions: its captions follow a change of language.
+    m_cmdEnter->setText(qtTr(NumberInput::kEnterCaption));
+    m_cmdCancel->setText(qtTr(NumberInput::kCancelCaption));
+    findChild<QLabel*>(QStringLiteral("lblmax"))->setText(qtTr(NumberInput::kMaxCaption));
+    findChild<QLabel*>(QStringLiteral("lblmin"))->setText(qtTr(NumberInput::kMinCaption));
     m_lblminV->setText(qtText(m_input.lowerText()));
     m_lblmaxv->setText(qtText(m_input.upperText()));
     m_lblmsg->setText(prompt);

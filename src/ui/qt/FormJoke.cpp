@@ -28,7 +28,8 @@ FormJoke::FormJoke(QWidget* parent) : QDialog(parent)
     const QFontMetrics metrics = m_lblMessage->fontMetrics();
     int messageHeight = 0;
     int buttonWidth = 0;
-    for (const JokeLine& line : JokePopup::script()) {
+    for (const JokeLine& japanese : JokePopup::script()) {
+        const JokeLine line = japanese.shown();
         const QRect bounds = metrics.boundingRect(QRect(0, 0, JokePopup::kMessageWidth, 0),
                                                   Qt::TextWordWrap, qtText(line.message));
         messageHeight = std::max(messageHeight, bounds.height());
@@ -72,7 +73,7 @@ void FormJoke::reject()
 
 void FormJoke::draw()
 {
-    const JokeLine& line = m_popup.current();
+    const JokeLine line = m_popup.current().shown();
     setWindowTitle(qtText(line.caption));
     m_lblMessage->setText(qtText(line.message));
     m_cmdClose->setText(qtText(line.button));

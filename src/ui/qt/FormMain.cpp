@@ -141,7 +141,7 @@ QAction* FormMain::action(const char* name) const
 void FormMain::buildMenus()
 {
     auto add = [this](QWidget* menu, const MenuItem& item) {
-        auto* entry = new QAction(qtText(item.caption), this);
+        auto* entry = new QAction(qtText(item.text()), this);
         entry->setObjectName(qtText(item.name));
         menu->addAction(entry);
         const MenuCommand command = item.command;
@@ -152,13 +152,44 @@ void FormMain::buildMenus()
             add(menuBar(), entry.command);
             continue;
         }
-        QMenu* menu = menuBar()->addMenu(qtText(entry.caption));
+        QMenu* menu = menuBar()->addMenu(qtText(entry.text()));
         menu->setObjectName(qtText(entry.name));
         for (const MenuItem& item : entry.items)
             add(menu, item);
     }
     action("menuRun")->setEnabled(false);
     action("menuStop")->setEnabled(false);
+}
+
+void FormMain::retranslate()
+{
+    m_shownLanguage = currentLanguage();
+    for (const MenuBarEntry& entry : mainMenu()) {
+        if (entry.items.empty()) {
+            action(entry.command.name.data())->setText(qtText(entry.command.text()));
+            continue;
+        }
+        if (auto* menu = menuBar()->findChild<QMenu*>(qtText(entry.name)))
+            menu->setTitle(qtText(entry.text()));
+        for (const MenuItem& item : entry.items)
+            action(item.name.data())->setText(qtText(item.text()));
+    }
+    for (std::size_t field = 0; field < m_headers.size(); ++field)
+        m_headers[field]->setText(qtTr(kResultHeaders[field]));
+    for (std::size_t row = 0; row < m_rowCaptions.size(); ++row)
+        m_rowCaptions[row]->setText(qtTr(kResultRows[row].caption));
+    m_cmdTempStop->setText(qtTr(kTempStopCaption));
+    m_cmdCapture->setText(qtTr(kTestCaptureCaption));
+    m_cmdRecognize->setText(qtTr(kTestRecognizeCaption));
+    m_frmGraph->retranslate();
+    if (m_formCompact)
+        m_formCompact->retranslate();
+    if (m_formHistory)
+        m_formHistory->retranslate();
+    if (!m_meter)
+        return;
+    action("menuRun")->setText(qtTr(m_meter->state().controls.runCaption));
+    showLive();
 }
 
 void FormMain::runCommand(MenuCommand command)
@@ -183,14 +214,16 @@ QWidget* FormMain::buildResults()
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setHorizontalSpacing(10);
     for (std::size_t field = 0; field < kResultHeaders.size(); ++field) {
-        auto* header = new QLabel(qtText(kResultHeaders[field]), frame);
+        auto* header = new QLabel(qtTr(kResultHeaders[field]), frame);
+        m_headers[field] = header;
         header->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         grid->addWidget(header, 0, static_cast<int>(field) + 1);
     }
     std::array<std::array<QLabel*, 5>*, 3> rows{&m_startRow, &m_endRow, &m_elapseRow};
     for (std::size_t at = 0; at < kResultRows.size(); ++at) {
         const int row = static_cast<int>(at) + 1;
-        grid->addWidget(new QLabel(qtText(kResultRows[at].caption), frame), row, 0);
+        m_rowCaptions[at] = new QLabel(qtTr(kResultRows[at].caption), frame);
+        grid->addWidget(m_rowCaptions[at], row, 0);
         for (std::size_t field = 0; field < kResultFields.size(); ++field) {
             QLabel* value = namedLabel(qtText(kResultRows[at].prefix) + qtText(kResultFields[field]), QString(), frame);
             value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -198,7 +231,7 @@ QWidget* FormMain::buildResults()
             (*rows[at])[field] = value;
         }
     }
-    m_cmdTempStop = new QPushButton(qtText(kTempStopCaption), frame);
+    m_cmdTempStop = new QPushButton(qtTr(kTempStopCaption), frame);
     m_cmdTempStop->setObjectName(QStringLiteral("cmdTempStop"));
     connect(m_cmdTempStop, &QPushButton::clicked, this, [this] {
         if (m_meter)
@@ -226,9 +259,9 @@ QWidget* FormMain::buildDebugArea()
         m_picCapture[static_cast<std::size_t>(region)] = picture;
         grid->addWidget(picture, 0, region);
     }
-    m_cmdCapture = new QPushButton(qtText(kTestCaptureCaption), m_frmDebug);
+    m_cmdCapture = new QPushButton(qtTr(kTestCaptureCaption), m_frmDebug);
     m_cmdCapture->setObjectName(QStringLiteral("cmdCapture"));
-    m_cmdRecognize = new QPushButton(qtText(kTestRecognizeCaption), m_frmDebug);
+    m_cmdRecognize = new QPushButton(qtTr(kTestRecognizeCaption), m_frmDebug);
     m_cmdRecognize->setObjectName(QStringLiteral("cmdRecognize"));
     m_lblElapse = namedLabel(QStringLiteral("lblElapse"), QString(), m_frmDebug);
     grid->addWidget(m_cmdCapture, 1, 0);
@@ -330,7 +363,7 @@ void FormMain::controlsChanged()
 {
     const MeterControls& controls = m_meter->state().controls;
     action("menuRun")->setEnabled(controls.runEnabled);
-    action("menuRun")->setText(qtText(controls.runCaption));
+    action("menuRun")->setText(qtTr(controls.runCaption));
     action("menuStop")->setEnabled(controls.stopEnabled);
     m_cmdCapture->setEnabled(controls.testButtonsEnabled);
     m_cmdRecognize->setEnabled(controls.testButtonsEnabled);
@@ -470,6 +503,8 @@ void FormMain::menuOption_Click()
                                       [this](bool on) { m_meter->setDebugMode(on); }});
         connect(m_formOption, &FormOption::settingsChanged, this, [this] {
             setWindowTitle(qtText(programTitle(m_meter->settings().SearchWindowName)));
+            if (followLanguageSetting(m_meter->settings(), m_shownLanguage))
+                retranslate();
             followGestureSetting();
             m_meter->settingsChanged();
             showLive();
@@ -508,7 +543,7 @@ void FormMain::menuVersion_Click()
 {
     QDialog dialog(this);
     dialog.setObjectName(QStringLiteral("FormVersion"));
-    dialog.setWindowTitle(qtText(kVersionCaption));
+    dialog.setWindowTitle(qtTr(kVersionCaption));
     auto* rows = new QVBoxLayout(&dialog);
     rows->setContentsMargins(16, 16, 16, 12);
     const std::string target = m_meter ? m_meter->settings().SearchWindowName : std::string("MapleStory");
@@ -523,7 +558,7 @@ void FormMain::menuVersion_Click()
     ok->setObjectName(QStringLiteral("cmdOK"));
     ok->setDefault(true);
     connect(ok, &QPushButton::clicked, &dialog, &QDialog::accept);
-    auto* joke = new QPushButton(qtText(JokePopup::kOpenCaption), &dialog);
+    auto* joke = new QPushButton(qtTr(JokePopup::kOpenCaption), &dialog);
     joke->setObjectName(QStringLiteral("cmdJoke"));
     joke->setAutoDefault(false);
     connect(joke, &QPushButton::clicked, &dialog, [&dialog] {

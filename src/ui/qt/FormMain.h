@@ -5,6 +5,7 @@
 #include <QMainWindow>
 
 #include "FormOption.h"
+#include "base/Language.h"
 #include "shell/EnvironmentReport.h"
 #include "view/FormMainCommands.h"
 
@@ -55,6 +56,9 @@ public:
     void attach(Meter& meter);
     // The engine's part of the load: empty account, timers, auto start.
     void FormMain_Load();
+    // Sets every text the window shows from the core again, in the current language (the
+    // log box keeps what was written); the compact and history windows follow.
+    void retranslate();
 
     QPlainTextEdit* txtLog() const { return m_txtLog; }
     QAction* action(const char* name) const;
@@ -139,6 +143,8 @@ private:
     std::array<QLabel*, 5> m_startRow{};
     std::array<QLabel*, 5> m_endRow{};
     std::array<QLabel*, 5> m_elapseRow{};
+    std::array<QLabel*, 5> m_headers{};
+    std::array<QLabel*, 3> m_rowCaptions{};
     std::array<QLabel*, 3> m_lblCapture{};
     std::array<QLabel*, 3> m_picCapture{};
     QLabel* m_lblElapse = nullptr;
@@ -153,6 +159,7 @@ private:
     QTimer* m_timCaptureInterval = nullptr;
     QTimer* m_timDoHLInterval = nullptr;
     bool m_closing = false;
+    Language m_shownLanguage = currentLanguage(); // the language of the window's texts
 };
 
 } // namespace tvx::ui

@@ -38,6 +38,14 @@ GraphFrame::GraphFrame(QWidget* parent)
     showView();
 }
 
+void GraphFrame::retranslate()
+{
+    m_view.retranslate();
+    for (std::size_t i = 0; i < kGraphLabelCount; ++i)
+        m_labels[i]->setToolTip(qtText(m_view.labels()[i].toolTip));
+    showView();
+}
+
 void GraphFrame::showView()
 {
     for (std::size_t i = 0; i < kGraphLabelCount; ++i) {

@@ -37,6 +37,8 @@ public:
         m_view.GraphFrameDisplay();
     }
     void GraphDataDisplay(std::int32_t shift, float zoom) { m_view.GraphDataDisplay(shift, zoom); }
+    // The captions and tool tips in the current language.
+    void retranslate();
 
     GraphPicture* picGraph() const { return m_picGraph; }
     QLabel* label(GraphLabel which) const { return m_labels.at(static_cast<std::size_t>(which)); }

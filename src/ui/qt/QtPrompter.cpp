@@ -23,10 +23,10 @@ QMessageBox::StandardButton ask(QWidget* parent, QMessageBox::Icon icon, const Q
 {
     QMessageBox box(icon, title, text, buttons, parent);
     const std::pair<QMessageBox::StandardButton, QString> captions[] = {
-        {QMessageBox::Yes, QStringLiteral("はい(&Y)")},
-        {QMessageBox::No, QStringLiteral("いいえ(&N)")},
+        {QMessageBox::Yes, qtText(tvx::tr("はい(&Y)"))},
+        {QMessageBox::No, qtText(tvx::tr("いいえ(&N)"))},
         {QMessageBox::Ok, QStringLiteral("OK")},
-        {QMessageBox::Cancel, QStringLiteral("キャンセル")},
+        {QMessageBox::Cancel, qtText(tvx::tr("キャンセル"))},
     };
     for (const auto& [button, caption] : captions)
         if (QAbstractButton* b = box.button(button))

@@ -50,13 +50,19 @@ CompactWindow::~CompactWindow()
         DestroyWindow(m_window);
 }
 
+void CompactWindow::retranslate()
+{
+    if (m_window != nullptr)
+        setText(m_window, tr(kCompactTitle));
+}
+
 void CompactWindow::create()
 {
     registerWindowClass(kClass, &ownedWindowProc<CompactWindow>, nullptr);
     // No owner: the meter may be minimised while this stays over the game. Never activated:
     // the meter reads only while the game is in front, so a drag must leave it there.
     m_window = CreateWindowExW(WS_EX_TOPMOST | WS_EX_LAYERED | WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE, kClass,
-                               wide(kCompactTitle).c_str(), WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
+                               wide(tr(kCompactTitle)).c_str(), WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
                                GetModuleHandleW(nullptr), this);
     if (m_window == nullptr)
         return;
@@ -260,7 +266,7 @@ void CompactWindow::showMenu(POINT at)
                     wide(compactOpacityCaption(kCompactOpacities[i])).c_str());
     }
     AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
-    AppendMenuW(menu, MF_STRING, kCmdClose, wide(kCompactCloseCaption).c_str());
+    AppendMenuW(menu, MF_STRING, kCmdClose, wide(tr(kCompactCloseCaption)).c_str());
     // The menu closes on a click elsewhere only when its window is in front; the game gets
     // the front back when it has.
     const HWND before = GetForegroundWindow();

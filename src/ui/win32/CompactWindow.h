@@ -42,6 +42,8 @@ public:
     void show(const LiveView& view);
     // The settings were loaded again: opacity and place follow them.
     void followSettings();
+    // The title in the current language; the lines follow the next show().
+    void retranslate();
 
     HWND handle() const { return m_window; }
     // The texts the last paint drew, in order (state, level, then caption and value of each

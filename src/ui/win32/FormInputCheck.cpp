@@ -61,18 +61,18 @@ void FormInputCheck::create(HWND owner)
 void FormInputCheck::build()
 {
     const HWND d = m_dialog;
-    addControl(d, L"STATIC", NumberInput::kGuide, SS_LEFT | SS_NOPREFIX, lblmsg, 12, 10, 356, 36);
+    addControl(d, L"STATIC", tr(NumberInput::kGuide), SS_LEFT | SS_NOPREFIX, lblmsg, 12, 10, 356, 36);
     const HWND edit = addControl(d, L"EDIT", "", WS_BORDER | WS_TABSTOP | ES_RIGHT | ES_AUTOHSCROLL, txtInput, 12, 54,
                                  160, 26, fixedFont());
     SetWindowSubclass(edit, &FormInputCheck::inputProc, kInputSubclass, reinterpret_cast<DWORD_PTR>(this));
     addControl(d, L"BUTTON", "", BS_OWNERDRAW, cmdInc, 176, 54, 26, 13);
     addControl(d, L"BUTTON", "", BS_OWNERDRAW, cmdDec, 176, 67, 26, 13);
-    addControl(d, L"STATIC", NumberInput::kMaxCaption, SS_RIGHT, lblmax, 214, 52, 48, 16);
+    addControl(d, L"STATIC", tr(NumberInput::kMaxCaption), SS_RIGHT, lblmax, 214, 52, 48, 16);
     addControl(d, L"STATIC", "", SS_LEFT, lblmaxv, 264, 52, 104, 16, fixedFont());
-    addControl(d, L"STATIC", NumberInput::kMinCaption, SS_RIGHT, lblmin, 214, 68, 48, 16);
+    addControl(d, L"STATIC", tr(NumberInput::kMinCaption), SS_RIGHT, lblmin, 214, 68, 48, 16);
     addControl(d, L"STATIC", "", SS_LEFT, lblminV, 264, 68, 104, 16, fixedFont());
-    addControl(d, L"BUTTON", NumberInput::kEnterCaption, BS_PUSHBUTTON | WS_TABSTOP, cmdEnter, 184, 102, 90, 28);
-    addControl(d, L"BUTTON", NumberInput::kCancelCaption, BS_PUSHBUTTON | WS_TABSTOP, cmdCancel, 278, 102, 90, 28);
+    addControl(d, L"BUTTON", tr(NumberInput::kEnterCaption), BS_PUSHBUTTON | WS_TABSTOP, cmdEnter, 184, 102, 90, 28);
+    addControl(d, L"BUTTON", tr(NumberInput::kCancelCaption), BS_PUSHBUTTON | WS_TABSTOP, cmdCancel, 278, 102, 90, 28);
 }
 
 void FormInputCheck::show()

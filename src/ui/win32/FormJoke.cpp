@@ -58,7 +58,8 @@ void FormJoke::build()
     const HGDIOBJ old = SelectObject(dc, dialogFont());
     int messageHeight = 0;
     int buttonWidth = 96;
-    for (const JokeLine& line : JokePopup::script()) {
+    for (const JokeLine& japanese : JokePopup::script()) {
+        const JokeLine line = japanese.shown();
         messageHeight = std::max<int>(messageHeight, measured(dc, line.message, JokePopup::kMessageWidth).cy);
         buttonWidth = std::max<int>(buttonWidth, measured(dc, line.button, JokePopup::kMessageWidth).cx + 24);
     }
@@ -76,7 +77,7 @@ void FormJoke::build()
 
 void FormJoke::draw()
 {
-    const JokeLine& line = m_popup.current();
+    const JokeLine line = m_popup.current().shown();
     setText(m_dialog, line.caption);
     setText(GetDlgItem(m_dialog, lblMessage), line.message);
     setText(GetDlgItem(m_dialog, cmdClose), line.button);

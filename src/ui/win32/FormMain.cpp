@@ -111,16 +111,62 @@ void FormMain::buildMenu()
     for (const MenuBarEntry& entry : mainMenu()) {
         if (entry.items.empty()) {
             AppendMenuW(m_menu, MF_STRING, static_cast<UINT_PTR>(commandId(entry.command.command)),
-                        wide(entry.command.caption).c_str());
+                        wide(entry.command.text()).c_str());
             continue;
         }
         HMENU popup = CreatePopupMenu();
         for (const MenuItem& item : entry.items)
-            AppendMenuW(popup, MF_STRING, static_cast<UINT_PTR>(commandId(item.command)), wide(item.caption).c_str());
-        AppendMenuW(m_menu, MF_POPUP, reinterpret_cast<UINT_PTR>(popup), wide(entry.caption).c_str());
+            AppendMenuW(popup, MF_STRING, static_cast<UINT_PTR>(commandId(item.command)), wide(item.text()).c_str());
+        AppendMenuW(m_menu, MF_POPUP, reinterpret_cast<UINT_PTR>(popup), wide(entry.text()).c_str());
     }
     for (MenuCommand command : {MenuCommand::Run, MenuCommand::Stop})
         EnableMenuItem(m_menu, static_cast<UINT>(commandId(command)), MF_BYCOMMAND | MF_GRAYED);
+}
+
+void FormMain::retranslate()
+{
+    m_shownLanguage = currentLanguage();
+    UINT position = 0;
+    for (const MenuBarEntry& entry : mainMenu()) {
+        if (entry.items.empty()) {
+            const UINT id = static_cast<UINT>(commandId(entry.command.command));
+            const std::string_view caption =
+                entry.command.command == MenuCommand::Run && m_meter != nullptr ? m_meter->state().controls.runCaption
+                                                                                : entry.command.caption;
+            ModifyMenuW(m_menu, id, MF_BYCOMMAND | MF_STRING, id, wide(tr(caption)).c_str());
+        } else {
+            HMENU popup = GetSubMenu(m_menu, static_cast<int>(position));
+            for (const MenuItem& item : entry.items) {
+                const UINT id = static_cast<UINT>(commandId(item.command));
+                ModifyMenuW(popup, id, MF_BYCOMMAND | MF_STRING, id, wide(item.text()).c_str());
+            }
+            ModifyMenuW(m_menu, position, MF_BYPOSITION | MF_POPUP, reinterpret_cast<UINT_PTR>(popup),
+                        wide(entry.text()).c_str());
+        }
+        ++position;
+    }
+    // ModifyMenu enables what it changes: the engine's states again.
+    if (m_meter != nullptr) {
+        controlsChanged();
+    } else {
+        for (MenuCommand command : {MenuCommand::Run, MenuCommand::Stop})
+            EnableMenuItem(m_menu, static_cast<UINT>(commandId(command)), MF_BYCOMMAND | MF_GRAYED);
+    }
+    DrawMenuBar(m_window);
+    for (std::size_t field = 0; field < m_headers.size(); ++field)
+        setText(m_headers[field], tr(kResultHeaders[field]));
+    for (std::size_t row = 0; row < m_rowCaptions.size(); ++row)
+        setText(m_rowCaptions[row], tr(kResultRows[row].caption));
+    setText(m_cmdTempStop, tr(kTempStopCaption));
+    InvalidateRect(m_cmdTempStop, nullptr, TRUE);
+    setText(m_cmdCapture, tr(kTestCaptureCaption));
+    setText(m_cmdRecognize, tr(kTestRecognizeCaption));
+    m_frmGraph->retranslate();
+    m_history.retranslate();
+    if (m_compact)
+        m_compact->retranslate();
+    if (m_meter != nullptr)
+        liveChanged();
 }
 
 void FormMain::createFonts()
@@ -133,13 +179,13 @@ void FormMain::createControls()
 {
     HFONT font = m_font.get();
     for (std::size_t field = 0; field < kResultHeaders.size(); ++field)
-        m_headers[field] = createControl(m_window, L"STATIC", kResultHeaders[field], SS_RIGHT, 0, font);
+        m_headers[field] = createControl(m_window, L"STATIC", tr(kResultHeaders[field]), SS_RIGHT, 0, font);
     for (std::size_t row = 0; row < kResultRows.size(); ++row) {
-        m_rowCaptions[row] = createControl(m_window, L"STATIC", kResultRows[row].caption, SS_LEFT, 0, font);
+        m_rowCaptions[row] = createControl(m_window, L"STATIC", tr(kResultRows[row].caption), SS_LEFT, 0, font);
         for (std::size_t field = 0; field < kResultFields.size(); ++field)
             m_values[row][field] = createControl(m_window, L"STATIC", "", SS_RIGHT | SS_NOPREFIX, 0, font);
     }
-    m_cmdTempStop = createControl(m_window, L"BUTTON", kTempStopCaption, BS_OWNERDRAW | WS_TABSTOP, kCmdTempStop, font);
+    m_cmdTempStop = createControl(m_window, L"BUTTON", tr(kTempStopCaption), BS_OWNERDRAW | WS_TABSTOP, kCmdTempStop, font);
     for (HWND& caption : m_lblCapture)
         caption = createControl(m_window, L"STATIC", "", SS_LEFT | SS_NOPREFIX, 0, font);
     m_txtLog = createControl(m_window, L"EDIT", "",
@@ -148,9 +194,9 @@ void FormMain::createControls()
     SetWindowLongPtrW(m_txtLog, GWL_EXSTYLE, GetWindowLongPtrW(m_txtLog, GWL_EXSTYLE) | WS_EX_CLIENTEDGE);
     SetWindowPos(m_txtLog, nullptr, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_FRAMECHANGED);
     SendMessageW(m_txtLog, EM_SETLIMITTEXT, 0, 0);
-    m_cmdCapture = createControl(m_window, L"BUTTON", kTestCaptureCaption, BS_PUSHBUTTON | WS_TABSTOP, kCmdCapture, font);
+    m_cmdCapture = createControl(m_window, L"BUTTON", tr(kTestCaptureCaption), BS_PUSHBUTTON | WS_TABSTOP, kCmdCapture, font);
     m_cmdRecognize =
-        createControl(m_window, L"BUTTON", kTestRecognizeCaption, BS_PUSHBUTTON | WS_TABSTOP, kCmdRecognize, font);
+        createControl(m_window, L"BUTTON", tr(kTestRecognizeCaption), BS_PUSHBUTTON | WS_TABSTOP, kCmdRecognize, font);
     m_lblElapse = createControl(m_window, L"STATIC", "", SS_LEFT | SS_NOPREFIX, 0, font);
     m_lblLiveRates = createControl(m_window, L"STATIC", "", SS_LEFT | SS_NOPREFIX, 0, font);
     m_lblLiveOutlook = createControl(m_window, L"STATIC", "", SS_LEFT | SS_NOPREFIX, 0, font);
@@ -366,7 +412,7 @@ void FormMain::controlsChanged()
         EnableMenuItem(m_menu, static_cast<UINT>(commandId(command)), MF_BYCOMMAND | (on ? MF_ENABLED : MF_GRAYED));
     };
     const UINT run = static_cast<UINT>(commandId(MenuCommand::Run));
-    ModifyMenuW(m_menu, run, MF_BYCOMMAND | MF_STRING, run, wide(controls.runCaption).c_str());
+    ModifyMenuW(m_menu, run, MF_BYCOMMAND | MF_STRING, run, wide(tr(controls.runCaption)).c_str());
     enable(MenuCommand::Run, controls.runEnabled);
     enable(MenuCommand::Stop, controls.stopEnabled);
     DrawMenuBar(m_window);
@@ -482,6 +528,8 @@ void FormMain::menuOption_Click()
 void FormMain::settingsChanged()
 {
     setText(m_window, programTitle(m_meter->settings().SearchWindowName));
+    if (followLanguageSetting(m_meter->settings(), m_shownLanguage))
+        retranslate();
     if (m_gestures)
         m_gestures->followSetting();
     m_meter->settingsChanged(); // the level watch follows at once, its timer with it
@@ -564,7 +612,7 @@ void FormMain::drawTempStop(const DRAWITEMSTRUCT& item)
         FillRect(item.hDC, &inside, red);
         DeleteObject(red);
     }
-    const std::wstring caption = wide(kTempStopCaption);
+    const std::wstring caption = wide(tr(kTempStopCaption));
     SetBkMode(item.hDC, TRANSPARENT);
     SetTextColor(item.hDC, GetSysColor((item.itemState & ODS_DISABLED) != 0 ? COLOR_GRAYTEXT : COLOR_BTNTEXT));
     if (pressed)

@@ -4,6 +4,7 @@
 #include "FormOption.h"
 #include "GraphFrame.h"
 #include "HistoryWindow.h"
+#include "base/Language.h"
 #include "SmallWindows.h"
 #include "Win32Prompter.h"
 #include "Win32Ui.h"
@@ -69,6 +70,9 @@ public:
     void attach(Meter& meter);
     // The engine's part of the load: empty account, timers, auto start.
     void FormMain_Load();
+    // Sets every text the window shows from the core again, in the current language (the
+    // log box keeps what was written); the compact and history windows follow.
+    void retranslate();
     // Demonstrations: the capture interval in seconds instead of minutes (0: the setting).
     void setIntervalSeconds(std::int32_t seconds);
 
@@ -164,6 +168,7 @@ private:
     UINT m_doHLMs = 0;
     UINT m_captureTimerMs = 10000;
     bool m_closing = false;
+    Language m_shownLanguage = currentLanguage(); // the language of the window's texts
     bool m_snapping = false;
 };
 

@@ -92,6 +92,24 @@ void GraphFrame::GraphFrameDisplay()
     m_view.GraphFrameDisplay();
 }
 
+void GraphFrame::retranslate()
+{
+    m_view.retranslate();
+    if (m_toolTips == nullptr)
+        return;
+    for (std::size_t i = 0; i < kGraphLabelCount; ++i) {
+        if (m_tipTexts[i].empty())
+            continue;
+        m_tipTexts[i] = wide(m_view.labels()[i].toolTip);
+        TOOLINFOW tool{};
+        tool.cbSize = sizeof tool;
+        tool.hwnd = m_window;
+        tool.uId = i;
+        tool.lpszText = m_tipTexts[i].data();
+        SendMessageW(m_toolTips, TTM_UPDATETIPTEXTW, 0, reinterpret_cast<LPARAM>(&tool));
+    }
+}
+
 void GraphFrame::updateToolTips()
 {
     if (m_toolTips == nullptr)

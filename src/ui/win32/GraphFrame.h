@@ -26,6 +26,8 @@ public:
     // Places the frame (pixels at 96 dpi, in the parent) and lays it out again.
     void place(const PixelRect& rect, Dpi dpi);
     void GraphFrameDisplay();
+    // The captions and tool tips in the current language.
+    void retranslate();
 
     LRESULT handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 

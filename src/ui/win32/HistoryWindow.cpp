@@ -30,7 +30,7 @@ std::optional<std::filesystem::path> chooseExportFile(HWND owner)
     const std::wstring proposed = wide(kHistoryExportName);
     proposed.copy(chosen, MAX_PATH - 1);
     const std::wstring filter = std::wstring(L"CSV (*.csv)") + L'\0' + L"*.csv" + L'\0' +
-                                wide("すべてのファイル (*.*)") + L'\0' + L"*.*" + L'\0';
+                                wide(tr("すべてのファイル (*.*)")) + L'\0' + L"*.*" + L'\0';
     OPENFILENAMEW save{};
     save.lStructSize = sizeof save;
     save.hwndOwner = owner;
@@ -54,7 +54,7 @@ void HistoryWindow::create(HWND owner)
 {
     registerWindowClass(kClass, &ownedWindowProc<HistoryWindow>, GetSysColorBrush(COLOR_BTNFACE),
                         LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(1)));
-    m_window = CreateWindowExW(0, kClass, wide(kHistoryTitle).c_str(), WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
+    m_window = CreateWindowExW(0, kClass, wide(tr(kHistoryTitle)).c_str(), WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
                                CW_USEDEFAULT, CW_USEDEFAULT, 0, 0, owner, nullptr, GetModuleHandleW(nullptr), this);
     if (m_window == nullptr)
         return;
@@ -63,7 +63,7 @@ void HistoryWindow::create(HWND owner)
     HFONT font = m_font.get();
     m_tabs = createControl(m_window, WC_TABCONTROLW, "", WS_CLIPSIBLINGS | WS_TABSTOP, kTabPages, font);
     for (std::size_t page = 0; page < kHistoryPages.size(); ++page) {
-        std::wstring caption = wide(kHistoryPages[page]);
+        std::wstring caption = wide(tr(kHistoryPages[page]));
         TCITEMW item{};
         item.mask = TCIF_TEXT;
         item.pszText = caption.data();
@@ -77,8 +77,8 @@ void HistoryWindow::create(HWND owner)
     }
     // The pages stand over the tab control, which would otherwise paint over them.
     SetWindowPos(m_tabs, HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
-    m_cmdExport = createControl(m_window, L"BUTTON", kHistoryExportCaption, BS_PUSHBUTTON | WS_TABSTOP, kCmdExport, font);
-    m_cmdClose = createControl(m_window, L"BUTTON", kHistoryCloseCaption, BS_PUSHBUTTON | WS_TABSTOP, kCmdClose, font);
+    m_cmdExport = createControl(m_window, L"BUTTON", tr(kHistoryExportCaption), BS_PUSHBUTTON | WS_TABSTOP, kCmdExport, font);
+    m_cmdClose = createControl(m_window, L"BUTTON", tr(kHistoryCloseCaption), BS_PUSHBUTTON | WS_TABSTOP, kCmdClose, font);
     placeOver(m_window, owner, kClientWidth, kClientHeight);
     selectPage(0);
 }
@@ -99,7 +99,26 @@ void HistoryWindow::show(HWND owner, const std::filesystem::path& historyFile, P
     ShowWindow(m_window, SW_SHOW);
     SetForegroundWindow(m_window);
     if (m_data.error)
-        prompter.message(*m_data.error, std::string(kHistoryTitle));
+        prompter.message(*m_data.error, std::string(tr(kHistoryTitle)));
+}
+
+void HistoryWindow::retranslate()
+{
+    if (m_window == nullptr)
+        return;
+    setText(m_window, tr(kHistoryTitle));
+    for (std::size_t page = 0; page < kHistoryPages.size(); ++page) {
+        std::wstring caption = wide(tr(kHistoryPages[page]));
+        TCITEMW item{};
+        item.mask = TCIF_TEXT;
+        item.pszText = caption.data();
+        SendMessageW(m_tabs, TCM_SETITEMW, page, reinterpret_cast<LPARAM>(&item));
+    }
+    setText(m_cmdExport, tr(kHistoryExportCaption));
+    setText(m_cmdClose, tr(kHistoryCloseCaption));
+    // The rows as read last time, under headers in the new language.
+    m_data.tables = {historySessions(m_data.rows), historyDays(m_data.rows), historyWeeks(m_data.rows)};
+    fill();
 }
 
 void HistoryWindow::fill()
@@ -181,7 +200,7 @@ void HistoryWindow::exportCsv()
     if (!target)
         return;
     if (const std::optional<std::string> failure = exportHistory(m_data.rows, *target, m_file))
-        m_prompter->message(*failure, std::string(kHistoryTitle));
+        m_prompter->message(*failure, std::string(tr(kHistoryTitle)));
 }
 
 LRESULT HistoryWindow::handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam)

@@ -42,6 +42,8 @@ public:
     // player through prompter and the pages stay empty.
     void show(HWND owner, const std::filesystem::path& historyFile, Prompter& prompter, ExportChooser chooser);
 
+    // The captions (and the headers of the rows shown) in the current language.
+    void retranslate();
     HWND handle() const { return m_window; }
     HWND listView(std::size_t page) const { return m_lists[page]; }
     HWND tabs() const { return m_tabs; }

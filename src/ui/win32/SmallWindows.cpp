@@ -166,7 +166,7 @@ void showVersionWindow(HWND owner, std::string_view title)
 {
     registerWindowClass(kVersionClass, &ownedWindowProc<VersionWindow>, GetSysColorBrush(COLOR_BTNFACE));
     VersionWindow state{nullptr, nullptr};
-    HWND window = CreateWindowExW(WS_EX_DLGMODALFRAME, kVersionClass, wide(kVersionCaption).c_str(),
+    HWND window = CreateWindowExW(WS_EX_DLGMODALFRAME, kVersionClass, wide(tr(kVersionCaption)).c_str(),
                                   WS_POPUP | WS_CAPTION | WS_SYSMENU, CW_USEDEFAULT, CW_USEDEFAULT, 300, 200, owner,
                                   nullptr, GetModuleHandleW(nullptr), &state);
     if (window == nullptr)
@@ -187,7 +187,7 @@ void showVersionWindow(HWND owner, std::string_view title)
     top += dpi(32);
     HWND ok = createControl(window, L"BUTTON", "OK", BS_DEFPUSHBUTTON | WS_TABSTOP, kOk, state.font.get());
     MoveWindow(ok, width - margin - dpi(80), top, dpi(80), dpi(24), FALSE);
-    HWND joke = createControl(window, L"BUTTON", JokePopup::kOpenCaption, BS_PUSHBUTTON | WS_TABSTOP, kJoke,
+    HWND joke = createControl(window, L"BUTTON", tr(JokePopup::kOpenCaption), BS_PUSHBUTTON | WS_TABSTOP, kJoke,
                               state.font.get());
     MoveWindow(joke, margin, top, dpi(80), dpi(24), FALSE);
     resizeForClient(window, width, top + dpi(24) + margin);

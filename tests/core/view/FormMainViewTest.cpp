@@ -20,6 +20,7 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <set>
 
 namespace tvx {
@@ -166,6 +167,40 @@ TEST_F(FormMainCommandsTest, HelpDocumentsOpenFromTheirFolder)
         EXPECT_EQ(machine.count("open " + path), 1u) << document;
     }
     EXPECT_EQ(machine.count("message "), 0u);
+}
+
+TEST(FormMainLanguage, HelpDocumentsAndRelabellingFollowTheLanguage)
+{
+    test::TempFolder temp;
+    const std::filesystem::path docs = temp.path();
+    std::filesystem::create_directories(docs / "en");
+    std::filesystem::create_directories(docs / "ko" / "使用方法M.mht"); // a folder is no document
+    std::ofstream(docs / "en" / utf8Path("使用方法M.mht")) << "x";
+    const struct {
+        Language language;
+        const char* document;
+        std::filesystem::path expected;
+    } cases[] = {
+        {Language::Japanese, "使用方法M.mht", docs / utf8Path("使用方法M.mht")},
+        {Language::English, "使用方法M.mht", docs / "en" / utf8Path("使用方法M.mht")},
+        {Language::English, "ReadMeM.txt", docs / "ReadMeM.txt"}, // no translation: the Japanese file
+        {Language::Korean, "使用方法M.mht", docs / utf8Path("使用方法M.mht")},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(helpDocumentPath(docs, c.document, c.language), c.expected) << c.document;
+
+    // The options window's language comes into effect; the window relabels only on a change.
+    Settings settings;
+    settings.UiLanguage = "en";
+    EXPECT_TRUE(followLanguageSetting(settings, Language::Japanese));
+    EXPECT_EQ(currentLanguage(), Language::English);
+    EXPECT_FALSE(followLanguageSetting(settings, Language::English));
+    settings.UiLanguage = "xx"; // unknown: the language stays
+    EXPECT_TRUE(followLanguageSetting(settings, Language::Korean));
+    EXPECT_EQ(currentLanguage(), Language::English);
+    settings.UiLanguage = "ja";
+    EXPECT_TRUE(followLanguageSetting(settings, Language::English));
+    EXPECT_EQ(currentLanguage(), Language::Japanese);
 }
 
 TEST(FormMainVersion, TheHeadingAndTheVersionLineMakeUpTheTitle)
