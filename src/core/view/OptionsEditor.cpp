@@ -298,10 +298,11 @@ bool OptionsEditor::hasUnsavedEdits() const
     return m_settings != saved;
 }
 
-std::string_view OptionsEditor::unsavedQuestion()
+std::string OptionsEditor::unsavedQuestion()
 {
-    return tr("変更した設定はまだ保存されていません。\r\n"
-              "保存しますか？（「いいえ」では、次に起動するまでの間だけ有効です）");
+    // Two texts for the catalogue, which keeps no line breaks of Windows.
+    return std::string(tr("変更した設定はまだ保存されていません。")) + "\r\n" +
+           tr("保存しますか？（「いいえ」では、次に起動するまでの間だけ有効です）");
 }
 
 std::optional<std::string> OptionsEditor::apply()

@@ -134,9 +134,9 @@ void FormOption::build()
     connect(close, &QPushButton::clicked, this, &QDialog::close);
     buttons->addWidget(close);
 
-    auto* layout = new QVBoxLayout(m_body);
-    layout->addWidget(m_tabs, 1);
-    layout->addLayout(buttons);
+    auto* body = new QVBoxLayout(m_body);
+    body->addWidget(m_tabs, 1);
+    body->addLayout(buttons);
     m_buttons = buttons;
     refresh();
     m_fitted = false;
@@ -574,7 +574,7 @@ void FormOption::runConfigFile(int mode)
 void FormOption::reject()
 {
     if (m_editor.hasUnsavedEdits() &&
-        m_config.prompter().askYesNo(std::string(OptionsEditor::unsavedQuestion()), std::string(kOptionsTitle)))
+        m_config.prompter().askYesNo(OptionsEditor::unsavedQuestion(), std::string(kOptionsTitle)))
         runConfigFile(ConfigFile::Save);
     const std::optional<std::string> languageChanged = m_editor.apply();
     if (languageChanged)

@@ -359,9 +359,9 @@ private:
         for (const OptionRow& row : optionRows(tab)) {
             if (!row.heading.empty()) {
                 // A title with an etched rule under it: the rows below belong together.
-                label(page, row.heading, 16, y + 6, 746, 18);
-                add(page, L"STATIC", "", SS_ETCHEDHORZ, 0, 16, y + 26, 746, 2);
-                y += 34;
+                label(page, row.heading, 16, y + 4, 746, 18);
+                add(page, L"STATIC", "", SS_ETCHEDHORZ, 0, 16, y + 23, 746, 2);
+                y += 30;
                 continue;
             }
             if (row.flag)
@@ -384,7 +384,7 @@ private:
                 if (browse)
                     button(page, kBrowseCaption, kBrowseBase + (id - kTextBase), 700, y, 62, 24);
             }
-            // Close enough for the timing page's thirteen rows under five headings to open
+            // Close enough for the timing page's fourteen rows under five headings to open
             // without a scroll bar.
             y += 30;
         }
@@ -696,7 +696,7 @@ private:
     {
         commitFocusedText();
         if (m_editor.hasUnsavedEdits() &&
-            m_prompter.askYesNo(std::string(OptionsEditor::unsavedQuestion()), std::string(kOptionsTitle)))
+            m_prompter.askYesNo(OptionsEditor::unsavedQuestion(), std::string(kOptionsTitle)))
             runConfigFile(ConfigFile::Save);
         if (const std::optional<std::string> languageChanged = m_editor.apply()) {
             m_prompter.message(*languageChanged, std::string(kOptionsTitle));
