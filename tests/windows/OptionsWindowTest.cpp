@@ -15,6 +15,7 @@
 #include "support/ReadFile.h"
 #include "support/ScriptedScreen.h"
 #include "support/TempFolder.h"
+#include "view/OptionFields.h"
 
 #include <gtest/gtest.h>
 
@@ -261,6 +262,48 @@ TEST_F(OptionsWindowTest, TheCalibrationWindowOpensFromItAndWhatIsAppliedIsShown
     const std::string text = readAll(log.path());
     EXPECT_NE(text.find("Click : Calibration Learn "), std::string::npos) << text;
     EXPECT_NE(text.find("Click : Calibration Apply "), std::string::npos);
+}
+
+TEST_F(OptionsWindowTest, ALanguageChosenBecomesCurrentOnClosingAndTheWindowSaysSoInIt)
+{
+    struct BackToJapanese {
+        ~BackToJapanese() { setLanguage(Language::Japanese); }
+    } restore;
+    std::string listed;
+    std::string told;
+    int changesBeforeClosing = 0;
+    show({act([&] {
+              listed = options().text("cboLanguage");
+              options().choose("cboLanguage", 1);
+              changesBeforeClosing = changes;
+              options().close();
+          }),
+          desktop->answer("設定", Button::Yes), // the unsaved edit is saved
+          desktop->answer("設定", Button::Ok),
+          [&] {
+              // Its title looked up when it shows, in the language current by then.
+              const std::optional<std::string> shown = desktop->answerBox(std::string(kOptionsTitle), Button::Ok);
+              told = shown.value_or("");
+              return shown.has_value();
+          }});
+    EXPECT_EQ(listed, "日本語");
+    EXPECT_EQ(settings.UiLanguage, "en");
+    EXPECT_NE(file().find("表示するかどうか\r\nen ,"), std::string::npos) << file();
+    EXPECT_EQ(currentLanguage(), Language::English);
+    EXPECT_EQ(told, tr("表示の言語を変更しました。開いている画面は次に開いたときから、メイン画面はすぐに切り替わります。"));
+    EXPECT_GT(changes, changesBeforeClosing) << "the main window hears of it";
+
+    // Taken back before the window is left with Escape: no question, no message, no change.
+    setLanguage(Language::Japanese);
+    settings.UiLanguage = "ja";
+    config.run(ConfigFile::Save);
+    show({act([&] {
+        options().choose("cboLanguage", 1);
+        options().choose("cboLanguage", 0);
+        options().press(WindowDriver::Key::Escape);
+    })});
+    EXPECT_EQ(settings.UiLanguage, "ja");
+    EXPECT_EQ(currentLanguage(), Language::Japanese);
 }
 
 } // namespace

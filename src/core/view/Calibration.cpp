@@ -13,10 +13,10 @@ namespace {
 std::string glyphName(int glyph)
 {
     if (glyph == kEndMarkGlyph)
-        return "終わりの記号";
+        return std::string(kEndMarkName);
     if (glyph == kSeparatorGlyph)
-        return "桁区切り";
-    return "数字「" + std::to_string(glyph) + "」";
+        return tr("桁区切り");
+    return trFormat("数字「%1」", {std::to_string(glyph)});
 }
 
 bool skipped(const std::string& typed)
@@ -116,14 +116,14 @@ std::string Calibration::learnCommand()
 {
     log("Click : Calibration Learn ");
     if (!m_picker.screen())
-        return "先に画面を取り込んでください。";
-    return learn() ? "" : "数字を入力してください。";
+        return tr("先に画面を取り込んでください。");
+    return learn() ? "" : tr("数字を入力してください。");
 }
 
 std::string Calibration::beginCapture()
 {
     log("Click : Calibration Capture ");
-    return "10秒後に取り込みます。ゲームを前面に出してください…";
+    return tr("10秒後に取り込みます。ゲームを前面に出してください…");
 }
 
 std::string Calibration::captureScreen(ScreenSource& screen)
@@ -133,10 +133,10 @@ std::string Calibration::captureScreen(ScreenSource& screen)
         if (!image)
             throw RuntimeError(ErrorNumber::InvalidProcedureCall, "no screen image");
         m_picker.setScreen(*std::move(image));
-        return "取り込みました。数字を入力して「学習する」を押してください。";
+        return tr("取り込みました。数字を入力して「学習する」を押してください。");
     } catch (const std::exception& e) {
         log(errorTrapLine("cmdCalibrationCapture_Click", errorNumberOf(e)));
-        return "画面を取り込めませんでした。";
+        return tr("画面を取り込めませんでした。");
     }
 }
 
@@ -151,29 +151,32 @@ std::string Calibration::outcomeText(int region, const LearnOutcome& outcome) co
     const RegionLearner& learner = m_learners[static_cast<std::size_t>(region)];
     const std::string oldThreshold = std::to_string(m_picker.settings().BinaryThreshold[static_cast<std::size_t>(region)]);
     switch (outcome.refusal) {
-    case LearnRefusal::None:
-        return std::string("学習しました（") +
-               (learner.mode() == ReadingMode::Exact ? "文字幅 " + std::to_string(learner.glyphSize()) + " 列"
-                                                     : "字形、高さ " + std::to_string(learner.glyphSize()) + " 行") +
-               "）" + (learner.ambiguous() ? "。別の画面でも学習すると確かになります" : "") +
+    case LearnRefusal::None: {
+        const std::string size = std::to_string(learner.glyphSize());
+        // One sentence, then what else the player should know, each a sentence of its own.
+        return trFormat("学習しました（%1）", {learner.mode() == ReadingMode::Exact
+                                                   ? trFormat("文字幅 %1 列", {size})
+                                                   : trFormat("字形、高さ %1 行", {size})}) +
+               (learner.ambiguous() ? tr("。別の画面でも学習すると確かになります") : "") +
                (learner.thresholdProposed()
-                    ? "。しきい値 " + oldThreshold + " では数字が分かれないため " + std::to_string(learner.threshold()) +
-                          " にします"
+                    ? trFormat("。しきい値 %1 では数字が分かれないため %2 にします",
+                               {oldThreshold, std::to_string(learner.threshold())})
                     : "") +
-               (learner.replacedPrior() ? "。以前の学習内容と合わないため置き換えます" : "");
-    case LearnRefusal::NotANumber: return "数字を入力してください";
-    case LearnRefusal::OutsideImage: return "領域が画像の外です";
+               (learner.replacedPrior() ? tr("。以前の学習内容と合わないため置き換えます") : "");
+    }
+    case LearnRefusal::NotANumber: return tr("数字を入力してください");
+    case LearnRefusal::OutsideImage: return tr("領域が画像の外です");
     case LearnRefusal::NoSplit:
-        return "領域の文字が " + std::to_string(numberDigits(m_typed[static_cast<std::size_t>(region)]).value_or("").size()) +
-               " 桁の数字と終わりの記号に分けられません";
+        return trFormat("領域の文字が %1 桁の数字と終わりの記号に分けられません",
+                        {std::to_string(numberDigits(m_typed[static_cast<std::size_t>(region)]).value_or("").size())});
     case LearnRefusal::Contradiction:
         if (outcome.glyph < 0)
-            return "文字幅がこれまでの画像と違います（これまで " + std::to_string(outcome.learntWidth) + " 列、この画像は " +
-                   std::to_string(outcome.imageWidth) + " 列）";
-        return glyphName(outcome.glyph) + "がこれまでの画像と違います。入力した数字を確かめてください";
+            return trFormat("文字幅がこれまでの画像と違います（これまで %1 列、この画像は %2 列）",
+                            {std::to_string(outcome.learntWidth), std::to_string(outcome.imageWidth)});
+        return trFormat("%1がこれまでの画像と違います。入力した数字を確かめてください", {glyphName(outcome.glyph)});
     case LearnRefusal::ReadBack:
-        return "学習したパターンでは「" + (outcome.readBack.empty() ? std::string("認識NG") : outcome.readBack) +
-               "」と読めてしまうため、使えません";
+        return trFormat("学習したパターンでは「%1」と読めてしまうため、使えません",
+                        {outcome.readBack.empty() ? std::string(tr("認識NG")) : outcome.readBack});
     }
     return {};
 }
@@ -207,15 +210,16 @@ CalibrationRegionView Calibration::view(int region) const
             const RecognitionResult result = learner.readBack(i);
             read = result.digits.empty() ? result.caption : result.digits;
         } catch (const RuntimeError&) {
-            read = "認識NG";
+            read = tr("認識NG");
         }
         out.readBack.push_back(learner.number(i) + " → " + read);
     }
     out.text = out.message;
     if (!out.readBack.empty())
-        out.text += "\n読み方： " + readingModeName(out.mode) + "、しきい値 " + std::to_string(out.threshold) +
-                    (out.thresholdProposed ? "（提案）" : "") + "\n読み返し： " + joined(out.readBack, "、") +
-                    (out.missing.empty() ? "　全数字を学習済み" : "　未学習： " + out.missing);
+        out.text += "\n" + trFormat("読み方： %1、しきい値 %2", {readingModeName(out.mode), std::to_string(out.threshold)}) +
+                    (out.thresholdProposed ? tr("（提案）") : "") + "\n" +
+                    trFormat("読み返し： %1", {joined(out.readBack, tr("、"))}) +
+                    (out.missing.empty() ? tr("　全数字を学習済み") : trFormat("　未学習： %1", {out.missing}));
     return out;
 }
 
@@ -229,7 +233,7 @@ RegionPreview Calibration::preview(int region) const
 
 std::string Calibration::readingText(const RegionPreview& preview)
 {
-    return "読み取り： " + preview.reading;
+    return trFormat("読み取り： %1", {preview.reading});
 }
 
 bool Calibration::hasChanges() const

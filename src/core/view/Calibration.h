@@ -2,6 +2,7 @@
 
 #include "recognition/RegionLearner.h"
 #include "view/RegionPicker.h"
+#include "view/ShownText.h"
 
 #include <array>
 #include <string>
@@ -13,7 +14,19 @@ namespace tvx {
 class DebugLog;
 class ScreenSource;
 
-inline constexpr std::string_view kCalibrationTitle = "画面から学習";
+inline constexpr ShownText kCalibrationTitle{N_("画面から学習")};
+// The calibration window's own controls, as both front ends caption them.
+inline constexpr ShownText kCalibrationRegionCaption{N_("ドラッグで決める領域：")};
+inline constexpr ShownText kCalibrationZoomCaption{N_("拡大：")};
+inline constexpr ShownText kCalibrationCaptureCaption{N_("10秒後に画面を取り込む")};
+inline constexpr ShownText kCalibrationNumbersCaption{N_("ゲームに表示されている数字を入力して「学習する」を押してください")};
+inline constexpr ShownText kCalibrationSkipHint{N_("- で学習しない")};
+inline constexpr ShownText kCalibrationGlyphsCaption{N_("パターン")};
+inline constexpr ShownText kCalibrationLearnCaption{N_("学習する")};
+inline constexpr ShownText kCalibrationApplyCaption{N_("反映する")};
+inline constexpr ShownText kCalibrationCancelCaption{N_("キャンセル")};
+// The glyph after the digits, as the player is told of it.
+inline constexpr ShownText kEndMarkName{N_("終わりの記号")};
 
 // What the calibration window shows of one region.
 struct CalibrationRegionView {

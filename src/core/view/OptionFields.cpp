@@ -75,15 +75,15 @@ std::vector<NumberField> makeNumberFields()
         std::int32_t& (*value)(Settings&, int);
     };
     const RegionField perRegion[] = {
-        {"cmdStartX", "始点 X", "キャプチャー始点X値を入力してください", 0, 9999, &regionValue<&CaptureRegionRect::StartX>},
-        {"cmdStartY", "始点 Y", "キャプチャー始点Y値を入力してください", 0, 9999, &regionValue<&CaptureRegionRect::StartY>},
-        {"cmdSizeX", "幅", "キャプチャー幅を入力してください", 1, 2000, &regionValue<&CaptureRegionRect::SizeX>},
-        {"cmdSizeY", "高さ", "キャプチャー高さを入力してください（16まで）", 1, 16,
+        {"cmdStartX", N_("始点 X"), N_("キャプチャー始点X値を入力してください"), 0, 9999, &regionValue<&CaptureRegionRect::StartX>},
+        {"cmdStartY", N_("始点 Y"), N_("キャプチャー始点Y値を入力してください"), 0, 9999, &regionValue<&CaptureRegionRect::StartY>},
+        {"cmdSizeX", N_("幅"), N_("キャプチャー幅を入力してください"), 1, 2000, &regionValue<&CaptureRegionRect::SizeX>},
+        {"cmdSizeY", N_("高さ"), N_("キャプチャー高さを入力してください（16まで）"), 1, 16,
          &regionValue<&CaptureRegionRect::SizeY>},
-        {"cmdBinaryThreshold", "２値化境界値", "画像２値化境界値を入力してください", 0, 255, &thresholdOf},
-        {"cmdBinaryMask", "マスク値", "マスク値を入力してください（-1 はマスクなし）", -1, 255, &maskOf},
-        {"cmdReferenceWidth", "基準幅", "基準画像の幅（列数）を入力してください", 1, 64, &cellWidthOf},
-        {"cmdReferenceHeight", "基準高さ", "基準画像の高さを入力してください", 1, 16, &cellHeightOf},
+        {"cmdBinaryThreshold", N_("２値化境界値"), N_("画像２値化境界値を入力してください"), 0, 255, &thresholdOf},
+        {"cmdBinaryMask", N_("マスク値"), N_("マスク値を入力してください（-1 はマスクなし）"), -1, 255, &maskOf},
+        {"cmdReferenceWidth", N_("基準幅"), N_("基準画像の幅（列数）を入力してください"), 1, 64, &cellWidthOf},
+        {"cmdReferenceHeight", N_("基準高さ"), N_("基準画像の高さを入力してください"), 1, 16, &cellHeightOf},
     };
     std::vector<NumberField> fields;
     for (int r = 0; r < kRegionCount; ++r) {
@@ -96,29 +96,29 @@ std::vector<NumberField> makeNumberFields()
                                  std::int32_t upper, Tab tab, int row, std::int32_t& (*value)(Settings&, int)) {
         fields.push_back({name, caption, prompt, lower, upper, tab, -1, row, false, value});
     };
-    plain("cmdCaptureInterval", "キャプチャインターバル(分)", "キャプチャインターバル(分)を入力してください", 1, 1440,
+    plain("cmdCaptureInterval", N_("キャプチャインターバル(分)"), N_("キャプチャインターバル(分)を入力してください"), 1, 1440,
           Tab::Timing, 2, &plainValue<&Settings::CaptureInterval>);
-    plain("cmdCaptureBeep", "キャプチャ時の音（0 で鳴らさない、1～5）",
-          "キャプチャ時の音を入力してください（0 で鳴らさない）", 0, 5, Tab::Timing, 3,
+    plain("cmdCaptureBeep", N_("キャプチャ時の音（0 で鳴らさない、1～5）"),
+          N_("キャプチャ時の音を入力してください（0 で鳴らさない）"), 0, 5, Tab::Timing, 3,
           &plainValue<&Settings::CaptureBeep>);
-    plain("cmdLag", "キャプチャ調整時間(m秒)", "キャプチャ調整時間(m秒)を入力してください", 0, 10000, Tab::Timing, 8,
+    plain("cmdLag", N_("キャプチャ調整時間(m秒)"), N_("キャプチャ調整時間(m秒)を入力してください"), 0, 10000, Tab::Timing, 8,
           &plainValue<&Settings::Lag>);
-    plain("cmdStartDelay", "起動時のゲーム起動確認遅延時間(秒)", "起動確認遅延時間(秒)を入力してください", 0, 3600,
+    plain("cmdStartDelay", N_("起動時のゲーム起動確認遅延時間(秒)"), N_("起動確認遅延時間(秒)を入力してください"), 0, 3600,
           Tab::Timing, 5, &plainValue<&Settings::StartDelay>);
-    plain("cmdDoHLInterval", "撮影チェックインターバル(m秒)", "撮影チェックインターバル(m秒)を入力してください", 100,
+    plain("cmdDoHLInterval", N_("撮影チェックインターバル(m秒)"), N_("撮影チェックインターバル(m秒)を入力してください"), 100,
           60000, Tab::Timing, 11, &plainValue<&Settings::DoHLInterval>);
-    plain("cmdGestureTime", "ジェスチャ入力待ち時間(m秒)", "ジェスチャ入力待ち時間(m秒)を入力してください", 100, 10000,
+    plain("cmdGestureTime", N_("ジェスチャ入力待ち時間(m秒)"), N_("ジェスチャ入力待ち時間(m秒)を入力してください"), 100, 10000,
           Tab::Timing, 12, &plainValue<&Settings::GestureTime>);
-    plain("cmdMoneyWait", "お金を認識するときの待機時間(m秒)", "お金を認識するときの待機時間(m秒)を入力してください", 0,
+    plain("cmdMoneyWait", N_("お金を認識するときの待機時間(m秒)"), N_("お金を認識するときの待機時間(m秒)を入力してください"), 0,
           60000, Tab::Timing, 9, &plainValue<&Settings::MoneyWait>);
-    plain("cmdGraphTimeScale", "グラフ時間軸データ数", "グラフ時間軸データ数を入力してください", 2, 512, Tab::Files, 6,
+    plain("cmdGraphTimeScale", N_("グラフ時間軸データ数"), N_("グラフ時間軸データ数を入力してください"), 2, 512, Tab::Files, 6,
           &plainValue<&Settings::GraphTimeScale>);
-    plain("cmdGraphAveNum", "グラフの平均化データ数", "グラフの平均化データ数を入力してください", 1, 100, Tab::Files,
+    plain("cmdGraphAveNum", N_("グラフの平均化データ数"), N_("グラフの平均化データ数を入力してください"), 1, 100, Tab::Files,
           7, &plainValue<&Settings::GraphAveNum>);
-    plain("cmdStartUpDelay", "アプリケーション2を自動起動させる遅延時間(秒)",
-          "アプリケーション2を自動起動させる遅延時間(秒)を入力してください", 0, 3600, Tab::Files, 13,
+    plain("cmdStartUpDelay", N_("アプリケーション2を自動起動させる遅延時間(秒)"),
+          N_("アプリケーション2を自動起動させる遅延時間(秒)を入力してください"), 0, 3600, Tab::Files, 13,
           &plainValue<&Settings::StartUpDelay>);
-    plain("cmdStallMinutes", "停滞とみなす時間(分)", "停滞とみなす時間(分)を入力してください", 1, 600, Tab::Timing, 16,
+    plain("cmdStallMinutes", N_("停滞とみなす時間(分)"), N_("停滞とみなす時間(分)を入力してください"), 1, 600, Tab::Timing, 17,
           &plainValue<&Settings::StallMinutes>);
     return fields;
 }
@@ -143,6 +143,25 @@ void setScreenCapture(Settings& s, const std::string& value)
     s.ScreenCapture = value == "1" ? CaptureMethod::PrintScreen : CaptureMethod::Direct;
 }
 
+// The configured language, or the one the windows are in while none is configured.
+std::string languageText(const Settings& s)
+{
+    return languageFromCode(s.UiLanguage) ? s.UiLanguage : languageCode(currentLanguage());
+}
+
+void setLanguageCode(Settings& s, const std::string& value)
+{
+    s.UiLanguage = value;
+}
+
+std::vector<ChoiceField::Choice> languageChoices()
+{
+    std::vector<ChoiceField::Choice> choices;
+    for (const Language language : kLanguages)
+        choices.push_back({languageCode(language), languageName(language)});
+    return choices;
+}
+
 std::string saveFormatText(const Settings& s)
 {
     return s.SaveFormat;
@@ -157,15 +176,15 @@ void setSaveFormat(Settings& s, const std::string& value)
 
 std::string_view optionTabCaption(OptionTab tab)
 {
-    constexpr std::array<std::string_view, kOptionTabCount> captions{"キャプチャ領域", "認識パターン", "動作",
-                                                                      "記録・グラフ・起動"};
-    return captions[static_cast<std::size_t>(tab)];
+    constexpr std::array<const char*, kOptionTabCount> captions{N_("キャプチャ領域"), N_("認識パターン"), N_("動作"),
+                                                                 N_("記録・グラフ・起動")};
+    return tr(captions[static_cast<std::size_t>(tab)]);
 }
 
 std::string_view regionCaption(int region)
 {
-    constexpr std::array<std::string_view, kRegionCount> captions{"Lv (1)", "Exp (2)", "マネー (3)"};
-    return captions[static_cast<std::size_t>(std::clamp(region, 0, kRegionCount - 1))];
+    constexpr std::array<const char*, kRegionCount> captions{N_("Lv (1)"), N_("Exp (2)"), N_("マネー (3)")};
+    return tr(captions[static_cast<std::size_t>(std::clamp(region, 0, kRegionCount - 1))]);
 }
 
 const std::vector<NumberField>& numberFields()
@@ -177,18 +196,18 @@ const std::vector<NumberField>& numberFields()
 const std::vector<FlagField>& flagFields()
 {
     static const std::vector<FlagField> fields{
-        {"chkAutoStart", "起動後に自動で計測を始める", Tab::Timing, 1, &flagValue<&Settings::AutoStart>},
-        {"chkDoHLCheckExec", "レベルアップ・死亡時に撮影する", Tab::Timing, 11, &flagValue<&Settings::DoHLCheckExec>},
-        {"chkGesture", "マウスボタンジェスチャを監視する", Tab::Timing, 12, &flagValue<&Settings::Gesture>},
-        {"chkMoneyScan", "お金の時給も計測する", Tab::Timing, 9, &flagValue<&Settings::MoneyScan>},
-        {"chkGraph", "グラフを表示する", Tab::Files, 6, &flagValue<&Settings::Graph>},
-        {"chkSaveCsv", "時給ファイルをCSVで保存する", Tab::Files, 3, &flagValue<&Settings::SaveCsv>},
-        {"chkSaveMonthly", "時給記録ファイルを一ヶ月追記する", Tab::Files, 4, &flagValue<&Settings::SaveMonthly>},
-        {"chkStartUp0", "アプリケーション1を自動起動する", Tab::Files, 11, &startUpEnabled<0>},
-        {"chkStartUp1", "アプリケーション2を自動起動する", Tab::Files, 12, &startUpEnabled<1>},
-        {"chkStallAlarm", "停滞を音とログで知らせる", Tab::Timing, 16, &flagValue<&Settings::StallAlarm>},
+        {"chkAutoStart", N_("起動後に自動で計測を始める"), Tab::Timing, 1, &flagValue<&Settings::AutoStart>},
+        {"chkDoHLCheckExec", N_("レベルアップ・死亡時に撮影する"), Tab::Timing, 11, &flagValue<&Settings::DoHLCheckExec>},
+        {"chkGesture", N_("マウスボタンジェスチャを監視する"), Tab::Timing, 12, &flagValue<&Settings::Gesture>},
+        {"chkMoneyScan", N_("お金の時給も計測する"), Tab::Timing, 9, &flagValue<&Settings::MoneyScan>},
+        {"chkGraph", N_("グラフを表示する"), Tab::Files, 6, &flagValue<&Settings::Graph>},
+        {"chkSaveCsv", N_("時給ファイルをCSVで保存する"), Tab::Files, 3, &flagValue<&Settings::SaveCsv>},
+        {"chkSaveMonthly", N_("時給記録ファイルを一ヶ月追記する"), Tab::Files, 4, &flagValue<&Settings::SaveMonthly>},
+        {"chkStartUp0", N_("アプリケーション1を自動起動する"), Tab::Files, 11, &startUpEnabled<0>},
+        {"chkStartUp1", N_("アプリケーション2を自動起動する"), Tab::Files, 12, &startUpEnabled<1>},
+        {"chkStallAlarm", N_("停滞を音とログで知らせる"), Tab::Timing, 17, &flagValue<&Settings::StallAlarm>},
         // The running meter's switch, not a setting: no value in the settings.
-        {"chkDebugMode", "デバッグモード", Tab::Timing, 14, nullptr},
+        {"chkDebugMode", N_("デバッグモード"), Tab::Timing, 15, nullptr},
     };
     return fields;
 }
@@ -197,11 +216,11 @@ const std::vector<TextField>& textFields()
 {
     using Browse = TextField::Browse;
     static const std::vector<TextField> fields{
-        {"txtSearchWindowName", "検索ウィンドウ名", Tab::Timing, 4, Browse::None, "",
+        {"txtSearchWindowName", N_("検索ウィンドウ名"), Tab::Timing, 4, Browse::None, "",
          &textValue<&Settings::SearchWindowName>},
-        {"txtSaveFolder", "時給ファイル保存場所", Tab::Files, 1, Browse::Folder, "cmdSaveFolder",
+        {"txtSaveFolder", N_("時給ファイル保存場所"), Tab::Files, 1, Browse::Folder, "cmdSaveFolder",
          &textValue<&Settings::SaveFolder>},
-        {"txtSaveFile", "時給ファイル名", Tab::Files, 2, Browse::None, "", &textValue<&Settings::SaveFile>},
+        {"txtSaveFile", N_("時給ファイル名"), Tab::Files, 2, Browse::None, "", &textValue<&Settings::SaveFile>},
         {"txtStartUpPath0", "", Tab::Files, 11, Browse::File, "cmdStartUpPath0", &startUpPath<0>},
         {"txtStartUpPath1", "", Tab::Files, 12, Browse::File, "cmdStartUpPath1", &startUpPath<1>},
     };
@@ -213,26 +232,28 @@ const std::vector<ChoiceField>& choiceFields()
     static const std::vector<ChoiceField> fields{
         // The direct copy needs no Lag and leaves the player's clipboard alone.
         {"cboScreenCapture",
-         "画面の取り込み方法",
+         N_("画面の取り込み方法"),
          Tab::Timing,
          7,
-         {{"0", "直接取り込む（推奨）"}, {"1", "PrintScreenキーとクリップボード"}},
+         {{"0", N_("直接取り込む（推奨）")}, {"1", N_("PrintScreenキーとクリップボード")}},
          &screenCaptureText,
          &setScreenCapture},
         {"cboSaveFormat",
-         "画像ファイルの保存形式",
+         N_("画像ファイルの保存形式"),
          Tab::Files,
          9,
-         {{".bmp", "BMP (.bmp)"}, {".png", "PNG (.png)"}, {".jpg70", "JPEG 品質70 (.jpg)"}, {".jpg90", "JPEG 品質90 (.jpg)"}},
+         {{".bmp", "BMP (.bmp)"}, {".png", "PNG (.png)"}, {".jpg70", N_("JPEG 品質70 (.jpg)")}, {".jpg90", N_("JPEG 品質90 (.jpg)")}},
          &saveFormatText,
          &setSaveFormat},
         {"cboNextLevelWindow",
-         "次のレベルまでの時間に使う時給",
+         N_("次のレベルまでの時間に使う時給"),
          Tab::Timing,
-         17,
-         {{"10", "直近10分"}, {"30", "直近30分"}, {"60", "直近60分"}, {"0", "セッション全体"}},
+         18,
+         {{"10", N_("直近10分")}, {"30", N_("直近30分")}, {"60", N_("直近60分")}, {"0", N_("セッション全体")}},
          &nextLevelWindowText,
          &setNextLevelWindow},
+        // Applied when the window closes: the windows opened afterwards are in it.
+        {"cboLanguage", N_("言語"), Tab::Timing, 14, languageChoices(), &languageText, &setLanguageCode, true},
     };
     return fields;
 }
@@ -253,13 +274,13 @@ namespace {
 struct Heading {
     Tab tab;
     int row;
-    std::string_view caption;
+    const char* caption;
 };
 
 constexpr Heading kHeadings[] = {
-    {Tab::Timing, 0, "計測"},         {Tab::Timing, 6, "画面の取り込み"}, {Tab::Timing, 10, "撮影・ジェスチャ"},
-    {Tab::Timing, 13, "その他"},      {Tab::Timing, 15, "ライブ表示"},      {Tab::Files, 0, "時給記録"},        {Tab::Files, 5, "グラフ"},
-    {Tab::Files, 8, "画像ファイル"}, {Tab::Files, 10, "自動起動"},
+    {Tab::Timing, 0, N_("計測")},         {Tab::Timing, 6, N_("画面の取り込み")}, {Tab::Timing, 10, N_("撮影・ジェスチャ")},
+    {Tab::Timing, 13, N_("その他")},   {Tab::Timing, 16, N_("ライブ表示")},  {Tab::Files, 0, N_("時給記録")},
+    {Tab::Files, 5, N_("グラフ")},     {Tab::Files, 8, N_("画像ファイル")},  {Tab::Files, 10, N_("自動起動")},
 };
 
 } // namespace
@@ -286,7 +307,7 @@ std::vector<OptionRow> optionRows(OptionTab tab)
             at(f.row).choice = &f;
     for (const Heading& h : kHeadings)
         if (h.tab == tab)
-            at(h.row).heading = h.caption;
+            at(h.row).heading = tr(h.caption);
     return rows;
 }
 
@@ -302,6 +323,9 @@ std::vector<const NumberField*> regionFields(int region)
 std::vector<ChoiceField::Choice> choicesFor(const ChoiceField& field, const Settings& settings)
 {
     std::vector<ChoiceField::Choice> choices = field.choices;
+    if (!field.ownNames)
+        for (ChoiceField::Choice& choice : choices)
+            choice.caption = tr(choice.caption.c_str());
     const std::string current = field.get(settings);
     const bool known = std::any_of(choices.begin(), choices.end(),
                                    [&current](const ChoiceField::Choice& c) { return c.value == current; });

@@ -16,8 +16,6 @@
 namespace tvx {
 namespace {
 
-constexpr std::string_view kResultCaption = "認識結果： ";
-
 std::vector<std::uint16_t> columnsOf(const std::string& groups)
 {
     return decodePatternColumns(groups).value_or(std::vector<std::uint16_t>{});
@@ -61,7 +59,7 @@ std::string trimmed(std::string_view text)
 
 std::string patternName(int index)
 {
-    return index == kDelimiterIndex ? "区切り" : std::to_string(index);
+    return index == kDelimiterIndex ? tr("区切り") : std::to_string(index);
 }
 
 OptionsEditor::OptionsEditor(Settings& settings, const CaptureBitmap* capture)
@@ -74,8 +72,12 @@ OptionsEditor::OptionsEditor(Settings& settings, const CaptureBitmap* capture)
 
 OptionsEditor::NumberQuestion OptionsEditor::question(const NumberField& field) const
 {
-    return {std::to_string(field.lower), std::to_string(field.upper),
-            static_cast<double>(field.value(m_settings, field.region)), "1", field.prompt, std::string(kNumberTitle)};
+    return {std::to_string(field.lower),
+            std::to_string(field.upper),
+            static_cast<double>(field.value(m_settings, field.region)),
+            "1",
+            std::string(field.prompt),
+            std::string(kNumberTitle)};
 }
 
 bool OptionsEditor::answer(const NumberField& field, double value)
@@ -129,8 +131,7 @@ void OptionsEditor::refreshPreviews()
 std::string OptionsEditor::previewResult(int region) const
 {
     const auto r = static_cast<std::size_t>(region);
-    return std::string(kResultCaption) + m_previews.at(r).reading + "　［" +
-           readingModeName(m_settings.Reading.at(r).Mode) + "］";
+    return trFormat("認識結果： %1　［%2］", {m_previews.at(r).reading, readingModeName(m_settings.Reading.at(r).Mode)});
 }
 
 void OptionsEditor::refreshPattern()
@@ -147,19 +148,19 @@ void OptionsEditor::refreshPattern()
     view.editor = columns.value_or(std::vector<std::uint16_t>{});
     if (view.editor.empty())
         view.editor.assign(static_cast<std::size_t>(std::max(1, view.cellWidth)), 0);
-    view.editorCaption =
-        std::string(regionCaption(m_patternRegion)) + " のパターン「" + patternName(m_patternIndex) + "」";
+    view.editorCaption = trFormat("%1 のパターン「%2」", {regionCaption(m_patternRegion), patternName(m_patternIndex)});
     view.text = text;
     const int have = columns ? static_cast<int>(columns->size()) : 0;
     if (!columns)
-        view.note = "変換文字列が不正です。描き直してください。";
+        view.note = tr("変換文字列が不正です。描き直してください。");
     else if (have != view.cellWidth)
-        view.note = "幅 " + std::to_string(have) + " 列：基準幅 " + std::to_string(view.cellWidth) +
-                    " 列と違うため、このままでは認識に使われません。";
+        view.note = trFormat("幅 %1 列：基準幅 %2 列と違うため、このままでは認識に使われません。",
+                             {std::to_string(have), std::to_string(view.cellWidth)});
     else
-        view.note = "幅 " + std::to_string(have) + " 列（基準幅どおり）";
+        view.note = trFormat("幅 %1 列（基準幅どおり）", {std::to_string(have)});
     view.captureColumns = m_previews[r].columns;
-    view.captureResult = "この領域の" + previewResult(m_patternRegion);
+    view.captureResult = trFormat("この領域の認識結果： %1　［%2］",
+                                  {m_previews[r].reading, readingModeName(m_settings.Reading[r].Mode)});
 }
 
 std::string& OptionsEditor::pattern()
@@ -205,7 +206,7 @@ bool OptionsEditor::setPatternText(std::string_view hex)
 {
     const std::optional<std::vector<std::uint16_t>> columns = decodePatternColumns(hex);
     if (!columns) {
-        m_pattern.note = "変換文字列は16進数4桁ずつ（1列に4桁）です。";
+        m_pattern.note = tr("変換文字列は16進数4桁ずつ（1列に4桁）です。");
         return false;
     }
     storePattern(*columns);
@@ -244,7 +245,7 @@ bool OptionsEditor::flagAvailable(const FlagField& field) const
 std::string OptionsEditor::beginCapture(ConfigFile& config)
 {
     logLine(config, "Click : Pattern Capture ");
-    return "10秒後にキャプチャします。ゲームを前面に出してください…";
+    return tr("10秒後にキャプチャします。ゲームを前面に出してください…");
 }
 
 std::string OptionsEditor::capturePattern(ScreenSource& screen, Clock& clock, ConfigFile& config)
@@ -264,11 +265,11 @@ std::string OptionsEditor::capturePattern(ScreenSource& screen, Clock& clock, Co
             throw RuntimeError(ErrorNumber::PathFileAccessError, pathUtf8(file));
         config.sizeBuffers();
         logLine(config, "Pattern Capture and Save ･･･ End ");
-        return "保存しました： " + pathUtf8(file);
+        return trFormat("保存しました： %1", {pathUtf8(file)});
     } catch (const std::exception& e) {
         // Whatever the capture throws (a bad_alloc for a huge screen, too) ends here.
         logLine(config, errorTrapLine("cmdCapture_Click", errorNumberOf(e)));
-        return "キャプチャできませんでした。";
+        return tr("キャプチャできませんでした。");
     }
 }
 
@@ -283,7 +284,7 @@ std::optional<std::string> OptionsEditor::runConfigFile(ConfigFile& config, int 
     if (mode == ConfigFile::Load || written)
         m_saved = m_settings;
     if (mode == ConfigFile::Save && written)
-        return "設定を保存しました。";
+        return tr("設定を保存しました。");
     return std::nullopt;
 }
 
@@ -297,10 +298,20 @@ bool OptionsEditor::hasUnsavedEdits() const
     return m_settings != saved;
 }
 
-std::string_view OptionsEditor::unsavedQuestion()
+std::string OptionsEditor::unsavedQuestion()
 {
-    return "変更した設定はまだ保存されていません。\r\n"
-           "保存しますか？（「いいえ」では、次に起動するまでの間だけ有効です）";
+    // Two texts for the catalogue, which keeps no line breaks of Windows.
+    return std::string(tr("変更した設定はまだ保存されていません。")) + "\r\n" +
+           tr("保存しますか？（「いいえ」では、次に起動するまでの間だけ有効です）");
+}
+
+std::optional<std::string> OptionsEditor::apply()
+{
+    const std::optional<Language> chosen = languageFromCode(m_settings.UiLanguage);
+    if (!chosen || *chosen == currentLanguage())
+        return std::nullopt;
+    setLanguage(*chosen);
+    return tr("表示の言語を変更しました。開いている画面は次に開いたときから、メイン画面はすぐに切り替わります。");
 }
 
 } // namespace tvx

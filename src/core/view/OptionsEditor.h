@@ -106,7 +106,10 @@ public:
     // compact window saves them itself.
     bool hasUnsavedEdits() const;
     // The question before closing with unsaved edits; Yes saves.
-    static std::string_view unsavedQuestion();
+    static std::string unsavedQuestion();
+    // What closing the window makes current: the chosen language, when it is another. Returns
+    // the message that tells the player, in the new language, what follows it at once.
+    std::optional<std::string> apply();
 
 private:
     void refreshPreviews();

@@ -1,6 +1,7 @@
 #include "view/RegionPicker.h"
 
 #include "base/Errors.h"
+#include "base/Language.h"
 #include "config/PatternColumns.h"
 #include "recognition/Recognizer.h"
 #include "recognition/TemplateLearner.h"
@@ -41,7 +42,7 @@ void RegionPicker::setZoom(std::int32_t zoom)
 
 std::string RegionPicker::zoomCaption(std::int32_t zoom)
 {
-    return std::to_string(zoom) + " 倍";
+    return trFormat("%1 倍", {std::to_string(zoom)});
 }
 
 ScreenPoint RegionPicker::screenPixel(std::int32_t pictureX, std::int32_t pictureY) const

@@ -4,6 +4,7 @@
 #include "config/SettingRanges.h"
 #include "recognition/CaptureFile.h"
 #include "view/RegionPreview.h"
+#include "view/ShownText.h"
 
 #include <cstdint>
 #include <optional>
@@ -11,6 +12,9 @@
 #include <vector>
 
 namespace tvx {
+
+// What the picture shows before there is a screen to pick on.
+inline constexpr ShownText kNoScreenHint{N_("画面を取り込んでください")};
 
 struct ScreenPoint {
     std::int32_t x = 0;

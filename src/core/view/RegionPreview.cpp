@@ -1,6 +1,7 @@
 #include "view/RegionPreview.h"
 
 #include "base/Errors.h"
+#include "base/Language.h"
 #include "config/PatternColumns.h"
 #include "recognition/Recognizer.h"
 #include "recognition/RegionLearner.h"
@@ -18,7 +19,7 @@ RegionPreview previewRegion(const CaptureBitmap* screen, const Settings& setting
     RegionPreview out;
     out.rows = std::clamp(rect.SizeY, 1, kPreviewMaxRows);
     if (!screen) {
-        out.reading = "キャプチャ画像がありません";
+        out.reading = tr("キャプチャ画像がありません");
         return out;
     }
     out.pixels = regionPixels(*screen, rect);
@@ -33,7 +34,7 @@ RegionPreview previewRegion(const CaptureBitmap* screen, const Settings& setting
         out.reading = out.read ? result.digits : failureText(settings, region, result);
     } catch (const RuntimeError&) {
         out.columns.clear();
-        out.reading = "領域が画像の外です";
+        out.reading = tr("領域が画像の外です");
     }
     return out;
 }
@@ -56,13 +57,16 @@ std::string failureText(const Settings& settings, int region, const RecognitionR
         }
     }
     if (digits.empty() && !endMark)
-        return "認識できません";
-    return "認識できません（未学習：" + digits + (endMark ? (digits.empty() ? "終わりの記号" : "・終わりの記号") : "") + "）";
+        return tr("認識できません");
+    const std::string missing = !endMark        ? digits
+                                : digits.empty() ? std::string(tr("終わりの記号"))
+                                                 : trFormat("%1・終わりの記号", {digits});
+    return trFormat("認識できません（未学習：%1）", {missing});
 }
 
 std::string readingModeName(ReadingMode mode)
 {
-    return mode == ReadingMode::Shapes ? "字形" : "完全一致";
+    return mode == ReadingMode::Shapes ? tr("字形") : tr("完全一致");
 }
 
 std::vector<std::uint16_t> previewColumns(const InkGrid& grid, int& rows)

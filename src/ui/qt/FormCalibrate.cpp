@@ -54,7 +54,7 @@ FormCalibrate::FormCalibrate(Settings& settings, const CaptureBitmap* screen, Pa
         m_calibration.picker().setScreen(*screen);
 
     auto* top = new QHBoxLayout;
-    top->addWidget(new QLabel(QStringLiteral("ドラッグで決める領域：")));
+    top->addWidget(new QLabel(qtText(kCalibrationRegionCaption)));
     for (int r = 0; r < kRegionCount; ++r) {
         auto* option = new QRadioButton(qtText(regionCaption(r)));
         option->setObjectName(indexed("optRegion", r));
@@ -68,14 +68,14 @@ FormCalibrate::FormCalibrate(Settings& settings, const CaptureBitmap* screen, Pa
         top->addWidget(option);
     }
     top->addSpacing(16);
-    top->addWidget(new QLabel(QStringLiteral("拡大：")));
+    top->addWidget(new QLabel(qtText(kCalibrationZoomCaption)));
     m_zoom = new QComboBox;
     m_zoom->setObjectName(QStringLiteral("cboZoom"));
     for (int zoom = 1; zoom <= RegionPicker::kMaxZoom; zoom *= 2)
         m_zoom->addItem(qtText(RegionPicker::zoomCaption(zoom)), zoom);
     top->addWidget(m_zoom);
     top->addStretch(1);
-    m_cmdCapture = new QPushButton(QStringLiteral("10秒後に画面を取り込む"));
+    m_cmdCapture = new QPushButton(qtText(kCalibrationCaptureCaption));
     m_cmdCapture->setObjectName(QStringLiteral("cmdCapture"));
     m_cmdCapture->setAutoDefault(false);
     m_cmdCapture->setEnabled(capture.screen && capture.waiter);
@@ -99,23 +99,23 @@ FormCalibrate::FormCalibrate(Settings& settings, const CaptureBitmap* screen, Pa
         m_scroll->ensureVisible(centre.x, centre.y, m_scroll->width() / 2, m_scroll->height() / 2);
     });
 
-    auto* regions = new QGroupBox(QStringLiteral("ゲームに表示されている数字を入力して「学習する」を押してください"));
+    auto* regions = new QGroupBox(qtText(kCalibrationNumbersCaption));
     auto* regionsLayout = new QVBoxLayout(regions);
     for (int r = 0; r < kRegionCount; ++r)
         regionsLayout->addWidget(buildRegionRow(r, m_rows[static_cast<std::size_t>(r)]));
 
     auto* bottom = new QHBoxLayout;
-    auto* learn = new QPushButton(QStringLiteral("学習する"));
+    auto* learn = new QPushButton(qtText(kCalibrationLearnCaption));
     learn->setObjectName(QStringLiteral("cmdLearn"));
     learn->setAutoDefault(false);
     connect(learn, &QPushButton::clicked, this, &FormCalibrate::cmdLearn_Click);
     m_status = new QLabel;
     m_status->setObjectName(QStringLiteral("lblStatus"));
-    auto* apply = new QPushButton(QStringLiteral("反映する"));
+    auto* apply = new QPushButton(qtText(kCalibrationApplyCaption));
     apply->setObjectName(QStringLiteral("cmdApply"));
     apply->setAutoDefault(false);
     connect(apply, &QPushButton::clicked, this, &FormCalibrate::cmdApply_Click);
-    auto* cancel = new QPushButton(QStringLiteral("キャンセル"));
+    auto* cancel = new QPushButton(qtText(kCalibrationCancelCaption));
     cancel->setObjectName(QStringLiteral("cmdCancel"));
     cancel->setAutoDefault(false);
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
@@ -145,7 +145,7 @@ QWidget* FormCalibrate::buildRegionRow(int region, RegionRow& row)
         QStringLiteral("color: %1; font-weight: bold;").arg(QColor::fromRgb(regionTextColour(region)).name()));
     row.number = new QLineEdit;
     row.number->setObjectName(indexed("txtNumber", region));
-    row.number->setPlaceholderText(QStringLiteral("- で学習しない"));
+    row.number->setPlaceholderText(qtText(kCalibrationSkipHint));
     row.number->setFixedWidth(120);
     row.number->setValidator(new NumberValidator(row.number));
     connect(row.number, &QLineEdit::textChanged, this,
@@ -161,7 +161,7 @@ QWidget* FormCalibrate::buildRegionRow(int region, RegionRow& row)
         auto* glyph = new GlyphView(GlyphView::Mode::Show);
         glyph->setObjectName(indexed("picGlyph", region * 100 + k));
         glyph->setPixelSize(2);
-        glyph->setToolTip(k == kDelimiterIndex ? QStringLiteral("終わりの記号") : QString::number(k));
+        glyph->setToolTip(k == kDelimiterIndex ? qtText(kEndMarkName) : QString::number(k));
         row.glyphs[static_cast<std::size_t>(k)] = glyph;
         glyphs->addWidget(glyph, 0, Qt::AlignBottom);
     }
@@ -174,7 +174,7 @@ QWidget* FormCalibrate::buildRegionRow(int region, RegionRow& row)
     grid->addWidget(row.number, 0, 1);
     grid->addWidget(row.columns, 0, 2, Qt::AlignLeft | Qt::AlignVCenter);
     grid->addWidget(row.reading, 0, 3);
-    grid->addWidget(new QLabel(QStringLiteral("パターン")), 1, 1, Qt::AlignRight);
+    grid->addWidget(new QLabel(qtText(kCalibrationGlyphsCaption)), 1, 1, Qt::AlignRight);
     grid->addLayout(glyphs, 1, 2);
     grid->addWidget(row.message, 1, 3);
     grid->setColumnStretch(3, 1);

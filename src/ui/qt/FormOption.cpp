@@ -13,7 +13,6 @@
 #include "ports/Waiter.h"
 
 #include <QCheckBox>
-#include <QCloseEvent>
 #include <QComboBox>
 #include <QDir>
 #include <QFileDialog>
@@ -88,10 +87,27 @@ FormOption::FormOption(ConfigFile& configFile, const CaptureBitmap* lastCapture,
       m_editor(configFile.settings(), lastCapture)
 {
     setObjectName(QStringLiteral("FormOption"));
-    setWindowTitle(qtText(kOptionsTitle));
     setModal(false);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    build();
+}
 
-    m_tabs = new QTabWidget(this);
+void FormOption::build()
+{
+    if (m_body) {
+        // Out of the window at once, so that no name finds the old controls; deleted later,
+        // since this may run in a handler of one of them.
+        m_body->hide();
+        m_body->setParent(nullptr);
+        m_body->deleteLater();
+        m_refreshers.clear();
+    }
+    setWindowTitle(qtText(kOptionsTitle));
+    m_body = new QWidget(this);
+    layout()->addWidget(m_body);
+
+    m_tabs = new QTabWidget(m_body);
     m_tabs->setObjectName(QStringLiteral("tabOption"));
     m_tabs->addTab(scrolling(buildRegionsTab()), qtText(optionTabCaption(OptionTab::Regions)));
     m_tabs->addTab(scrolling(buildPatternsTab()), qtText(optionTabCaption(OptionTab::Patterns)));
@@ -99,30 +115,31 @@ FormOption::FormOption(ConfigFile& configFile, const CaptureBitmap* lastCapture,
     m_tabs->addTab(scrolling(buildRowsTab(OptionTab::Files)), qtText(optionTabCaption(OptionTab::Files)));
 
     auto* buttons = new QHBoxLayout;
-    const std::tuple<const char*, QString, int> commands[] = {
-        {"cmdSave", QStringLiteral("保存"), ConfigFile::Save},
-        {"cmdLoad", QStringLiteral("読込み"), ConfigFile::Load},
-        {"cmdInit", QStringLiteral("初期化"), ConfigFile::Defaults},
+    const std::tuple<const char*, ShownText, int> commands[] = {
+        {"cmdSave", kOptionsSaveCaption, ConfigFile::Save},
+        {"cmdLoad", kOptionsLoadCaption, ConfigFile::Load},
+        {"cmdInit", kOptionsInitCaption, ConfigFile::Defaults},
     };
     for (const auto& [name, text, mode] : commands) {
-        auto* button = new QPushButton(text, this);
+        auto* button = new QPushButton(qtText(text), m_body);
         button->setObjectName(QLatin1String(name));
         button->setAutoDefault(false);
         connect(button, &QPushButton::clicked, this, [this, mode = mode] { runConfigFile(mode); });
         buttons->addWidget(button);
     }
     buttons->addStretch(1);
-    auto* close = new QPushButton(QStringLiteral("閉じる"), this);
+    auto* close = new QPushButton(qtText(kOptionsCloseCaption), m_body);
     close->setObjectName(QStringLiteral("cmdClose"));
     close->setAutoDefault(false);
     connect(close, &QPushButton::clicked, this, &QDialog::close);
     buttons->addWidget(close);
 
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(m_tabs, 1);
-    layout->addLayout(buttons);
+    auto* body = new QVBoxLayout(m_body);
+    body->addWidget(m_tabs, 1);
+    body->addLayout(buttons);
     m_buttons = buttons;
     refresh();
+    m_fitted = false;
     fitToScreen();
 }
 
@@ -233,7 +250,7 @@ QComboBox* FormOption::choiceBox(const ChoiceField& field)
 
 QPushButton* FormOption::browseButton(const TextField& field)
 {
-    auto* button = new QPushButton(QStringLiteral("参照…"));
+    auto* button = new QPushButton(qtText(kBrowseCaption));
     button->setObjectName(qtText(field.browseName));
     button->setAutoDefault(false);
     connect(button, &QPushButton::clicked, this, [this, &field] { browse(field); });
@@ -271,26 +288,26 @@ QWidget* FormOption::buildRegionsTab()
         binary->addSpacing(16);
         binary->addWidget(m_lblResult[i]);
         binary->addStretch(1);
-        grid->addWidget(caption("画像"), 2, 0, Qt::AlignRight);
+        grid->addWidget(caption(kPictureCaption), 2, 0, Qt::AlignRight);
         grid->addLayout(picture, 2, 1, 1, 8);
-        grid->addWidget(caption("２値化"), 3, 0, Qt::AlignRight);
+        grid->addWidget(caption(kBinaryCaption), 3, 0, Qt::AlignRight);
         grid->addLayout(binary, 3, 1, 1, 8);
         grid->setColumnStretch(8, 1);
         layout->addWidget(group);
     }
     auto* captureRow = new QHBoxLayout;
-    m_cmdCapture = new QPushButton(QStringLiteral("10秒後にキャプチャ"));
+    m_cmdCapture = new QPushButton(qtText(kPatternCaptureCaption));
     m_cmdCapture->setObjectName(QStringLiteral("cmdCapture"));
     m_cmdCapture->setAutoDefault(false);
     m_cmdCapture->setEnabled(m_captureServices.screen && m_captureServices.waiter && m_captureServices.clock);
-    m_cmdCapture->setToolTip(QStringLiteral("10秒のうちにゲームを前面に出してください。画面を保存し、各領域を表示します。"));
+    m_cmdCapture->setToolTip(qtText(kPatternCaptureTip));
     connect(m_cmdCapture, &QPushButton::clicked, this, &FormOption::cmdCapture_Click);
     m_lblCaptureStatus = new QLabel;
     m_lblCaptureStatus->setObjectName(QStringLiteral("lblCaptureStatus"));
     captureRow->addWidget(m_cmdCapture);
     captureRow->addWidget(m_lblCaptureStatus, 1);
     // Regions dragged on the screen and templates learnt from it, kept only when confirmed.
-    auto* calibrate = new QPushButton(QStringLiteral("画面から学習…"));
+    auto* calibrate = new QPushButton(qtText(kCalibrateCaption));
     calibrate->setObjectName(QStringLiteral("cmdCalibrate"));
     calibrate->setAutoDefault(false);
     connect(calibrate, &QPushButton::clicked, this, [this] {
@@ -313,7 +330,7 @@ QWidget* FormOption::buildPatternsTab()
     auto* layout = new QVBoxLayout(page);
 
     auto* regions = new QHBoxLayout;
-    regions->addWidget(caption("領域："));
+    regions->addWidget(caption(kPatternRegionCaption));
     for (int r = 0; r < kRegionCount; ++r) {
         auto* option = new QRadioButton(qtText(regionCaption(r)));
         option->setObjectName(indexed("optPatternRegion", r));
@@ -327,7 +344,7 @@ QWidget* FormOption::buildPatternsTab()
     regions->addStretch(1);
     layout->addLayout(regions);
 
-    auto* tiles = new QGroupBox(QStringLiteral("パターン（クリックで編集）"));
+    auto* tiles = new QGroupBox(qtText(kPatternTilesCaption));
     auto* tileGrid = new QGridLayout(tiles);
     for (int j = 0; j < kPatternCount; ++j) {
         auto* tile = new GlyphView(GlyphView::Mode::Button);
@@ -351,23 +368,23 @@ QWidget* FormOption::buildPatternsTab()
 
 QWidget* FormOption::patternEditor()
 {
-    auto* editor = new QGroupBox(QStringLiteral("編集"));
+    auto* editor = new QGroupBox(qtText(kPatternEditCaption));
     auto* editorLayout = new QGridLayout(editor);
     m_lblEditor = new QLabel;
     m_picEditor = new GlyphView(GlyphView::Mode::Edit);
     m_picEditor->setObjectName(QStringLiteral("picEditor"));
     m_picEditor->setPixelSize(16);
-    m_picEditor->setToolTip(QStringLiteral("クリックで点を描く・消す。ドラッグで続けて描けます。"));
+    m_picEditor->setToolTip(qtText(kPatternEditTip));
     connect(m_picEditor, &GlyphView::columnsEdited, this,
             [this] { editPattern([this] { m_editor.storePattern(m_picEditor->columns()); }); });
     auto* tools = new QVBoxLayout;
-    const std::pair<const char*, QString> toolButtons[] = {
-        {"cmdAddColumn", QStringLiteral("右に列を追加")},
-        {"cmdRemoveColumn", QStringLiteral("右端の列を削除")},
-        {"cmdClearPattern", QStringLiteral("すべて消す")},
+    const std::pair<const char*, ShownText> toolButtons[] = {
+        {"cmdAddColumn", kAddColumnCaption},
+        {"cmdRemoveColumn", kRemoveColumnCaption},
+        {"cmdClearPattern", kClearPatternCaption},
     };
     for (const auto& [name, text] : toolButtons) {
-        auto* button = new QPushButton(text);
+        auto* button = new QPushButton(qtText(text));
         button->setObjectName(QLatin1String(name));
         button->setAutoDefault(false);
         tools->addWidget(button);
@@ -401,7 +418,7 @@ QWidget* FormOption::patternEditor()
     editorLayout->addWidget(m_picEditor, 1, 0, Qt::AlignLeft | Qt::AlignTop);
     editorLayout->addLayout(tools, 1, 1);
     editorLayout->addWidget(m_lblWidthNote, 2, 0, 1, 2);
-    editorLayout->addWidget(caption("変換文字列（上級者向け）："), 3, 0, 1, 2);
+    editorLayout->addWidget(caption(kPatternTextCaption), 3, 0, 1, 2);
     editorLayout->addWidget(m_txtPattern, 4, 0, 1, 2);
     editorLayout->setColumnStretch(0, 1);
     return editor;
@@ -409,10 +426,9 @@ QWidget* FormOption::patternEditor()
 
 QWidget* FormOption::columnPicker()
 {
-    auto* take = new QGroupBox(QStringLiteral("キャプチャ画像から取り込む"));
+    auto* take = new QGroupBox(qtText(kTakeColumnsGroupCaption));
     auto* takeLayout = new QVBoxLayout(take);
-    QLabel* help = caption("最後のキャプチャをこの領域の境界値で２値化した画像です。数字の左端をクリックすると基準幅の列が"
-                           "選ばれます（ドラッグで範囲を変えられます）。");
+    QLabel* help = caption(kTakeColumnsHelp);
     help->setWordWrap(true);
     takeLayout->addWidget(help);
     m_picColumns = new GlyphView(GlyphView::Mode::Select);
@@ -425,7 +441,7 @@ QWidget* FormOption::columnPicker()
     scroll->setFrameShape(QFrame::NoFrame);
     takeLayout->addWidget(scroll);
     auto* takeRow = new QHBoxLayout;
-    auto* cmdTake = new QPushButton(QStringLiteral("選んだ列をこのパターンにする"));
+    auto* cmdTake = new QPushButton(qtText(kTakeColumnsCaption));
     cmdTake->setObjectName(QStringLiteral("cmdTakeColumns"));
     cmdTake->setAutoDefault(false);
     cmdTake->setEnabled(false);
@@ -555,12 +571,19 @@ void FormOption::runConfigFile(int mode)
         m_config.prompter().message(*message, std::string(kOptionsTitle));
 }
 
-void FormOption::closeEvent(QCloseEvent* event)
+void FormOption::reject()
 {
     if (m_editor.hasUnsavedEdits() &&
-        m_config.prompter().askYesNo(std::string(OptionsEditor::unsavedQuestion()), std::string(kOptionsTitle)))
+        m_config.prompter().askYesNo(OptionsEditor::unsavedQuestion(), std::string(kOptionsTitle)))
         runConfigFile(ConfigFile::Save);
-    QDialog::closeEvent(event);
+    const std::optional<std::string> languageChanged = m_editor.apply();
+    if (languageChanged)
+        m_config.prompter().message(*languageChanged, std::string(kOptionsTitle));
+    QDialog::reject();
+    if (languageChanged) {
+        build(); // shown again later, in the new language
+        changed();
+    }
 }
 
 void FormOption::browse(const TextField& field)
@@ -568,10 +591,10 @@ void FormOption::browse(const TextField& field)
     const QString current = qtText(m_editor.text(field));
     const QString chosen =
         field.browse == TextField::Browse::Folder
-            ? QFileDialog::getExistingDirectory(this, QStringLiteral("時給ファイルの保存場所"), current)
-            : QFileDialog::getOpenFileName(
-                  this, QStringLiteral("自動起動するアプリケーション"), current,
-                  QStringLiteral("すべてのファイル (*);;アプリケーション (*.exe *.bat *.cmd *.lnk)"));
+            ? QFileDialog::getExistingDirectory(this, qtText(kSaveFolderDialogTitle), current)
+            : QFileDialog::getOpenFileName(this, qtText(kStartUpDialogTitle), current,
+                                           qtText(kAllFilesName) + QStringLiteral(" (*);;") + qtText(kApplicationsName) +
+                                               QStringLiteral(" (*.exe *.bat *.cmd *.lnk)"));
     if (chosen.isEmpty())
         return;
     m_editor.setText(field, coreText(QDir::toNativeSeparators(chosen)));

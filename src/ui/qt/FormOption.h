@@ -65,15 +65,20 @@ public:
     // Every control anew from the settings (after a load or reset).
     void refresh();
 
+    // Closing (the close button, the window's close box, Escape): unsaved edits are offered
+    // for saving, then a new language becomes current and the window is built anew in it.
+    void reject() override;
+
 signals:
     // A load, reset or edit changed settings that others show (the target name, the graph).
     void settingsChanged();
 
 protected:
-    void closeEvent(QCloseEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private:
+    // The title, the tabs and the buttons, in the current language.
+    void build();
     void fitToScreen();
     QWidget* buildRegionsTab();
     QWidget* buildPatternsTab();
@@ -101,6 +106,7 @@ private:
     PatternCaptureServices m_captureServices;
     OptionsEditor m_editor;
 
+    QWidget* m_body = nullptr;
     QTabWidget* m_tabs = nullptr;
     QLayout* m_buttons = nullptr;
     bool m_fitted = false;

@@ -38,7 +38,7 @@ void ScreenPicture::paintEvent(QPaintEvent* event)
     painter.fillRect(event->rect(), QColor(60, 60, 60));
     if (m_image.isNull()) {
         painter.setPen(Qt::white);
-        painter.drawText(rect(), Qt::AlignCenter, qtText(tvx::tr("画面を取り込んでください")));
+        painter.drawText(rect(), Qt::AlignCenter, qtText(kNoScreenHint));
         return;
     }
     const int zoom = m_picker.zoom();

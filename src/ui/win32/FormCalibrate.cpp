@@ -163,18 +163,18 @@ private:
     void build()
     {
         setText(m_window, kCalibrationTitle);
-        label(m_window, "ドラッグで決める領域：", 8, 13, 150);
+        label(m_window, kCalibrationRegionCaption, 8, 13, 150);
         for (int r = 0; r < kRegionCount; ++r)
             add(m_window, L"BUTTON", regionCaption(r), BS_AUTORADIOBUTTON | WS_TABSTOP | (r == 0 ? WS_GROUP : 0),
                 optRegion0 + r, 160 + r * 100, 9, 96, 24);
         CheckRadioButton(m_window, optRegion0, optRegion0 + kRegionCount - 1, optRegion0);
-        label(m_window, "拡大：", 466, 13, 48, 18, SS_RIGHT);
+        label(m_window, kCalibrationZoomCaption, 466, 13, 48, 18, SS_RIGHT);
         const HWND zoom = add(m_window, L"COMBOBOX", "", CBS_DROPDOWNLIST | WS_TABSTOP | WS_VSCROLL | WS_GROUP,
                               cboZoom, 516, 8, 80, 200);
         for (int z = 1; z <= RegionPicker::kMaxZoom; z *= 2)
             SendMessageW(zoom, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(wide(RegionPicker::zoomCaption(z)).c_str()));
         SendMessageW(zoom, CB_SETCURSEL, 0, 0);
-        button(m_window, "10秒後に画面を取り込む", cmdCapture, 612, 7, 200, 28);
+        button(m_window, kCalibrationCaptureCaption, cmdCapture, 612, 7, 200, 28);
         EnableWindow(m_controls[cmdCapture], m_context.screen && m_context.waiter);
         m_controls[picScreen] = createScreenPicture(m_window, picScreen, m_calibration.picker(), kMargin, kPictureTop,
                                                     kPanelWidth, 280);
@@ -186,15 +186,15 @@ private:
 
     void buildPanel()
     {
-        add(m_panel, L"BUTTON", "ゲームに表示されている数字を入力して「学習する」を押してください", BS_GROUPBOX, 0, 0, 0,
+        add(m_panel, L"BUTTON", kCalibrationNumbersCaption, BS_GROUPBOX, 0, 0, 0,
             kPanelWidth, 22 + kRegionCount * kRowHeight + 2);
         for (int r = 0; r < kRegionCount; ++r)
             buildRow(r, 22 + r * kRowHeight);
         const int bottom = 30 + kRegionCount * kRowHeight;
-        button(m_panel, "学習する", cmdLearn, 0, bottom, 100, 28);
+        button(m_panel, kCalibrationLearnCaption, cmdLearn, 0, bottom, 100, 28);
         label(m_panel, "", 110, bottom + 6, 620, 18, SS_LEFT, lblStatus);
-        button(m_panel, "反映する", cmdApply, kPanelWidth - 200, bottom, 96, 28);
-        button(m_panel, "キャンセル", cmdCancel, kPanelWidth - 100, bottom, 96, 28);
+        button(m_panel, kCalibrationApplyCaption, cmdApply, kPanelWidth - 200, bottom, 96, 28);
+        button(m_panel, kCalibrationCancelCaption, cmdCancel, kPanelWidth - 100, bottom, 96, 28);
     }
 
     void buildRow(int region, int top)
@@ -203,13 +203,13 @@ private:
         label(m_panel, regionCaption(region), 10, top + 6, 80, 18, SS_LEFT, lblName0 + region);
         const HWND number = add(m_panel, L"EDIT", "", WS_BORDER | WS_TABSTOP | ES_AUTOHSCROLL, txtNumber0 + region, 92,
                                 top + 2, 120, 24);
-        SendMessageW(number, EM_SETCUEBANNER, TRUE, reinterpret_cast<LPARAM>(wide("- で学習しない").c_str()));
+        SendMessageW(number, EM_SETCUEBANNER, TRUE, reinterpret_cast<LPARAM>(wide(kCalibrationSkipHint).c_str()));
         filterCharacters(number, &Calibration::acceptsNumberCharacter);
         // Room below the columns for the scroll bar a wide region brings.
         m_controls[picColumns0 + region] =
             createGlyphControl(m_panel, picColumns0 + region, m_columns[r], 222, top, 330, 56);
         label(m_panel, "", 562, top + 6, 374, 18, SS_LEFT, lblReading0 + region);
-        label(m_panel, "パターン", 92, top + 70, 120, 18, SS_RIGHT);
+        label(m_panel, kCalibrationGlyphsCaption, 92, top + 70, 120, 18, SS_RIGHT);
         for (int k = 0; k < kPatternCount; ++k) {
             const int id = picGlyph0 + region * 100 + k;
             m_controls[id] =

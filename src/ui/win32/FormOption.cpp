@@ -271,10 +271,10 @@ private:
         buildPatternsPage(m_pages[1]);
         buildRowsPage(m_pages[2], OptionTab::Timing);
         buildRowsPage(m_pages[3], OptionTab::Files);
-        button(m_window, "保存", cmdSave, 0, 0, 80, 28);
-        button(m_window, "読込み", cmdLoad, 0, 0, 80, 28);
-        button(m_window, "初期化", cmdInit, 0, 0, 80, 28);
-        button(m_window, "閉じる", cmdClose, 0, 0, 80, 28);
+        button(m_window, kOptionsSaveCaption, cmdSave, 0, 0, 80, 28);
+        button(m_window, kOptionsLoadCaption, cmdLoad, 0, 0, 80, 28);
+        button(m_window, kOptionsInitCaption, cmdInit, 0, 0, 80, 28);
+        button(m_window, kOptionsCloseCaption, cmdClose, 0, 0, 80, 28);
         // Each page scrolls when the window is lower or narrower than its controls need.
         for (std::size_t t = 0; t < m_pages.size(); ++t)
             m_scrollers[t].attach(m_pages[t]);
@@ -300,57 +300,54 @@ private:
                 numberButton(page, *field, x + 108, y);
                 ++order;
             }
-            label(page, "画像", 14, top + 94, 60, 18, SS_RIGHT);
+            label(page, kPictureCaption, 14, top + 94, 60, 18, SS_RIGHT);
             const HWND image = createPixelImage(page, picCapture0 + r, 80, top + 88, 680, 31);
             m_controls[picCapture0 + r] = image;
-            label(page, "２値化", 14, top + 128, 60, 18, SS_RIGHT);
+            label(page, kBinaryCaption, 14, top + 128, 60, 18, SS_RIGHT);
             glyph(page, picBinary0 + r, m_binary[static_cast<std::size_t>(r)], 80, top + 122, 444, 46);
             label(page, "", 534, top + 128, 230, 18, SS_LEFT, lblResult0 + r);
         }
-        const HWND capture = button(page, "10秒後にキャプチャ", cmdCapture, 14, 544, 160, 28);
+        const HWND capture = button(page, kPatternCaptureCaption, cmdCapture, 14, 544, 160, 28);
         EnableWindow(capture, m_context.screen && m_context.waiter && m_context.clock);
         // One line, so the page needs no scrolling; a long saved path is shortened in its middle.
-        label(page, "10秒のうちにゲームを前面に出してください。", 184, 550, 428, 18, SS_LEFT | SS_PATHELLIPSIS,
+        label(page, kPatternCaptureHint, 184, 550, 428, 18, SS_LEFT | SS_PATHELLIPSIS,
               lblCaptureStatus);
         // Regions dragged on the screen and templates learnt from it, kept only when confirmed.
-        button(page, "画面から学習…", cmdCalibrate, 622, 544, 140, 28);
+        button(page, kCalibrateCaption, cmdCalibrate, 622, 544, 140, 28);
     }
 
     void buildPatternsPage(HWND page)
     {
-        label(page, "領域：", 16, 12, 50, 18);
+        label(page, kPatternRegionCaption, 16, 12, 50, 18);
         for (int r = 0; r < kRegionCount; ++r)
             add(page, L"BUTTON", regionCaption(r), BS_AUTORADIOBUTTON | WS_TABSTOP | (r == 0 ? WS_GROUP : 0),
                 optPatternRegion0 + r, 70 + r * 116, 8, 110, 24);
-        add(page, L"BUTTON", "パターン（クリックで編集）", BS_GROUPBOX, 0, 8, 38, 762, 112);
+        add(page, L"BUTTON", kPatternTilesCaption, BS_GROUPBOX, 0, 8, 38, 762, 112);
         for (int j = 0; j < kPatternCount; ++j) {
             glyph(page, picPattern0 + j, m_tiles[static_cast<std::size_t>(j)], 18 + j * 68, 58, 62, 68);
             label(page, patternName(j), 18 + j * 68, 128, 62, 16, SS_CENTER);
         }
-        add(page, L"BUTTON", "編集", BS_GROUPBOX, 0, 8, 154, 762, 232);
+        add(page, L"BUTTON", kPatternEditCaption, BS_GROUPBOX, 0, 8, 154, 762, 232);
         label(page, "", 18, 172, 440, 18, SS_LEFT, lblEditor);
         glyph(page, picEditor, m_editorCanvas, 18, 194, 440, 16 * 11 + 4);
-        const std::pair<const char*, int> tools[] = {
-            {"右に列を追加", cmdAddColumn}, {"右端の列を削除", cmdRemoveColumn}, {"すべて消す", cmdClearPattern}};
+        const std::pair<ShownText, int> tools[] = {
+            {kAddColumnCaption, cmdAddColumn}, {kRemoveColumnCaption, cmdRemoveColumn}, {kClearPatternCaption, cmdClearPattern}};
         int y = 194;
         for (const auto& [text, id] : tools) {
             button(page, text, id, 470, y, 150, 26);
             y += 30;
         }
-        label(page, "変換文字列（上級者向け）：", 470, 288, 290, 18);
+        label(page, kPatternTextCaption, 470, 288, 290, 18);
         const HWND hex = add(page, L"EDIT", "", WS_BORDER | WS_TABSTOP | ES_AUTOHSCROLL | ES_UPPERCASE, txtPattern, 470,
                              308, 292, 24, fixedFont());
         SendMessageW(hex, EM_SETLIMITTEXT, 256, 0);
         label(page, "", 470, 338, 292, 44, SS_LEFT, lblWidthNote);
-        add(page, L"BUTTON", "キャプチャ画像から取り込む", BS_GROUPBOX, 0, 8, 390, 762, 182);
-        label(page,
-              "最後のキャプチャをこの領域の境界値で２値化した画像です。数字の左端をクリックすると基準幅の列が"
-              "選ばれます（ドラッグで範囲を変えられます）。",
-              18, 406, 744, 32);
+        add(page, L"BUTTON", kTakeColumnsGroupCaption, BS_GROUPBOX, 0, 8, 390, 762, 182);
+        label(page, kTakeColumnsHelp, 18, 406, 744, 32);
         const HWND columns = glyph(page, picColumns, m_columnsCanvas, 18, 440, 744, 16 * 5 + 4 + 18);
         SetWindowLongPtrW(columns, GWL_STYLE, GetWindowLongPtrW(columns, GWL_STYLE) | WS_HSCROLL);
         SetWindowPos(columns, nullptr, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_FRAMECHANGED);
-        button(page, "選んだ列をこのパターンにする", cmdTakeColumns, 18, 543, 240, 26);
+        button(page, kTakeColumnsCaption, cmdTakeColumns, 18, 543, 240, 26);
         EnableWindow(m_controls[cmdTakeColumns], FALSE);
         label(page, "", 268, 548, 494, 18, SS_LEFT, lblPatternResult);
         CheckRadioButton(page, optPatternRegion0, optPatternRegion0 + kRegionCount - 1, optPatternRegion0);
@@ -362,9 +359,9 @@ private:
         for (const OptionRow& row : optionRows(tab)) {
             if (!row.heading.empty()) {
                 // A title with an etched rule under it: the rows below belong together.
-                label(page, row.heading, 16, y + 6, 746, 18);
-                add(page, L"STATIC", "", SS_ETCHEDHORZ, 0, 16, y + 26, 746, 2);
-                y += 34;
+                label(page, row.heading, 16, y + 4, 746, 18);
+                add(page, L"STATIC", "", SS_ETCHEDHORZ, 0, 16, y + 23, 746, 2);
+                y += 30;
                 continue;
             }
             if (row.flag)
@@ -385,9 +382,9 @@ private:
                                       browse ? 180 : 246, 24);
                 SetWindowSubclass(edit, &textProc, 1, 0);
                 if (browse)
-                    button(page, "参照…", kBrowseBase + (id - kTextBase), 700, y, 62, 24);
+                    button(page, kBrowseCaption, kBrowseBase + (id - kTextBase), 700, y, 62, 24);
             }
-            // Close enough for the timing page's thirteen rows under five headings to open
+            // Close enough for the timing page's fourteen rows under five headings to open
             // without a scroll bar.
             y += 30;
         }
@@ -627,7 +624,7 @@ private:
         std::string& value = field.value(m_editor.settings());
         wchar_t chosen[MAX_PATH] = {};
         if (field.browse == TextField::Browse::Folder) {
-            const std::wstring title = wide("時給ファイルの保存場所");
+            const std::wstring title = wide(kSaveFolderDialogTitle);
             BROWSEINFOW info{};
             info.hwndOwner = m_window;
             info.pszDisplayName = chosen;
@@ -643,10 +640,10 @@ private:
         } else {
             const std::wstring current = wide(value);
             wcsncpy(chosen, current.c_str(), MAX_PATH - 1);
-            const std::wstring filter = wide("すべてのファイル (*.*)") + L'\0' + L"*.*" + L'\0' +
-                                        wide("アプリケーション") + L" (*.exe;*.bat;*.cmd;*.lnk)" + L'\0' +
+            const std::wstring filter = wide(kAllFilesName) + L" (*.*)" + L'\0' + L"*.*" + L'\0' +
+                                        wide(kApplicationsName) + L" (*.exe;*.bat;*.cmd;*.lnk)" + L'\0' +
                                         L"*.exe;*.bat;*.cmd;*.lnk" + L'\0';
-            const std::wstring title = wide("自動起動するアプリケーション");
+            const std::wstring title = wide(kStartUpDialogTitle);
             OPENFILENAMEW open{};
             open.lStructSize = sizeof open;
             open.hwndOwner = m_window;
@@ -699,8 +696,13 @@ private:
     {
         commitFocusedText();
         if (m_editor.hasUnsavedEdits() &&
-            m_prompter.askYesNo(std::string(OptionsEditor::unsavedQuestion()), std::string(kOptionsTitle)))
+            m_prompter.askYesNo(OptionsEditor::unsavedQuestion(), std::string(kOptionsTitle)))
             runConfigFile(ConfigFile::Save);
+        if (const std::optional<std::string> languageChanged = m_editor.apply()) {
+            m_prompter.message(*languageChanged, std::string(kOptionsTitle));
+            if (m_context.settingsChanged)
+                m_context.settingsChanged();
+        }
         m_done = true;
     }
 

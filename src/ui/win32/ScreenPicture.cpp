@@ -97,7 +97,7 @@ void paint(HWND window, HDC dc, const Picture& picture)
     if (!picture.memory) {
         SetTextColor(dc, RGB(255, 255, 255));
         SelectObject(dc, dialogFont());
-        DrawTextW(dc, wide(tr("画面を取り込んでください")).c_str(), -1, &client, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
+        DrawTextW(dc, wide(kNoScreenHint).c_str(), -1, &client, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
         return;
     }
     const int zoom = picker.zoom();
