@@ -288,7 +288,7 @@ TEST_F(OptionsWindowTest, ALanguageChosenBecomesCurrentOnClosingAndTheWindowSays
           }});
     EXPECT_EQ(listed, "日本語");
     EXPECT_EQ(settings.UiLanguage, "en");
-    EXPECT_NE(file().find("表示するかどうか\r\nen ,"), std::string::npos) << file();
+    EXPECT_NE(file().find("表示するかどうか\r\nen     ,"), std::string::npos) << file();
     EXPECT_EQ(currentLanguage(), Language::English);
     EXPECT_EQ(told, tr("表示の言語を変更しました。開いている画面は次に開いたときから、メイン画面はすぐに切り替わります。"));
     EXPECT_GT(changes, changesBeforeClosing) << "the main window hears of it";

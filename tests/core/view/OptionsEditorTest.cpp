@@ -333,7 +333,7 @@ TEST_F(OptionsEditorTest, AChosenLanguageIsStoredAndBecomesCurrentWhenTheWindowC
     editor.choose(list, 1);
     ASSERT_TRUE(editor.runConfigFile(m_config, ConfigFile::Save));
     const std::string file = m_codec->fromCp932(test::readAll(m_home / "TV2MConfig.ini")).value_or("");
-    EXPECT_NE(file.find("表示するかどうか\r\nen ,"), std::string::npos) << file;
+    EXPECT_NE(file.find("表示するかどうか\r\nen     ,"), std::string::npos) << file;
 }
 
 class StillScreen : public ScreenSource {
