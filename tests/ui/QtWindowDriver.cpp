@@ -81,6 +81,10 @@ std::vector<std::string> clippedTexts(QWidget* window)
     for (QWidget* w : window->findChildren<QWidget*>()) {
         if (!w->isVisibleTo(window) || w->width() <= 0)
             continue;
+        // A control pushed past the window's edge is cut off whatever its own size.
+        const QPoint end = w->mapTo(window, QPoint(w->width(), w->height()));
+        if (qobject_cast<QAbstractButton*>(w) || qobject_cast<QLabel*>(w))
+            check(w->objectName() + QStringLiteral(" reaches past the window"), end.x(), window->width());
         if (auto* label = qobject_cast<QLabel*>(w)) {
             if (label->wordWrap())
                 check(label->text(), label->heightForWidth(label->contentsRect().width()), label->contentsRect().height());

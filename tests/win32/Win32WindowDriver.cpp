@@ -67,6 +67,13 @@ std::vector<std::string> clippedTexts(HWND window)
         GetClientRect(child, &client);
         const std::wstring text = textOf(child);
         const LONG style = GetWindowLongW(child, GWL_STYLE);
+        // A control pushed past its parent's edge is cut off whatever its own size.
+        RECT placed{};
+        GetWindowRect(child, &placed);
+        MapWindowPoints(HWND_DESKTOP, GetParent(child), reinterpret_cast<POINT*>(&placed), 2);
+        RECT room{};
+        GetClientRect(GetParent(child), &room);
+        check(text + L" reaches past the window", placed.right, room.right);
         if (lstrcmpiW(kind, L"Static") == 0 && (style & SS_TYPEMASK) <= SS_RIGHT) {
             const RECT needed = measure(child, text, DT_WORDBREAK | DT_NOPREFIX, RECT{0, 0, client.right, 0});
             check(text, std::max(needed.right - client.right, needed.bottom - client.bottom) + client.right, client.right);
