@@ -23,7 +23,9 @@ export DISPLAY=":$(cat "$work/display")"
 pids+=($!)
 "$build/src/cli/tallivex-cli" config defaults --home "$work/home" --fullscreen >/dev/null 2>&1
 # With the compact window open over the game, as a player keeps it.
-sed -i '/小窓/ s/False ,/True ,/' "$work/home/TV2MConfig.ini"
+# (The file is in Shift-JIS: its line is found by its comment in UTF-8.)
+iconv -f CP932 -t UTF-8 "$work/home/TV2MConfig.ini" | sed '/小窓/ s/False ,/True ,/' |
+  iconv -f UTF-8 -t CP932 >"$work/home/config.tmp" && mv "$work/home/config.tmp" "$work/home/TV2MConfig.ini"
 ticks=$(getconf CLK_TCK)
 
 median() { sort -n | awk '{v[NR]=$1} END {print v[int((NR+1)/2)]}'; }

@@ -37,6 +37,7 @@ inline void writeSessionSettings(const std::filesystem::path& home, const std::f
     s.DoHLCheckExec = true;
     s.DoHLInterval = 300;
     s.SaveFormat = ".png";
+    s.UiLanguage = "ja"; // the log box is read in Japanese, whatever the machine speaks
     std::filesystem::create_directories(save);
     const auto codec = platform::makeTextCodec();
     std::ofstream(home / "TV2MConfig.ini", std::ios::binary) << codec->toCp932(configFileText(s));
