@@ -56,8 +56,9 @@ elseif(TARGET tallivex AND TARGET tallivex-practice)
   # windows need a CJK face, which nothing links.
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_PACKAGE_DEPENDS "fonts-noto-cjk")
-  # The Help menu opens the documents with the desktop's viewer.
-  set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xdg-utils")
+  # The Help menu opens the documents with the desktop's viewer; Qt's own dialogs speak the
+  # meter's language with Qt's translations.
+  set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xdg-utils, qt6-translations-l10n")
   set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
   set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "experience and money meter that reads MapleStory's screen
 Tallivex watches the game's screen while you play (on Linux, the game under

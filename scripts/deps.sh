@@ -3,7 +3,8 @@
 # Usage: scripts/deps.sh run|test
 set -euo pipefail
 
-packages=(cmake ninja-build g++ pkg-config qt6-base-dev libxcb1-dev libxcb-xinput-dev libxcb-shm0-dev libasound2-dev fonts-noto-cjk)
+packages=(cmake ninja-build g++ pkg-config qt6-base-dev libxcb1-dev libxcb-xinput-dev libxcb-shm0-dev libasound2-dev fonts-noto-cjk
+  qt6-translations-l10n)
 if [ "${1:-run}" = test ]; then
   # The last line: making the Debian package (dpkg-shlibdeps) and checking it; the
   # translations checked against the texts of the code (xgettext, msgcmp).

@@ -10,6 +10,7 @@
 #include "Memory.h"
 #include "MouseButtons.h"
 #include "QtPorts.h"
+#include "QtLanguage.h"
 #include "QtPrompter.h"
 #include "QtText.h"
 #include "SoundFactory.h"
@@ -58,6 +59,7 @@ int main(int argc, char** argv)
     tvx::app::startUp(log, tvx::programTitle(settings.SearchWindowName), tvx::platform::programFolder(),
                       {tvx::platform::requiredLibraries(), tvx::platform::canLoadLibrary}, prompter, config,
                       tvx::platform::systemLocale());
+    tvx::ui::followQtLanguage();
 
     tvx::ui::FormMain window(tvx::programTitle(settings.SearchWindowName), log, home);
     tvx::ui::QtWaiter waiter;

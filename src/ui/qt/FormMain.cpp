@@ -9,6 +9,7 @@
 #include "GraphFrame.h"
 
 #include "QtPorts.h"
+#include "QtLanguage.h"
 #include "QtText.h"
 
 #include "graph/GraphLayout.h"
@@ -164,6 +165,7 @@ void FormMain::buildMenus()
 void FormMain::retranslate()
 {
     m_shownLanguage = currentLanguage();
+    followQtLanguage();
     for (const MenuBarEntry& entry : mainMenu()) {
         if (entry.items.empty()) {
             action(entry.command.name.data())->setText(qtText(entry.command.text()));
