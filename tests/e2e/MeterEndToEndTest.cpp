@@ -124,7 +124,7 @@ TEST_F(MeterEndToEndTest, TheMeterReadsThePracticeTargetAndAnswersGestures)
     std::this_thread::sleep_for(500ms);
     x("mousemove --window " + options + " 240 24 click 1");
     std::this_thread::sleep_for(300ms);
-    x("mousemove --window " + options + " 30 505 click 1"); // デバッグモード, the last row
+    x("mousemove --window " + options + " 30 536 click 1"); // デバッグモード, under the language
     ASSERT_TRUE(test::eventually([&] { return debugLog().find("Change DebugMode ･･･ End ") != std::string::npos; }, 5s))
         << debugLog();
     // 閉じる sits in the window's bottom right corner, whatever size the window took.

@@ -46,6 +46,14 @@ public:
     ~Child() { stop(); }
 
     bool started() const { return m_pid > 0; }
+    // Started and not ended yet.
+    bool running()
+    {
+        int status = 0;
+        if (m_pid > 0 && waitpid(m_pid, &status, WNOHANG) == m_pid)
+            m_pid = -1;
+        return m_pid > 0;
+    }
     void stop(int signal = SIGTERM)
     {
         if (m_pid <= 0)
@@ -101,22 +109,29 @@ struct VirtualScreen {
 
 inline VirtualScreen startVirtualScreen(const std::string& size, const std::string& folder)
 {
-    const std::string chosen = folder + "/display";
-    VirtualScreen screen{Child({"Xvfb", "-displayfd", "1", "-screen", "0", size, "-nolisten", "tcp"}, chosen), {}};
-    std::string number;
-    const bool told = screen.server.started() && eventually([&] {
-        number.clear();
-        if (FILE* file = std::fopen(chosen.c_str(), "r")) {
-            char buffer[32] = {};
-            if (std::fgets(buffer, sizeof buffer, file) != nullptr)
-                number = buffer;
-            std::fclose(file);
+    // Two servers starting at once may both pick a number; the one that loses it ends, and
+    // is started again.
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        const std::string chosen = folder + "/display";
+        VirtualScreen screen{Child({"Xvfb", "-displayfd", "1", "-screen", "0", size, "-nolisten", "tcp"}, chosen), {}};
+        std::string number;
+        const bool told = screen.server.started() && eventually([&] {
+            number.clear();
+            if (FILE* file = std::fopen(chosen.c_str(), "r")) {
+                char buffer[32] = {};
+                if (std::fgets(buffer, sizeof buffer, file) != nullptr)
+                    number = buffer;
+                std::fclose(file);
+            }
+            return !number.empty() && number.back() == '\n';
+        }, std::chrono::seconds(10));
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        if (told && screen.server.running()) {
+            screen.display = ":" + number.substr(0, number.size() - 1);
+            return screen;
         }
-        return !number.empty() && number.back() == '\n';
-    }, std::chrono::seconds(10));
-    if (told)
-        screen.display = ":" + number.substr(0, number.size() - 1);
-    return screen;
+    }
+    return {};
 }
 
 } // namespace tvx::test

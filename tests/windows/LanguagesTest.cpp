@@ -1,4 +1,4 @@
-// Every window in English and in Korean, the same in the Qt and the Win32 front end: each
+// Every window in each language, the same in the Qt and the Win32 front end: each
 // text fits the control that shows it at the window's size (the windows were laid out for
 // Japanese). With TALLIVEX_SHOT_DIR set, the pictures for the read-me.
 #include "support/WindowDriver.h"
@@ -94,9 +94,10 @@ TEST_P(LanguagesTest, TheMainWindowAndTheCompactWindowFitWithASessionRunning)
     host->close();
 }
 
-INSTANTIATE_TEST_SUITE_P(Translated, LanguagesTest, testing::Values(Language::English, Language::Korean),
+INSTANTIATE_TEST_SUITE_P(Translated, LanguagesTest, testing::ValuesIn(kLanguages),
                          [](const testing::TestParamInfo<Language>& info) {
-                             return info.param == Language::English ? "English" : "Korean";
+                             return std::string(info.param == Language::Japanese ? "Japanese"
+                                                : info.param == Language::English ? "English" : "Korean");
                          });
 
 } // namespace
