@@ -27,6 +27,8 @@ struct GridLine {
 struct GraphGrid {
     std::array<GridLine, 5> linGraphX;
     std::array<GridLine, 9> linGraphY;
+
+    friend bool operator==(const GraphGrid&, const GraphGrid&) = default;
 };
 
 GraphGrid graphGrid(std::int32_t scaleWidth, std::int32_t scaleHeight);
@@ -52,6 +54,8 @@ struct GraphCurves {
     std::vector<GraphSegment> rateAveE;
     std::vector<GraphSegment> rateM;
     std::vector<GraphSegment> rateAveM;
+
+    friend bool operator==(const GraphCurves&, const GraphCurves&) = default;
 };
 
 struct GraphPlotInput {

@@ -308,23 +308,58 @@ std::size_t bitmapStride24(std::int32_t width)
     return stride24(width);
 }
 
-BitmapWriter::BitmapWriter(std::filesystem::path path) : m_path(std::move(path))
+std::filesystem::path BitmapWriter::sparePath(const std::filesystem::path& path)
+{
+    std::filesystem::path spare = path;
+    spare += ".spare";
+    return spare;
+}
+
+BitmapWriter::BitmapWriter(std::filesystem::path path) : m_path(std::move(path)), m_spare(sparePath(m_path))
 {
     // Not the name a whole-picture write uses: the key route may write the same file while
     // this one is still open, and Windows opens no file twice for writing.
     m_temporary = m_path;
     m_temporary += ".rows.tmp";
-    m_out.open(m_temporary, std::ios::binary | std::ios::trunc);
+    if (!openSpare())
+        m_out.open(m_temporary, std::ios::binary | std::ios::trunc);
+    m_opened = m_out.is_open();
+}
+
+bool BitmapWriter::openSpare()
+{
+    // Another name for the same file (the player's, or the file itself after a failed
+    // replace) would be changed by writing over it: only a plain file of one name is taken.
+    std::error_code ec;
+    const std::filesystem::file_status status = std::filesystem::symlink_status(m_spare, ec);
+    if (!std::filesystem::is_regular_file(status) && !std::filesystem::is_symlink(status))
+        return false;
+    if (!std::filesystem::is_regular_file(status) || std::filesystem::hard_link_count(m_spare, ec) != 1 || ec) {
+        // Only the name goes: the file lives on under its other one, and the commit gives
+        // the name to a spare of its own.
+        std::filesystem::remove(m_spare, ec);
+        return false;
+    }
+    std::filesystem::rename(m_spare, m_temporary, ec);
+    if (ec)
+        return false;
+    m_spareBytes = std::filesystem::file_size(m_temporary, ec);
+    if (ec)
+        return false;
+    // Written over from the start without cutting it short: its pages are reused.
+    m_out.open(m_temporary, std::ios::binary | std::ios::in | std::ios::out);
+    return m_out.is_open();
 }
 
 BitmapWriter::~BitmapWriter()
 {
-    if (m_committed)
+    if (m_committed || !m_opened)
         return;
-    const bool opened = m_out.is_open();
     m_out.close();
+    // Whatever it holds, it is all written over before it is used: it stays as the spare.
     std::error_code ec;
-    if (opened)
+    std::filesystem::rename(m_temporary, m_spare, ec);
+    if (ec)
         std::filesystem::remove(m_temporary, ec);
 }
 
@@ -336,6 +371,7 @@ void BitmapWriter::begin(std::int32_t width, std::int32_t height)
     }
     m_stride = stride24(width);
     m_rowsLeft = height;
+    m_fileBytes = kPlainPixelOffset + m_stride * static_cast<std::size_t>(height);
     const std::vector<std::uint8_t> header = header24(width, height);
     m_out.write(reinterpret_cast<const char*>(header.data()), static_cast<std::streamsize>(header.size()));
 }
@@ -358,9 +394,26 @@ bool BitmapWriter::commit()
     if (m_out.fail())
         return false;
     std::error_code ec;
+    // A spare from a larger screen ends where this picture does.
+    if (m_spareBytes > m_fileBytes) {
+        std::filesystem::resize_file(m_temporary, m_fileBytes, ec);
+        if (ec)
+            return false;
+    }
+    // The picture in place gets a second name before it is replaced, so its file lives on
+    // as the next spare. Without that name (no picture yet, or a file system without
+    // links) the next writer starts a new file.
+    const bool spareKept = std::filesystem::is_regular_file(std::filesystem::symlink_status(m_path, ec)) &&
+                           (std::filesystem::create_hard_link(m_path, m_spare, ec), !ec);
     std::filesystem::rename(m_temporary, m_path, ec);
-    m_committed = !ec;
-    return m_committed;
+    if (ec) {
+        // The spare would be the picture in place: it must not be written over.
+        if (spareKept)
+            std::filesystem::remove(m_spare, ec);
+        return false;
+    }
+    m_committed = true;
+    return true;
 }
 
 CaptureBitmap blankCapture(std::int32_t width, std::int32_t height)

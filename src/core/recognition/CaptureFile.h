@@ -87,10 +87,16 @@ std::size_t bitmapStride24(std::int32_t width);
 
 // A 24-bit bottom-up bitmap file written a band of rows at a time, through a temporary
 // name: commit() puts it in place once every row is there; a writer dropped before that
-// leaves no file behind. For a screen that need not be held whole to be written.
+// leaves the file as it was. For a screen that need not be held whole to be written.
+//
+// The picture a commit replaces stays beside the file as its spare (the name and
+// ".spare"), and the next writer writes over the spare in place: a screen's 6 MB every
+// few seconds then neither takes new pages from the system nor drops the old ones, and
+// the replace does not force the new file to disk. A spare that is linked elsewhere, or
+// that is not a plain file, is never written over.
 class BitmapWriter {
 public:
-    // Opens the temporary file; the size comes with begin().
+    // Opens the temporary file (the spare when there is one); the size comes with begin().
     explicit BitmapWriter(std::filesystem::path path);
     ~BitmapWriter();
     BitmapWriter(const BitmapWriter&) = delete;
@@ -102,15 +108,23 @@ public:
     void begin(std::int32_t width, std::int32_t height);
     // The next `count` rows in file order (the bottom row first), bitmapStride24(width) bytes each.
     void write(const std::uint8_t* rows, std::int32_t count);
-    // False, and no file, unless every row was written and the file is in place.
+    // False, and the file as it was, unless every row was written and the file is in place.
     bool commit();
 
+    static std::filesystem::path sparePath(const std::filesystem::path& path);
+
 private:
+    bool openSpare();
+
     std::filesystem::path m_path;
     std::filesystem::path m_temporary;
+    std::filesystem::path m_spare;
     std::ofstream m_out;
     std::size_t m_stride = 0;
     std::int64_t m_rowsLeft = -1; // before begin()
+    std::uintmax_t m_fileBytes = 0;
+    std::uintmax_t m_spareBytes = 0; // the spare's length when it is written over
+    bool m_opened = false;
     bool m_committed = false;
 };
 

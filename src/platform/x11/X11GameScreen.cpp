@@ -72,8 +72,10 @@ public:
         return complete ? std::optional(std::move(bitmap)) : std::nullopt;
     }
 
-    // The whole screen converted to the file's rows band by band: no more than two bands
-    // are held. Without MIT-SHM the caller grabs the screen whole by a plain request.
+    // The whole screen converted to the file's rows band by band, handed over a few rows
+    // at a time through one small buffer that the screen keeps: nothing of a screen's size
+    // is made and dropped each reading. Without MIT-SHM the caller grabs the screen whole
+    // by a plain request.
     bool grabRows(ScreenRows& sink) override
     {
         const std::int32_t width = m_screen->width_in_pixels;
@@ -81,18 +83,24 @@ public:
         if (width <= 0 || height <= 0)
             return false;
         const std::size_t stride = bitmapStride24(width);
-        std::vector<std::uint8_t> band;
+        const auto chunkRows = static_cast<std::int32_t>(std::clamp<std::size_t>(kPackBytes / stride, 1, static_cast<std::size_t>(height)));
+        // Zeros, the rows' padding among them, which the packing leaves alone.
+        m_packed.assign(stride * static_cast<std::size_t>(chunkRows), 0);
         bool begun = false;
         return walkBands(width, height, [&](std::int32_t top, std::int32_t count, const std::uint8_t* rows) {
             if (!begun) {
-                band.assign(stride * static_cast<std::size_t>(count), 0);
                 sink.begin(width, height);
                 begun = true;
             }
-            for (std::int32_t i = 0; i < count; ++i) // the band's bottom row first
-                packRow(rows + static_cast<std::size_t>(count - 1 - i) * static_cast<std::size_t>(width) * 4,
-                        band.data() + static_cast<std::size_t>(i) * stride, width);
-            sink.rows(top, count, band.data());
+            // The file's order: the bottom rows first.
+            for (std::int32_t end = count; end > 0;) {
+                const std::int32_t n = std::min(chunkRows, end);
+                for (std::int32_t i = 0; i < n; ++i)
+                    packRow(rows + static_cast<std::size_t>(end - 1 - i) * static_cast<std::size_t>(width) * 4,
+                            m_packed.data() + static_cast<std::size_t>(i) * stride, width);
+                end -= n;
+                sink.rows(top + end, n, m_packed.data());
+            }
         });
     }
 
@@ -318,12 +326,15 @@ private:
 
     // A band of 68 rows at 1920 pixels; the segment holds two.
     static constexpr std::size_t kBandBytes = std::size_t{512} << 10;
+    // Packed rows handed on at a time: small enough to stay in the cache and in the heap.
+    static constexpr std::size_t kPackBytes = std::size_t{64} << 10;
 
     xcb_connection_t* m_connection;
     xcb_screen_t* m_screen;
     xcb_atom_t m_netWmName;
     xcb_atom_t m_utf8;
     xcb_atom_t m_activeWindow;
+    std::vector<std::uint8_t> m_packed;
 };
 
 } // namespace

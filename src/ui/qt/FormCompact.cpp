@@ -102,10 +102,14 @@ void FormCompact::setLineCount(std::size_t count)
 void FormCompact::showView(const LiveView& view)
 {
     setLineCount(view.compact.size());
-    m_shpState->setStyleSheet(QStringLiteral("background-color: #%1; border-radius: %2px;")
-                                  .arg(view.stateColour, 6, 16, QLatin1Char('0'))
-                                  .arg(kMarkSide / 2));
-    m_shpState->setProperty("stateColour", view.stateColour);
+    // A style sheet set again is applied again, restyling and repainting the mark: only
+    // a new colour is set.
+    if (m_shpState->property("stateColour") != QVariant(view.stateColour)) {
+        m_shpState->setStyleSheet(QStringLiteral("background-color: #%1; border-radius: %2px;")
+                                      .arg(view.stateColour, 6, 16, QLatin1Char('0'))
+                                      .arg(kMarkSide / 2));
+        m_shpState->setProperty("stateColour", view.stateColour);
+    }
     m_lblState->setText(qtText(view.stateText));
     m_lblLevel->setText(qtText(view.levelText));
     for (std::size_t i = 0; i < view.compact.size(); ++i) {

@@ -369,7 +369,9 @@ void FormMain::controlsChanged()
     action("menuStop")->setEnabled(controls.stopEnabled);
     m_cmdCapture->setEnabled(controls.testButtonsEnabled);
     m_cmdRecognize->setEnabled(controls.testButtonsEnabled);
-    m_cmdTempStop->setStyleSheet(controls.tempStopRed ? QStringLiteral("background-color: rgb(255, 0, 0);") : QString());
+    const QString tempStopStyle = controls.tempStopRed ? QStringLiteral("background-color: rgb(255, 0, 0);") : QString();
+    if (m_cmdTempStop->styleSheet() != tempStopStyle)
+        m_cmdTempStop->setStyleSheet(tempStopStyle);
     auto run = [](QTimer* timer, bool on) {
         if (on && !timer->isActive())
             timer->start();

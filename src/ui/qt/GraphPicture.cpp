@@ -41,6 +41,9 @@ GraphPicture::GraphPicture(QWidget* parent) : QWidget(parent)
 
 void GraphPicture::setDrawing(const GraphGrid& grid, const GraphCurves& curves)
 {
+    // A reading that moves no curve paints nothing.
+    if (grid == m_grid && curves == m_curves)
+        return;
     m_grid = grid;
     m_curves = curves;
     update();

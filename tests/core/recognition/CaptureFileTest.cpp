@@ -213,6 +213,77 @@ TEST(CaptureFile, TheInMemoryCaptureMatchesTheFileReadBack)
     }
 }
 
+TEST(CaptureFile, TheWriterReusesThePictureItReplacesAndNeverDamagesTheOneInPlace)
+{
+    const test::TempFolder temp;
+    const std::filesystem::path file = temp.path() / "Capture.bmp";
+    const std::filesystem::path spare = BitmapWriter::sparePath(file);
+    const std::filesystem::path player = temp.path() / "kept by the player.bmp";
+    enum class Before { Nothing, SpareLinkedElsewhere, SpareIsThePicture };
+    const struct {
+        const char* name;
+        std::int32_t width;
+        std::int32_t height;
+        std::int32_t rowsWritten; // fewer than the height: the writer is dropped
+        Before before;
+    } steps[] = {
+        {"the first picture", 5, 4, 4, Before::Nothing},
+        {"the second: the first becomes the spare", 5, 4, 4, Before::Nothing},
+        {"written over the spare", 5, 4, 4, Before::Nothing},
+        {"a smaller screen over a larger spare", 2, 1, 1, Before::Nothing},
+        {"a larger screen over a smaller spare", 7, 6, 6, Before::Nothing},
+        {"dropped half way", 7, 6, 3, Before::Nothing},
+        {"after a dropped one", 7, 6, 6, Before::Nothing},
+        {"a spare with another name is not written over", 3, 3, 3, Before::SpareLinkedElsewhere},
+        {"and the spares come back", 3, 3, 3, Before::Nothing},
+        {"a spare that is the picture in place, dropped", 4, 2, 1, Before::SpareIsThePicture},
+        {"a spare that is the picture in place", 4, 2, 2, Before::SpareIsThePicture},
+    };
+    std::string inPlace;
+    std::string playerBytes;
+    std::uint8_t ink = 1;
+    for (const auto& step : steps) {
+        SCOPED_TRACE(step.name);
+        std::error_code ec;
+        if (step.before == Before::SpareLinkedElsewhere) {
+            std::filesystem::create_hard_link(spare, player);
+            playerBytes = test::readAll(player);
+        } else if (step.before == Before::SpareIsThePicture) {
+            std::filesystem::remove(spare, ec);
+            std::filesystem::create_hard_link(file, spare);
+        }
+        Frame frame(step.width, step.height);
+        for (std::uint8_t& byte : frame.bytes())
+            byte = ink++;
+        const std::vector<std::uint8_t> bytes = encodeBitmap24(frame);
+        const std::size_t stride = bitmapStride24(step.width);
+        const bool whole = step.rowsWritten == step.height;
+        {
+            BitmapWriter writer(file);
+            ASSERT_TRUE(writer.good());
+            writer.begin(step.width, step.height);
+            for (std::int32_t row = 0; row < step.rowsWritten; row += 2)
+                writer.write(bytes.data() + 54 + static_cast<std::size_t>(row) * stride,
+                             std::min(2, step.rowsWritten - row));
+            EXPECT_EQ(writer.commit(), whole);
+        }
+        const std::string previous = inPlace;
+        if (whole)
+            inPlace.assign(bytes.begin(), bytes.end());
+        EXPECT_EQ(test::readAll(file), inPlace);
+        // The picture replaced, whole, waits to be written over.
+        if (whole && previous.empty()) {
+            EXPECT_FALSE(std::filesystem::exists(spare));
+        } else if (whole) {
+            EXPECT_EQ(test::readAll(spare), previous);
+        }
+        EXPECT_FALSE(std::filesystem::exists(file.string() + ".rows.tmp"));
+        if (!playerBytes.empty()) {
+            EXPECT_EQ(test::readAll(player), playerBytes);
+        }
+    }
+}
+
 TEST(FillPixelLevels, TakesScreenRowsFromTheBottomUpFileAndSumsBlueTwoGreensRed)
 {
     Frame frame(10, 8);
