@@ -308,6 +308,30 @@ std::size_t bitmapStride24(std::int32_t width)
     return stride24(width);
 }
 
+namespace {
+
+// Whether `file` has no other name. A second name is made and counted, so a library that
+// does not count names (Windows) answers false rather than a count of one.
+bool soleName(const std::filesystem::path& file)
+{
+    std::error_code ec;
+    const std::uintmax_t names = std::filesystem::hard_link_count(file, ec);
+    if (ec || names != 1)
+        return false;
+    std::filesystem::path probe = file;
+    probe += ".probe";
+    std::filesystem::remove(probe, ec);
+    std::filesystem::create_hard_link(file, probe, ec);
+    if (ec)
+        return false;
+    const std::uintmax_t withProbe = std::filesystem::hard_link_count(file, ec);
+    const bool counted = !ec && withProbe == 2;
+    std::filesystem::remove(probe, ec);
+    return counted;
+}
+
+} // namespace
+
 std::filesystem::path BitmapWriter::sparePath(const std::filesystem::path& path)
 {
     std::filesystem::path spare = path;
@@ -334,7 +358,7 @@ bool BitmapWriter::openSpare()
     const std::filesystem::file_status status = std::filesystem::symlink_status(m_spare, ec);
     if (!std::filesystem::is_regular_file(status) && !std::filesystem::is_symlink(status))
         return false;
-    if (!std::filesystem::is_regular_file(status) || std::filesystem::hard_link_count(m_spare, ec) != 1 || ec) {
+    if (!std::filesystem::is_regular_file(status) || !soleName(m_spare)) {
         // Only the name goes: the file lives on under its other one, and the commit gives
         // the name to a spare of its own.
         std::filesystem::remove(m_spare, ec);
@@ -403,8 +427,14 @@ bool BitmapWriter::commit()
     // The picture in place gets a second name before it is replaced, so its file lives on
     // as the next spare. Without that name (no picture yet, or a file system without
     // links) the next writer starts a new file.
-    const bool spareKept = std::filesystem::is_regular_file(std::filesystem::symlink_status(m_path, ec)) &&
-                           (std::filesystem::create_hard_link(m_path, m_spare, ec), !ec);
+    bool spareKept = std::filesystem::is_regular_file(std::filesystem::symlink_status(m_path, ec)) &&
+                     (std::filesystem::create_hard_link(m_path, m_spare, ec), !ec);
+    // Where the library cannot count a file's names (Windows), a spare could not be told from
+    // the picture in place later: none is kept.
+    if (spareKept && std::filesystem::hard_link_count(m_path, ec) != 2) {
+        std::filesystem::remove(m_spare, ec);
+        spareKept = false;
+    }
     std::filesystem::rename(m_temporary, m_path, ec);
     if (ec) {
         // The spare would be the picture in place: it must not be written over.

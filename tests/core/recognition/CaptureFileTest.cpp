@@ -220,6 +220,12 @@ TEST(CaptureFile, TheWriterReusesThePictureItReplacesAndNeverDamagesTheOneInPlac
     const std::filesystem::path spare = BitmapWriter::sparePath(file);
     const std::filesystem::path player = temp.path() / "kept by the player.bmp";
     enum class Before { Nothing, SpareLinkedElsewhere, SpareIsThePicture };
+    // Where the library cannot count a file's names (Windows) no spare is kept, and the
+    // picture in place must still never be written over.
+    std::filesystem::path probe = temp.path() / "probe";
+    std::ofstream(probe) << "x";
+    std::filesystem::create_hard_link(probe, temp.path() / "probe2");
+    const bool namesCounted = std::filesystem::hard_link_count(probe) == 2;
     const struct {
         const char* name;
         std::int32_t width;
@@ -246,11 +252,12 @@ TEST(CaptureFile, TheWriterReusesThePictureItReplacesAndNeverDamagesTheOneInPlac
         SCOPED_TRACE(step.name);
         std::error_code ec;
         if (step.before == Before::SpareLinkedElsewhere) {
-            std::filesystem::create_hard_link(spare, player);
-            playerBytes = test::readAll(player);
+            std::filesystem::create_hard_link(spare, player, ec);
+            if (!ec)
+                playerBytes = test::readAll(player);
         } else if (step.before == Before::SpareIsThePicture) {
             std::filesystem::remove(spare, ec);
-            std::filesystem::create_hard_link(file, spare);
+            std::filesystem::create_hard_link(file, spare, ec);
         }
         Frame frame(step.width, step.height);
         for (std::uint8_t& byte : frame.bytes())
@@ -272,7 +279,7 @@ TEST(CaptureFile, TheWriterReusesThePictureItReplacesAndNeverDamagesTheOneInPlac
             inPlace.assign(bytes.begin(), bytes.end());
         EXPECT_EQ(test::readAll(file), inPlace);
         // The picture replaced, whole, waits to be written over.
-        if (whole && previous.empty()) {
+        if (whole && (previous.empty() || !namesCounted)) {
             EXPECT_FALSE(std::filesystem::exists(spare));
         } else if (whole) {
             EXPECT_EQ(test::readAll(spare), previous);
