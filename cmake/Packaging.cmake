@@ -52,10 +52,10 @@ elseif(TARGET tallivex AND TARGET tallivex-practice)
   set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
   set(CPACK_DEBIAN_PACKAGE_SECTION utils)
   set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
-  # Qt, xcb and ALSA come from the programs' own links (dpkg-shlibdeps); the Japanese
-  # windows need a CJK face, which nothing links.
+  # Qt and xcb come from the programs' own links (dpkg-shlibdeps); ALSA is loaded at the
+  # first tone rather than linked, and the windows need a CJK face, which nothing links.
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-  set(CPACK_DEBIAN_PACKAGE_DEPENDS "fonts-noto-cjk")
+  set(CPACK_DEBIAN_PACKAGE_DEPENDS "fonts-noto-cjk, libasound2")
   # The Help menu opens the documents with the desktop's viewer; Qt's own dialogs speak the
   # meter's language with Qt's translations.
   set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xdg-utils, qt6-translations-l10n")
