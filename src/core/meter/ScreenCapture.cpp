@@ -103,19 +103,10 @@ public:
         m_width = width;
         m_height = height;
         m_file.begin(width, height);
-        // As a grab of the regions gives it: black but for them, ending where the furthest does.
-        std::int32_t right = 1;
-        std::int32_t bottom = 1;
-        for (CaptureRegionRect& rect : m_regions) {
-            const std::int32_t x0 = std::clamp(rect.StartX, 0, width);
-            const std::int32_t y0 = std::clamp(rect.StartY, 0, height);
-            const std::int32_t x1 = std::clamp(rect.StartX + rect.SizeX, 0, width);
-            const std::int32_t y1 = std::clamp(rect.StartY + rect.SizeY, 0, height);
-            right = std::max(right, x1);
-            bottom = std::max(bottom, y1);
-            rect = {x0, y0, std::max(0, x1 - x0), std::max(0, y1 - y0)};
-        }
-        m_image = blankCapture(right, bottom);
+        // As a grab of the regions gives it.
+        ClippedRegions clipped = clipToScreen(m_regions, width, height);
+        m_regions = std::move(clipped.rects);
+        m_image = blankCapture(clipped.right, clipped.bottom);
         m_blackRow.assign(3 * static_cast<std::size_t>(std::max(width, 0)), 0);
     }
 

@@ -3,11 +3,36 @@
 #include "config/Settings.h"
 #include "recognition/CaptureFile.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <vector>
 
 namespace tvx {
+
+// Capture regions cut to a screen of this size (a region wholly off it becomes empty, its
+// place in the list kept), and the size of the picture a grab of them gives: black but for
+// them, ending where the furthest does, at least one pixel.
+struct ClippedRegions {
+    std::vector<CaptureRegionRect> rects;
+    std::int32_t right = 1;
+    std::int32_t bottom = 1;
+};
+inline ClippedRegions clipToScreen(std::span<const CaptureRegionRect> regions, std::int32_t width, std::int32_t height)
+{
+    ClippedRegions clipped;
+    for (const CaptureRegionRect& rect : regions) {
+        const std::int32_t x0 = std::clamp(rect.StartX, 0, width);
+        const std::int32_t y0 = std::clamp(rect.StartY, 0, height);
+        const std::int32_t x1 = std::clamp(rect.StartX + rect.SizeX, 0, width);
+        const std::int32_t y1 = std::clamp(rect.StartY + rect.SizeY, 0, height);
+        clipped.right = std::max(clipped.right, x1);
+        clipped.bottom = std::max(clipped.bottom, y1);
+        clipped.rects.push_back({x0, y0, std::max(0, x1 - x0), std::max(0, y1 - y0)});
+    }
+    return clipped;
+}
 
 // Takes a whole screen a band of rows at a time, in the order a bitmap file keeps them.
 class ScreenRows {

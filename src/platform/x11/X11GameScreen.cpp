@@ -45,23 +45,15 @@ public:
         const std::int32_t height = m_screen->height_in_pixels;
         if (wanted.empty())
             return grabWhole(width, height);
+        const ClippedRegions clipped = clipToScreen(wanted, width, height);
         std::vector<CaptureRegionRect> rects;
-        std::int32_t right = 1;
-        std::int32_t bottom = 1;
-        for (const CaptureRegionRect& rect : wanted) {
-            const std::int32_t x0 = std::clamp(rect.StartX, 0, width);
-            const std::int32_t y0 = std::clamp(rect.StartY, 0, height);
-            const std::int32_t x1 = std::clamp(rect.StartX + rect.SizeX, 0, width);
-            const std::int32_t y1 = std::clamp(rect.StartY + rect.SizeY, 0, height);
-            right = std::max(right, x1);
-            bottom = std::max(bottom, y1);
-            if (x1 > x0 && y1 > y0)
-                rects.push_back({x0, y0, x1 - x0, y1 - y0});
-        }
+        for (const CaptureRegionRect& rect : clipped.rects)
+            if (rect.SizeX > 0 && rect.SizeY > 0)
+                rects.push_back(rect);
         std::vector<xcb_get_image_cookie_t> cookies;
         for (const CaptureRegionRect& rect : rects)
             cookies.push_back(requestImage(rect));
-        CaptureBitmap bitmap = blankCapture(right, bottom);
+        CaptureBitmap bitmap = blankCapture(clipped.right, clipped.bottom);
         bool complete = !bitmap.pixels.empty();
         for (std::size_t i = 0; i < rects.size(); ++i) { // every reply is taken, even after a failure
             auto image = reply(xcb_get_image_reply(m_connection, cookies[i], nullptr));
