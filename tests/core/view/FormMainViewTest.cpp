@@ -11,7 +11,6 @@
 #include "view/FormMainCommands.h"
 #include "view/FormMainLayout.h"
 #include "view/GraphFrameView.h"
-#include "view/MainMenu.h"
 #include "support/FakeClock.h"
 #include "support/FakeMachine.h"
 #include "support/ReadFile.h"
@@ -21,31 +20,9 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <set>
 
 namespace tvx {
 namespace {
-
-TEST(MainMenu, ListsEveryCommandOnceUnderItsMenu)
-{
-    std::set<MenuCommand> seen;
-    std::set<std::string_view> names;
-    std::vector<std::string_view> bar;
-    for (const MenuBarEntry& entry : mainMenu()) {
-        bar.push_back(entry.caption);
-        const auto note = [&](const MenuItem& item) {
-            EXPECT_TRUE(seen.insert(item.command).second) << item.name;
-            EXPECT_TRUE(names.insert(item.name).second) << item.name;
-            EXPECT_EQ(&menuItem(item.command), &item) << item.name;
-        };
-        if (entry.items.empty())
-            note(entry.command);
-        for (const MenuItem& item : entry.items)
-            note(item);
-    }
-    EXPECT_EQ(seen.size(), static_cast<std::size_t>(MenuCommand::Version) + 1);
-    EXPECT_EQ(bar, (std::vector<std::string_view>{"ファイル", "設定", "開始", "停止", "ツール", "ヘルプ"}));
-}
 
 TEST(FormMainLayout, LogBoxAndDebugAreaShareTheHeight)
 {
@@ -201,13 +178,6 @@ TEST(FormMainLanguage, HelpDocumentsAndRelabellingFollowTheLanguage)
     settings.UiLanguage = "ja";
     EXPECT_TRUE(followLanguageSetting(settings, Language::English));
     EXPECT_EQ(currentLanguage(), Language::Japanese);
-}
-
-TEST(FormMainVersion, TheHeadingAndTheVersionLineMakeUpTheTitle)
-{
-    const std::string title = programTitle("Game");
-    EXPECT_TRUE(title.starts_with(FormMainCommands::versionHeading("Game"))) << title;
-    EXPECT_TRUE(FormMainCommands::versionLine().ends_with(title.substr(title.rfind(' ') + 1))) << title;
 }
 
 TEST_F(FormMainCommandsTest, ClosingEndsTheLogBoxAndTheTimerFollowsTheInterval)

@@ -2,21 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
 
 namespace tvx {
 namespace {
-
-TEST(JokePopupTest, TheScriptIsLongAndEveryAttemptChangesWhatIsShown)
-{
-    const auto script = JokePopup::script();
-    ASSERT_GE(script.size(), 15u);
-    std::set<std::string_view> messages;
-    for (const JokeLine& line : script) {
-        EXPECT_FALSE(line.caption.empty() || line.message.empty() || line.button.empty()) << line.message;
-        EXPECT_TRUE(messages.insert(line.message).second) << "said twice: " << line.message;
-    }
-}
 
 TEST(JokePopupTest, OnlyAnAttemptOnTheLastLineLetsGoAndReopeningStartsOver)
 {

@@ -53,42 +53,5 @@ TEST(LiveWindowModelTest, TheHistoryWindowLoadsRowsOrNamesTheFileItCannotRead)
     EXPECT_EQ(test::readAll(file), broken);
 }
 
-TEST(LiveWindowModelTest, TheExportWritesTheCsvOrSaysWhyNotAndNeverTouchesTheHistory)
-{
-    test::TempFolder temp;
-    const std::filesystem::path history = historyFilePath(temp.path());
-    const std::vector<HistoryRow> rows{sessionAt(1, 1000), sessionAt(2, 2000)};
-    for (const HistoryRow& row : rows)
-        saveHistoryRow(history, row);
-    const std::string historyBefore = test::readAll(history);
-    const std::filesystem::path existing = temp.path() / utf8Path("書き出し 先.csv");
-    writeFile(existing, "old");
-
-    struct Case {
-        std::filesystem::path target;
-        const char* named; // in the message, or nullptr when the export succeeds
-    };
-    for (const Case& c : {
-             Case{existing, nullptr},
-             Case{temp.path() / "new.csv", nullptr},
-             Case{history, "セッション履歴のファイルそのもの"},
-             Case{history.parent_path() / "." / history.filename(), "セッション履歴のファイルそのもの"},
-             Case{temp.path() / "missing" / "x.csv", "missing"},
-         }) {
-        const std::optional<std::string> message = exportHistory(rows, c.target, history);
-        if (c.named == nullptr) {
-            EXPECT_FALSE(message) << *message;
-            EXPECT_EQ(test::readAll(c.target), historyCsv(rows));
-            std::filesystem::path temporary = c.target;
-            temporary += ".new";
-            EXPECT_FALSE(std::filesystem::exists(temporary));
-        } else {
-            ASSERT_TRUE(message) << c.target;
-            EXPECT_NE(message->find(c.named), std::string::npos) << *message;
-        }
-    }
-    EXPECT_EQ(test::readAll(history), historyBefore);
-}
-
 } // namespace
 } // namespace tvx

@@ -1,5 +1,4 @@
 #include "view/NumberInput.h"
-#include "view/Placement.h"
 
 #include <gtest/gtest.h>
 
@@ -14,39 +13,6 @@ NumberInput opened(const char* a, const char* b, double proposed = 0, const char
     NumberInput input;
     input.open(a, b, proposed, step, "値を入力してください", title);
     return input;
-}
-
-TEST(NumberInputTest, OpensWithOrderedLimitsTheProposedValueAndTheDefaultTitle)
-{
-    const NumberInput input = opened("1200", "5", 100, "-5");
-    EXPECT_EQ(input.lowerText(), "5");
-    EXPECT_EQ(input.upperText(), "1200");
-    EXPECT_EQ(input.step(), 5);
-    EXPECT_EQ(input.text(), "100");
-    EXPECT_EQ(input.prompt(), "値を入力してください");
-    EXPECT_EQ(input.title(), "パラメータ入力");
-    EXPECT_FALSE(input.done());
-    EXPECT_EQ(input.result(), 19999);
-    EXPECT_EQ(opened("5", "1200", 1, "1", "設定値入力").title(), "設定値入力");
-    EXPECT_EQ(opened("0", "1", 0.25).text(), "0.25");
-}
-
-TEST(NumberInputTest, SteppingStaysWithinTheLimitsGivenInEitherOrder)
-{
-    struct Case { const char* a; const char* b; const char* step; const char* text; bool up; const char* expected; };
-    const Case cases[] = {
-        {"5", "1200", "1", "100", true, "101"},   {"1200", "5", "-5", "1198", true, "1200"},
-        {"1200", "5", "1", "1200", true, "1200"}, {"5", "1200", "10", "7", false, "5"},
-        {"-1", "255", "1", "0", false, "-1"},     {"0", "10", "0.5", "1E0", true, "1.5"},
-        {"0", "10", "1", "", true, "1"},          {"0", "10", "1", " 4 ", false, "3"},
-    };
-    for (const Case& c : cases) {
-        NumberInput input = opened(c.a, c.b, 0, c.step);
-        input.setText(c.text);
-        EXPECT_EQ(c.up ? input.increment() : input.decrement(), std::nullopt) << c.text;
-        EXPECT_EQ(input.text(), c.expected) << c.a << " " << c.b << " " << c.text << (c.up ? " up" : " down");
-        EXPECT_FALSE(input.done());
-    }
 }
 
 TEST(NumberInputTest, ConfirmationChecksCharactersThenTheLimits)
@@ -73,21 +39,6 @@ TEST(NumberInputTest, ConfirmationChecksCharactersThenTheLimits)
     EXPECT_EQ(input.increment(), invalid);
     EXPECT_EQ(input.decrement(), invalid);
     EXPECT_EQ(input.text(), "1x");
-}
-
-TEST(NumberInputTest, CancelAnswersTheSentinelEvenAfterARefusedConfirmation)
-{
-    NumberInput input = opened("0", "100", 42);
-    input.setText("101");
-    EXPECT_NE(input.confirm(), std::nullopt);
-    input.cancel();
-    EXPECT_TRUE(input.done());
-    EXPECT_EQ(input.result(), NumberInput::kCancelled);
-    // The sentinel itself reads as a cancel: the caller cannot tell them apart.
-    input = opened("0", "99999", 0);
-    input.setText("19999");
-    EXPECT_EQ(input.confirm(), std::nullopt);
-    EXPECT_EQ(input.result(), NumberInput::kCancelled);
 }
 
 TEST(NumberInputTest, TheKeyFilterAndWhatEnterDoesWhereTheFocusIs)
@@ -131,21 +82,6 @@ TEST(NumberInputTest, NumericValueAndTheTextualCharacterCheck)
     };
     for (const auto& [value, text] : formats)
         EXPECT_EQ(formatInputNumber(value), text) << value;
-}
-
-TEST(PlacementTest, ADialogOpensOverItsOwnerAndInsideTheWorkArea)
-{
-    const ViewRect screen{0, 0, 1366, 728};
-    struct Case { std::optional<ViewRect> owner; int width; int height; ViewRect expected; };
-    const Case cases[] = {
-        {ViewRect{100, 100, 400, 300}, 200, 100, {200, 200, 200, 100}},
-        {std::nullopt, 366, 128, {500, 300, 366, 128}},
-        {ViewRect{1200, 600, 300, 300}, 200, 100, {1166, 628, 200, 100}}, // pushed back inside
-        {ViewRect{-500, -400, 300, 300}, 200, 100, {0, 0, 200, 100}},
-        {ViewRect{0, 0, 800, 600}, 900, 900, {0, 0, 900, 728}},            // cut to the screen
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(placeOver(c.owner, c.width, c.height, screen), c.expected) << c.width << "x" << c.height;
 }
 
 } // namespace

@@ -5,8 +5,6 @@
 #include "base/Utf8Path.h"
 #include "config/ConfigFile.h"
 #include "config/PatternColumns.h"
-#include "ports/ScreenSource.h"
-#include "recognition/GlyphPainter.h"
 #include "support/FakeClock.h"
 #include "support/GameScreen.h"
 #include "support/ReadFile.h"
@@ -275,90 +273,6 @@ TEST_F(OptionsEditorTest, UnsavedEditsAreKnownUntilSavedAndSavingSaysSo)
     EXPECT_EQ(editor.runConfigFile(m_config, ConfigFile::Save), std::nullopt);
     EXPECT_EQ(m_prompter.shown.back().text, "設定をファイルに保存できませんでした。");
     EXPECT_TRUE(editor.hasUnsavedEdits());
-}
-
-TEST_F(OptionsEditorTest, AChosenLanguageIsStoredAndBecomesCurrentWhenTheWindowCloses)
-{
-    struct BackToJapanese {
-        ~BackToJapanese() { setLanguage(Language::Japanese); }
-    } restore;
-    const ChoiceField& list = *std::find_if(choiceFields().begin(), choiceFields().end(),
-                                            [](const ChoiceField& f) { return f.name == "cboLanguage"; });
-    const std::string changed = "表示の言語を変更しました。開いている画面は次に開いたときから、メイン画面はすぐに切り替わります。";
-    ASSERT_TRUE(m_config.run(ConfigFile::Save)); // what a load goes back to: no language named
-    struct Case {
-        const char* what;
-        std::vector<int> chosen; // -1: the file loaded again
-        std::string stored;
-        Language current;
-    };
-    const Case cases[] = {
-        {"English", {1}, "en", Language::English},
-        {"Korean", {2}, "ko", Language::Korean},
-        {"the language already shown", {0}, "ja", Language::Japanese},
-        {"English, then Japanese again", {1, 0}, "ja", Language::Japanese},
-        {"English, then the file loaded", {1, -1}, "", Language::Japanese},
-    };
-    for (const Case& c : cases) {
-        setLanguage(Language::Japanese);
-        m_settings.UiLanguage.clear();
-        OptionsEditor editor(m_settings);
-        // Until one is chosen, the list shows the language the windows are in.
-        EXPECT_EQ(chosenIndex(list, m_settings), 0u) << c.what;
-        for (const int index : c.chosen) {
-            if (index < 0)
-                editor.runConfigFile(m_config, ConfigFile::Load);
-            else
-                editor.choose(list, static_cast<std::size_t>(index));
-        }
-        EXPECT_EQ(m_settings.UiLanguage, c.stored) << c.what;
-        EXPECT_EQ(currentLanguage(), Language::Japanese) << c.what << ": not before the window closes";
-        const std::optional<std::string> told = editor.apply();
-        EXPECT_EQ(currentLanguage(), c.current) << c.what;
-        // Told in the new language, and only of a change.
-        EXPECT_EQ(told, c.current == Language::Japanese ? std::nullopt : std::optional<std::string>(tr(changed.c_str())))
-            << c.what;
-        EXPECT_EQ(editor.apply(), std::nullopt) << c.what << ": once";
-    }
-
-    // Each language by its own name, whatever the windows speak; saved after the compact window.
-    std::vector<std::string> names;
-    for (const ChoiceField::Choice& choice : choicesFor(list, m_settings))
-        names.push_back(choice.caption);
-    EXPECT_EQ(names, (std::vector<std::string>{"日本語", "English", "한국어"}));
-    EXPECT_EQ(chosenIndex(list, m_settings), 0u) << "the language the windows are in";
-    setLanguage(Language::Korean);
-    EXPECT_EQ(chosenIndex(list, m_settings), 2u) << "the language the windows are in";
-    OptionsEditor editor(m_settings);
-    editor.choose(list, 1);
-    ASSERT_TRUE(editor.runConfigFile(m_config, ConfigFile::Save));
-    const std::string file = m_codec->fromCp932(test::readAll(m_home / "TV2MConfig.ini")).value_or("");
-    EXPECT_NE(file.find("表示するかどうか\r\nen     ,"), std::string::npos) << file;
-}
-
-class StillScreen : public ScreenSource {
-public:
-    std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect>) override { return image; }
-    std::optional<CaptureBitmap> image;
-};
-
-TEST_F(OptionsEditorTest, APatternCaptureIsSavedBesideTheProgramAndShownInThePreviews)
-{
-    OptionsEditor editor(m_settings);
-    StillScreen screen;
-    screen.image = test::gameCapture({"42", "", ""});
-    EXPECT_EQ(OptionsEditor::beginCapture(m_config), "10秒後にキャプチャします。ゲームを前面に出してください…");
-    const std::string file = pathUtf8(m_home / "Capture_0309070502.bmp");
-    EXPECT_EQ(editor.capturePattern(screen, m_clock, m_config), "保存しました： " + file);
-    EXPECT_TRUE(std::filesystem::exists(m_home / "Capture_0309070502.bmp"));
-    EXPECT_EQ(editor.previewResult(RegionLevel), "認識結果： 42　［完全一致］");
-    screen.image.reset();
-    EXPECT_EQ(editor.capturePattern(screen, m_clock, m_config), "キャプチャできませんでした。");
-    EXPECT_EQ(editor.previewResult(RegionLevel), "認識結果： 42　［完全一致］") << "the last capture stays";
-    const std::string log = test::readAll(m_home / "debug.txt");
-    EXPECT_HOLDS(log, "Click : Pattern Capture \r\n");
-    EXPECT_HOLDS(log, "Pattern Capture and Save ･･･ End \r\n");
-    EXPECT_HOLDS(log, "Error Trap : cmdCapture_Click : CODE5  ");
 }
 
 TEST(GlyphCanvasTest, EditTogglesThenDragsTheSameInkAndSelectTakesAGlyphWidth)
