@@ -94,6 +94,14 @@ std::string settingsJson(const Settings& s)
           }));
     field("ScreenCapture", number(static_cast<std::int32_t>(s.ScreenCapture)));
     field("SearchWindowName", jsonString(s.SearchWindowName));
+    field("StallAlarm", flag(s.StallAlarm));
+    field("StallMinutes", number(s.StallMinutes));
+    field("NextLevelWindow", number(s.NextLevelWindow));
+    field("CompactX", number(s.CompactX));
+    field("CompactY", number(s.CompactY));
+    field("CompactOpacity", number(s.CompactOpacity));
+    field("CompactShown", flag(s.CompactShown));
+    field("UiLanguage", jsonString(s.UiLanguage));
     return out + "}";
 }
 

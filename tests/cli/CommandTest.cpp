@@ -91,7 +91,11 @@ TEST_F(CommandTest, ShowCreatesAMissingFileWithTheAnsweredScreenMode)
     EXPECT_TRUE(json.starts_with("{\"CaptureRegion\":[{\"StartX\":38,\"StartY\":600,\"SizeX\":50,\"SizeY\":9},"))
         << json;
     EXPECT_TRUE(has(json, ",\"SaveFolder\":\"" + test::jsonPath(home) + "\",\"SaveFile\":\"給与明細\","));
-    EXPECT_TRUE(json.ends_with(",\"SearchWindowName\":\"MapleStory\"}\n")) << json;
+    EXPECT_TRUE(has(json, ",\"SearchWindowName\":\"MapleStory\",")) << json;
+    // Our settings after the sixty lines are shown too.
+    EXPECT_TRUE(json.ends_with(",\"StallAlarm\":false,\"StallMinutes\":15,\"NextLevelWindow\":30,\"CompactX\":-32768,"
+                               "\"CompactY\":-32768,\"CompactOpacity\":90,\"CompactShown\":false,\"UiLanguage\":\"\"}\n"))
+        << json;
     EXPECT_TRUE(has(err.str(), "を選択してください。 -> いいえ\n")) << err.str();
     EXPECT_TRUE(has(configFile(), "     38 ,    600 ,     50 ,      9 , "));
 }
