@@ -224,24 +224,6 @@ TEST_F(MeterTest, TheStallAlarmSoundsOncePerStallAndAgainAfterAGain)
     }
 }
 
-TEST_F(MeterTest, TimerRunsACycleOnlyWhenItIsTime)
-{
-    show("5", "6", "7");
-    meter().menuRun_Click();
-    meter().cycle().timCaptureInterval_Timer();
-    EXPECT_EQ(machine.grabs, 0);
-    machine.clock.advanceMs(15000);
-    meter().cycle().timCaptureInterval_Timer();
-    EXPECT_EQ(machine.grabs, 1);
-    EXPECT_EQ(meter().session().NextCaptureTime, addSeconds(machine.clock.now(), 6 * 60));
-    meter().menuStop_Click();
-    meter().state().controls.captureTimerEnabled = true;
-    machine.clock.advanceMs(6 * 60 * 1000);
-    meter().cycle().timCaptureInterval_Timer(); // no session: the timer switches itself off
-    EXPECT_FALSE(meter().state().controls.captureTimerEnabled);
-    EXPECT_EQ(machine.grabs, 1);
-}
-
 TEST_F(MeterTest, LevelWatchCapturesRisesOnceArmed)
 {
     struct Case { std::vector<int> readings; std::size_t bursts; };
@@ -746,10 +728,12 @@ TEST_F(MeterTest, LevelWatchFollowsItsSettingsAndStartsAfreshWhenSwitchedOn)
     EXPECT_FALSE(meter().state().controls.doHLTimerEnabled);
 }
 
-TEST_F(MeterTest, CycleSkipHoldsTheCycleAndTheWatch)
+TEST_F(MeterTest, TheTimerRunsACycleOnlyWhenItIsTimeAndCycleSkipHoldsTheCycleAndTheWatch)
 {
     show("50", "1", "1");
     meter().menuRun_Click();
+    meter().cycle().timCaptureInterval_Timer();
+    EXPECT_EQ(machine.grabs, 0) << "not yet time";
     machine.clock.advanceMs(20000);
     meter().state().cycleSkip = true;
     meter().cycle().timCaptureInterval_Timer();
@@ -758,6 +742,14 @@ TEST_F(MeterTest, CycleSkipHoldsTheCycleAndTheWatch)
     meter().state().cycleSkip = false;
     meter().cycle().timCaptureInterval_Timer();
     EXPECT_EQ(machine.grabs, 1) << "the held cycle runs at the next tick";
+    EXPECT_EQ(meter().session().NextCaptureTime, addSeconds(machine.clock.now(), 6 * 60));
+
+    meter().menuStop_Click();
+    meter().state().controls.captureTimerEnabled = true;
+    machine.clock.advanceMs(6 * 60 * 1000);
+    meter().cycle().timCaptureInterval_Timer(); // no session: the timer switches itself off
+    EXPECT_FALSE(meter().state().controls.captureTimerEnabled);
+    EXPECT_EQ(machine.grabs, 1);
 }
 
 TEST_F(MeterTest, TimeLeftAsksFromTheLatestReadingOfTheSession)

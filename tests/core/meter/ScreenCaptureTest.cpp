@@ -33,7 +33,6 @@ protected:
     Settings settings = defaultSettings("");
     test::FakeMachine machine;
     DebugLog log{home.path(), machine.clock};
-    ScreenCapture capture{settings, machine, machine, log};
     const CaptureBitmap game = test::gameCapture({"137", "4,567,890", "123,456"});
 };
 
@@ -87,19 +86,6 @@ TEST_F(ScreenCaptureTest, TheRoutesTakeWhatTheSettingAndThePlatformAllow)
             EXPECT_EQ(logged(c.logLine), 1u) << "said once";
         }
     }
-}
-
-TEST_F(ScreenCaptureTest, TheKeyRouteGoesThroughTheCaptureFile)
-{
-    settings.ScreenCapture = CaptureMethod::PrintScreen;
-    machine.printScreenKey = true;
-    machine.clipboard = {game};
-    capture.setCaptureFile(home.path() / "Capture.bmp");
-    std::optional<CaptureBitmap> image;
-    ASSERT_EQ(capture.take(settings.CaptureRegion, image), ScreenCapture::Result::Taken);
-    EXPECT_EQ(image->pixels, game.pixels);
-    const std::vector<std::uint8_t> file = encodeBitmap24(toFrame(game));
-    EXPECT_EQ(test::readAll(home.path() / "Capture.bmp"), std::string(file.begin(), file.end()));
 }
 
 TEST_F(ScreenCaptureTest, AReadingWritesTheWholeScreenToTheFileAndReadsTheRegionsOfTheSameMoment)

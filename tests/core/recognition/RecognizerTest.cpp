@@ -8,10 +8,12 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdio>
 #include <limits>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tvx {
@@ -95,28 +97,27 @@ std::string blank(int columns)
     return std::string(4 * static_cast<std::size_t>(columns), '0');
 }
 
-// Runs the experience recogniser (glyph width 5) on a column string; the region is as
-// wide as the string unless told otherwise.
-RecognitionResult recognizeExp(const std::string& columns, std::int32_t regionWidth = -1, bool trace = false)
-{
-    const auto width = regionWidth >= 0 ? regionWidth : static_cast<std::int32_t>(columns.size() / 4);
-    return RecognizeNumber(RegionExp, RecognizerInput{columns, &expGlyphs(), 5, width, {}}, trace);
-}
-
-struct Case {
-    const char* name;
-    std::string columns;
-    std::int32_t regionWidth;
-    std::string digits;
-    std::string caption;
-};
-
+// A set with a template missing, cut or mistyped cannot tell a digit it lacks from a gap:
+// the reading fails and says which templates are not whole, where the walk would drop the digit.
 TEST(RecognizeNumber, OutcomesFollowTheWalkRules)
 {
+    struct Case {
+        const char* name;
+        std::string columns;
+        std::int32_t regionWidth; // -1: as wide as the columns
+        std::string digits;
+        std::string caption;
+        std::string untaught = "";
+        int changed = -1; // the template replaced by `to`
+        std::string to = "";
+        std::string separator = "";
+    };
     const std::string delimiter = glyph(10);
+    const std::string comma = "01800000";
+    const std::string ng = "認識NG";
     const std::vector<Case> cases = {
         {"adjacent digits then delimiter", glyph(1) + glyph(2) + delimiter + blank(5), -1, "12", "12"},
-        {"no delimiter up to the edge", glyph(1) + glyph(2) + blank(20), -1, "", "認識NG"},
+        {"no delimiter up to the edge", glyph(1) + glyph(2) + blank(20), -1, "", ng},
         {"no digit anywhere", delimiter + blank(12), -1, "", "NotFind"},
         {"empty column string", "", 0, "", "NotFind"},
         {"gap between groups is skipped", glyph(1) + blank(3) + glyph(2) + glyph(3) + glyph(4) + delimiter + blank(1),
@@ -127,111 +128,48 @@ TEST(RecognizeNumber, OutcomesFollowTheWalkRules)
         {"noise digit left of the number is kept", glyph(7) + blank(4) + glyph(5) + delimiter + blank(1), -1, "75",
          "75"},
         // The walk never tries a glyph whose left column is SizeX - W.
-        {"delimiter touching the right edge", glyph(1) + glyph(2) + delimiter, -1, "", "認識NG"},
+        {"delimiter touching the right edge", glyph(1) + glyph(2) + delimiter, -1, "", ng},
         {"delimiter one column before the edge", glyph(1) + glyph(2) + delimiter + blank(1), -1, "12", "12"},
-        {"region narrower than a glyph", glyph(3) + delimiter, 4, "", "認識NG"},
-        {"region narrower than the string", glyph(1) + glyph(2) + delimiter + blank(5), 14, "", "認識NG"},
+        {"region narrower than a glyph", glyph(3) + delimiter, 4, "", ng},
+        {"region narrower than the string", glyph(1) + glyph(2) + delimiter + blank(5), 14, "", ng},
+        // Junk shifts every glyph by half a column group: the first search still finds the
+        // digit and the walk runs on that grid; shifted by one character, the delimiter
+        // starts past the end bound.
+        {"misaligned by half a group", "00" + glyph(5) + glyph(8) + delimiter + blank(2), -1, "58", "58"},
+        {"misaligned by one character", "0" + glyph(5) + delimiter, -1, "", ng},
+        // Equal templates: the lower digit wins, and the first position starts its candidates
+        // at the digit found, so a lower one fitting there too is not taken.
+        {"4 and 6 alike", glyph(4) + delimiter + blank(1), -1, "4", "4", "", 6, glyph(4)},
+        {"2 and 8 alike", glyph(8) + glyph(8) + delimiter + blank(1), -1, "22", "22", "", 2, glyph(8)},
+        {"a cut template before the number", glyph(3) + blank(3) + glyph(1) + delimiter + blank(1), -1, "", ng, "3", 3,
+         "00440082"},
+        {"level 50 without its 0", glyph(5) + glyph(0) + delimiter + blank(1), -1, "", ng, "0", 0},
+        {"its first digit not taught", glyph(5) + glyph(0) + delimiter + blank(1), -1, "", ng, "5", 5},
+        {"a mistyped template", glyph(1) + glyph(8) + delimiter + blank(1), -1, "", ng, "8", 8, "006C0092009200G2006C"},
+        {"not whole: the digits it has, with a gap", glyph(1) + blank(2) + glyph(2) + delimiter + blank(1), -1, "12",
+         "12", "", 6},
+        {"not whole: a label before the number", "01FF" + blank(5) + glyph(4) + delimiter + blank(1), -1, "4", "4", "", 6},
+        {"not whole: the separator it learnt is stepped over",
+         glyph(1) + comma + glyph(2) + glyph(3) + glyph(4) + delimiter + blank(1), -1, "1234", "1234", "", 9, "", comma},
+        {"not whole: a separator not learnt", glyph(1) + comma + glyph(2) + glyph(3) + glyph(4) + delimiter + blank(1), -1,
+         "", ng, "9", 9},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        const RecognitionResult result = recognizeExp(c.columns, c.regionWidth);
+        PatternSet patterns = expGlyphs();
+        if (c.changed >= 0)
+            patterns[static_cast<std::size_t>(c.changed)] = c.to;
+        const auto width = c.regionWidth >= 0 ? c.regionWidth : static_cast<std::int32_t>(c.columns.size() / 4);
+        const RecognitionResult result =
+            RecognizeNumber(RegionExp, RecognizerInput{c.columns, &patterns, 5, width, c.separator});
         EXPECT_EQ(result.digits, c.digits);
         EXPECT_EQ(result.caption, c.caption);
+        EXPECT_EQ(result.untaught, c.untaught);
         EXPECT_TRUE(result.trace.empty());
     }
 }
 
-TEST(RecognizeNumber, FirstSearchPrefersTheLeftmostThenTheLowerDigit)
-{
-    PatternSet patterns = expGlyphs();
-    // Digits 4 and 6 share a template: at equal positions 4 must win, and the walk must start
-    // its first comparison at that digit.
-    patterns[6] = patterns[4];
-    const std::string columns = patterns[4] + patterns[10] + blank(1);
-    const RecognitionResult shared = RecognizeNumber(RegionExp, RecognizerInput{columns, &patterns, 5, 11, {}});
-    EXPECT_EQ(shared.digits, "4");
-
-    // The first position starts its candidates at the found digit, so a lower digit whose
-    // template also fits there is not taken; at later positions every digit is tried.
-    patterns = expGlyphs();
-    patterns[2] = patterns[8];
-    const std::string twice = patterns[8] + patterns[8] + patterns[10] + blank(1);
-    EXPECT_EQ(RecognizeNumber(RegionExp, RecognizerInput{twice, &patterns, 5, 16, {}}).digits, "22");
-}
-
-TEST(RecognizeNumber, MisalignedFirstMatchSetsTheGridOfTheWalk)
-{
-    // Two characters of junk shift every glyph by half a column group: the first search still
-    // finds the digit inside the groups and the walk runs on that shifted grid.
-    const std::string columns = "00" + glyph(5) + glyph(8) + glyph(10) + blank(2);
-    const auto width = static_cast<std::int32_t>(columns.size() / 4);
-    const RecognitionResult result = recognizeExp(columns, width);
-    EXPECT_EQ(result.digits, "58");
-
-    // On a grid shifted by one character the delimiter starts past the end bound.
-    const std::string shifted = "0" + glyph(5) + glyph(10);
-    EXPECT_EQ(recognizeExp(shifted, static_cast<std::int32_t>(shifted.size() / 4)).caption, "認識NG");
-}
-
-// A set with a template missing, cut or mistyped cannot tell a digit it lacks from a gap:
-// the reading fails and says which templates are not whole, where the walk would drop
-// the digit. Whole sets walk as they always did.
-TEST(RecognizeNumber, ASetNotWholeFailsWhereItWouldDropADigit)
-{
-    struct Case {
-        const char* name;
-        int broken;         // the template changed
-        std::string to;
-        std::string columns;
-        std::string digits; // read
-        std::string untaught;
-    };
-    PatternSet whole = expGlyphs();
-    const Case cases[] = {
-        {"a cut template before the number", 3, "00440082", glyph(3) + blank(3) + glyph(1) + glyph(10) + blank(1), "", "3"},
-        {"level 50 without its 0", 0, "", glyph(5) + glyph(0) + glyph(10) + blank(1), "", "0"},
-        {"its first digit not taught", 5, "", glyph(5) + glyph(0) + glyph(10) + blank(1), "", "5"},
-        {"a mistyped template", 8, "006C0092009200G2006C", glyph(1) + glyph(8) + glyph(10) + blank(1), "", "8"},
-        {"the digits it has, with a gap", 6, "", glyph(1) + blank(2) + glyph(2) + glyph(10) + blank(1), "12", ""},
-        {"a label before the number", 6, "", "01FF" + blank(5) + glyph(4) + glyph(10) + blank(1), "4", ""},
-        {"whole: the gap is stepped over", -1, "", glyph(5) + blank(1) + glyph(3) + glyph(10) + blank(1), "53", ""},
-    };
-    for (const Case& c : cases) {
-        PatternSet patterns = whole;
-        if (c.broken >= 0)
-            patterns[static_cast<std::size_t>(c.broken)] = c.to;
-        const RecognitionResult result = RecognizeNumber(
-            RegionExp, RecognizerInput{c.columns, &patterns, 5, static_cast<std::int32_t>(c.columns.size() / 4), {}});
-        EXPECT_EQ(result.digits, c.digits) << c.name;
-        EXPECT_EQ(result.untaught, c.untaught) << c.name;
-    }
-}
-
-TEST(RecognizeNumber, ASetNotWholeStepsOverTheSeparatorItLearnt)
-{
-    PatternSet patterns = expGlyphs();
-    patterns[9] = "";
-    const std::string comma = "01800000";
-    const std::string columns = glyph(1) + comma + glyph(2) + glyph(3) + glyph(4) + glyph(10) + blank(1);
-    const auto width = static_cast<std::int32_t>(columns.size() / 4);
-    EXPECT_EQ(RecognizeNumber(RegionExp, RecognizerInput{columns, &patterns, 5, width, comma}).digits, "1234");
-    EXPECT_EQ(RecognizeNumber(RegionExp, RecognizerInput{columns, &patterns, 5, width, {}}).untaught, "9");
-}
-
-TEST(RecognizeNumber, TraceRecordsEveryStep)
-{
-    const std::string columns = glyph(4) + blank(2) + glyph(2) + glyph(10) + blank(1);
-    const RecognitionResult result = recognizeExp(columns, -1, true);
-    const std::vector<std::string> expected = {
-        "category1 変換データ : " + columns, "4 認識:", "2 認識:", " 認識:デリミタ"};
-    EXPECT_EQ(result.trace, expected);
-
-    EXPECT_EQ(recognizeExp(blank(10), -1, true).trace.back(), "category1 数値が見つかりませんでした");
-    EXPECT_EQ(recognizeExp(glyph(4) + blank(6), -1, true).trace.back(), " デリミタ未検出 ");
-    EXPECT_EQ(joinTrace({"a", "b", "c"}), "a\r\nb\r\nc");
-}
-
-TEST(RecognizeNumber, ProgressCaptionsShowTheDigitsSoFar)
+TEST(RecognizeNumber, TraceAndProgressCaptionsFollowEveryStep)
 {
     struct Recorder : CaptionSink {
         std::vector<std::string> captions;
@@ -241,11 +179,22 @@ TEST(RecognizeNumber, ProgressCaptionsShowTheDigitsSoFar)
             captions.emplace_back(caption);
         }
     } recorder;
-    const std::string columns = glyph(3) + blank(1) + glyph(1) + glyph(10) + blank(1);
+    const std::string columns = glyph(4) + blank(2) + glyph(2) + glyph(10) + blank(1);
     const auto width = static_cast<std::int32_t>(columns.size() / 4);
-    RecognizeNumber(RegionExp, RecognizerInput{columns, &expGlyphs(), 5, width, {}}, true, &recorder);
-    const std::vector<std::string> expected = {"認識中…", "3認識中…", "3認識中…", "31認識中…"};
-    EXPECT_EQ(recorder.captions, expected);
+    const RecognitionResult result =
+        RecognizeNumber(RegionExp, RecognizerInput{columns, &expGlyphs(), 5, width, {}}, true, &recorder);
+    const std::vector<std::string> trace = {
+        "category1 変換データ : " + columns, "4 認識:", "2 認識:", " 認識:デリミタ"};
+    EXPECT_EQ(result.trace, trace);
+    const std::vector<std::string> captions = {"認識中…", "4認識中…", "4認識中…", "4認識中…", "42認識中…"};
+    EXPECT_EQ(recorder.captions, captions);
+
+    for (const auto& [ending, last] : {std::pair{blank(10), "category1 数値が見つかりませんでした"},
+                                       std::pair{glyph(4) + blank(6), " デリミタ未検出 "}}) {
+        const RecognizerInput input{ending, &expGlyphs(), 5, static_cast<std::int32_t>(ending.size() / 4), {}};
+        EXPECT_EQ(RecognizeNumber(RegionExp, input, true).trace.back(), last);
+    }
+    EXPECT_EQ(joinTrace({"a", "b", "c"}), "a\r\nb\r\nc");
 }
 
 TEST(RecognizeNumber, RejectsImpossibleArguments)
@@ -284,17 +233,6 @@ TEST(RecognizeNumber, TheWalkEndsWithTheColumnDataHoweverWideTheRegionClaimsToBe
             EXPECT_EQ(result.digits, c.digits) << width;
             EXPECT_LE(counter.calls, 10) << width;
         }
-    }
-}
-
-TEST(RecognizeNumber, DefaultSetsReadEveryDigitInEveryRegion)
-{
-    for (int region = 0; region < kRegionCount; ++region) {
-        const PatternSet& patterns = defaultPatternStrings()[static_cast<std::size_t>(region)];
-        const std::int32_t width = defaultSettings("").ReferenceSize[static_cast<std::size_t>(region)].Width;
-        const std::string columns = blank(3) + numberColumns(patterns, "9081726354", true) + blank(1);
-        const auto input = RecognizerInput{columns, &patterns, width, static_cast<std::int32_t>(columns.size() / 4), {}};
-        EXPECT_EQ(RecognizeNumber(region, input).digits, "9081726354") << "region " << region;
     }
 }
 
@@ -356,6 +294,7 @@ TEST(ReferenceAgreement, RandomScreensBinariseAndReadAsTheRulesSay)
             }
         }
         Frame frame(560, 600);
+        std::array<std::string, kRegionCount> digitsShown;
         // Noise of a few levels over the regions, so that every masking band sees pixels.
         for (const CaptureRegionRect& rect : settings.CaptureRegion)
             for (int y = rect.StartY; y < rect.StartY + rect.SizeY; ++y)
@@ -365,7 +304,7 @@ TEST(ReferenceAgreement, RandomScreensBinariseAndReadAsTheRulesSay)
                                    static_cast<std::uint8_t>(random() % 4 * 85));
         for (int r = 0; r < kRegionCount; ++r) {
             const auto i = static_cast<std::size_t>(r);
-            const std::string digits = std::to_string(random() % 100000000);
+            const std::string& digits = digitsShown[i] = std::to_string(random() % 100000000);
             const InkColors colours = defaultInkColors(r);
             if (round % 2 == 0)
                 paintRegionBackground(frame, settings.CaptureRegion[i], colours);
@@ -391,6 +330,7 @@ TEST(ReferenceAgreement, RandomScreensBinariseAndReadAsTheRulesSay)
                 EXPECT_EQ(result.caption, "NotFind");
             } else if (!result.digits.empty()) {
                 EXPECT_EQ(result.digits.front(), '0' + digit) << columns;
+                EXPECT_EQ(result.digits, digitsShown[i]) << "round " << round << " region " << r;
                 ++numbersRead;
             }
         }

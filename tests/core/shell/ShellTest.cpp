@@ -17,6 +17,21 @@
 namespace tvx {
 namespace {
 
+EnvironmentFacts fullFacts()
+{
+    EnvironmentFacts facts;
+    facts.operatingSystem = "Debian GNU/Linux 12";
+    facts.version = "6.1.0";
+    facts.freePhysicalBytes = 1234567;
+    facts.totalPhysicalBytes = 8000000000;
+    facts.processor = "Ryzen";
+    facts.caches = {{"L2 Unified", 512}};
+    facts.adapterRamBytes = 268435456;
+    facts.manufacturer = "ACME";
+    facts.availablePhysicalBytes = 2048000;
+    return facts;
+}
+
 class DebugLogTest : public testing::Test {
 protected:
     test::TempFolder m_temp;
@@ -24,7 +39,7 @@ protected:
     test::FakeClock m_clock{LocalDateTime{2009, 4, 1, 13, 5, 9}};
 };
 
-TEST_F(DebugLogTest, EachStartRenewsTheLogAndKeepsOneBackUp)
+TEST_F(DebugLogTest, EachStartRenewsTheLogKeepsOneBackUpAndTheUnloadReportFollows)
 {
     DebugLog log(m_home, m_clock);
     log.WriteDebugLog("Starting Program  first", DebugLog::kNewLog);
@@ -41,36 +56,17 @@ TEST_F(DebugLogTest, EachStartRenewsTheLogAndKeepsOneBackUp)
 
     log.WriteDebugLog("Starting Program  third", DebugLog::kNewLog);
     EXPECT_EQ(test::readAll(log.backupPath()), "2010/12/31 23:59:58 Starting Program  second\r\n");
-}
 
-TEST_F(DebugLogTest, AppendingToAMissingLogCreatesItAndErrorLinesKeepTheirFormat)
-{
-    DebugLog log(m_home, m_clock);
-    log.writeErrorTrap("DisplayResult", ErrorNumber::Overflow);
-    log.writeErrorTrap("SecurePixels", ErrorNumber::SubscriptOutOfRange);
-    EXPECT_EQ(test::readAll(log.path()), "2009/04/01 13:05:09 Error Trap : DisplayResult : CODE6  Overflow\r\n"
-                                   "2009/04/01 13:05:09 Error Trap : SecurePixels : CODE9  Subscript out of range\r\n");
-}
+    // The report written at the unload: no blank line; 2,048,000 bytes are 2,000 kB, a small
+    // fraction of the 8 GB total.
+    WriteOperatingInformation(fullFacts(), log);
+    const std::string text = test::readAll(log.path());
+    EXPECT_LACKS(text, "\r\n\r\n");
+    EXPECT_HOLDS(text, " OperatingInformation\r\n");
+    EXPECT_HOLDS(text, "　　Available Physical Memory");
+    EXPECT_HOLDS(text, "2,000 kByte  0%\r\n");
 
-TEST_F(DebugLogTest, AnUnwritableFolderIsReportedToTheCaller)
-{
-    DebugLog log(m_home / "no" / "such" / "folder", m_clock);
-    EXPECT_THROW(log.WriteDebugLog("x"), RuntimeError);
-}
-
-EnvironmentFacts fullFacts()
-{
-    EnvironmentFacts facts;
-    facts.operatingSystem = "Debian GNU/Linux 12";
-    facts.version = "6.1.0";
-    facts.freePhysicalBytes = 1234567;
-    facts.totalPhysicalBytes = 8000000000;
-    facts.processor = "Ryzen";
-    facts.caches = {{"L2 Unified", 512}};
-    facts.adapterRamBytes = 268435456;
-    facts.manufacturer = "ACME";
-    facts.availablePhysicalBytes = 2048000;
-    return facts;
+    EXPECT_THROW(DebugLog(m_home / "no" / "such" / "folder", m_clock).WriteDebugLog("x"), RuntimeError);
 }
 
 TEST(EnvironmentReport, JapaneseLabelsIndentsAndGroupedNumbers)
@@ -113,20 +109,6 @@ TEST(EnvironmentReport, WhatTheSystemDoesNotSayIsLeftOut)
     EXPECT_EQ(english, "　　Processor : Ryzen\r\n　　　CacheMemory : NONE\r\n");
 }
 
-TEST(EnvironmentReport, TheUnloadReportHasNoBlankLine)
-{
-    test::TempFolder home;
-    test::FakeClock clock;
-    DebugLog log(home.path(), clock);
-    WriteOperatingInformation(fullFacts(), log);
-    const std::string text = test::readAll(log.path());
-    EXPECT_LACKS(text, "\r\n\r\n");
-    EXPECT_HOLDS(text, " OperatingInformation\r\n");
-    // 2,048,000 bytes are 2,000 kB; a small fraction of the 8 GB total.
-    EXPECT_HOLDS(text, "　　Available Physical Memory");
-    EXPECT_HOLDS(text, "2,000 kByte  0%\r\n");
-}
-
 class LauncherTest : public testing::Test {
 protected:
     std::string logText() const { return test::readAll(log.path()); }
@@ -137,7 +119,7 @@ protected:
     Launcher launcher{machine, machine, machine, log};
 };
 
-TEST_F(LauncherTest, TellsThePlayerWhatCouldNotBeOpenedAndLogsIt)
+TEST_F(LauncherTest, TellsThePlayerWhatCouldNotBeOpenedAndWaitsForWhatWas)
 {
     const std::string readMe = "/opt/tallivex/bin/ReadMeM.txt";
     const std::string help = "/opt/tallivex/bin/使用方法M.mht";
@@ -160,12 +142,9 @@ TEST_F(LauncherTest, TellsThePlayerWhatCouldNotBeOpenedAndLogsIt)
         EXPECT_HOLDS(logText(), c.line) << c.line;
     }
     EXPECT_LACKS(logText(), "Finish") << "nothing ran, nothing finished";
-}
 
-TEST_F(LauncherTest, AnOpenedFileIsWaitedForAndFinishes)
-{
-    const std::string help = "/opt/tallivex/bin/とりあえず始めよう.mht";
-    machine.existingFiles = {help};
+    machine.shellOpens = true;
+    machine.events.clear();
     launcher.RunFile(help, 500);
     EXPECT_EQ(machine.events, (std::vector<std::string>{"open " + help, "wait 500"}));
     const std::string text = logText();
