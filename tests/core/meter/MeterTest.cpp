@@ -695,6 +695,12 @@ TEST_F(MeterTest, DebugModeShowsTheDebugAreaAndItsCommandsWork)
     meter().cycle().runCycle(); // no session to stop, but the trace says the game went
     EXPECT_HOLDS(debugText(), "Lost MapleStory Then Capture Stop ");
 
+    // A session's readings after its first are traced as shown.
+    meter().menuRun_Click();
+    tick("10", "150");
+    EXPECT_HOLDS(debugText(), "Useally Measure Data Display Complete ");
+    meter().menuStop_Click();
+
     meter().setDebugMode(false);
     const std::size_t captions = machine.count("caption 0 認識中…");
     meter().cycle().cmdRecognize_Click();
