@@ -1,5 +1,5 @@
 #!/bin/sh
-# Gathers the texts marked in the code (tr, trFormat, N_) into po/tallivex.pot and brings
+# Gathers the texts marked in the code (tr, trFormat, N_, NC_) into po/tallivex.pot and brings
 # po/en.po and po/ko.po up to date with it; new texts come in untranslated, for a translator
 # to fill in (any PO editor does), and texts no longer used are kept as obsolete.
 #   po/update.sh           update the template and the translations
@@ -9,7 +9,7 @@ cd "$(dirname "$0")/.."
 pot=${TMPDIR:-/tmp}/tallivex-$$.pot
 trap 'rm -f "$pot"' EXIT
 git ls-files 'src/*.cpp' 'src/*.h' 2>/dev/null | sort > "$pot.files" || find src -name '*.cpp' -o -name '*.h' | sort > "$pot.files"
-xgettext --from-code=UTF-8 --language=C++ --keyword= --keyword=tr --keyword=N_ --keyword=trFormat:1 \
+xgettext --from-code=UTF-8 --language=C++ --keyword= --keyword=tr --keyword=N_ --keyword=NC_:1c,2 --keyword=trFormat:1 \
   --flag=trFormat:1:qt-format --add-location=file --sort-by-file --package-name=Tallivex \
   --msgid-bugs-address=none --force-po --files-from="$pot.files" --output="$pot"
 rm -f "$pot.files"

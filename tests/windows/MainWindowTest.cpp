@@ -41,7 +41,7 @@ TEST_F(MainWindowTest, MenusCarryTheirCaptionsAndRunWaitsForTheLoad)
     // Every item of the core's menu, as the core captions it.
     for (int command = 0; command <= static_cast<int>(MenuCommand::Version); ++command) {
         const MenuItem& item = menuItem(static_cast<MenuCommand>(command));
-        EXPECT_EQ(host->menuText(std::string(item.name)), item.caption) << item.name;
+        EXPECT_EQ(host->menuText(std::string(item.name)), item.text()) << item.name;
     }
     EXPECT_FALSE(host->menuEnabled("menuRun"));
     EXPECT_FALSE(host->menuEnabled("menuStop"));

@@ -66,9 +66,10 @@ std::optional<std::string> unquote(std::string_view line)
 }
 
 struct Entry {
+    std::string context;
     std::string id;
     std::string str;
-    bool context = false;
+    bool hasContext = false;
     bool hasId = false;
     bool fuzzy = false;
     bool plural = false;
@@ -76,7 +77,7 @@ struct Entry {
     void addTo(Catalogue& catalogue) const
     {
         if (!id.empty() && !str.empty() && !fuzzy && !plural)
-            catalogue[id] = str;
+            catalogue[hasContext ? context + '\x04' + id : id] = str;
     }
 };
 
@@ -106,7 +107,7 @@ Catalogue parsePo(std::string_view text, std::string* error)
             continue;
         if (line.front() == '#') {
             if (line.starts_with("#,") && line.find("fuzzy") != std::string_view::npos) {
-                if (entry.hasId || entry.context)
+                if (entry.hasId || entry.hasContext)
                     next();
                 entry.fuzzy = true;
             }
@@ -119,10 +120,10 @@ Catalogue parsePo(std::string_view text, std::string* error)
             value.remove_prefix(1);
         std::string* target = nullptr;
         if (keyword == "msgctxt") {
-            if (entry.hasId || entry.context)
+            if (entry.hasId || entry.hasContext)
                 next();
-            entry.context = true;
-            target = &ignored;
+            entry.hasContext = true;
+            target = &entry.context;
         } else if (keyword == "msgid") {
             if (entry.hasId)
                 next();

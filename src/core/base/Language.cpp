@@ -79,20 +79,23 @@ Language currentLanguage()
 
 const char* tr(const char* japanese)
 {
-    if (g_language == Language::Japanese || japanese == nullptr)
+    if (japanese == nullptr)
         return japanese;
-    const Catalogue& texts = catalogue(g_language);
-    const auto found = texts.find(japanese);
-    return found == texts.end() ? japanese : found->second.c_str();
+    const std::string_view shown = tr(std::string_view(japanese));
+    // Either the text itself (or its end, after a context) or a catalogue entry: both end in NUL.
+    return shown.data();
 }
 
 std::string_view tr(std::string_view japanese)
 {
-    if (g_language == Language::Japanese)
-        return japanese;
-    const Catalogue& texts = catalogue(g_language);
-    const auto found = texts.find(std::string(japanese));
-    return found == texts.end() ? japanese : std::string_view(found->second);
+    if (g_language != Language::Japanese) {
+        const Catalogue& texts = catalogue(g_language);
+        const auto found = texts.find(std::string(japanese));
+        if (found != texts.end())
+            return found->second;
+    }
+    const std::size_t context = japanese.find('\x04');
+    return context == std::string_view::npos ? japanese : japanese.substr(context + 1);
 }
 
 std::string crlf(std::string_view text)

@@ -48,4 +48,9 @@ constexpr const char* N_(const char* japanese)
     return japanese;
 }
 
+// A text that another place shows with another meaning ("終了": the File menu's Exit, the
+// account's End) is marked with a context, kept before it and a '\x04' as gettext does, so
+// that each has its own translation. tr() drops the context from what it shows.
+#define NC_(context, japanese) context "\x04" japanese
+
 } // namespace tvx

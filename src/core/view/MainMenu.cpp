@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::array kFileItems{
     MenuItem{MenuCommand::PatternSave, "menuPatternSave", N_("パターン保存")},
-    MenuItem{MenuCommand::End, "menuEnd", N_("終了")},
+    MenuItem{MenuCommand::End, "menuEnd", NC_("menu", "終了")},
 };
 constexpr std::array kToolItems{
     MenuItem{MenuCommand::TimeLeft, "menuTimeLeft", N_("あと何時間？")},

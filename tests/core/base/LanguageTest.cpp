@@ -1,6 +1,7 @@
 // The catalogue's PO reader, the texts put in, the language a locale or a configuration names.
 #include "base/Catalogue.h"
 #include "base/Language.h"
+#include "view/MainMenu.h"
 #include "config/Settings.h"
 
 #include <gtest/gtest.h>
@@ -30,7 +31,7 @@ TEST(PoReader, TakesTranslatedEntriesOnlyAndStopsAtALineItCannotRead)
     const Catalogue read = parsePo(po, &error);
     EXPECT_EQ(error, "");
     EXPECT_EQ(read, (Catalogue{{"開始", "Start"}, {"二行の文", "Two lines"}, {"引用\"と\\改行\r\nAB", "quote\"and\\newline\r\n"},
-                               {"%1分", "%1 min"}, {"停止", "Stop"}}));
+                               {"%1分", "%1 min"}, {"menu\x04停止", "Stop"}}));
 
     struct Bad { const char* text; const char* line; };
     for (const Bad& bad : {Bad{"msgid \"閉じ\nmsgstr \"x\"\n", "line 4 "}, Bad{"msgid \"a\"\nmsgstr \"b\\q\"\n", "line 5 "},
@@ -51,7 +52,12 @@ TEST_F(LanguageTest, TextsArePutInByNumberInTheCurrentLanguage)
         setLanguage(language);
         EXPECT_EQ(tr(untranslated), untranslated);
         EXPECT_EQ(trFormat(untranslated, {}), untranslated);
+        EXPECT_STREQ(tr(NC_("どこか", "どの言語にも無い文")), untranslated) << "shown without its context";
     }
+    // One Japanese text, two meanings, two translations.
+    setLanguage(Language::English);
+    EXPECT_EQ(menuItem(MenuCommand::End).text(), "Exit");
+    EXPECT_STREQ(tr("終了"), "End");
 }
 
 TEST_F(LanguageTest, ALocaleOrTheConfigurationNamesTheLanguage)
