@@ -179,5 +179,35 @@ TEST_F(FormMainTest, TheVersionWindowNamesTheVersionOnce)
 }
 
 
+// The editor adds only what the box adds, yet always shows the box's text and caret:
+// through a caret left at the new text, a clear, and the oldest lines let go.
+TEST_F(FormMainTest, TheLogEditorFollowsTheBoxLineForLine)
+{
+    window.FormMain_Load();
+    LogBox& box = meter.logBox();
+    const auto check = [&](const std::string& step) {
+        QString expected = QString::fromStdString(box.text());
+        expected.remove(QLatin1Char('\r'));
+        EXPECT_EQ(window.txtLog()->toPlainText(), expected) << step;
+        QString before = QString::fromStdString(box.text().substr(0, box.caret()));
+        before.remove(QLatin1Char('\r'));
+        EXPECT_EQ(window.txtLog()->textCursor().position(), before.size()) << step;
+    };
+    box.clear();
+    box.write("first\r\n");
+    check("one line into a cleared box");
+    box.write("half");
+    box.write(" line\r\nレベル 50\r\n", false);
+    check("a line in pieces, the caret at the new text");
+    box.clear();
+    box.write("after the clear\r\n");
+    check("written after a clear");
+    box.write("second\r\n");
+    for (int i = 0; i < 600; ++i)
+        box.write("line " + std::to_string(i) + "\r\n");
+    check("past the line limit");
+    EXPECT_TRUE(window.txtLog()->toPlainText().startsWith(QStringLiteral("line 88\n"))) << "the oldest lines went";
+}
+
 } // namespace
 } // namespace tvx

@@ -8,13 +8,17 @@
 
 #include <QActionGroup>
 #include <QContextMenuEvent>
+#include <QEnterEvent>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QPalette>
 #include <QPainter>
 #include <QScreen>
 #include <QToolButton>
+
+#include <cstdint>
 
 namespace tvx::ui {
 namespace {
@@ -24,15 +28,69 @@ constexpr int kCloseSide = 16;
 constexpr int kCaptionWidth = 96;
 const QColor kBackground(24, 26, 30);
 const QColor kBorder(110, 116, 128);
+const QColor kText(0xf0, 0xf0, 0xf0);
+const QColor kCloseHover(0xa0, 0x30, 0x30);
+
+// The window's colours come from palettes and small painters of its own: no style sheet,
+// which would put a style over every widget of the program and restyle on each change.
+QPalette lightText(QPalette palette)
+{
+    palette.setColor(QPalette::WindowText, kText);
+    palette.setColor(QPalette::ButtonText, kText);
+    return palette;
+}
 
 QLabel* lineLabel(const QString& name, QWidget* parent, Qt::Alignment alignment = Qt::AlignLeft)
 {
     auto* label = new QLabel(parent);
     label->setObjectName(name);
     label->setAlignment(alignment | Qt::AlignVCenter);
-    label->setStyleSheet(QStringLiteral("color: #f0f0f0;"));
+    label->setPalette(lightText(label->palette()));
     return label;
 }
+
+// The level in heavier strokes: the regular face drawn twice a pixel apart, so that no
+// bold face (a second large font file) is loaded for one line.
+class HeavyLabel final : public QLabel {
+public:
+    using QLabel::QLabel;
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        painter.setPen(palette().color(foregroundRole()));
+        const QRect box = contentsRect();
+        painter.drawText(box, static_cast<int>(alignment()), text());
+        painter.drawText(box.translated(1, 0), static_cast<int>(alignment()), text());
+    }
+};
+
+// The close cross, red under the cursor.
+class CloseButton final : public QToolButton {
+public:
+    using QToolButton::QToolButton;
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        if (underMouse())
+            painter.fillRect(rect(), kCloseHover);
+        painter.setPen(kText);
+        painter.drawText(rect(), Qt::AlignCenter, text());
+    }
+    void enterEvent(QEnterEvent* event) override
+    {
+        update();
+        QToolButton::enterEvent(event);
+    }
+    void leaveEvent(QEvent* event) override
+    {
+        update();
+        QToolButton::leaveEvent(event);
+    }
+};
 
 int rowTop(int row)
 {
@@ -40,6 +98,31 @@ int rowTop(int row)
 }
 
 } // namespace
+
+// The state's round mark in its colour.
+class CompactMark final : public QLabel {
+public:
+    using QLabel::QLabel;
+
+    void setColour(std::uint32_t rgb)
+    {
+        m_colour = QColor::fromRgb(static_cast<QRgb>(rgb));
+        update();
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(m_colour);
+        painter.drawEllipse(QRectF(rect()));
+    }
+
+private:
+    QColor m_colour = Qt::transparent;
+};
 
 FormCompact::FormCompact(Settings& settings, std::function<void()> remember, QWidget* parent)
     : QWidget(parent, Qt::Tool | Qt::WindowStaysOnTopHint | Qt::FramelessWindowHint), m_settings(settings),
@@ -51,27 +134,25 @@ FormCompact::FormCompact(Settings& settings, std::function<void()> remember, QWi
     setCursor(Qt::SizeAllCursor);
     const int inner = kCompactWidth - 2 * kCompactMargin;
 
-    m_shpState = new QLabel(this);
+    m_shpState = new CompactMark(this);
     m_shpState->setObjectName(QStringLiteral("shpState"));
     m_shpState->setGeometry(kCompactMargin, rowTop(0) + (kCompactLineHeight - kMarkSide) / 2, kMarkSide, kMarkSide);
     m_lblState = lineLabel(QStringLiteral("lblState"), this);
     m_lblState->setGeometry(kCompactMargin + kMarkSide + 6, rowTop(0), inner - kMarkSide - 6 - kCloseSide,
                             kCompactLineHeight);
-    m_cmdClose = new QToolButton(this);
+    m_cmdClose = new CloseButton(this);
     m_cmdClose->setObjectName(QStringLiteral("cmdClose"));
     m_cmdClose->setText(QStringLiteral("×"));
     m_cmdClose->setToolTip(qtTr(kCompactCloseCaption));
     m_cmdClose->setAutoRaise(true);
     m_cmdClose->setCursor(Qt::ArrowCursor);
-    m_cmdClose->setStyleSheet(QStringLiteral("QToolButton { color: #f0f0f0; border: none; }"
-                                             "QToolButton:hover { background: #a03030; }"));
     m_cmdClose->setGeometry(kCompactWidth - kCompactMargin - kCloseSide, rowTop(0) + 1, kCloseSide, kCloseSide);
     connect(m_cmdClose, &QToolButton::clicked, this, &QWidget::close);
 
-    m_lblLevel = lineLabel(QStringLiteral("lblLevel"), this);
-    QFont bold = m_lblLevel->font();
-    bold.setBold(true);
-    m_lblLevel->setFont(bold);
+    m_lblLevel = new HeavyLabel(this);
+    m_lblLevel->setObjectName(QStringLiteral("lblLevel"));
+    m_lblLevel->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    m_lblLevel->setPalette(lightText(m_lblLevel->palette()));
     m_lblLevel->setGeometry(kCompactMargin, rowTop(1), inner, kCompactLineHeight);
     setOpacity(m_settings.CompactOpacity);
 }
@@ -102,12 +183,9 @@ void FormCompact::setLineCount(std::size_t count)
 void FormCompact::showView(const LiveView& view)
 {
     setLineCount(view.compact.size());
-    // A style sheet set again is applied again, restyling and repainting the mark: only
-    // a new colour is set.
+    // The mark is repainted only for a new colour.
     if (m_shpState->property("stateColour") != QVariant(view.stateColour)) {
-        m_shpState->setStyleSheet(QStringLiteral("background-color: #%1; border-radius: %2px;")
-                                      .arg(view.stateColour, 6, 16, QLatin1Char('0'))
-                                      .arg(kMarkSide / 2));
+        m_shpState->setColour(view.stateColour);
         m_shpState->setProperty("stateColour", view.stateColour);
     }
     m_lblState->setText(qtText(view.stateText));

@@ -19,6 +19,8 @@ struct Settings;
 
 namespace tvx::ui {
 
+class CompactMark;
+
 // The compact window: the level, the state of the readings and a few rates in a small
 // frameless window that stays over the game. It is dragged anywhere to move it, and its
 // context menu sets its opacity or closes it. Its place, opacity and whether it is open
@@ -57,7 +59,7 @@ private:
 
     Settings& m_settings;
     std::function<void()> m_remember;
-    QLabel* m_shpState = nullptr;
+    CompactMark* m_shpState = nullptr;
     QLabel* m_lblState = nullptr;
     QLabel* m_lblLevel = nullptr;
     QToolButton* m_cmdClose = nullptr;

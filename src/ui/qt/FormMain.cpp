@@ -45,8 +45,11 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTextCursor>
+#include <QTextDocument>
 #include <QTimer>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace tvx::ui {
 
@@ -105,6 +108,8 @@ FormMain::FormMain(std::string_view title, DebugLog& log, std::filesystem::path 
     m_txtLog = new QPlainTextEdit(left);
     m_txtLog->setObjectName(QStringLiteral("txtLog"));
     m_txtLog->setReadOnly(true);
+    // Text is only ever added by the program: no undo steps are kept for it.
+    m_txtLog->setUndoRedoEnabled(false);
     m_txtLog->setFont(logFont());
     m_txtLog->setLineWrapMode(QPlainTextEdit::NoWrap);
     m_txtLog->setFixedWidth(kTxtLogWidth);
@@ -290,7 +295,7 @@ void FormMain::attach(Meter& meter)
     m_frmGraph->setSettings(meter.settings());
     m_frmGraph->setGraphView(meter.state().graphView);
     m_frmGraph->setMeterControls(&meter.state().controls);
-    meter.logBox().setListener([this](std::string_view) { showLogBox(); });
+    meter.logBox().setListener([this](std::string_view added) { showLogBox(added); });
     connect(m_timCaptureInterval, &QTimer::timeout, this, [this] { m_meter->cycle().timCaptureInterval_Timer(); });
     connect(m_timDoHLInterval, &QTimer::timeout, this, [this] { m_meter->watch().timDoHLInterval_Timer(); });
 }
@@ -315,13 +320,35 @@ void FormMain::FormMain_Load()
     });
 }
 
-void FormMain::showLogBox()
+void FormMain::showLogBox(std::string_view added)
 {
     const LogBox& box = m_meter->logBox();
-    m_txtLog->setPlainText(qtText(box.text()));
+    const std::string& text = box.text();
+    const auto breaks = static_cast<int>(std::count(text.begin(), text.end(), '\n'));
+    // Only the new text is added and the lines the box let go are cut: laying the whole
+    // box out again at every reading grows with its length. Whenever the editor's blocks
+    // do not match the box's lines (a clear, a lone CR), the text is set whole.
+    QTextDocument* document = m_txtLog->document();
+    bool whole = text.size() < added.size() || std::string_view(text).substr(text.size() - added.size()) != added ||
+                 document->blockCount() != m_logBoxBreaks + 1;
+    if (!whole) {
+        QTextCursor end(document);
+        end.movePosition(QTextCursor::End);
+        end.insertText(qtText(added));
+        const int cut = document->blockCount() - (breaks + 1);
+        if (cut > 0) {
+            QTextCursor front(document);
+            front.movePosition(QTextCursor::NextBlock, QTextCursor::KeepAnchor, cut);
+            front.removeSelectedText();
+        }
+        whole = cut < 0 || document->characterCount() - 1 != static_cast<int>(qtText(text).remove(QLatin1Char('\r')).size());
+    }
+    if (whole)
+        m_txtLog->setPlainText(qtText(text));
+    m_logBoxBreaks = breaks;
     QTextCursor cursor = m_txtLog->textCursor();
     // The box keeps CR LF; the editor counts one character per line break.
-    QString before = qtText(std::string_view(box.text()).substr(0, box.caret()));
+    QString before = qtText(std::string_view(text).substr(0, box.caret()));
     before.remove(QLatin1Char('\r'));
     cursor.setPosition(static_cast<int>(before.size()));
     m_txtLog->setTextCursor(cursor);

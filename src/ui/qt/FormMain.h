@@ -110,7 +110,7 @@ private:
     QWidget* buildResults();
     QWidget* buildDebugArea();
     void showRow(const ResultRow& row, const std::array<QLabel*, 5>& labels);
-    void showLogBox();
+    void showLogBox(std::string_view added);
     void runCommand(MenuCommand command);
     void menuOption_Click();
     void menuVersion_Click();
@@ -140,6 +140,7 @@ private:
     Prompter* m_gesturePrompter = nullptr;
     FormDirectX* m_formDirectX = nullptr;
     QPlainTextEdit* m_txtLog = nullptr;
+    int m_logBoxBreaks = 0; // line breaks of the box text the editor shows
     std::array<QLabel*, 5> m_startRow{};
     std::array<QLabel*, 5> m_endRow{};
     std::array<QLabel*, 5> m_elapseRow{};
