@@ -26,9 +26,11 @@ pids+=($!)
 # (The file is in Shift-JIS: its line is found by its comment in UTF-8.)
 iconv -f CP932 -t UTF-8 "$work/home/TV2MConfig.ini" | sed '/小窓/ s/False ,/True ,/' |
   iconv -f UTF-8 -t CP932 >"$work/home/config.tmp" && mv "$work/home/config.tmp" "$work/home/TV2MConfig.ini"
-ticks=$(getconf CLK_TCK)
+# CPU time of all the meter's threads in nanoseconds: the scheduler's own count, where
+# /proc/PID/stat counts in clock ticks of 10 ms, too coarse for a few readings.
+cpuNs() { cat /proc/"$1"/task/*/schedstat 2>/dev/null | awk '{s += $1} END {print s}'; }
 
-median() { sort -n | awk '{v[NR]=$1} END {print v[int((NR+1)/2)]}'; }
+median() { sort -g | awk '{v[NR]=$1} END {print v[int((NR+1)/2)]}'; }
 : >"$work/results"
 for run in $(seq "$runs"); do
   start=$(date +%s%N)
@@ -38,10 +40,10 @@ for run in $(seq "$runs"); do
   startMs=$(( ($(date +%s%N) - start) / 1000000 ))
   sleep 30
   rssKb=$(awk '/VmRSS/ {print $2}' "/proc/$meter/status")
-  cpu0=$(awk '{print $14 + $15}' "/proc/$meter/stat")
+  cpu0=$(cpuNs "$meter")
   sleep 60
-  cpu1=$(awk '{print $14 + $15}' "/proc/$meter/stat")
-  cpuMs=$(( (cpu1 - cpu0) * 1000 / ticks ))
+  cpu1=$(cpuNs "$meter")
+  cpuMs=$(awk -v a="$cpu0" -v b="$cpu1" 'BEGIN {printf "%.1f", (b - a) / 1e6}')
   kill "$meter"
   wait "$meter" 2>/dev/null || true
   echo "run $run: start-up ${startMs} ms, resident ${rssKb} kB, CPU ${cpuMs} ms in 60 s"

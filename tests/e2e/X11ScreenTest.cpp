@@ -38,7 +38,7 @@ public:
     std::size_t stride = 0;
     std::int32_t height = 0;
     std::int32_t nextBottom = 0;
-    std::vector<std::uint8_t> bytes;
+    ZeroedBytes bytes;
 };
 
 TEST(X11Screen, BandsWholeScreenAndRegionsAreOnePictureAndTheGameIsFoundByTitle)

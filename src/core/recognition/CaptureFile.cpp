@@ -451,7 +451,7 @@ CaptureBitmap blankCapture(std::int32_t width, std::int32_t height)
     CaptureBitmap bitmap;
     std::size_t pixelStart = 0;
     if (readHeaders(header24(width, height), bitmap, pixelStart) == CaptureLoadResult::Read)
-        bitmap.pixels.assign(pixelBytes(bitmap), 0);
+        bitmap.pixels.resize(pixelBytes(bitmap)); // zero, untouched until written
     return bitmap;
 }
 

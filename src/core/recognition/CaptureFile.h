@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/ZeroedBytes.h"
 #include "recognition/Frame.h"
 
 #include <cstdint>
@@ -43,7 +44,7 @@ struct CaptureBitmap {
     BitmapInfoHeader infoHeader;
     std::int64_t stride = 0;
     std::int64_t rows = 0;
-    std::vector<std::uint8_t> pixels;
+    ZeroedBytes pixels;
 
     std::uint8_t at(std::int64_t byteIndex, std::int64_t row) const
     {

@@ -896,7 +896,7 @@ TEST_F(MeterTest, TheCyclesPictureIsReadBackFromTheCaptureFileUnlessTheFileCanno
     meter().menuRun_Click();
     const auto kept = [this] {
         const std::optional<CaptureBitmap> picture = meter().cycle().lastCapture();
-        return picture ? picture->pixels : std::vector<std::uint8_t>{};
+        return picture ? picture->pixels : ZeroedBytes{};
     };
     const std::filesystem::path file = temp.path() / "Capture.bmp";
     const CaptureBitmap first = test::gameCapture({"50", "1", ""});
