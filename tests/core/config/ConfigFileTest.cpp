@@ -41,6 +41,7 @@ const std::string kFullScreenQuestion = "MapleStoryをフルスクリーンモ�
 const std::string kUnreadableMessage = "読込みできない設定ファイルです。\r\n"
                                        "　　初期値で設定ファイルを再作成します。\r\n"
                                        "　　以前のファイルは「TV2MConfigBack.ini」で保存されます。";
+const std::string kReversedNote = "※注意！ Windowsの環境により逆を選択したほうが良い場合もあります。";
 
 class ConfigFileTest : public testing::Test {
 protected:
@@ -106,6 +107,7 @@ TEST_F(ConfigFileTest, AFreshInstallationWritesTheDefaultFileByteForByte)
     ASSERT_EQ(m_prompter.shown.size(), 2u);
     EXPECT_EQ(m_prompter.shown[0].text, kFullScreenQuestion);
     EXPECT_EQ(m_prompter.shown[0].title, "検査領域追従選択");
+    EXPECT_EQ(m_prompter.shown[1].text, "フルスクリーンモードでよろしいですか？\r\n" + kReversedNote);
     EXPECT_EQ(m_settings, defaults());
     const std::string bytes = test::readAll(file());
     EXPECT_EQ(m_codec->fromCp932(bytes), test::withValue(test::testData("default.ini"), "folder", pathUtf8(m_home)));
@@ -136,23 +138,17 @@ TEST_F(ConfigFileTest, EveryFieldSurvivesALoadAndASave)
     std::filesystem::remove(file());
     run(ConfigFile::Save);
     EXPECT_EQ(m_codec->fromCp932(test::readAll(file())), text);
-}
 
-// The compact window's place is written alone: an option kept for this run only stays so.
-TEST_F(ConfigFileTest, TheWindowPlaceIsSavedWithoutTheUnsavedOptions)
-{
-    m_settings = defaults();
-    run(ConfigFile::Save);
+    // The compact window's place is written alone: an option kept for this run only stays so.
+    const Settings saved = m_settings;
     ConfigFile config(m_settings, m_home, m_prompter, *m_codec, &m_log, [] {});
     config.run(ConfigFile::Load);
     m_settings.CaptureInterval = 30;
     m_settings.CompactX = 640;
-    m_settings.CompactOpacity = 60;
     config.run(ConfigFile::SaveWindowPlace);
     EXPECT_EQ(m_settings.CaptureInterval, 30); // the running meter keeps the edit
     run(ConfigFile::Load);
-    EXPECT_EQ(std::tie(m_settings.CaptureInterval, m_settings.CompactX, m_settings.CompactOpacity),
-              std::make_tuple(6, 640, 60));
+    EXPECT_EQ(std::tie(m_settings.CaptureInterval, m_settings.CompactX), std::make_tuple(saved.CaptureInterval, 640));
 }
 
 TEST_F(ConfigFileTest, OurLineAfterTheSixtyIsOptionalAndNeverCondemnsTheFile)
@@ -184,27 +180,6 @@ TEST_F(ConfigFileTest, OurLineAfterTheSixtyIsOptionalAndNeverCondemnsTheFile)
     }
 }
 
-TEST_F(ConfigFileTest, HandWrittenFilesAreReadTolerantly)
-{
-    // LF endings, tabs, missing comments, flags as words in any case or as numbers.
-    std::string text = firstLines(configFileText(defaults()), 4) +
-                       "\ttrue\n"
-                       " 12 \n"
-                       "0,\n" +
-                       pathUtf8(m_home) + " ,  記録  \n" + "-1\n" + "FALSE , comment\n";
-    const std::string rest = configFileText(defaults());
-    std::size_t from = firstLines(rest, 10).size();
-    text += rest.substr(from);
-    writeAll(file(), m_codec->toCp932(text));
-    run(ConfigFile::Load);
-    EXPECT_TRUE(m_prompter.shown.empty());
-    EXPECT_TRUE(m_settings.AutoStart);
-    EXPECT_EQ(m_settings.CaptureInterval, 12);
-    EXPECT_EQ(m_settings.SaveFile, "記録");
-    EXPECT_TRUE(m_settings.SaveCsv);
-    EXPECT_FALSE(m_settings.SaveMonthly);
-}
-
 // Unreadable files: each ends in the message, the back-up, the defaults and a new file.
 TEST_F(ConfigFileTest, AnUnreadableFileIsBackedUpAndReplacedByTheDefaults)
 {
@@ -214,6 +189,8 @@ TEST_F(ConfigFileTest, AnUnreadableFileIsBackedUpAndReplacedByTheDefaults)
         return head + with + "\r\n" + good.substr(firstLines(good, line).size());
     };
     struct Case { const char* name; std::string bytes; const char* logged; };
+    // A copy cut short earlier leaves its temporary file; the next one replaces it.
+    writeAll(m_home / "TV2MConfigBack.ini.copy", "left by a copy that was cut short");
     const Case cases[] = {
         {"cut after line 20", m_codec->toCp932(firstLines(good, 20)), "CODE62  Input past end of file"},
         {"empty", "", "CODE62  Input past end of file"},
@@ -234,11 +211,13 @@ TEST_F(ConfigFileTest, AnUnreadableFileIsBackedUpAndReplacedByTheDefaults)
         EXPECT_EQ(m_prompter.kinds(), (std::vector<std::string>{"message", "yesno", "okcancel"}));
         EXPECT_EQ(m_prompter.shown[0].text, kUnreadableMessage);
         EXPECT_EQ(m_prompter.shown[0].title, "設定ファイル読込み");
+        EXPECT_EQ(m_prompter.shown[2].text, "ウィンドウモードでよろしいですか？\r\n" + kReversedNote);
         EXPECT_EQ(test::readAll(m_home / "TV2MConfigBack.ini"), c.bytes);
         EXPECT_EQ(m_settings, defaults(ScreenMode::Window));
         EXPECT_EQ(test::readAll(file()), cp932(m_settings));
         EXPECT_HOLDS(logText(), std::string("Error Trap : ConfigFile : ") + c.logged + "\r\n");
     }
+    EXPECT_FALSE(std::filesystem::exists(m_home / "TV2MConfigBack.ini.copy"));
 }
 
 TEST_F(ConfigFileTest, TheLastLineMayChangeTheTarget)
@@ -265,10 +244,13 @@ TEST_F(ConfigFileTest, TheLastLineMayChangeTheTarget)
         m_settings.SearchWindowName = "MapleStory";
         Settings onDisk = m_settings;
         onDisk.SearchWindowName = c.lastLine;
-        // LF endings: a rewrite is seen as the file turning into CR LF.
+        // LF endings: a rewrite is seen as the file turning into CR LF. A hand's flags: a tab,
+        // a word in any case, a number.
         std::string text = configFileText(onDisk);
         for (std::size_t at; (at = text.find("\r\n")) != std::string::npos;)
             text.erase(at, 1);
+        text.replace(text.find("   True ,"), 9, "\ttrue,");
+        text.replace(text.find("  False ,"), 9, "0 ,");
         writeAll(file(), m_codec->toCp932(text));
         m_prompter.shown.clear();
         m_prompter.answers.assign(c.answers.begin(), c.answers.end());
@@ -358,43 +340,6 @@ TEST_F(ConfigFileTest, UnicodeFilesWithOrWithoutAByteOrderMarkAreRead)
         run(ConfigFile::Load);
         EXPECT_TRUE(m_prompter.shown.empty());
         EXPECT_EQ(m_settings, onDisk);
-    }
-}
-
-TEST_F(ConfigFileTest, AFailedWriteKeepsTheSettingsAndSaysSo)
-{
-    std::filesystem::create_directories(m_home / "TV2MConfig.ini.tmp" / "blocked");
-    m_settings.CaptureInterval = 17;
-    run(ConfigFile::Save);
-    ASSERT_EQ(m_prompter.kinds(), std::vector<std::string>{"message"});
-    EXPECT_EQ(m_prompter.shown[0].text, "設定をファイルに保存できませんでした。");
-    EXPECT_EQ(m_prompter.shown[0].title, "設定ファイル書き込み");
-    EXPECT_EQ(m_settings.CaptureInterval, 17);
-    EXPECT_FALSE(std::filesystem::exists(file()));
-    EXPECT_HOLDS(logText(), "Error Trap : ConfigFile 2 : CODE70  Permission denied\r\n");
-}
-
-TEST_F(ConfigFileTest, RestoringTheDefaultsAsksTheScreenModeAndKeepsTheTarget)
-{
-    struct Case { bool fullScreen; bool confirmed; ScreenMode mode; const char* confirmation; };
-    const Case cases[] = {
-        {true, true, ScreenMode::FullScreen, "フルスクリーンモードでよろしいですか？"},
-        {true, false, ScreenMode::Window, "フルスクリーンモードでよろしいですか？"},
-        {false, true, ScreenMode::Window, "ウィンドウモードでよろしいですか？"},
-        {false, false, ScreenMode::FullScreen, "ウィンドウモードでよろしいですか？"},
-    };
-    for (const Case& c : cases) {
-        m_settings = defaults();
-        m_settings.SearchWindowName = "Other";
-        m_settings.Graph = false;
-        m_settings.PatternStrings[1][3] = "";
-        m_prompter.shown.clear();
-        m_prompter.answers = {c.fullScreen, c.confirmed};
-        run(ConfigFile::Defaults);
-        EXPECT_EQ(m_settings, defaults(c.mode));
-        EXPECT_EQ(m_prompter.shown[1].text,
-                  std::string(c.confirmation) + "\r\n※注意！ Windowsの環境により逆を選択したほうが良い場合もあります。");
-        EXPECT_EQ(test::readAll(file()), cp932(m_settings));
     }
 }
 
@@ -516,12 +461,14 @@ TEST_F(SettingRangesTest, AnUnknownImageFormatBecomesThePngDefault)
 TEST_F(ConfigFileTest, AFolderInThePlaceOfTheFilePromisesNoBackUpAndSaysTheWriteFailed)
 {
     std::filesystem::create_directories(file());
+    writeAll(m_home / "TV2MConfigBack.ini", "kept"); // a failed copy leaves the older back-up whole
     m_prompter.answers = {true, true};
     run(ConfigFile::Load);
     ASSERT_EQ(m_prompter.kinds(), (std::vector<std::string>{"message", "yesno", "okcancel", "message"}));
     EXPECT_EQ(m_prompter.shown[0].text, "読込みできない設定ファイルです。\r\n　　初期値で設定ファイルを再作成します。");
     EXPECT_EQ(m_prompter.shown[3].text, "設定をファイルに保存できませんでした。");
-    EXPECT_FALSE(std::filesystem::exists(m_home / "TV2MConfigBack.ini"));
+    EXPECT_EQ(m_prompter.shown[3].title, "設定ファイル書き込み");
+    EXPECT_EQ(test::readAll(m_home / "TV2MConfigBack.ini"), "kept");
     EXPECT_EQ(m_settings, defaults());
     EXPECT_HOLDS(logText(), "Error Trap : ConfigFile : CODE75  Path/File access error\r\n");
     EXPECT_HOLDS(logText(), "Error Trap : ConfigFile 2 : CODE75");

@@ -57,54 +57,47 @@ protected:
     clsGraphBuffer buffer{clock};
 };
 
-TEST_F(GraphBufferTest, AveragesOverTheNewestWindow)
+// The newest entry's averages over AveNum entries and the maxima over the newest MaxNum;
+// both windows are cut to the buffer's 512 entries.
+TEST_F(GraphBufferTest, AveragesAndMaximaOverTheNewestWindows)
 {
     struct Case {
         const char* name;
         std::vector<std::pair<double, double>> added; // (RateE, RateM), oldest first
         std::int32_t aveNum;
-        const char* aveE;
-        const char* aveM;
+        std::int32_t maxNum;
+        std::array<const char*, 2> ave;               // RateAveE, RateAveM
+        std::array<const char*, 4> max;               // E, M, AveE, AveM
     };
     const Case cases[] = {
-        {"no-value entry left out of the count", {{600, 5}, {-1, 5}, {300, 5}}, 3, "450", "5"},
-        {"empty entries count as zeros", {{100, 100}, {200, 200}}, 5, "60", "60"},
-        {"all money no-value keeps the average 0", {{10, -1}, {20, -1}}, 2, "15", "0"},
-        {"series are counted independently", {{-1, 8}, {4, -1}}, 2, "4", "8"},
-        {"window 0 gives 0", {{5, 5}}, 0, "0", "0"},
-        {"negative rates other than -1 count", {{-3, -7}, {1, 1}}, 2, "-1", "-3"},
-        {"rounded to four decimals", {{2, 1}, {0, 0}, {0, 0}}, 3, "0.6667", "0.3333"},
-        {"clamped rates are averaged", {{5000000, -5000000}}, 1, "2147483", "-2147483"},
+        {"no-value entry left out of the count", {{600, 5}, {-1, 5}, {300, 5}}, 3, 1, {"450", "5"}, {"300", "5", "450", "5"}},
+        {"empty entries count as zeros", {{100, 100}, {200, 200}}, 5, 1, {"60", "60"}, {"200", "200", "60", "60"}},
+        {"all money no-value", {{10, -1}, {20, -1}}, 2, 1, {"15", "0"}, {"20", "0", "15", "0"}},
+        {"series are counted independently", {{-1, 8}, {4, -1}}, 2, 1, {"4", "8"}, {"4", "0", "4", "8"}},
+        {"windows of 0 give 0", {{5, 5}}, 0, 0, {"0", "0"}, {"0", "0", "0", "0"}},
+        {"negative rates count but are no maximum", {{-3, -7}, {1, 1}}, 2, 1, {"-1", "-3"}, {"1", "1", "0", "0"}},
+        {"rounded to four decimals", {{2, 1}, {0, 0}, {0, 0}}, 3, 1, {"0.6667", "0.3333"}, {"0", "0", "0.6667", "0.3333"}},
+        {"clamped rates are averaged", {{5000000, -5000000}}, 1, 1, {"2147483", "-2147483"}, {"2147483", "0", "2147483", "0"}},
+        {"fields peak in different entries", {{10, 1}, {3, 50}}, 1, 2, {"3", "50"}, {"10", "50", "10", "50"}},
+        {"averages are maxed on their own", {{0, 0}, {100, 40}, {0, 0}}, 2, 1, {"50", "20"}, {"0", "0", "50", "20"}},
+        {"only negatives", {{-5, -2}, {-1, -3}}, 2, 2, {"-5", "-2.5"}, {"0", "0", "0", "0"}},
+        {"older entries outside MaxNum are ignored", {{100, 100}, {1, 3}, {2, 4}}, 1, 2, {"2", "4"}, {"2", "4", "2", "4"}},
+        {"windows beyond the length", {{256, 512}, {256, 512}}, 1000, 1000, {"1", "2"}, {"256", "512", "1", "2"}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         test::FakeClock caseClock;
         clsGraphBuffer b(caseClock);
         for (const auto& [rateE, rateM] : c.added)
-            b.AddGraphData(money(rateE), money(rateM), c.aveNum, 1);
-        EXPECT_EQ(b.Value(0).RateAveE().toString(), c.aveE);
-        EXPECT_EQ(b.Value(0).RateAveM().toString(), c.aveM);
-        EXPECT_EQ(b.AveNum(), c.aveNum);
+            b.AddGraphData(money(rateE), money(rateM), c.aveNum, c.maxNum);
+        EXPECT_EQ(b.Value(0).RateAveE().toString(), c.ave[0]);
+        EXPECT_EQ(b.Value(0).RateAveM().toString(), c.ave[1]);
+        EXPECT_EQ(b.MaxValueRateE().toString(), c.max[0]);
+        EXPECT_EQ(b.MaxValueRateM().toString(), c.max[1]);
+        EXPECT_EQ(b.MaxValueRateAveE().toString(), c.max[2]);
+        EXPECT_EQ(b.MaxValueRateAveM().toString(), c.max[3]);
+        EXPECT_EQ(std::make_pair(b.AveNum(), b.MaxNum()), std::make_pair(std::min(c.aveNum, 512), std::min(c.maxNum, 512)));
     }
-}
-
-TEST_F(GraphBufferTest, WindowsBeyondTheLengthAreCutToIt)
-{
-    add(512, 1024, 1000, 1000);
-    for (int i = 0; i < 511; ++i)
-        add(0, 0, 1000, 1000);
-
-    EXPECT_EQ(buffer.AveNum(), 512);
-    EXPECT_EQ(buffer.MaxNum(), 512);
-    EXPECT_EQ(buffer.Value(0).RateAveE().toString(), "1");
-    EXPECT_EQ(buffer.Value(0).RateAveM().toString(), "2");
-    EXPECT_EQ(buffer.MaxValueRateE().toString(), "512");
-
-    // One more pushes the large entry off the end; the maxima start again from 0.
-    add(0, 0, 1000, 1000);
-    EXPECT_EQ(buffer.BufferSize(), 512);
-    EXPECT_EQ(buffer.MaxValueRateE(), Currency());
-    EXPECT_EQ(buffer.MaxValueRateM(), Currency());
 }
 
 TEST_F(GraphBufferTest, RatesAreClampedToTheGraphRange)
@@ -118,40 +111,6 @@ TEST_F(GraphBufferTest, RatesAreClampedToTheGraphRange)
         add(rate, rate);
         EXPECT_EQ(buffer.Value(0).RateE().toString(), stored);
         EXPECT_EQ(buffer.Value(0).RateM().toString(), stored);
-    }
-}
-
-TEST_F(GraphBufferTest, MaximaCoverTheNewestMaxNumEntriesFieldByField)
-{
-    struct Case {
-        const char* name;
-        std::vector<std::pair<double, double>> added; // (RateE, RateM), oldest first
-        std::int32_t aveNum;
-        std::int32_t maxNum;
-        const char* maxE;
-        const char* maxM;
-        const char* maxAveE;
-        const char* maxAveM;
-    };
-    const Case cases[] = {
-        {"fields peak in different entries", {{10, 1}, {3, 50}}, 1, 2, "10", "50", "10", "50"},
-        {"averages are maxed on their own", {{0, 0}, {100, 40}, {0, 0}}, 2, 1, "0", "0", "50", "20"},
-        {"money all no-value gives 0", {{5, -1}, {6, -1}}, 1, 2, "6", "0", "6", "0"},
-        {"negative rates never become a maximum", {{-5, -2}, {-1, -3}}, 2, 2, "0", "0", "0", "0"},
-        {"older entries outside MaxNum are ignored", {{100, 100}, {1, 3}, {2, 4}}, 1, 2, "2", "4", "2", "4"},
-        {"MaxNum 0 gives zeros", {{7, 7}}, 1, 0, "0", "0", "0", "0"},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        test::FakeClock caseClock;
-        clsGraphBuffer b(caseClock);
-        for (const auto& [rateE, rateM] : c.added)
-            b.AddGraphData(money(rateE), money(rateM), c.aveNum, c.maxNum);
-        EXPECT_EQ(b.MaxValueRateE().toString(), c.maxE);
-        EXPECT_EQ(b.MaxValueRateM().toString(), c.maxM);
-        EXPECT_EQ(b.MaxValueRateAveE().toString(), c.maxAveE);
-        EXPECT_EQ(b.MaxValueRateAveM().toString(), c.maxAveM);
-        EXPECT_EQ(b.MaxNum(), c.maxNum);
     }
 }
 
@@ -327,27 +286,6 @@ TEST(GraphShift, ClicksMoveAQuarterOfTheVisibleEntries)
     EXPECT_EQ(shiftToPast(0, 3, 512), 0) << "a quarter of 3 entries is no step";
 }
 
-TEST(GraphGrid, WholePixelDivisionsWithTheRemainderInTheLastGap)
-{
-    const GraphGrid grid = graphGrid(401, 200); // w = 400, h = 199
-    std::vector<std::int32_t> ys;
-    for (const GridLine& line : grid.linGraphY) {
-        EXPECT_EQ(line.y1, line.y2);
-        EXPECT_EQ(line.x1, 0);
-        EXPECT_EQ(line.x2, 400);
-        ys.push_back(line.y1);
-    }
-    EXPECT_EQ(ys, (std::vector<std::int32_t>{0, 24, 48, 72, 96, 120, 144, 168, 199}));
-    std::vector<std::int32_t> xs;
-    for (const GridLine& line : grid.linGraphX) {
-        EXPECT_EQ(line.x1, line.x2);
-        EXPECT_EQ(line.y1, 0);
-        EXPECT_EQ(line.y2, 199);
-        xs.push_back(line.x1);
-    }
-    EXPECT_EQ(xs, (std::vector<std::int32_t>{0, 100, 200, 300, 400}));
-}
-
 TEST(GraphPlot, PointsAreRoundedHalfToEvenAndHeldWithinTwiceTheHeight)
 {
     const struct { double rate; bool first; double y; } cases[] = {
@@ -391,19 +329,14 @@ protected:
 
 TEST_F(GraphCurveTest, GapsAreBridgedAndAveragesDrawEveryEntry)
 {
-    fill({{50, 10}, {-1, 20}, {20, -1}, {10, 40}, {0, 50}});
+    // The money begins and ends in a gap: its curve begins at its first value.
+    fill({{50, -1}, {-1, 20}, {20, -1}, {10, 40}, {0, -1}});
     const GraphCurves curves = plot();
     EXPECT_EQ(curves.rateE, path({{400, 50}, {200, 80}, {100, 90}, {0, 100}}));
     EXPECT_EQ(curves.rateAveE, path({{400, 50}, {300, 100}, {200, 80}, {100, 90}, {0, 100}}));
-    EXPECT_EQ(curves.rateM, path({{400, 90}, {300, 80}, {100, 60}, {0, 50}}));
-    EXPECT_EQ(curves.rateAveM, path({{400, 90}, {300, 80}, {200, 100}, {100, 60}, {0, 50}}));
+    EXPECT_EQ(curves.rateM, path({{300, 80}, {100, 60}}));
+    EXPECT_EQ(curves.rateAveM, path({{400, 100}, {300, 80}, {200, 100}, {100, 60}, {0, 100}}));
     EXPECT_FALSE(trap.error());
-}
-
-TEST_F(GraphCurveTest, MoneyStartingInAGapBeginsAtItsFirstValue)
-{
-    fill({{50, -1}, {50, -1}, {50, 30}, {50, 40}, {50, -1}});
-    EXPECT_EQ(plot().rateM, path({{200, 70}, {100, 60}}));
 }
 
 TEST_F(GraphCurveTest, SeriesWithoutAScaleOrWithoutMoneyScanAreLeftOut)

@@ -1,7 +1,6 @@
 // The measurement's pieces: field and duration formats, rates, the experience table, failure
 // texts, the record file, the time-left tool, the random tools and the log box.
 #include "base/Errors.h"
-#include "base/Utf8Path.h"
 #include "measurement/ExpTable.h"
 #include "measurement/MeasurementSession.h"
 #include "measurement/RandomTools.h"
@@ -54,17 +53,14 @@ TEST(FormatFieldTest, RightAlignsBehindTheGap)
             << k.width << "/" << k.gap << "/" << k.decimals;
 }
 
-TEST(FormatDurationTest, CountsCalendarMinutes)
+// Durations count calendar minutes; minutes and rates are cut towards minus infinity.
+TEST(DurationAndRatesTest, CountCalendarMinutesAndRoundDown)
 {
     const LocalDateTime start{2024, 3, 1, 23, 10, 59};
     EXPECT_EQ(FormatDuration(start, {2024, 3, 2, 0, 15, 0}), "0日 1時 5分間");
     EXPECT_EQ(FormatDuration(start, {2024, 3, 1, 23, 11, 0}), "0日 0時 1分間"); // one second, one minute
     EXPECT_EQ(FormatDuration(start, {2024, 3, 4, 1, 9, 0}), "2日 1時 59分間");
     EXPECT_EQ(FormatNow({2009, 4, 1, 3, 5, 9}), "2009/04/01 03:05:09");
-}
-
-TEST(RatesTest, TruncateMinutesAndRoundRatesDown)
-{
     EXPECT_EQ(elapsedMinutes(359), c(5.9));
     EXPECT_EQ(elapsedMinutes(3599), c(59.9));
     EXPECT_EQ(elapsedMinutes(-7), c(-0.1));
@@ -96,19 +92,6 @@ TEST(FailureTextTest, NamesEveryFailedValue)
     EXPECT_EQ(failureText(-1, bad, good), "LvとExp NG");
     EXPECT_EQ(failureText(3, bad, good), "Exp NG");
     EXPECT_EQ(failureText(-1, good, good), "Lv NG");
-}
-
-TEST(RecordFilePathTest, NamesByMonthOrBySession)
-{
-    Settings settings = defaultSettings("");
-    settings.SaveFolder = "/rec";
-    settings.SaveFile = "exp_";
-    settings.SaveCsv = true;
-    EXPECT_EQ(recordFilePath(settings, "200904011305"), utf8Path("/rec/log/exp_200904月.csv"));
-    settings.SaveFile.clear();
-    settings.SaveCsv = false;
-    settings.SaveMonthly = false;
-    EXPECT_EQ(recordFilePath(settings, "200904011305"), std::filesystem::path("/rec/log/200904011305.txt"));
 }
 
 class RecordFileTest : public testing::Test {
