@@ -24,9 +24,8 @@ struct ZeroedAllocator {
 
     T* allocate(std::size_t count)
     {
-        if (void* memory = std::calloc(count, sizeof(T)))
-            return static_cast<T*>(memory);
-        throw std::bad_alloc();
+        void* memory = std::calloc(count, sizeof(T));
+        return memory != nullptr ? static_cast<T*>(memory) : throw std::bad_alloc();
     }
     void deallocate(T* memory, std::size_t) noexcept { std::free(memory); }
 
@@ -42,11 +41,7 @@ struct ZeroedAllocator {
         ::new (static_cast<void*>(at)) U(std::forward<Args>(args)...);
     }
 
-    template <typename U>
-    bool operator==(const ZeroedAllocator<U>&) const noexcept
-    {
-        return true;
-    }
+    friend bool operator==(const ZeroedAllocator&, const ZeroedAllocator&) = default;
 };
 
 using ZeroedBytes = std::vector<std::uint8_t, ZeroedAllocator<std::uint8_t>>;

@@ -35,7 +35,8 @@ TEST(PoReader, TakesTranslatedEntriesOnlyAndStopsAtALineItCannotRead)
 
     struct Bad { const char* text; const char* line; };
     for (const Bad& bad : {Bad{"msgid \"閉じ\nmsgstr \"x\"\n", "line 4 "}, Bad{"msgid \"a\"\nmsgstr \"b\\q\"\n", "line 5 "},
-                           Bad{"msgid \"a\" x\n", "line 4 "}, Bad{"garbage\n", "line 4 "}}) {
+                           Bad{"msgid \"a\" x\n", "line 4 "}, Bad{"garbage\n", "line 4 "},
+                           Bad{"msgid \"a\\\"\n", "line 4 "}}) {
         error.clear();
         const Catalogue partial = parsePo("msgid \"前\"\nmsgstr \"before\"\n\n" + std::string(bad.text), &error);
         EXPECT_EQ(partial, (Catalogue{{"前", "before"}})) << bad.text;
@@ -53,6 +54,7 @@ TEST_F(LanguageTest, TextsArePutInByNumberInTheCurrentLanguage)
         EXPECT_EQ(tr(untranslated), untranslated);
         EXPECT_EQ(trFormat(untranslated, {}), untranslated);
         EXPECT_STREQ(tr(NC_("どこか", "どの言語にも無い文")), untranslated) << "shown without its context";
+        EXPECT_EQ(tr(static_cast<const char*>(nullptr)), nullptr);
     }
     // One Japanese text, two meanings, two translations.
     setLanguage(Language::English);
