@@ -1,9 +1,11 @@
+#include "FormCompact.h"
 #include "FormMain.h"
 #include "GraphFrame.h"
 #include "GraphPicture.h"
 #include "base/Utf8Path.h"
 
 #include "meter/Meter.h"
+#include "view/LiveView.h"
 #include "shell/DebugLog.h"
 #include "support/FakeMachine.h"
 #include "support/GameScreen.h"
@@ -25,6 +27,8 @@
 #include <QTimer>
 #include <QApplication>
 #include <QDialog>
+#include <QEnterEvent>
+#include <QToolButton>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -207,6 +211,37 @@ TEST_F(FormMainTest, TheLogEditorFollowsTheBoxLineForLine)
         box.write("line " + std::to_string(i) + "\r\n");
     check("past the line limit");
     EXPECT_TRUE(window.txtLog()->toPlainText().startsWith(QStringLiteral("line 88\n"))) << "the oldest lines went";
+}
+
+// The compact window paints its state mark and its close cross itself: the mark in the
+// state's colour, the cross on red only while the mouse is over it.
+TEST(FormCompactQtTest, TheMarkTakesTheStatesColourAndTheCloseCrossReddensUnderTheMouse)
+{
+    Settings settings = defaultSettings("");
+    ui::FormCompact compact(settings, {});
+    LiveView view;
+    view.stateText = "記録中";
+    view.stateColour = 0x30A050;
+    view.levelText = "Lv 50  12.00％";
+    compact.showView(view);
+    compact.show();
+    auto* mark = compact.findChild<QLabel*>(QStringLiteral("shpState"));
+    ASSERT_NE(mark, nullptr);
+    const QImage shown = mark->grab().toImage();
+    EXPECT_EQ(shown.pixelColor(shown.width() / 2, shown.height() / 2), QColor(0x30, 0xA0, 0x50));
+
+    auto* close = compact.findChild<QToolButton*>(QStringLiteral("cmdClose"));
+    ASSERT_NE(close, nullptr);
+    const auto corner = [close] { return close->grab().toImage().pixelColor(0, 0); };
+    const QColor away = corner();
+    close->setAttribute(Qt::WA_UnderMouse, true);
+    QEnterEvent enter(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
+    QApplication::sendEvent(close, &enter);
+    EXPECT_EQ(corner(), QColor(0xA0, 0x30, 0x30));
+    close->setAttribute(Qt::WA_UnderMouse, false);
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(close, &leave);
+    EXPECT_EQ(corner(), away);
 }
 
 } // namespace
