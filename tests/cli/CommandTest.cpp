@@ -1,6 +1,7 @@
 // The command line's commands: config, learn, recognize and replay, each through its own
 // arguments, images and home folder, with what it prints and the status it ends with.
 #include "ConfigCommand.h"
+#include "Json.h"
 #include "LearnCommand.h"
 #include "RecognizeCommand.h"
 #include "ReplayCommand.h"
@@ -83,6 +84,20 @@ protected:
     std::ostringstream out;
     std::ostringstream err;
 };
+
+// Names the commands print (files, folders, templates, the window's title) may hold any
+// character: each comes out as a JSON string that a reader takes back unchanged.
+TEST(JsonText, QuotesBackslashesAndControlCharactersAreEscaped)
+{
+    const std::pair<std::string, std::string> cases[] = {
+        {"C:\\記録\\給与明細", "\"C:\\\\記録\\\\給与明細\""},
+        {"say \"hi\"", "\"say \\\"hi\\\"\""},
+        {"a\r\n\tb", "\"a\\r\\n\\tb\""},
+        {std::string("\x01\x1f ", 3), "\"\\u0001\\u001f \""},
+    };
+    for (const auto& [text, json] : cases)
+        EXPECT_EQ(cli::jsonString(text), json) << json;
+}
 
 TEST_F(CommandTest, ShowSaveAndDefaultsTreatAnEditedFileAsTheProgramWould)
 {
