@@ -5,22 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstring>
 #include <thread>
 
 namespace tvx {
 namespace {
 
-// The same picture as three kinds of bitmap a program may put on the clipboard.
-HBITMAP deviceBitmap(const Frame& picture)
-{
-    HDC screen = GetDC(nullptr);
-    const BITMAPINFO info = test::topDownInfo(picture);
-    const auto rows = test::paddedRows(picture);
-    HBITMAP bitmap = CreateDIBitmap(screen, &info.bmiHeader, CBM_INIT, rows.data(), &info, DIB_RGB_COLORS);
-    ReleaseDC(nullptr, screen);
-    return bitmap;
-}
-
+// The picture as two more kinds of bitmap a program may put on the clipboard.
 HBITMAP bitmap32(const Frame& picture)
 {
     std::vector<std::uint8_t> bits;
@@ -34,78 +25,68 @@ HBITMAP bitmap32(const Frame& picture)
 
 HBITMAP section24(const Frame& picture)
 {
-    const BITMAPINFO info = test::topDownInfo(picture);
+    CaptureBitmap rows = toCaptureBitmap(picture);
+    const BITMAPINFO info = test::dibInfo(picture.width(), -picture.height());
     void* bits = nullptr;
     HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-    if (bitmap != nullptr) {
-        const auto rows = test::paddedRows(picture);
-        std::memcpy(bits, rows.data(), rows.size());
-    }
+    for (std::int32_t y = 0; bitmap != nullptr && y < picture.height(); ++y)
+        std::memcpy(static_cast<std::uint8_t*>(bits) + y * rows.stride, rows.screenRow(y), rows.stride);
     return bitmap;
 }
 
 class ClipboardTest : public testing::Test {
 protected:
-    void TearDown() override { test::emptyClipboard(); }
+    void TearDown() override { test::setClipboard(); }
 
     std::unique_ptr<platform::GameScreen> screen = platform::makeGameScreen();
 };
 
-TEST_F(ClipboardTest, BitmapsOfEveryDepthComeBackAs24BitsBottomUp)
+// Taking the picture leaves it on the clipboard: it comes back the same a second time.
+TEST_F(ClipboardTest, BitmapsOfEveryDepthComeBackAs24BitsBottomUpAndStayThere)
 {
     // An odd width, so the rows of the result need padding.
     const Frame picture = test::noiseFrame(37, 23, 5);
     const struct {
         const char* kind;
         HBITMAP (*make)(const Frame&);
-    } kinds[] = {{"screen-compatible", &deviceBitmap}, {"32 bits", &bitmap32}, {"24-bit section", &section24}};
+    } kinds[] = {{"screen-compatible", &test::deviceBitmap}, {"32 bits", &bitmap32},
+                 {"24-bit top-down section", &section24}};
     for (const auto& kind : kinds) {
         SCOPED_TRACE(kind.kind);
         HBITMAP bitmap = kind.make(picture);
         ASSERT_NE(bitmap, nullptr);
-        ASSERT_TRUE(test::putOnClipboard(bitmap));
-        const auto taken = screen->clipboardPicture();
-        ASSERT_TRUE(taken.has_value());
-        EXPECT_EQ(taken->fileHeader.bfType, kBitmapType);
-        EXPECT_EQ(taken->infoHeader.biBitCount, 24);
-        EXPECT_EQ(taken->infoHeader.biWidth, 37);
-        EXPECT_EQ(taken->infoHeader.biHeight, 23); // positive: bottom-up rows
-        EXPECT_EQ(taken->stride, 112);
-        // The file's first row is the picture's last.
-        EXPECT_EQ(taken->at(0, 0), picture.row(22)[0]);
-        EXPECT_EQ(toFrame(*taken).bytes(), picture.bytes());
+        ASSERT_TRUE(test::setClipboard(CF_BITMAP, bitmap));
+        for (const char* time : {"first", "again"}) {
+            SCOPED_TRACE(time);
+            const auto taken = screen->clipboardPicture();
+            ASSERT_TRUE(taken.has_value());
+            EXPECT_EQ(taken->fileHeader.bfType, kBitmapType);
+            EXPECT_EQ(taken->infoHeader.biBitCount, 24);
+            EXPECT_EQ(taken->infoHeader.biWidth, 37);
+            EXPECT_EQ(taken->infoHeader.biHeight, 23); // positive: bottom-up rows
+            EXPECT_EQ(taken->stride, 112);
+            // The file's first row is the picture's last.
+            EXPECT_EQ(taken->at(0, 0), picture.row(22)[0]);
+            EXPECT_EQ(toFrame(*taken).bytes(), picture.bytes());
+        }
     }
-}
-
-TEST_F(ClipboardTest, TakingThePictureLeavesItOnTheClipboard)
-{
-    const Frame picture = test::noiseFrame(16, 16, 8);
-    ASSERT_TRUE(test::putOnClipboard(deviceBitmap(picture)));
-    ASSERT_TRUE(screen->clipboardPicture().has_value());
-    const auto again = screen->clipboardPicture();
-    ASSERT_TRUE(again.has_value());
-    EXPECT_EQ(toFrame(*again).bytes(), picture.bytes());
 }
 
 TEST_F(ClipboardTest, NoBitmapGivesNothing)
 {
-    ASSERT_TRUE(test::emptyClipboard());
+    ASSERT_TRUE(test::setClipboard());
     EXPECT_FALSE(screen->clipboardPicture().has_value());
 
-    // Text only.
-    ASSERT_TRUE(OpenClipboard(nullptr));
-    EmptyClipboard();
     HGLOBAL text = GlobalAlloc(GMEM_MOVEABLE, 6);
     std::memcpy(GlobalLock(text), "hello", 6);
     GlobalUnlock(text);
-    ASSERT_NE(SetClipboardData(CF_TEXT, text), nullptr);
-    CloseClipboard();
+    ASSERT_TRUE(test::setClipboard(CF_TEXT, text));
     EXPECT_FALSE(screen->clipboardPicture().has_value());
 }
 
 TEST_F(ClipboardTest, ClipboardHeldByAnotherProgramGivesNothing)
 {
-    ASSERT_TRUE(test::putOnClipboard(deviceBitmap(test::noiseFrame(4, 4, 1))));
+    ASSERT_TRUE(test::setClipboard(CF_BITMAP, test::deviceBitmap(test::noiseFrame(4, 4, 1))));
     std::atomic<int> stage{0};
     std::thread holder([&stage] {
         // A window of another thread keeps the clipboard open.
@@ -132,7 +113,7 @@ TEST_F(ClipboardTest, PrintScreenKeyPutsTheScreenOnTheClipboard)
     const Frame picture = test::noiseFrame(320, 200, 21);
     test::PaintedWindow window(L"PrintScreenTarget", picture, 10, 20);
     ASSERT_TRUE(window.bringToFront());
-    ASSERT_TRUE(test::emptyClipboard());
+    ASSERT_TRUE(test::setClipboard());
     ASSERT_TRUE(screen->pressPrintScreen());
     const bool arrived = test::pumpUntil([] { return IsClipboardFormatAvailable(CF_BITMAP) != FALSE; }, 1500);
     // Wine 8 has no Print Screen handler: the key reaches the window and nothing more.

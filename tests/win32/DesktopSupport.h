@@ -4,12 +4,9 @@
 
 #include <windows.h>
 
-#include <algorithm>
-#include <cstring>
 #include <deque>
 #include <functional>
 #include <string>
-#include <vector>
 
 namespace tvx::test {
 
@@ -45,26 +42,23 @@ bool pumpUntil(Condition done, DWORD ms)
     return done();
 }
 
-// Rows of a frame padded to four bytes, as GDI wants them.
-inline std::vector<std::uint8_t> paddedRows(const Frame& frame)
-{
-    const std::size_t stride = (frame.rowBytes() + 3) & ~std::size_t{3};
-    std::vector<std::uint8_t> rows(stride * static_cast<std::size_t>(frame.height()));
-    for (std::int32_t y = 0; y < frame.height(); ++y)
-        std::memcpy(rows.data() + stride * static_cast<std::size_t>(y), frame.row(y), frame.rowBytes());
-    return rows;
-}
-
-inline BITMAPINFO topDownInfo(const Frame& frame, WORD bits = 24)
+// A 24-bit header for rows laid out as a CaptureBitmap's (bottom-up; top-down with a negative height).
+inline BITMAPINFO dibInfo(std::int32_t width, std::int32_t height)
 {
     BITMAPINFO info{};
-    info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = frame.width();
-    info.bmiHeader.biHeight = -frame.height();
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = bits;
-    info.bmiHeader.biCompression = BI_RGB;
+    info.bmiHeader = {sizeof info.bmiHeader, width, height, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
     return info;
+}
+
+// A screen-compatible bitmap of the picture, as most programs put on the clipboard.
+inline HBITMAP deviceBitmap(const Frame& picture)
+{
+    const CaptureBitmap rows = toCaptureBitmap(picture);
+    const BITMAPINFO info = dibInfo(picture.width(), picture.height());
+    const HDC screen = GetDC(nullptr);
+    const HBITMAP bitmap = CreateDIBitmap(screen, &info.bmiHeader, CBM_INIT, rows.pixels.data(), &info, DIB_RGB_COLORS);
+    ReleaseDC(nullptr, screen);
+    return bitmap;
 }
 
 // A borderless top-level window at a screen position that paints a fixed picture, so
@@ -72,23 +66,18 @@ inline BITMAPINFO topDownInfo(const Frame& frame, WORD bits = 24)
 class PaintedWindow {
 public:
     PaintedWindow(const std::wstring& title, const Frame& picture, int x = 0, int y = 0)
-        : m_picture(picture), m_rows(paddedRows(picture))
+        : m_rows(toCaptureBitmap(picture))
     {
-        static const bool registered = [] {
+        [[maybe_unused]] static const bool registered = [] {
             WNDCLASSEXW wc{};
             wc.cbSize = sizeof wc;
             wc.lpfnWndProc = &PaintedWindow::windowProc;
             wc.hInstance = GetModuleHandleW(nullptr);
-            wc.hCursor = LoadCursorA(nullptr, IDC_ARROW);
             wc.lpszClassName = L"TallivexPaintedWindow";
             return RegisterClassExW(&wc) != 0;
         }();
-        if (!registered)
-            return;
         m_window = CreateWindowExW(0, L"TallivexPaintedWindow", title.c_str(), WS_POPUP, x, y, picture.width(),
                                    picture.height(), nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
-        if (m_window == nullptr)
-            return;
         SetWindowLongPtrW(m_window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
         ShowWindow(m_window, SW_SHOW);
         UpdateWindow(m_window);
@@ -96,8 +85,7 @@ public:
     }
     ~PaintedWindow()
     {
-        if (m_window != nullptr)
-            DestroyWindow(m_window);
+        DestroyWindow(m_window);
         pumpMessages(50);
     }
     PaintedWindow(const PaintedWindow&) = delete;
@@ -115,24 +103,22 @@ public:
 private:
     static LRESULT CALLBACK windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     {
-        auto* self = reinterpret_cast<PaintedWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+        const auto* self = reinterpret_cast<const PaintedWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
         if (message == WM_ERASEBKGND)
             return 1;
-        if (message == WM_PAINT && self != nullptr) {
-            PAINTSTRUCT paint;
-            HDC dc = BeginPaint(window, &paint);
-            const BITMAPINFO info = topDownInfo(self->m_picture);
-            SetDIBitsToDevice(dc, 0, 0, static_cast<DWORD>(self->m_picture.width()),
-                              static_cast<DWORD>(self->m_picture.height()), 0, 0, 0,
-                              static_cast<UINT>(self->m_picture.height()), self->m_rows.data(), &info, DIB_RGB_COLORS);
-            EndPaint(window, &paint);
-            return 0;
-        }
-        return DefWindowProcW(window, message, wParam, lParam);
+        if (message != WM_PAINT || self == nullptr)
+            return DefWindowProcW(window, message, wParam, lParam);
+        const CaptureBitmap& rows = self->m_rows;
+        const BITMAPINFO info = dibInfo(rows.infoHeader.biWidth, rows.infoHeader.biHeight);
+        PAINTSTRUCT paint;
+        const HDC dc = BeginPaint(window, &paint);
+        SetDIBitsToDevice(dc, 0, 0, static_cast<DWORD>(rows.infoHeader.biWidth), static_cast<DWORD>(rows.rows), 0, 0, 0,
+                          static_cast<UINT>(rows.rows), rows.pixels.data(), &info, DIB_RGB_COLORS);
+        EndPaint(window, &paint);
+        return 0;
     }
 
-    Frame m_picture;
-    std::vector<std::uint8_t> m_rows;
+    CaptureBitmap m_rows;
     HWND m_window = nullptr;
 };
 
@@ -143,26 +129,14 @@ inline bool runningUnderWine()
     return ntdll != nullptr && GetProcAddress(ntdll, "wine_get_version") != nullptr;
 }
 
-// Empties the clipboard; false when it could not be opened.
-inline bool emptyClipboard()
+// Empties the clipboard, then hands it `data` in that format (it owns it then); false when refused.
+inline bool setClipboard(UINT format = 0, HANDLE data = nullptr)
 {
     if (!OpenClipboard(nullptr))
         return false;
     EmptyClipboard();
+    const bool placed = data == nullptr || SetClipboardData(format, data) != nullptr;
     CloseClipboard();
-    return true;
-}
-
-// Hands the bitmap to the clipboard, which then owns it.
-inline bool putOnClipboard(HBITMAP bitmap)
-{
-    if (!OpenClipboard(nullptr))
-        return false;
-    EmptyClipboard();
-    const bool placed = SetClipboardData(CF_BITMAP, bitmap) != nullptr;
-    CloseClipboard();
-    if (!placed)
-        DeleteObject(bitmap);
     return placed;
 }
 
@@ -266,13 +240,6 @@ inline HWND childWithId(HWND window, int id)
     return search.found;
 }
 
-// A visible top-level window of this thread with the given title.
-inline HWND shownWindow(const std::wstring& title)
-{
-    const HWND window = FindWindowW(nullptr, title.c_str());
-    return window && IsWindowVisible(window) ? window : nullptr;
-}
-
 // Types text into a control as the keyboard would deliver its characters.
 inline void typeInto(HWND control, const std::wstring& text)
 {
@@ -288,32 +255,35 @@ inline void pressKey(WPARAM key)
     PostMessageW(target, WM_KEYUP, key, 0xC0000001);
 }
 
+// The picture of a bitmap that is selected into no DC.
+inline Frame frameOf(HBITMAP bitmap)
+{
+    BITMAP header{};
+    GetObjectW(bitmap, sizeof header, &header);
+    CaptureBitmap rows = blankCapture(header.bmWidth, header.bmHeight);
+    BITMAPINFO info = dibInfo(header.bmWidth, header.bmHeight);
+    const HDC screen = GetDC(nullptr);
+    GetDIBits(screen, bitmap, 0, static_cast<UINT>(rows.rows), rows.pixels.data(), &info, DIB_RGB_COLORS);
+    ReleaseDC(nullptr, screen);
+    return toFrame(rows);
+}
+
 // What the screen shows of a window, its children and frame included.
 inline Frame screenPicture(HWND window)
 {
     RECT r;
     GetWindowRect(window, &r);
-    const int width = r.right - r.left;
-    const int height = r.bottom - r.top;
-    const int stride = (width * 3 + 3) & ~3;
     const HDC screen = GetDC(nullptr);
     const HDC memory = CreateCompatibleDC(screen);
-    const HBITMAP bitmap = CreateCompatibleBitmap(screen, width, height);
+    const HBITMAP bitmap = CreateCompatibleBitmap(screen, r.right - r.left, r.bottom - r.top);
     const HGDIOBJ old = SelectObject(memory, bitmap);
-    BitBlt(memory, 0, 0, width, height, screen, r.left, r.top, SRCCOPY);
-    BITMAPINFO info{};
-    info.bmiHeader = {sizeof info.bmiHeader, width, -height, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
-    Frame frame(width, height);
-    std::vector<std::uint8_t> rows(static_cast<std::size_t>(stride) * static_cast<std::size_t>(height));
-    GetDIBits(memory, bitmap, 0, static_cast<UINT>(height), rows.data(), &info, DIB_RGB_COLORS);
-    for (int y = 0; y < height; ++y)
-        std::copy_n(rows.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(stride), width * 3,
-                    frame.row(y));
+    BitBlt(memory, 0, 0, r.right - r.left, r.bottom - r.top, screen, r.left, r.top, SRCCOPY);
     SelectObject(memory, old);
-    DeleteObject(bitmap);
     DeleteDC(memory);
     ReleaseDC(nullptr, screen);
-    return frame;
+    const Frame picture = frameOf(bitmap);
+    DeleteObject(bitmap);
+    return picture;
 }
 
 } // namespace tvx::test
