@@ -6,6 +6,7 @@
 
 #include <deque>
 #include <functional>
+#include <random>
 #include <string>
 
 namespace tvx::test {
@@ -144,11 +145,9 @@ inline bool setClipboard(UINT format = 0, HANDLE data = nullptr)
 inline Frame noiseFrame(std::int32_t width, std::int32_t height, std::uint32_t seed)
 {
     Frame frame(width, height);
-    std::uint32_t state = seed * 2654435761u + 1;
-    for (auto& byte : frame.bytes()) {
-        state = state * 1664525u + 1013904223u;
-        byte = static_cast<std::uint8_t>(state >> 24);
-    }
+    std::mt19937 noise(seed);
+    for (auto& byte : frame.bytes())
+        byte = static_cast<std::uint8_t>(noise());
     return frame;
 }
 

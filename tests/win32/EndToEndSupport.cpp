@@ -1,6 +1,5 @@
-// The Windows side of the end-to-end run under Wine (the script beside it starts the
-// programs and moves the mouse): a fresh home folder for the meter, the meter's window
-// moved beside the game, and the verdict on the records it wrote.
+// The Windows side of the end-to-end run under Wine (the script beside it starts the programs and moves
+// the mouse): a fresh home for the meter, its window moved beside the game, the verdict on its records.
 #include "CommandLine.h"
 #include "base/Utf8Path.h"
 #include "support/EndToEnd.h"
@@ -31,23 +30,22 @@ std::wstring programOf(HWND window)
     return full.substr(full.find_last_of(L"\\/") + 1);
 }
 
-BOOL CALLBACK placeWindow(HWND window, LPARAM data)
-{
-    auto& placement = *reinterpret_cast<Placement*>(data);
-    if (IsWindowVisible(window) && GetWindow(window, GW_OWNER) == nullptr &&
-        lstrcmpiW(programOf(window).c_str(), placement.program.c_str()) == 0) {
-        SetWindowPos(window, nullptr, placement.x, placement.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-        ++placement.moved;
-    }
-    return TRUE;
-}
-
 // Moves the program's visible top-level windows to x,y, as a player places the meter
 // beside the game; fails when it has none.
 int place(const std::string& program, const std::string& x, const std::string& y)
 {
     Placement placement{tvx::platform::win32::wide(program), std::stoi(x), std::stoi(y)};
-    EnumWindows(&placeWindow, reinterpret_cast<LPARAM>(&placement));
+    EnumWindows(
+        [](HWND window, LPARAM data) -> BOOL {
+            auto& to = *reinterpret_cast<Placement*>(data);
+            if (IsWindowVisible(window) && GetWindow(window, GW_OWNER) == nullptr &&
+                lstrcmpiW(programOf(window).c_str(), to.program.c_str()) == 0) {
+                SetWindowPos(window, nullptr, to.x, to.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+                ++to.moved;
+            }
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&placement));
     return placement.moved > 0 ? 0 : 1;
 }
 

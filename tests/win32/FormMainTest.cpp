@@ -1,13 +1,10 @@
 #include "FormMain.h"
 
-#include "DesktopSupport.h"
-
 #include "measurement/MeasurementSession.h"
 #include "meter/Meter.h"
 #include "shell/DebugLog.h"
 #include "support/FakeMachine.h"
 #include "support/GameScreen.h"
-#include "support/ReadFile.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -17,6 +14,7 @@ namespace {
 
 using win32ui::FormMain;
 
+// What only the Win32 main window has; the rest is tests/windows/MainWindowTest.cpp.
 class FormMainWin32Test : public testing::Test {
 protected:
     FormMainWin32Test()
@@ -27,9 +25,6 @@ protected:
         ShowWindow(window.handle(), SW_SHOWNA);
     }
 
-
-    std::string logBox() const { return win32ui::windowText(window.txtLog()); }
-
     test::TempFolder temp;
     test::FakeMachine machine;
     Settings settings = defaultSettings("");
@@ -38,12 +33,6 @@ protected:
     MeterPorts ports{machine.clock, machine, machine, machine, machine, machine, machine, window};
     Meter meter{settings, ports, log};
 };
-
-// What only the Win32 main window has; the rest is tests/windows/MainWindowTest.cpp.
-TEST_F(FormMainWin32Test, TheMenuBarHasItsSixEntries)
-{
-    EXPECT_EQ(GetMenuItemCount(window.menu()), 6);
-}
 
 // Width in pixels of a text in the font a control draws with.
 int drawnWidth(HWND control, std::string_view text)
@@ -58,22 +47,15 @@ int drawnWidth(HWND control, std::string_view text)
     return size.cx;
 }
 
-HWND childWithText(HWND parent, const std::string& text)
+TEST_F(FormMainWin32Test, SixMenusAndTheAccountsWidestTextsFitTheirLabelsAndTheLogRowsLineUpUnderTheHeader)
 {
-    for (HWND child = GetWindow(parent, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT))
-        if (win32ui::windowText(child) == text)
-            return child;
-    return nullptr;
-}
-
-TEST_F(FormMainWin32Test, TheAccountsWidestTextsFitTheirLabelsAndTheLogRowsLineUpUnderTheHeader)
-{
+    EXPECT_EQ(GetMenuItemCount(window.menu()), 6);
     machine.screens = {test::gameCapture({"200", "1234567890", "9999999999"})};
     window.FormMain_Load();
     meter.cycle().runCycle();
     for (const char* name : {"lblStartTime", "lblStartLv", "lblStartExp", "lblStartExpPS", "lblStartMoney"}) {
         const std::string text = window.controlText(name);
-        const HWND label = childWithText(window.handle(), text);
+        const HWND label = FindWindowExW(window.handle(), nullptr, nullptr, win32ui::wide(text).c_str());
         ASSERT_NE(label, nullptr) << name << " " << text;
         RECT client{};
         GetClientRect(label, &client);
@@ -94,7 +76,7 @@ TEST_F(FormMainWin32Test, LogBoxControlKeepsTheLast512LinesWithTheCaretAtTheEnd)
     for (int line : {511, 512, 513, 514, 599})
         meter.logBox().write("line " + std::to_string(line) + "\r\n");
     EXPECT_EQ(SendMessageW(window.txtLog(), EM_GETLINECOUNT, 0, 0), 513); // and the empty one after the last break
-    const std::string text = logBox();
+    const std::string text = win32ui::windowText(window.txtLog());
     EXPECT_EQ(text, meter.logBox().text());
     EXPECT_EQ(text.rfind("line 4\r\n", 0), 0u) << text.substr(0, 40);
     EXPECT_TRUE(text.ends_with("line 514\r\nline 599\r\n"));

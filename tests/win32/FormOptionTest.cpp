@@ -50,25 +50,19 @@ protected:
 
 TEST_F(FormOptionWin32Test, AWindowTooSmallForAPageScrollsItAndKeepsItsButtonsInView)
 {
-    bool buttonsInView = false;
-    bool captureHidden = false;
-    bool captureScrolledIn = false;
-    bool captureInViewGrown = false;
+    // Buttons in view, the regions page's last row out of view, scrolled in, and in view once grown.
+    std::vector<bool> seen;
     show({act([&] { SetWindowPos(window(), nullptr, 0, 0, 560, 400, SWP_NOMOVE | SWP_NOZORDER); }), act([&] {
-              // The regions page's last row, far below a 400-pixel window.
               const HWND capture = handleOf(options(), "cmdCapture");
-              buttonsInView = inView(handleOf(options(), "cmdClose")) && inView(handleOf(options(), "cmdSave"));
-              captureHidden = !inView(capture);
+              const bool buttons = inView(handleOf(options(), "cmdClose")) && inView(handleOf(options(), "cmdSave"));
+              seen = {buttons, !inView(capture)};
               SendMessageW(GetParent(capture), WM_VSCROLL, SB_BOTTOM, 0);
-              captureScrolledIn = inView(capture);
+              seen.push_back(inView(capture));
               // Grown back, the page shows everything from its top again.
               SetWindowPos(window(), nullptr, 0, 0, 1000, 760, SWP_NOMOVE | SWP_NOZORDER);
-              captureInViewGrown = inView(capture);
+              seen.push_back(inView(capture));
           })});
-    EXPECT_TRUE(buttonsInView);
-    EXPECT_TRUE(captureHidden);
-    EXPECT_TRUE(captureScrolledIn);
-    EXPECT_TRUE(captureInViewGrown);
+    EXPECT_EQ(seen, std::vector<bool>(4, true));
 }
 
 // Every page at the opening size: no scroll bar, every control wholly on the page. With

@@ -1,16 +1,31 @@
 // What the program asks of Windows besides its windows: one meter a home folder, files found
-// and opened through the shell, a wait that a close ends, and WMI's report of the machine.
-#include "Environment.h"
-#include "SingleInstance.h"
-#include "win32/Win32Ports.h"
-#include "Win32Waiter.h"
+// and opened through the shell, a wait that a close ends, WMI's report of the machine, the
+// command line and the console in UTF-8, Raw Input's mouse buttons and GDI+'s image files.
+#include "DesktopSupport.h"
+#include "support/ReadFile.h"
 #include "support/TempFolder.h"
+
+#include "CommandLine.h"
+#include "Environment.h"
+#include "MouseButtons.h"
+#include "SingleInstance.h"
+#include "StandardStreams.h"
+#include "Win32Waiter.h"
+#include "win32/RawMouseButtons.h"
+#include "win32/Win32Ports.h"
+#include "win32/Win32Text.h"
+
+#include <windows.h>
+#include <objbase.h>
+#include <gdiplus.h>
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <fstream>
+#include <iostream>
 #include <regex>
-#include <windows.h>
+#include <string>
 
 namespace tvx {
 namespace {
@@ -113,10 +128,7 @@ TEST(EnvironmentTest, WmiAnswersTheReportItems)
     ASSERT_TRUE(facts.freePhysicalBytes.has_value());
     EXPECT_LE(*facts.freePhysicalBytes, *facts.totalPhysicalBytes);
 
-    const std::string report = ReportEnvironment(facts, false);
-    EXPECT_NE(report.find("Processor : " + facts.processor + "\r\n"), std::string::npos);
-    EXPECT_NE(report.find("GraphicAdapter : " + facts.graphicAdapter + "\r\n"), std::string::npos);
-    std::printf("%s", report.c_str());
+    std::printf("%s", ReportEnvironment(facts, false).c_str()); // how the report's lines are made: ShellTest
 }
 
 TEST(EnvironmentTest, SystemLibrariesLoad)
@@ -124,6 +136,245 @@ TEST(EnvironmentTest, SystemLibrariesLoad)
     for (const RequiredLibrary& library : platform::requiredLibraries())
         EXPECT_TRUE(platform::canLoadLibrary(library.name)) << library.name;
     EXPECT_FALSE(platform::canLoadLibrary("tallivex-no-such-library.dll"));
+}
+
+// The argument ctest gives this program (tests/win32/CMakeLists.txt).
+const std::string kArgument = "記録 フォルダ";
+
+TEST(CommandLineTest, ArgumentsArriveInUtf8WhateverTheCodePage)
+{
+    const std::vector<std::string> args = platform::commandLineUtf8(0, nullptr);
+    ASSERT_FALSE(args.empty());
+    EXPECT_TRUE(args.front().ends_with("tallivex_win32_tests.exe")) << args.front();
+    if (args.size() < 2 || args.back().starts_with("--gtest"))
+        GTEST_SKIP() << "started without the argument that ctest passes (\"" << kArgument << "\")";
+    EXPECT_EQ(args.back(), kArgument);
+}
+
+TEST(ConsoleTextTest, PiecesEndingInsideACharacterWaitForTheRest)
+{
+    struct Case { const char* text; std::size_t complete; };
+    const Case cases[] = {
+        {"", 0},
+        {"abc\r\n", 5},
+        {"a\xE3", 1},                 // first byte of あ
+        {"a\xE3\x81", 1},             // two of three
+        {"a\xE3\x81\x82", 4},         // あ whole
+        {"\xF0\x9F\x98", 0},          // three of a four-byte character
+        {"\xF0\x9F\x98\x80", 4},      // whole
+        {"\xEF\xBE\x99\xC3", 3},      // ﾙ, then the first byte of é
+        {"x\x80", 2},                 // a stray continuation byte goes out as it is
+        {"x\xFF", 2},                 // so does a byte that starts nothing
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(platform::win32::completeUtf8Length(c.text), c.complete) << '"' << c.text << '"';
+}
+
+// A fresh screen buffer of this process's console, or null when no console can be had.
+HANDLE newConsoleBuffer()
+{
+    const auto create = [] {
+        return CreateConsoleScreenBuffer(GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                         CONSOLE_TEXTMODE_BUFFER, nullptr);
+    };
+    HANDLE buffer = create();
+    if (buffer == INVALID_HANDLE_VALUE) {
+        // Wine started from a terminal gives a console without buffers of its own.
+        FreeConsole();
+        buffer = AllocConsole() ? create() : INVALID_HANDLE_VALUE;
+    }
+    DWORD mode = 0;
+    if (buffer == INVALID_HANDLE_VALUE || GetConsoleMode(buffer, &mode))
+        return buffer == INVALID_HANDLE_VALUE ? nullptr : buffer;
+    CloseHandle(buffer);
+    return nullptr;
+}
+
+TEST(ConsoleTextTest, JapaneseShowsRightOnAConsoleOfAnotherCodePage)
+{
+    const HANDLE console = newConsoleBuffer();
+    if (console == nullptr)
+        GTEST_SKIP() << "no console to write to: wine opens one only on a display";
+    const HANDLE previous = GetStdHandle(STD_OUTPUT_HANDLE);
+    const UINT codePage = GetConsoleOutputCP();
+    SetStdHandle(STD_OUTPUT_HANDLE, console);
+    SetConsoleOutputCP(437); // a code page without Japanese
+    {
+        const platform::Utf8StandardStreams streams;
+        // Written in pieces that split a character, as stream insertions may.
+        std::cout << "経過: 0日 " << std::string("\xE3\x81") << std::flush << std::string("\x82 ﾒﾙ") << std::endl;
+    }
+    SetConsoleOutputCP(codePage);
+    SetStdHandle(STD_OUTPUT_HANDLE, previous);
+    // The first line as the player would see it, trailing blanks cut.
+    std::wstring line(80, L'\0');
+    DWORD read = 0;
+    ReadConsoleOutputCharacterW(console, line.data(), static_cast<DWORD>(line.size()), COORD{0, 0}, &read);
+    line.resize(read);
+    EXPECT_EQ(line.erase(line.find_last_not_of(L' ') + 1), L"経過: 0日 あ ﾒﾙ");
+    CloseHandle(console);
+}
+
+using platform::win32::mouseButtonEvents;
+
+constexpr MouseButtonEvent kLeftDown{MouseButton::Left, true};
+constexpr MouseButtonEvent kLeftUp{MouseButton::Left, false};
+constexpr MouseButtonEvent kRightDown{MouseButton::Right, true};
+constexpr MouseButtonEvent kRightUp{MouseButton::Right, false};
+
+TEST(RawMouseFlagsTest, ButtonFlagsBecomeEventsLeftFirst)
+{
+    const struct { std::uint16_t flags; std::vector<MouseButtonEvent> events; } cases[] = {
+        {0, {}},
+        {RI_MOUSE_LEFT_BUTTON_DOWN, {kLeftDown}},
+        {RI_MOUSE_LEFT_BUTTON_UP, {kLeftUp}},
+        {RI_MOUSE_RIGHT_BUTTON_DOWN, {kRightDown}},
+        {RI_MOUSE_RIGHT_BUTTON_UP, {kRightUp}},
+        {RI_MOUSE_RIGHT_BUTTON_DOWN | RI_MOUSE_LEFT_BUTTON_UP, {kLeftUp, kRightDown}},
+        {RI_MOUSE_LEFT_BUTTON_DOWN | RI_MOUSE_RIGHT_BUTTON_UP, {kLeftDown, kRightUp}},
+        // Middle, side buttons and the wheel are not reported.
+        {RI_MOUSE_MIDDLE_BUTTON_DOWN | RI_MOUSE_BUTTON_4_UP | RI_MOUSE_BUTTON_5_DOWN | RI_MOUSE_WHEEL, {}},
+        {RI_MOUSE_MIDDLE_BUTTON_UP | RI_MOUSE_LEFT_BUTTON_DOWN, {kLeftDown}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.flags);
+        EXPECT_EQ(mouseButtonEvents(c.flags), c.events);
+    }
+}
+
+void click(DWORD down, DWORD up)
+{
+    INPUT in[2]{{.type = INPUT_MOUSE, .mi = {0, 0, 0, down, 0, 0}}, {.type = INPUT_MOUSE, .mi = {0, 0, 0, up, 0, 0}}};
+    SendInput(2, in, sizeof(INPUT));
+}
+
+TEST(RawInputMouseTest, InjectedClicksArriveWhileAnotherWindowHasTheFocus)
+{
+    // The clicks land on a window of this thread that is not the source's.
+    test::PaintedWindow focus(L"Focus", test::noiseFrame(200, 200, 2), 400, 300);
+    ASSERT_TRUE(focus.bringToFront());
+    SetCursorPos(500, 400);
+
+    auto source = platform::makeMouseButtonSource();
+    std::vector<MouseButtonEvent> seen;
+    int batches = 0;
+    const auto collect = [&](const std::vector<MouseButtonEvent>& batch) {
+        ++batches;
+        seen.insert(seen.end(), batch.begin(), batch.end());
+    };
+    ASSERT_EQ(source->start(collect), MouseButtonSource::StartResult::Started);
+    EXPECT_EQ(source->pollDescriptor(), -1);
+
+    click(MOUSEEVENTF_LEFTDOWN, MOUSEEVENTF_LEFTUP);
+    click(MOUSEEVENTF_RIGHTDOWN, MOUSEEVENTF_RIGHTUP);
+    test::pumpUntil([&] { return seen.size() >= 4; }, 2000);
+    test::pumpMessages(100);
+    EXPECT_EQ(seen, (std::vector<MouseButtonEvent>{kLeftDown, kLeftUp, kRightDown, kRightUp}));
+    EXPECT_EQ(batches, 4);
+
+    source->stop();
+    seen.clear();
+    click(MOUSEEVENTF_LEFTDOWN, MOUSEEVENTF_LEFTUP);
+    test::pumpMessages(300);
+    EXPECT_TRUE(seen.empty());
+
+    // A source can be started again after stopping.
+    ASSERT_EQ(source->start(collect), MouseButtonSource::StartResult::Started);
+    click(MOUSEEVENTF_RIGHTDOWN, MOUSEEVENTF_RIGHTUP);
+    test::pumpUntil([&] { return seen.size() >= 2; }, 2000);
+    EXPECT_EQ(seen, (std::vector<MouseButtonEvent>{kRightDown, kRightUp}));
+}
+
+namespace flat = Gdiplus::DllExports;
+
+// Decodes an image file with GDI+ into a frame; empty when it cannot.
+Frame decode(const std::filesystem::path& path)
+{
+    Gdiplus::GdiplusStartupInput input;
+    ULONG_PTR token = 0;
+    if (Gdiplus::GdiplusStartup(&token, &input, nullptr) != Gdiplus::Ok)
+        return {};
+    Gdiplus::GpBitmap* bitmap = nullptr;
+    HBITMAP handle = nullptr;
+    if (flat::GdipCreateBitmapFromFile(path.wstring().c_str(), &bitmap) == Gdiplus::Ok) {
+        flat::GdipCreateHBITMAPFromBitmap(bitmap, &handle, 0);
+        flat::GdipDisposeImage(bitmap);
+    }
+    Gdiplus::GdiplusShutdown(token);
+    const Frame frame = handle != nullptr ? test::frameOf(handle) : Frame{};
+    DeleteObject(handle);
+    return frame;
+}
+
+// Smooth areas with some detail, like a game screen, so JPEG quality shows.
+Frame scene()
+{
+    Frame frame(123, 77);
+    const Frame noise = test::noiseFrame(123, 77, 4);
+    for (int y = 0; y < 77; ++y)
+        for (int x = 0; x < 123; ++x)
+            frame.setPixel(x, y, static_cast<std::uint8_t>(x * 2), static_cast<std::uint8_t>(y * 3),
+                           static_cast<std::uint8_t>((x + y) % 40 < 20 ? 40 : 200 + noise.row(y)[x * 3] % 50));
+    return frame;
+}
+
+class ImageEncoderTest : public testing::Test {
+protected:
+    test::TempFolder folder;
+    std::unique_ptr<ImageEncoder> encoder = platform::makeGdiplusImageEncoder();
+    Frame picture = scene();
+};
+
+// PNG is lossless; JPEG at 90 is closer to the picture and larger than at 70. A Japanese
+// name, as the player's folders have.
+TEST_F(ImageEncoderTest, FilesAreCompleteWithTheirSignaturesAndPngIsLossless)
+{
+    const struct {
+        std::filesystem::path name;
+        int quality; // 0 for PNG
+        std::string head;
+        std::string tail;
+        double maxError;
+    } files[] = {
+        {u8"給与明細.png", 0, std::string("\x89PNG\r\n\x1a\n", 8), "", 0},
+        {"shot70.jpg", 70, "\xFF\xD8\xFF", "\xFF\xD9", 12},
+        {"shot90.jpg", 90, "\xFF\xD8\xFF", "\xFF\xD9", 12},
+    };
+    std::string bytes[3];
+    double error[3] = {};
+    for (int i = 0; i < 3; ++i) {
+        const auto& file = files[i];
+        SCOPED_TRACE(file.quality);
+        const auto path = folder.path() / file.name;
+        ASSERT_TRUE(file.quality == 0 ? encoder->writePng(picture, path)
+                                      : encoder->writeJpeg(picture, path, file.quality));
+        bytes[i] = test::readAll(path);
+        ASSERT_GT(bytes[i].size(), file.head.size() + file.tail.size());
+        EXPECT_TRUE(bytes[i].starts_with(file.head));
+        EXPECT_TRUE(bytes[i].ends_with(file.tail));
+        const Frame back = decode(path);
+        ASSERT_EQ(back.width(), picture.width());
+        ASSERT_EQ(back.height(), picture.height());
+        error[i] = 0;
+        for (std::size_t b = 0; b < back.bytes().size(); ++b)
+            error[i] += std::abs(int{back.bytes()[b]} - int{picture.bytes()[b]});
+        error[i] /= static_cast<double>(back.bytes().size());
+        EXPECT_LE(error[i], file.maxError);
+    }
+    // Wine 8's GDI+ drops the encoder parameters and always writes its default quality.
+    if (bytes[1] == bytes[2] && test::runningUnderWine())
+        GTEST_SKIP() << "Wine's GDI+ ignores the JPEG quality parameter";
+    EXPECT_TRUE(bytes[1] != bytes[2]);
+    EXPECT_GT(bytes[2].size(), bytes[1].size());
+    EXPECT_LT(error[2], error[1]);
+}
+
+TEST_F(ImageEncoderTest, MissingFolderOrEmptyPictureFails)
+{
+    EXPECT_FALSE(encoder->writePng(picture, folder.path() / "no" / "such.png"));
+    EXPECT_FALSE(encoder->writeJpeg(picture, folder.path() / "no" / "such.jpg", 90));
+    EXPECT_FALSE(encoder->writePng(Frame(), folder.path() / "empty.png"));
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "empty.png"));
 }
 
 } // namespace
