@@ -62,24 +62,24 @@ inline HBITMAP deviceBitmap(const Frame& picture)
     return bitmap;
 }
 
-// A borderless top-level window at a screen position that paints a fixed picture, so
-// its client area is the picture in screen coordinates.
+// A borderless top-level window at a screen position that shows a fixed picture, so its
+// client area is the picture in screen coordinates. Its own class erases with the picture.
 class PaintedWindow {
 public:
     PaintedWindow(const std::wstring& title, const Frame& picture, int x = 0, int y = 0)
-        : m_rows(toCaptureBitmap(picture))
+        : m_class(L"TallivexPainted" + std::to_wstring(++s_classes))
     {
-        [[maybe_unused]] static const bool registered = [] {
-            WNDCLASSEXW wc{};
-            wc.cbSize = sizeof wc;
-            wc.lpfnWndProc = &PaintedWindow::windowProc;
-            wc.hInstance = GetModuleHandleW(nullptr);
-            wc.lpszClassName = L"TallivexPaintedWindow";
-            return RegisterClassExW(&wc) != 0;
-        }();
-        m_window = CreateWindowExW(0, L"TallivexPaintedWindow", title.c_str(), WS_POPUP, x, y, picture.width(),
-                                   picture.height(), nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
-        SetWindowLongPtrW(m_window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+        const HBITMAP pattern = deviceBitmap(picture);
+        WNDCLASSEXW wc{};
+        wc.cbSize = sizeof wc;
+        wc.lpfnWndProc = &DefWindowProcW;
+        wc.hInstance = GetModuleHandleW(nullptr);
+        wc.hbrBackground = CreatePatternBrush(pattern); // the class deletes it
+        wc.lpszClassName = m_class.c_str();
+        RegisterClassExW(&wc);
+        DeleteObject(pattern);
+        m_window = CreateWindowExW(0, m_class.c_str(), title.c_str(), WS_POPUP, x, y, picture.width(), picture.height(),
+                                   nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
         ShowWindow(m_window, SW_SHOW);
         UpdateWindow(m_window);
         pumpMessages(100);
@@ -87,6 +87,7 @@ public:
     ~PaintedWindow()
     {
         DestroyWindow(m_window);
+        UnregisterClassW(m_class.c_str(), GetModuleHandleW(nullptr));
         pumpMessages(50);
     }
     PaintedWindow(const PaintedWindow&) = delete;
@@ -102,32 +103,15 @@ public:
     }
 
 private:
-    static LRESULT CALLBACK windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
-    {
-        const auto* self = reinterpret_cast<const PaintedWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-        if (message == WM_ERASEBKGND)
-            return 1;
-        if (message != WM_PAINT || self == nullptr)
-            return DefWindowProcW(window, message, wParam, lParam);
-        const CaptureBitmap& rows = self->m_rows;
-        const BITMAPINFO info = dibInfo(rows.infoHeader.biWidth, rows.infoHeader.biHeight);
-        PAINTSTRUCT paint;
-        const HDC dc = BeginPaint(window, &paint);
-        SetDIBitsToDevice(dc, 0, 0, static_cast<DWORD>(rows.infoHeader.biWidth), static_cast<DWORD>(rows.rows), 0, 0, 0,
-                          static_cast<UINT>(rows.rows), rows.pixels.data(), &info, DIB_RGB_COLORS);
-        EndPaint(window, &paint);
-        return 0;
-    }
-
-    CaptureBitmap m_rows;
+    static inline int s_classes = 0;
+    std::wstring m_class;
     HWND m_window = nullptr;
 };
 
 // Wine answers to a function of its own in ntdll; Windows has no such export.
 inline bool runningUnderWine()
 {
-    HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
-    return ntdll != nullptr && GetProcAddress(ntdll, "wine_get_version") != nullptr;
+    return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
 }
 
 // Empties the clipboard, then hands it `data` in that format (it owns it then); false when refused.
