@@ -141,10 +141,9 @@ inline Frame noiseFrame(std::int32_t width, std::int32_t height, std::uint32_t s
 class DialogScript {
 public:
     explicit DialogScript(std::deque<std::function<bool()>> steps, DWORD deadlineMs = 10000)
-        : m_steps(std::move(steps)), m_deadline(GetTickCount64() + deadlineMs)
+        : m_steps(std::move(steps)), m_deadline(GetTickCount64() + deadlineMs), m_timer(SetTimer(nullptr, 0, 40, &tick))
     {
         s_current = this;
-        m_timer = SetTimer(nullptr, 0, 40, &DialogScript::tick);
     }
     ~DialogScript()
     {
@@ -177,7 +176,7 @@ private:
     static inline DialogScript* s_current = nullptr;
     std::deque<std::function<bool()>> m_steps;
     ULONGLONG m_deadline;
-    UINT_PTR m_timer = 0;
+    UINT_PTR m_timer;
     bool m_running = false;
     bool m_timedOut = false;
 };
