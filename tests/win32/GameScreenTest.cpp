@@ -18,8 +18,6 @@
 namespace tvx {
 namespace {
 
-using platform::GameScreen;
-
 class GameScreenTest : public testing::Test {
 protected:
     void SetUp() override
@@ -43,7 +41,7 @@ protected:
     const Settings settings = defaultSettings("");
     const Frame picture = test::gameScreen({"137", "12345678", "9876543210"}, ScreenMode::FullScreen, 7, 800, 600);
     test::PaintedWindow game{L"MapleStory", picture};
-    std::unique_ptr<GameScreen> screen = platform::makeGameScreen();
+    std::unique_ptr<platform::GameScreen> screen = platform::makeGameScreen();
 };
 
 TEST_F(GameScreenTest, ProbeTellsFrontBackgroundAndMissing)

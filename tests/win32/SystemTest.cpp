@@ -1,6 +1,5 @@
-// What the program asks of Windows besides its windows: one meter a home folder, files found
-// and opened through the shell, a wait that a close ends, WMI's report of the machine, the
-// command line and the console in UTF-8, Raw Input's mouse buttons and GDI+'s image files.
+// What the program asks of Windows besides its windows: one meter a home, the shell, waits a close ends,
+// WMI, the command line and console in UTF-8, Raw Input's mouse buttons and GDI+'s image files.
 #include "DesktopSupport.h"
 #include "support/ReadFile.h"
 #include "support/TempFolder.h"
@@ -10,6 +9,7 @@
 #include "MouseButtons.h"
 #include "SingleInstance.h"
 #include "StandardStreams.h"
+#include "base/Utf8Path.h"
 #include "Win32Waiter.h"
 #include "win32/RawMouseButtons.h"
 #include "win32/Win32Ports.h"
@@ -43,8 +43,7 @@ TEST(SingleInstanceTest, AHomeIsTakenOnceHoweverSpelledAndFreeAgainWhenReleased)
     EXPECT_EQ(acquireSingleInstance(home.path()), nullptr);
     // The same folder spelled differently is still the same home.
     std::wstring upper = home.path().wstring();
-    for (auto& c : upper)
-        c = static_cast<wchar_t>(towupper(c));
+    CharUpperW(upper.data());
     for (const auto& same : {std::filesystem::path(upper), home.path() / "", home.path() / "sub" / ".."})
         EXPECT_EQ(acquireSingleInstance(same), nullptr);
     // Other homes are free, a Japanese one too.
@@ -59,16 +58,13 @@ TEST(SingleInstanceTest, AHomeIsTakenOnceHoweverSpelledAndFreeAgainWhenReleased)
 TEST(ShellLauncherTest, FileExistsTakesUtf8NamesAndOpeningAMissingFileIsRefused)
 {
     test::TempFolder folder;
-    const auto inFolder = [&folder](const std::filesystem::path& name) {
-        const std::u8string path = (folder.path() / name).u8string();
-        return std::string(path.begin(), path.end());
-    };
-    std::ofstream(folder.path() / std::filesystem::path(u8"使用方法M.mht")) << "x";
+    const auto help = folder.path() / std::filesystem::path(u8"使用方法M.mht");
+    std::ofstream(help) << "x";
     auto shell = platform::makeWin32ShellLauncher();
-    EXPECT_TRUE(shell->fileExists(inFolder(u8"使用方法M.mht")));
-    EXPECT_FALSE(shell->fileExists(inFolder("ReadMeM.txt")));
+    EXPECT_TRUE(shell->fileExists(pathUtf8(help)));
+    EXPECT_FALSE(shell->fileExists(pathUtf8(folder.path() / "ReadMeM.txt")));
     EXPECT_FALSE(shell->fileExists(""));
-    EXPECT_FALSE(shell->open(inFolder("missing.mht")));
+    EXPECT_FALSE(shell->open(pathUtf8(folder.path() / "missing.mht")));
     EXPECT_FALSE(shell->open(""));
 }
 
