@@ -32,19 +32,6 @@ protected:
     std::unique_ptr<MainWindowHost> host = makeMainWindowHost(settings, log, machine);
 };
 
-// Width in pixels of a text in the font a control draws with.
-int drawnWidth(HWND control, std::string_view text)
-{
-    HDC dc = GetDC(control);
-    const HGDIOBJ before = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)));
-    const std::wstring wide = win32ui::wide(text);
-    SIZE size{};
-    GetTextExtentPoint32W(dc, wide.c_str(), static_cast<int>(wide.size()), &size);
-    SelectObject(dc, before);
-    ReleaseDC(control, dc);
-    return size.cx;
-}
-
 TEST_F(FormMainWin32Test, SixMenusAndTheAccountsWidestTextsFitTheirLabelsAndTheLogRowsLineUpUnderTheHeader)
 {
     EXPECT_EQ(GetMenuItemCount(GetMenu(window())), 6);
@@ -54,7 +41,8 @@ TEST_F(FormMainWin32Test, SixMenusAndTheAccountsWidestTextsFitTheirLabelsAndTheL
     for (const char* name : {"lblStartTime", "lblStartLv", "lblStartExp", "lblStartExpPS", "lblStartMoney"})
         EXPECT_TRUE(host->fits(name)) << name << " " << host->text(name);
     // The header has full-width characters; a record line of as many columns has none.
-    EXPECT_EQ(drawnWidth(txtLog(), kLogHeader), drawnWidth(txtLog(), std::string(72, '0')));
+    const auto font = reinterpret_cast<HFONT>(SendMessageW(txtLog(), WM_GETFONT, 0, 0));
+    EXPECT_EQ(win32ui::textWidth(font, kLogHeader, {}), win32ui::textWidth(font, std::string(72, '0'), {}));
 }
 
 TEST_F(FormMainWin32Test, LogBoxControlKeepsTheLast512LinesWithTheCaretAtTheEnd)
