@@ -1,6 +1,8 @@
 #pragma once
 
+#include "Win32Ui.h"
 #include "recognition/CaptureFile.h"
+#include "win32/Win32Handles.h"
 
 #include <windows.h>
 
@@ -56,10 +58,8 @@ inline HBITMAP deviceBitmap(const Frame& picture)
 {
     const CaptureBitmap rows = toCaptureBitmap(picture);
     const BITMAPINFO info = dibInfo(picture.width(), picture.height());
-    const HDC screen = GetDC(nullptr);
-    const HBITMAP bitmap = CreateDIBitmap(screen, &info.bmiHeader, CBM_INIT, rows.pixels.data(), &info, DIB_RGB_COLORS);
-    ReleaseDC(nullptr, screen);
-    return bitmap;
+    const platform::win32::WindowDC screen;
+    return CreateDIBitmap(screen.get(), &info.bmiHeader, CBM_INIT, rows.pixels.data(), &info, DIB_RGB_COLORS);
 }
 
 // A borderless top-level window at a screen position that shows a fixed picture, so its
@@ -70,13 +70,7 @@ public:
         : m_class(L"TallivexPainted" + std::to_wstring(++s_classes))
     {
         const HBITMAP pattern = deviceBitmap(picture);
-        WNDCLASSEXW wc{};
-        wc.cbSize = sizeof wc;
-        wc.lpfnWndProc = &DefWindowProcW;
-        wc.hInstance = GetModuleHandleW(nullptr);
-        wc.hbrBackground = CreatePatternBrush(pattern); // the class deletes it
-        wc.lpszClassName = m_class.c_str();
-        RegisterClassExW(&wc);
+        win32ui::registerWindowClass(m_class.c_str(), &DefWindowProcW, CreatePatternBrush(pattern)); // it owns the brush
         DeleteObject(pattern);
         m_window = CreateWindowExW(0, m_class.c_str(), title.c_str(), WS_POPUP, x, y, picture.width(), picture.height(),
                                    nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
@@ -117,12 +111,8 @@ inline bool runningUnderWine()
 // Empties the clipboard, then hands it `data` in that format (it owns it then); false when refused.
 inline bool setClipboard(UINT format = 0, HANDLE data = nullptr)
 {
-    if (!OpenClipboard(nullptr))
-        return false;
-    EmptyClipboard();
-    const bool placed = data == nullptr || SetClipboardData(format, data) != nullptr;
-    CloseClipboard();
-    return placed;
+    const platform::win32::OpenedClipboard clipboard;
+    return clipboard.isOpen() && EmptyClipboard() && (data == nullptr || SetClipboardData(format, data) != nullptr);
 }
 
 // A picture of noise, distinct for each seed.
@@ -244,9 +234,8 @@ inline Frame frameOf(HBITMAP bitmap)
     GetObjectW(bitmap, sizeof header, &header);
     CaptureBitmap rows = blankCapture(header.bmWidth, header.bmHeight);
     BITMAPINFO info = dibInfo(header.bmWidth, header.bmHeight);
-    const HDC screen = GetDC(nullptr);
-    GetDIBits(screen, bitmap, 0, static_cast<UINT>(rows.rows), rows.pixels.data(), &info, DIB_RGB_COLORS);
-    ReleaseDC(nullptr, screen);
+    GetDIBits(platform::win32::WindowDC().get(), bitmap, 0, static_cast<UINT>(rows.rows), rows.pixels.data(), &info,
+              DIB_RGB_COLORS);
     return toFrame(rows);
 }
 
@@ -255,17 +244,14 @@ inline Frame screenPicture(HWND window)
 {
     RECT r;
     GetWindowRect(window, &r);
-    const HDC screen = GetDC(nullptr);
-    const HDC memory = CreateCompatibleDC(screen);
-    const HBITMAP bitmap = CreateCompatibleBitmap(screen, r.right - r.left, r.bottom - r.top);
-    const HGDIOBJ old = SelectObject(memory, bitmap);
-    BitBlt(memory, 0, 0, r.right - r.left, r.bottom - r.top, screen, r.left, r.top, SRCCOPY);
-    SelectObject(memory, old);
-    DeleteDC(memory);
-    ReleaseDC(nullptr, screen);
-    const Frame picture = frameOf(bitmap);
-    DeleteObject(bitmap);
-    return picture;
+    const platform::win32::WindowDC screen;
+    const platform::win32::MemoryDC memory(CreateCompatibleDC(screen.get()));
+    const platform::win32::Bitmap bitmap(CreateCompatibleBitmap(screen.get(), r.right - r.left, r.bottom - r.top));
+    {
+        const platform::win32::Selection selected(memory.get(), bitmap.get());
+        BitBlt(memory.get(), 0, 0, r.right - r.left, r.bottom - r.top, screen.get(), r.left, r.top, SRCCOPY);
+    }
+    return frameOf(bitmap.get());
 }
 
 } // namespace tvx::test

@@ -282,9 +282,8 @@ Frame decode(const std::filesystem::path& path)
         flat::GdipDisposeImage(bitmap);
     }
     Gdiplus::GdiplusShutdown(token);
-    const Frame frame = handle != nullptr ? test::frameOf(handle) : Frame{};
-    DeleteObject(handle);
-    return frame;
+    const platform::win32::Bitmap owned(handle);
+    return test::frameOf(handle);
 }
 
 // Smooth areas with some detail, like a game screen, so JPEG quality shows.
