@@ -171,10 +171,7 @@ HANDLE newConsoleBuffer()
         buffer = AllocConsole() ? create() : INVALID_HANDLE_VALUE;
     }
     DWORD mode = 0;
-    if (buffer == INVALID_HANDLE_VALUE || GetConsoleMode(buffer, &mode))
-        return buffer == INVALID_HANDLE_VALUE ? nullptr : buffer;
-    CloseHandle(buffer);
-    return nullptr;
+    return buffer != INVALID_HANDLE_VALUE && GetConsoleMode(buffer, &mode) ? buffer : nullptr;
 }
 
 TEST(ConsoleTextTest, JapaneseShowsRightOnAConsoleOfAnotherCodePage)
