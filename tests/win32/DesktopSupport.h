@@ -62,15 +62,14 @@ inline HBITMAP deviceBitmap(const Frame& picture)
     return CreateDIBitmap(screen.get(), &info.bmiHeader, CBM_INIT, rows.pixels.data(), &info, DIB_RGB_COLORS);
 }
 
-// A borderless top-level window at a screen position that shows a fixed picture, so its
-// client area is the picture in screen coordinates. Its own class erases with the picture.
+// A borderless window showing a picture at a screen position: its own class's brush erases with it.
 class PaintedWindow {
 public:
     PaintedWindow(const std::wstring& title, const Frame& picture, int x = 0, int y = 0)
         : m_class(L"TallivexPainted" + std::to_wstring(++s_classes))
     {
         const HBITMAP pattern = deviceBitmap(picture);
-        win32ui::registerWindowClass(m_class.c_str(), &DefWindowProcW, CreatePatternBrush(pattern)); // it owns the brush
+        win32ui::registerWindowClass(m_class.c_str(), &DefWindowProcW, CreatePatternBrush(pattern));
         DeleteObject(pattern);
         m_window = CreateWindowExW(0, m_class.c_str(), title.c_str(), WS_POPUP, x, y, picture.width(), picture.height(),
                                    nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
@@ -86,8 +85,6 @@ public:
     }
     PaintedWindow(const PaintedWindow&) = delete;
     PaintedWindow& operator=(const PaintedWindow&) = delete;
-
-    HWND handle() const { return m_window; }
 
     // True once the system reports it as the active window.
     bool bringToFront()
@@ -125,9 +122,8 @@ inline Frame noiseFrame(std::int32_t width, std::int32_t height, std::uint32_t s
     return frame;
 }
 
-// Plays the player's part while a modal dialog runs its own message loop: each step runs
-// from a thread timer until it returns true, then the next. A script that has not
-// finished after its deadline closes the active window, so a test can fail, not hang.
+// Plays the player's part in a modal dialog's loop: each step runs from a thread timer until it returns
+// true. Past its deadline it closes the active window, so a test can fail, not hang.
 class DialogScript {
 public:
     explicit DialogScript(std::deque<std::function<bool()>> steps, DWORD deadlineMs = 10000)
