@@ -12,9 +12,6 @@
 
 namespace {
 
-constexpr const char* kUsage = "usage: tallivex_e2e_support prepare HOME | place PROGRAM.exe X Y\n"
-                               "                            | check HOME STATE-FILE MIN-RECORDS\n";
-
 struct Placement { std::wstring program; int x = 0; int y = 0; int moved = 0; };
 
 std::wstring programOf(HWND window)
@@ -77,6 +74,6 @@ int main(int argc, char** argv)
         return place(args[2], args[3], args[4]);
     if (args.size() == 5 && args[1] == "check")
         return check(args[2], args[3], args[4]);
-    std::fputs(kUsage, stderr);
+    std::fputs("usage: tallivex_e2e_support prepare HOME | place PROGRAM.exe X Y | check HOME STATE MINIMUM\n", stderr);
     return 2;
 }

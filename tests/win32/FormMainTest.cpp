@@ -54,11 +54,9 @@ TEST_F(FormMainWin32Test, LogBoxControlKeepsTheLast512LinesWithTheCaretAtTheEnd)
     host->meter().logBox().write(block);
     for (int line : {511, 512, 513, 514, 599})
         host->meter().logBox().write("line " + std::to_string(line) + "\r\n");
+    // The engine's cut is LogBoxTest's; the control holds what the engine holds.
     EXPECT_EQ(SendMessageW(txtLog(), EM_GETLINECOUNT, 0, 0), 513); // and the empty one after the last break
-    const std::string text = win32ui::windowText(txtLog());
-    EXPECT_EQ(text, host->meter().logBox().text());
-    EXPECT_EQ(text.rfind("line 4\r\n", 0), 0u) << text.substr(0, 40);
-    EXPECT_TRUE(text.ends_with("line 514\r\nline 599\r\n"));
+    EXPECT_EQ(win32ui::windowText(txtLog()), host->meter().logBox().text());
     DWORD start = 0;
     DWORD end = 0;
     SendMessageW(txtLog(), EM_GETSEL, reinterpret_cast<WPARAM>(&start), reinterpret_cast<LPARAM>(&end));
