@@ -114,7 +114,7 @@ protected:
 };
 
 // Taking the picture leaves it on the clipboard: it comes back the same a second time.
-TEST_F(ClipboardTest, BitmapsOfTheScreensAndAnotherDepthComeBackAs24BitsBottomUpAndStayThere)
+TEST_F(ClipboardTest, ScreenAndDibSectionBitmapsComeBackAs24BitsBottomUpAndStayThere)
 {
     // An odd width, so the rows of the result need padding.
     const Frame picture = test::noiseFrame(37, 23, 5);

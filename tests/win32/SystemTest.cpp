@@ -44,7 +44,7 @@ TEST(SingleInstanceTest, AHomeIsTakenOnceHoweverSpelledAndFreeAgainWhenReleased)
     CharUpperW(upper.data());
     for (const auto& same : {std::filesystem::path(upper), home.path() / "", home.path() / "sub" / ".."})
         EXPECT_EQ(acquireSingleInstance(same), nullptr);
-    // Another home is free, a Japanese one too.
+    // Another home is free, one with a Japanese name too.
     EXPECT_NE(acquireSingleInstance(home.path() / std::filesystem::path(u8"メイプル")), nullptr);
     first.reset();
     EXPECT_NE(acquireSingleInstance(home.path()), nullptr);
