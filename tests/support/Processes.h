@@ -2,14 +2,15 @@
 
 #include <chrono>
 #include <csignal>
-#include <fcntl.h>
 #include <cstdio>
+#include <fcntl.h>
+#include <fstream>
 #include <functional>
 #include <spawn.h>
 #include <string>
 #include <sys/wait.h>
 #include <thread>
-#include <unistd.h>
+#include <utility>
 #include <vector>
 
 extern char** environ;
@@ -29,15 +30,14 @@ public:
         argv.push_back(nullptr);
         posix_spawn_file_actions_t files;
         posix_spawn_file_actions_init(&files);
-        if (!out.empty())
-            posix_spawn_file_actions_addopen(&files, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-        if (!err.empty())
-            posix_spawn_file_actions_addopen(&files, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        for (const auto& [fd, file] : {std::pair{1, &out}, std::pair{2, &err}})
+            if (!file->empty())
+                posix_spawn_file_actions_addopen(&files, fd, file->c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
         if (posix_spawnp(&m_pid, argv[0], &files, nullptr, argv.data(), environ) != 0)
             m_pid = -1;
         posix_spawn_file_actions_destroy(&files);
     }
-    Child(Child&& other) noexcept : m_pid(other.m_pid) { other.m_pid = -1; }
+    Child(Child&& other) noexcept : m_pid(std::exchange(other.m_pid, -1)) {}
     Child& operator=(Child&& other) noexcept
     {
         std::swap(m_pid, other.m_pid);
@@ -56,17 +56,15 @@ public:
     }
     void stop(int signal = SIGTERM)
     {
-        if (m_pid <= 0)
-            return;
-        kill(m_pid, signal);
+        if (m_pid > 0)
+            kill(m_pid, signal);
         wait();
     }
     // Its exit status once it has ended; -1 when it did not exit by itself.
     int wait()
     {
         int status = 0;
-        const bool ended = m_pid > 0 && waitpid(m_pid, &status, 0) == m_pid;
-        m_pid = -1;
+        const bool ended = m_pid > 0 && waitpid(std::exchange(m_pid, -1), &status, 0) > 0;
         return ended && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
 
@@ -99,9 +97,8 @@ inline bool eventually(const std::function<bool()>& condition, std::chrono::mill
     return condition();
 }
 
-// An Xvfb server of the given size ("1760x1000x24") on a display number it chooses itself,
-// since other test runs on this machine may be starting servers at the same moment. The
-// number is passed through a file in the folder; display is empty when no server came up.
+// An Xvfb server of the given size ("1760x1000x24") on a display number it chooses itself
+// and writes into a file of the folder; display is empty when no server came up.
 struct VirtualScreen {
     Child server;
     std::string display;
@@ -109,25 +106,24 @@ struct VirtualScreen {
 
 inline VirtualScreen startVirtualScreen(const std::string& size, const std::string& folder)
 {
-    // Two servers starting at once may both pick a number; the one that loses it ends, and
-    // is started again.
+    // Other runs start servers at the same moment. The number is ours once a client there
+    // is answered with our size while our server runs; a server that lost its number or
+    // died starting is started again. The socket also comes before the server takes clients.
+    std::string answer = size.substr(0, size.rfind('x')) + "\n";
+    answer[answer.find('x')] = ' ';
     for (int attempt = 0; attempt < 3; ++attempt) {
-        const std::string chosen = folder + "/display";
-        VirtualScreen screen{Child({"Xvfb", "-displayfd", "1", "-screen", "0", size, "-nolisten", "tcp"}, chosen), {}};
+        const std::string told = folder + "/display";
+        VirtualScreen screen{Child({"Xvfb", "-displayfd", "1", "-screen", "0", size, "-nolisten", "tcp"}, told), {}};
         std::string number;
-        const bool told = screen.server.started() && eventually([&] {
+        const auto ours = [&] {
             number.clear();
-            if (FILE* file = std::fopen(chosen.c_str(), "r")) {
-                char buffer[32] = {};
-                if (std::fgets(buffer, sizeof buffer, file) != nullptr)
-                    number = buffer;
-                std::fclose(file);
-            }
-            return !number.empty() && number.back() == '\n';
-        }, std::chrono::seconds(10));
-        std::this_thread::sleep_for(std::chrono::milliseconds(300));
-        if (told && screen.server.running()) {
-            screen.display = ":" + number.substr(0, number.size() - 1);
+            std::ifstream(told) >> number;
+            return !number.empty() &&
+                   output("DISPLAY=:" + number + " xdotool getdisplaygeometry 2>/dev/null") == answer;
+        };
+        if (eventually([&] { return !screen.server.running() || ours(); }, std::chrono::seconds(20)) &&
+            screen.server.running() && ours()) {
+            screen.display = ":" + number;
             return screen;
         }
     }
