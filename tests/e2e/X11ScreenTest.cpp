@@ -18,16 +18,10 @@
 namespace tvx {
 namespace {
 
-using namespace std::chrono_literals;
-
 // The bands as a bitmap file's rows, and the order they came in.
 class CollectedRows final : public ScreenRows {
 public:
-    void begin(std::int32_t width, std::int32_t height) override
-    {
-        stride = bitmapStride24(width);
-        this->height = height;
-    }
+    void begin(std::int32_t width, std::int32_t) override { stride = bitmapStride24(width); }
     void rows(std::int32_t top, std::int32_t count, const std::uint8_t* data) override
     {
         EXPECT_EQ(top + count, nextBottom) << "bands come bottom first, without gaps";
@@ -36,7 +30,6 @@ public:
     }
 
     std::size_t stride = 0;
-    std::int32_t height = 0;
     std::int32_t nextBottom = 0;
     ZeroedBytes bytes;
 };
@@ -45,16 +38,12 @@ TEST(X11Screen, BandsWholeScreenAndRegionsAreOnePictureAndTheGameIsFoundByTitle)
 {
     test::TempFolder folder;
     const test::VirtualScreen xvfb = test::startVirtualScreen("1023x700x24", folder.path().string());
-    ASSERT_FALSE(xvfb.display.empty()) << "Xvfb is missing or did not start";
-    const std::string& display = xvfb.display;
-    xcb_connection_t* painter = nullptr;
-    ASSERT_TRUE(test::eventually([&] {
-        if (painter != nullptr)
-            xcb_disconnect(painter);
-        painter = xcb_connect(display.c_str(), nullptr);
-        return xcb_connection_has_error(painter) == 0;
-    }, 10s));
-    setenv("DISPLAY", display.c_str(), 1);
+    ASSERT_FALSE(xvfb.display.empty()) << "Xvfb or xdotool is missing, or the server did not start";
+    xcb_connection_t* painter = xcb_connect(xvfb.display.c_str(), nullptr);
+    ASSERT_EQ(xcb_connection_has_error(painter), 0);
+    setenv("DISPLAY", xvfb.display.c_str(), 1);
+    // A round trip: everything asked before is done.
+    const auto sync = [&] { std::free(xcb_get_input_focus_reply(painter, xcb_get_input_focus(painter), nullptr)); };
 
     // Coloured blocks at uneven places, among them across the last column and the bottom row.
     xcb_screen_t* root = xcb_setup_roots_iterator(xcb_get_setup(painter)).data;
@@ -72,7 +61,7 @@ TEST(X11Screen, BandsWholeScreenAndRegionsAreOnePictureAndTheGameIsFoundByTitle)
         xcb_poly_fill_rectangle(painter, root->root, gc, 1, &block.rect);
         xcb_free_gc(painter, gc);
     }
-    std::free(xcb_get_input_focus_reply(painter, xcb_get_input_focus(painter), nullptr)); // drawn by now
+    sync();
 
     const std::unique_ptr<platform::GameScreen> screen = platform::makeGameScreen();
     ASSERT_TRUE(screen);
@@ -127,15 +116,14 @@ TEST(X11Screen, BandsWholeScreenAndRegionsAreOnePictureAndTheGameIsFoundByTitle)
     const xcb_window_t inner = window(window(frame, nullptr, nullptr, true), "Framed", nullptr, true);
     const xcb_window_t top = window(root->root, "Old", "メイプル", true);
     window(root->root, "Hidden", nullptr, false);
-    std::free(xcb_get_input_focus_reply(painter, xcb_get_input_focus(painter), nullptr));
     xcb_set_input_focus(painter, XCB_INPUT_FOCUS_POINTER_ROOT, top, XCB_CURRENT_TIME);
-    std::free(xcb_get_input_focus_reply(painter, xcb_get_input_focus(painter), nullptr));
+    sync();
     EXPECT_EQ(screen->state("メイプル"), GameWindowState::Front);
     EXPECT_EQ(screen->state("Old"), GameWindowState::Missing) << "the UTF-8 name is the title";
     EXPECT_EQ(screen->state("Framed"), GameWindowState::Background);
     EXPECT_EQ(screen->state("Hidden"), GameWindowState::Missing);
     xcb_set_input_focus(painter, XCB_INPUT_FOCUS_POINTER_ROOT, inner, XCB_CURRENT_TIME);
-    std::free(xcb_get_input_focus_reply(painter, xcb_get_input_focus(painter), nullptr));
+    sync();
     EXPECT_EQ(screen->state("Framed"), GameWindowState::Front);
     xcb_disconnect(painter);
 }

@@ -13,32 +13,18 @@ namespace {
 namespace fs = std::filesystem;
 
 // Points the per-user data folder into the test's folder for as long as it lives.
-class UserDataIn {
-public:
-    explicit UserDataIn(const fs::path& folder)
-    {
-#ifdef _WIN32
-        if (const wchar_t* old = _wgetenv(kName))
-            m_old = old;
-#else
-        if (const char* old = std::getenv(kName))
-            m_old = old;
-#endif
-        set(folder);
-    }
-    ~UserDataIn() { set(m_old); }
-    UserDataIn(const UserDataIn&) = delete;
-    UserDataIn& operator=(const UserDataIn&) = delete;
-
-private:
+struct UserDataIn {
 #ifdef _WIN32
     static constexpr const wchar_t* kName = L"LOCALAPPDATA";
     static void set(const fs::path& value) { _wputenv_s(kName, value.c_str()); }
+    const fs::path old = _wgetenv(kName) != nullptr ? _wgetenv(kName) : L"";
 #else
     static constexpr const char* kName = "XDG_DATA_HOME";
     static void set(const fs::path& value) { setenv(kName, value.c_str(), 1); }
+    const fs::path old = std::getenv(kName) != nullptr ? std::getenv(kName) : "";
 #endif
-    fs::path m_old;
+    explicit UserDataIn(const fs::path& folder) { set(folder); }
+    ~UserDataIn() { set(old); }
 };
 
 // Where the help documents and the home folder go for each way the program can be laid
@@ -49,11 +35,8 @@ TEST(HomeFolderTest, FollowsHowTheProgramIsLaidOut)
     test::TempFolder temp;
     const fs::path t = temp.path();
     UserDataIn userData(t / "user data");
-    fs::create_directories(t / "usr/bin");
-    fs::create_directories(t / "usr/share/tallivex");
-    fs::create_directories(t / "build/src/app");
-    fs::create_directories(t / "odd/bin");
-    fs::create_directories(t / "odd/share");
+    for (const char* folder : {"usr/bin", "usr/share/tallivex", "build/src/app", "odd/bin", "odd/share"})
+        fs::create_directories(t / folder);
     std::ofstream(t / "odd/share/tallivex") << "a file, not the data folder";
     const fs::path installedData = "../share/tallivex";
     const fs::path perUser = userDataFolder();
