@@ -15,6 +15,8 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
+#include <optional>
 #include <sstream>
 #include <vector>
 
@@ -46,9 +48,10 @@ Frame toFrame(const QImage& image)
     return frame;
 }
 
-const std::vector<CharacterState>& sampleStates()
+TEST(PracticeScene, PaintedStatesReadBackExactly)
 {
-    static const std::vector<CharacterState> states = {
+    const Settings settings = defaultSettings("");
+    const CharacterState states[] = {
         {1, 0, 0},
         {1, 14, 5},
         {50, 250'000, 12'345'678},
@@ -58,19 +61,11 @@ const std::vector<CharacterState>& sampleStates()
         {199, 38'703'313'816 - 36'692'244'111 - 1, PracticeCharacter::kMaxMoney},
         {200, 0, 99'999'999'999'999},
     };
-    return states;
-}
-
-TEST(PracticeScene, PaintedStatesReadBackExactly)
-{
-    const Settings settings = defaultSettings("");
-    for (const CharacterState& state : sampleStates()) {
+    for (const CharacterState& state : states) {
         SCOPED_TRACE(testing::Message() << state.level << ' ' << state.exp << ' ' << state.money);
-        const PracticeCharacter character(state);
-        ASSERT_EQ(character.state(), state); // the sample itself must be a reachable state
+        ASSERT_EQ(PracticeCharacter(state).state(), state); // the sample itself must be a reachable state
         const Frame frame = paintScene(settings, state);
-        EXPECT_EQ(frame.width(), 800);
-        EXPECT_EQ(frame.height(), 600);
+        EXPECT_EQ(std::pair(frame.width(), frame.height()), std::pair(800, 600));
         EXPECT_EQ(readBack(frame), state);
     }
 }
@@ -86,75 +81,57 @@ TEST(PracticeScene, TextsStayOutOfTheCaptureRegions)
                                                             << region.StartY;
 }
 
-class PracticeWindowTest : public testing::Test {
-protected:
-    PracticeOptions options(const CharacterState& start)
-    {
-        PracticeOptions o;
-        o.start = start;
-        o.expPerTick = 1000;
-        o.moneyPerTick = 7;
-        o.tickMs = 3'600'000; // the test drives the ticks
-        o.stateFile = pathUtf8(m_folder.path() / "state.txt");
-        return o;
-    }
-
-    std::vector<std::string> stateLines() const
-    {
-        std::istringstream text(test::readAll(m_folder.path() / "state.txt"));
-        std::vector<std::string> lines;
-        for (std::string line; std::getline(text, line);) {
-            // The epoch seconds differ per run; the rest is what was drawn.
-            EXPECT_GT(std::stoll(line.substr(0, line.find(' '))), 1'600'000'000) << line;
-            lines.push_back(line.substr(line.find(' ') + 1));
-        }
-        return lines;
-    }
-
-    test::TempFolder m_folder;
-};
-
-TEST_F(PracticeWindowTest, KeysAndTicksChangeWhatTheGrabbedWindowShowsAndEveryChangeIsNoted)
+TEST(PracticeWindow, KeysAndTicksChangeWhatTheGrabbedWindowShowsAndEveryChangeIsNoted)
 {
-    const CharacterState start{77, 123'456, 9'876'543'210};
-    PracticeWindow window(options(start));
+    test::TempFolder folder;
+    PracticeOptions options;
+    options.start = {77, 123'456, 9'876'543'210};
+    options.expPerTick = 1000;
+    options.moneyPerTick = 7;
+    options.tickMs = 3'600'000; // the test drives the ticks
+    options.stateFile = pathUtf8(folder.path() / "state.txt");
+    PracticeWindow window(options);
     EXPECT_EQ(window.windowTitle(), QStringLiteral("MapleStory"));
     EXPECT_TRUE(window.windowFlags().testFlag(Qt::FramelessWindowHint));
     window.show();
     const QImage shot = window.grab().toImage();
     ASSERT_EQ(shot.size(), QSize(800, 600));
-    EXPECT_EQ(readBack(toFrame(shot)), start);
+    EXPECT_EQ(readBack(toFrame(shot)), options.start);
 
-    PracticeCharacter expected(start);
-    std::vector<std::string> lines{"77 123456 9876543210"};
-    const auto note = [&] {
-        const CharacterState& s = expected.state();
-        lines.push_back(std::to_string(s.level) + ' ' + std::to_string(s.exp) + ' ' + std::to_string(s.money));
-    };
     QTest::keyClick(&window, Qt::Key_Space);
     EXPECT_TRUE(window.paused());
     window.tick(); // paused: nothing rises, nothing is noted
     QTest::keyClick(&window, Qt::Key_Space);
     EXPECT_FALSE(window.paused());
-    QTest::keyClick(&window, Qt::Key_U);
-    expected.levelUp();
-    note();
-    window.tick();
-    expected.rise(1000, 7);
-    note();
-    EXPECT_EQ(readBack(toFrame(window.grab().toImage())), expected.state());
-    QTest::keyClick(&window, Qt::Key_D);
-    expected.die();
-    note();
-    QTest::keyClick(&window, Qt::Key_D);
-    expected.die();
-    note();
-    QTest::keyClick(&window, Qt::Key_C);
-    expected.change();
-    note();
+    // A key, or a tick without one, and the same on a character of our own; each change noted.
+    PracticeCharacter expected(options.start);
+    std::vector<std::string> lines{"77 123456 9876543210"};
+    const std::pair<std::optional<Qt::Key>, std::function<void()>> steps[] = {
+        {Qt::Key_U, [&] { expected.levelUp(); }},
+        {std::nullopt, [&] { expected.rise(1000, 7); }},
+        {Qt::Key_D, [&] { expected.die(); }},
+        {Qt::Key_D, [&] { expected.die(); }},
+        {Qt::Key_C, [&] { expected.change(); }},
+    };
+    for (const auto& [key, same] : steps) {
+        if (key)
+            QTest::keyClick(&window, *key);
+        else
+            window.tick();
+        same();
+        const CharacterState& s = expected.state();
+        lines.push_back(std::to_string(s.level) + ' ' + std::to_string(s.exp) + ' ' + std::to_string(s.money));
+        EXPECT_EQ(readBack(toFrame(window.grab().toImage())), s) << lines.back();
+    }
     EXPECT_EQ(window.state(), expected.state());
-    EXPECT_EQ(readBack(toFrame(window.grab().toImage())), expected.state());
-    EXPECT_EQ(stateLines(), lines);
+    // The state file: seconds since the epoch, then what was drawn.
+    std::istringstream text(test::readAll(folder.path() / "state.txt"));
+    std::vector<std::string> noted;
+    for (std::string line; std::getline(text, line);) {
+        EXPECT_GT(std::stoll(line.substr(0, line.find(' '))), 1'600'000'000) << line;
+        noted.push_back(line.substr(line.find(' ') + 1));
+    }
+    EXPECT_EQ(noted, lines);
 }
 
 } // namespace
