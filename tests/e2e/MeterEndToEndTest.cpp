@@ -23,7 +23,6 @@ class MeterEndToEndTest : public testing::Test {
 protected:
     void SetUp() override
     {
-        screen = test::startVirtualScreen("1760x1000x24", pathUtf8(home.path()));
         ASSERT_FALSE(screen.display.empty()) << "Xvfb or xdotool is missing, or the server did not start";
         setenv("DISPLAY", screen.display.c_str(), 1);
         test::writeSessionSettings(home.path(), save);
@@ -63,7 +62,7 @@ protected:
     test::TempFolder home;
     fs::path save = home.path() / "save";
     fs::path state = home.path() / "practice-state.txt";
-    test::VirtualScreen screen;
+    test::VirtualScreen screen = test::startVirtualScreen("1760x1000x24", pathUtf8(home.path()));
 };
 
 TEST_F(MeterEndToEndTest, TheMeterReadsThePracticeTargetAndAnswersGestures)

@@ -38,11 +38,6 @@ public:
         posix_spawn_file_actions_destroy(&files);
     }
     Child(Child&& other) noexcept : m_pid(std::exchange(other.m_pid, -1)) {}
-    Child& operator=(Child&& other) noexcept
-    {
-        std::swap(m_pid, other.m_pid);
-        return *this;
-    }
     ~Child() { stop(); }
 
     bool started() const { return m_pid > 0; }

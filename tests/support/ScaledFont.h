@@ -5,8 +5,10 @@
 #include "support/BitmapFont.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
+#include <map>
 #include <string_view>
 #include <vector>
 
@@ -26,23 +28,20 @@ struct ScaledDrawing {
 
 inline std::vector<std::uint16_t> scaledFontColumns(std::string_view text, bool narrowOne, bool builtIn)
 {
+    static const std::map<char, std::array<std::string_view, 7>> letters{
+        {'E', {"####", "#...", "#...", "###.", "#...", "#...", "####"}},
+        {'X', {"#...#", "#...#", ".#.#.", "..#..", ".#.#.", "#...#", "#...#"}},
+        {'P', {"####.", "#...#", "#...#", "####.", "#....", "#....", "#...."}},
+        {':', {".", "#", ".", ".", ".", "#", "."}},
+    };
     std::vector<std::uint16_t> columns;
     for (const char c : text) {
-        std::vector<std::uint16_t> glyph = fontGlyph(c);
-        if (builtIn && c >= '0' && c <= '9')
-            glyph = *decodePatternColumns(defaultPatternStrings()[RegionExp][static_cast<std::size_t>(c - '0')]);
-        if (builtIn && c == ']')
-            glyph = *decodePatternColumns(defaultPatternStrings()[RegionExp][kDelimiterIndex]);
+        std::vector<std::uint16_t> glyph = letters.contains(c) ? glyphFromRows(letters.at(c), 1) : fontGlyph(c);
+        if (builtIn && ((c >= '0' && c <= '9') || c == ']'))
+            glyph = *decodePatternColumns(
+                defaultPatternStrings()[RegionExp][c == ']' ? kDelimiterIndex : static_cast<std::size_t>(c - '0')]);
         if (c == '1' && narrowOne)
             glyph = glyphFromRows({".#", "##", ".#", ".#", ".#", ".#", ".#"}, 1);
-        if (c == ':')
-            glyph = {0x44, 0};
-        if (c == 'E')
-            glyph = glyphFromRows({"####", "#...", "#...", "###.", "#...", "#...", "####"}, 1);
-        if (c == 'X')
-            glyph = glyphFromRows({"#...#", "#...#", ".#.#.", "..#..", ".#.#.", "#...#", "#...#"}, 1);
-        if (c == 'P')
-            glyph = glyphFromRows({"####.", "#...#", "#...#", "####.", "#....", "#....", "#...."}, 1);
         columns.insert(columns.end(), glyph.begin(), glyph.end());
     }
     return columns;
@@ -61,20 +60,16 @@ inline void drawScaledText(Frame& frame, const CaptureRegionRect& rect, std::str
             return 0.0;
         return (columns[static_cast<std::size_t>(x)] >> y & 1) ? 1.0 : 0.0;
     };
-    constexpr int kSamples = 4;
+    // Smoothed, the coverage of a 4 x 4 grid of samples; else the pixel's centre alone.
+    const int samples = how.smooth ? 4 : 1;
     for (std::int32_t y = 0; y < rect.SizeY; ++y)
         for (std::int32_t x = 0; x < rect.SizeX; ++x) {
             double cover = 0;
-            if (how.smooth) {
-                for (int sy = 0; sy < kSamples; ++sy)
-                    for (int sx = 0; sx < kSamples; ++sx)
-                        cover += ink((x + (sx + 0.5) / kSamples - how.originX) / how.scale,
-                                     (y + (sy + 0.5) / kSamples - how.originY) / how.scale);
-                cover /= kSamples * kSamples;
-            } else {
-                cover = ink((x + 0.5 - how.originX) / how.scale, (y + 0.5 - how.originY) / how.scale);
-            }
-            const auto level = static_cast<std::uint8_t>(std::lround(30 + cover * 210));
+            for (int sy = 0; sy < samples; ++sy)
+                for (int sx = 0; sx < samples; ++sx)
+                    cover += ink((x + (sx + 0.5) / samples - how.originX) / how.scale,
+                                 (y + (sy + 0.5) / samples - how.originY) / how.scale);
+            const auto level = static_cast<std::uint8_t>(std::lround(30 + cover * 210 / (samples * samples)));
             frame.setPixel(rect.StartX + x, rect.StartY + y, level, level, level);
         }
 }

@@ -18,10 +18,11 @@ class TempFolder {
 public:
     TempFolder()
     {
+        static int instances = 0;
         const auto* info = testing::UnitTest::GetInstance()->current_test_info();
         m_path = std::filesystem::temp_directory_path() /
                  utf8Path("tallivex 試験 " + std::string(info->test_suite_name()) + "-" + info->name() + "-" +
-                          std::to_string(getpid()) + "-" + std::to_string(++instances()));
+                          std::to_string(getpid()) + "-" + std::to_string(++instances));
         std::filesystem::remove_all(m_path);
         std::filesystem::create_directories(m_path);
     }
@@ -36,12 +37,6 @@ public:
     const std::filesystem::path& path() const { return m_path; }
 
 private:
-    static int& instances()
-    {
-        static int count = 0;
-        return count;
-    }
-
     std::filesystem::path m_path;
 };
 
