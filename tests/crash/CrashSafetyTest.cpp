@@ -33,7 +33,7 @@ protected:
         EXPECT_TRUE(cli.started());
         if (killWithin > Clock::duration::zero()) {
             const auto us = std::chrono::duration_cast<std::chrono::microseconds>(killWithin).count();
-            std::this_thread::sleep_for(std::chrono::microseconds(std::uniform_int_distribution<long>(0, us)(m_random)));
+            std::this_thread::sleep_for(std::chrono::microseconds(std::uniform_int_distribution(0L, us)(m_random)));
             cli.stop(SIGKILL);
         }
         cli.wait();

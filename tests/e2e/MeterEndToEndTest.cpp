@@ -48,15 +48,14 @@ protected:
         return testing::AssertionFailure() << "no \"" << line << "\" in the debug log:\n" << debugLog();
     }
 
-    // The screenshots whose names start so.
-    std::size_t shots(const std::string& prefix, const std::string& suffix = "")
+    // How many screenshots are named so.
+    long shots(const std::string& prefix, const std::string& suffix = "")
     {
-        std::size_t n = 0;
         std::error_code error;
-        for (const auto& entry : fs::directory_iterator(save / "ss", error))
-            n += pathUtf8(entry.path().filename()).starts_with(prefix) &&
-                 pathUtf8(entry.path().filename()).ends_with(suffix);
-        return n;
+        return std::count_if(fs::directory_iterator(save / "ss", error), {}, [&](const fs::directory_entry& entry) {
+            const std::string name = pathUtf8(entry.path().filename());
+            return name.starts_with(prefix) && name.ends_with(suffix);
+        });
     }
 
     test::TempFolder home;
@@ -101,7 +100,7 @@ TEST_F(MeterEndToEndTest, TheMeterReadsThePracticeTargetAndAnswersGestures)
     x("key u");
     ASSERT_TRUE(test::eventually([&] { return shots("LvUP_") == 4; }, 15s)) << debugLog();
     for (const char* suffix : {"_a.png", "_b.png", "_c.png", "_d.png"})
-        EXPECT_EQ(shots("LvUP_", suffix), 1u) << suffix;
+        EXPECT_EQ(shots("LvUP_", suffix), 1) << suffix;
 
     // Debug mode from the options window (設定 → 動作), then the test recognition of the
     // debug area under the log box; the recogniser's trace reaches the debug log.

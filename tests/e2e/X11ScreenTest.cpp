@@ -1,6 +1,5 @@
-// The X11 back end on a virtual screen of a width whose rows need padding: the screen a
-// reading writes out band by band, the whole screen and the regions' grab are one picture,
-// and the game window is found by its title where a player's desktop would have it.
+// The X11 back end on a screen whose rows need padding: bands, whole screen and regions'
+// grab are one picture, and the game window is found by its title wherever it sits.
 #include "support/Processes.h"
 
 #include "GameScreen.h"

@@ -29,14 +29,13 @@ CharacterState readBack(const Frame& frame)
     const Settings settings = defaultSettings("");
     ScreenRecognizer recognizer(settings);
     const CaptureBitmap bitmap = toCaptureBitmap(frame);
-    std::array<std::string, kRegionCount> digits;
-    for (int region = 0; region < kRegionCount; ++region) {
+    const auto read = [&](int region) {
         recognizer.fill(region, bitmap);
         recognizer.binarize(region);
-        digits[static_cast<std::size_t>(region)] = recognizer.recognize(region).digits;
-    }
-    return {levelFromText(digits[RegionLevel]), amountFromText(digits[RegionExp]).wholePart(),
-            amountFromText(digits[RegionMoney]).wholePart()};
+        return recognizer.recognize(region).digits;
+    };
+    return {levelFromText(read(RegionLevel)), amountFromText(read(RegionExp)).wholePart(),
+            amountFromText(read(RegionMoney)).wholePart()};
 }
 
 Frame toFrame(const QImage& image)
@@ -52,13 +51,8 @@ TEST(PracticeScene, PaintedStatesReadBackExactly)
 {
     const Settings settings = defaultSettings("");
     const CharacterState states[] = {
-        {1, 0, 0},
-        {1, 14, 5},
-        {50, 250'000, 12'345'678},
-        {100, 1, 1'000'000},
-        {10, 9, 2'147'483'647},
-        {190, 1'234'567'890, 9'876'543'210},
-        {199, 38'703'313'816 - 36'692'244'111 - 1, PracticeCharacter::kMaxMoney},
+        {1, 0, 0}, {1, 14, 5}, {50, 250'000, 12'345'678}, {100, 1, 1'000'000}, {10, 9, 2'147'483'647},
+        {190, 1'234'567'890, 9'876'543'210}, {199, 38'703'313'816 - 36'692'244'111 - 1, PracticeCharacter::kMaxMoney},
         {200, 0, 99'999'999'999'999},
     };
     for (const CharacterState& state : states) {

@@ -1,7 +1,5 @@
-// The Linux and the Windows command line (under wine) replay one session, from and into
-// folders named in Japanese with blanks, and must give the same record files and the same
-// standard output, byte for byte. Run by scripts/test.sh once both builds exist:
-// TALLIVEX_WINDOWS_CLI names tallivex-cli.exe, TALLIVEX_WINE the wine to run it with.
+// The Linux and the Windows command line (under wine, both named by scripts/test.sh) replay
+// one session between folders named in Japanese with blanks, and must write the same bytes.
 #include "recognition/CaptureFile.h"
 #include "base/Utf8Path.h"
 #include "measurement/SessionHistory.h"

@@ -52,24 +52,18 @@ inline std::vector<std::uint16_t> fontGlyph(char c)
     return std::vector<std::uint16_t>(kFontPitch, 0); // a blank
 }
 
-// The columns of a text in the font ("1,234]").
-inline std::vector<std::uint16_t> fontColumns(std::string_view text)
+// Writes a text in the font ("1,234]") into a region, from column `first` on, in the region's colours.
+inline void paintFontText(Frame& frame, const CaptureRegionRect& rect, int region, std::int32_t first,
+                          std::string_view text)
 {
     std::vector<std::uint16_t> columns;
     for (const char c : text) {
         const std::vector<std::uint16_t> glyph = fontGlyph(c);
         columns.insert(columns.end(), glyph.begin(), glyph.end());
     }
-    return columns;
-}
-
-// Writes a text in the font into a region, from column `first` on, in the region's colours.
-inline void paintFontText(Frame& frame, const CaptureRegionRect& rect, int region, std::int32_t first,
-                          std::string_view text)
-{
     const InkColors colours = defaultInkColors(region);
     paintRegionBackground(frame, rect, colours);
-    paintColumns(frame, rect, first, encodePatternColumns(fontColumns(text)), colours);
+    paintColumns(frame, rect, first, encodePatternColumns(columns), colours);
 }
 
 // A noisy screen with the three regions of the default full-screen layout written in the

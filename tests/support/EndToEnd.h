@@ -60,12 +60,9 @@ inline std::vector<std::string> textLines(const std::string& text)
 inline std::set<std::pair<std::int64_t, std::int64_t>> drawnTotals(const std::filesystem::path& stateFile)
 {
     std::set<std::pair<std::int64_t, std::int64_t>> totals;
-    for (const auto& line : textLines(readAll(stateFile))) {
-        std::istringstream in(line);
-        std::int64_t seconds = 0, level = 0, exp = 0;
-        if (in >> seconds >> level >> exp)
-            totals.insert({level, ExpTable(static_cast<std::int32_t>(level)).wholePart() + exp});
-    }
+    std::istringstream in(readAll(stateFile)); // seconds, level, experience, money a line
+    for (std::int64_t seconds = 0, level = 0, exp = 0, money = 0; in >> seconds >> level >> exp >> money;)
+        totals.insert({level, ExpTable(static_cast<std::int32_t>(level)).wholePart() + exp});
     return totals;
 }
 

@@ -41,7 +41,6 @@ public:
     ~Child() { stop(); }
 
     bool started() const { return m_pid > 0; }
-    // Started and not ended yet.
     bool running()
     {
         int status = 0;

@@ -58,7 +58,7 @@ inline void drawScaledText(Frame& frame, const CaptureRegionRect& rect, std::str
         const auto y = static_cast<std::int64_t>(std::floor(fy));
         if (x < 0 || y < 0 || y > 15 || x >= static_cast<std::int64_t>(columns.size()))
             return 0.0;
-        return (columns[static_cast<std::size_t>(x)] >> y & 1) ? 1.0 : 0.0;
+        return static_cast<double>(columns[static_cast<std::size_t>(x)] >> y & 1);
     };
     // Smoothed, the coverage of a 4 x 4 grid of samples; else the pixel's centre alone.
     const int samples = how.smooth ? 4 : 1;

@@ -10,10 +10,9 @@
 
 namespace tvx::test {
 
-// A fresh folder for one test, unique per test, process (ctest runs tests in parallel)
-// and instance (a test may need two), removed with everything in it at the end. Its name
-// holds Japanese and blanks, as players' folders do, so every file test also checks that
-// paths go through UTF-8 correctly (Windows reads narrow strings in the ANSI code page).
+// A fresh folder, unique per test, process and instance, removed at the end. Its name holds
+// Japanese and blanks, as players' folders do, so every file test also checks the paths'
+// UTF-8 (Windows reads narrow strings in the ANSI code page).
 class TempFolder {
 public:
     TempFolder()
