@@ -100,14 +100,16 @@ struct VirtualScreen {
 
 inline VirtualScreen startVirtualScreen(const std::string& size, const std::string& folder)
 {
-    // Other runs start servers at the same moment. The number is ours once a client there
-    // is answered with our size while our server runs; a server that lost its number or
-    // died starting is started again. The socket also comes before the server takes clients.
+    // Without -noreset the server starts over each time its last client leaves (every
+    // xdotool call), and cuts off whoever connects meanwhile: a flake the busier the machine.
+    // The number is ours once a client there is answered with our size while our server
+    // runs; one that did not come up is started again.
     std::string answer = size.substr(0, size.rfind('x')) + "\n";
     answer[answer.find('x')] = ' ';
+    const std::vector<std::string> xvfb{"Xvfb", "-displayfd", "1", "-screen", "0", size, "-nolisten", "tcp", "-noreset"};
+    const std::string told = folder + "/display";
     for (int attempt = 0; attempt < 3; ++attempt) {
-        const std::string told = folder + "/display";
-        VirtualScreen screen{Child({"Xvfb", "-displayfd", "1", "-screen", "0", size, "-nolisten", "tcp"}, told), {}};
+        VirtualScreen screen{Child(xvfb, told), {}};
         std::string number;
         const auto ours = [&] {
             number.clear();
