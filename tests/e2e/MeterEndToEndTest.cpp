@@ -129,9 +129,9 @@ TEST_F(MeterEndToEndTest, TheMeterReadsThePracticeTargetAndAnswersGestures)
     // (everything else there is grey, black or white).
     const fs::path picture = home.path() / "screen.bmp";
     test::output("import -window root 'BMP3:" + pathUtf8(picture) + "'");
-    CaptureBitmap screen;
-    ASSERT_EQ(LoadCaptureBitmap(picture, screen), CaptureLoadResult::Read);
-    const Frame frame = toFrame(screen);
+    CaptureBitmap shot;
+    ASSERT_EQ(LoadCaptureBitmap(picture, shot), CaptureLoadResult::Read);
+    const Frame frame = toFrame(shot);
     int coloured = 0;
     for (int y = 30; y < 540; ++y)
         for (int x = 820 + 480; x < 820 + 880; ++x) {

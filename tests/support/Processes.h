@@ -41,13 +41,6 @@ public:
     ~Child() { stop(); }
 
     bool started() const { return m_pid > 0; }
-    bool running()
-    {
-        int status = 0;
-        if (m_pid > 0 && waitpid(m_pid, &status, WNOHANG) == m_pid)
-            m_pid = -1;
-        return m_pid > 0;
-    }
     void stop(int signal = SIGTERM)
     {
         if (m_pid > 0)
@@ -102,8 +95,8 @@ inline VirtualScreen startVirtualScreen(const std::string& size, const std::stri
 {
     // Without -noreset the server starts over each time its last client leaves (every
     // xdotool call), and cuts off whoever connects meanwhile: a flake the busier the machine.
-    // The number is ours once a client there is answered with our size while our server
-    // runs; one that did not come up is started again.
+    // The number is ours once a client there is answered with our size; a server that did
+    // not come up is started again.
     std::string answer = size.substr(0, size.rfind('x')) + "\n";
     answer[answer.find('x')] = ' ';
     const std::vector<std::string> xvfb{"Xvfb", "-displayfd", "1", "-screen", "0", size, "-nolisten", "tcp", "-noreset"};
@@ -117,8 +110,7 @@ inline VirtualScreen startVirtualScreen(const std::string& size, const std::stri
             return !number.empty() &&
                    output("DISPLAY=:" + number + " xdotool getdisplaygeometry 2>/dev/null") == answer;
         };
-        if (eventually([&] { return !screen.server.running() || ours(); }, std::chrono::seconds(20)) &&
-            screen.server.running() && ours()) {
+        if (screen.server.started() && eventually(ours, std::chrono::seconds(20))) {
             screen.display = ":" + number;
             return screen;
         }
