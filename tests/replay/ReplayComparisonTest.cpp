@@ -42,11 +42,9 @@ TEST(ReplayComparisonTest, BothSystemsWriteTheSameBytes)
     // One session from 23:50 on the last day of a month into the next one: a level up, a
     // money region that is not read, a screen read not at all, and another character.
     const std::map<std::string, std::array<std::string, kRegionCount>> frames{
-        {"10.bmp", {"137", "1000", "5000"}},     {"370.bmp", {"137", "4600", "5000"}},
-        {"730.bmp", {"138", "100", "5800"}},     {"1090.bmp", {"138", "900", ""}},
-        {"1450.bmp", {"", "", ""}},              {"1810.bmp", {"138", "2500", "7300"}},
-        {"2170.bmp", {"12", "40", "100"}},       {"2530.bmp", {"12", "95", "160"}},
-        {"02890.bmp", {"13", "3", "1234567890"}},
+        {"10.bmp", {"137", "1000", "5000"}}, {"370.bmp", {"137", "4600", "5000"}}, {"730.bmp", {"138", "100", "5800"}},
+        {"1090.bmp", {"138", "900", ""}}, {"1450.bmp", {"", "", ""}}, {"1810.bmp", {"138", "2500", "7300"}},
+        {"2170.bmp", {"12", "40", "100"}}, {"2530.bmp", {"12", "95", "160"}}, {"02890.bmp", {"13", "3", "1234567890"}},
     };
     test::TempFolder temp;
     const fs::path framesFolder = temp.path() / utf8Path("画面 フレーム");

@@ -4,10 +4,10 @@
 #include "config/Settings.h"
 #include "recognition/CaptureFile.h"
 #include "recognition/GlyphPainter.h"
+#include "support/GameScreen.h"
 
 #include <array>
 #include <cstdint>
-#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -70,10 +70,7 @@ inline void paintFontText(Frame& frame, const CaptureRegionRect& rect, int regio
 // font, each text followed by the end mark ("" leaves a region blank).
 inline Frame fontScreen(const std::array<std::string, kRegionCount>& texts, std::uint32_t seed = 1)
 {
-    Frame frame(800, 600);
-    std::mt19937 noise(seed);
-    for (auto& byte : frame.bytes())
-        byte = static_cast<std::uint8_t>(noise());
+    Frame frame = gameScreen({"", "", ""}, ScreenMode::FullScreen, seed, 800, 600);
     const Settings settings = defaultSettings("");
     for (int r = 0; r < kRegionCount; ++r) {
         const auto i = static_cast<std::size_t>(r);
