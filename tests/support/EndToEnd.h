@@ -20,8 +20,7 @@
 #include <utility>
 #include <vector>
 
-// What the end-to-end runs on X11 and under Wine share: the meter's settings for a session
-// on the practice target, and its hourly records held against what the target drew.
+// Shared by the end-to-end runs on X11 and under Wine: settings, and records held against what the target drew.
 namespace tvx::test {
 
 // Records in CSV under save/log, gestures and the level watch on, a short start-up delay.
@@ -42,20 +41,6 @@ inline void writeSessionSettings(const std::filesystem::path& home, const std::f
     std::ofstream(home / "TV2MConfig.ini", std::ios::binary) << platform::makeTextCodec()->toCp932(configFileText(s));
 }
 
-// The non-empty lines of a text, without their CR.
-inline std::vector<std::string> textLines(const std::string& text)
-{
-    std::vector<std::string> result;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) {
-        if (line.ends_with('\r'))
-            line.pop_back();
-        if (!line.empty())
-            result.push_back(line);
-    }
-    return result;
-}
-
 // Level and total experience of every state in the practice target's state file.
 inline std::set<std::pair<std::int64_t, std::int64_t>> drawnTotals(const std::filesystem::path& stateFile)
 {
@@ -74,13 +59,12 @@ inline std::vector<std::string> recordLines(const std::filesystem::path& saveFol
     for (const auto& entry : std::filesystem::directory_iterator(saveFolder / "log", error))
         if (entry.path().filename() != utf8Path(kHistoryFileName))
             files.insert(entry.path());
-    auto lines = files.empty() ? std::vector<std::string>{} : textLines(readAll(*files.begin()));
+    auto lines = files.empty() ? std::vector<std::string>{} : splitLines(readAll(*files.begin()));
     return lines.empty() ? lines : std::vector<std::string>(lines.begin() + 1, lines.end());
 }
 
-// What is wrong with CSV records of a session on the practice target, one text per fault:
-// each record's level and total must be a drawn state, its gain must be positive and count
-// from the record before it, which the target drew too.
+// What is wrong with CSV records, one text per fault: each record's level and total must be a drawn state,
+// its gain positive and counted from the record before it, which the target drew too.
 inline std::vector<std::string> recordFaults(const std::vector<std::string>& records,
                                              const std::set<std::pair<std::int64_t, std::int64_t>>& drawn)
 {

@@ -17,8 +17,7 @@ extern char** environ;
 
 namespace tvx::test {
 
-// A child process, its standard output and error sent to files when named; stopped
-// (SIGTERM) and reaped when it goes out of scope still running.
+// A child process, its output and errors into files when named; stopped when it goes out of scope.
 class Child {
 public:
     Child() = default;
@@ -84,8 +83,7 @@ inline bool eventually(const std::function<bool()>& condition, std::chrono::mill
     return condition();
 }
 
-// An Xvfb server of the given size ("1760x1000x24") on a display number it chooses itself
-// and writes into a file of the folder; display is empty when no server came up.
+// An Xvfb server of a size ("1760x1000x24") on a display it chooses; display is "" when none came up.
 struct VirtualScreen {
     Child server;
     std::string display;
@@ -93,13 +91,12 @@ struct VirtualScreen {
 
 inline VirtualScreen startVirtualScreen(const std::string& size, const std::string& folder)
 {
-    // Without -noreset the server starts over each time its last client leaves (every
-    // xdotool call), and cuts off whoever connects meanwhile: a flake the busier the machine.
-    // The number is ours once a client there is answered with our size; a server that did
-    // not come up is started again.
+    // Without -noreset the server starts over whenever its last client (each xdotool call) leaves
+    // and cuts off whoever connects meanwhile. The display is ours once it answers with our size.
     std::string answer = size.substr(0, size.rfind('x')) + "\n";
     answer[answer.find('x')] = ' ';
-    const std::vector<std::string> xvfb{"Xvfb", "-displayfd", "1", "-screen", "0", size, "-nolisten", "tcp", "-noreset"};
+    const std::vector<std::string> xvfb{"Xvfb", "-displayfd", "1", "-screen", "0", size,
+                                        "-nolisten", "tcp", "-noreset"};
     const std::string told = folder + "/display";
     for (int attempt = 0; attempt < 3; ++attempt) {
         VirtualScreen screen{Child(xvfb, told), {}};

@@ -14,8 +14,7 @@
 
 namespace tvx::test {
 
-// How a UI draws the test font: scaled by any factor, from a sub-pixel origin, with or
-// without smoothing (coverage of each screen pixel), and optionally with another "1".
+// How a UI draws the test font: scaled, from a sub-pixel origin, smoothed or not, optionally another "1".
 struct ScaledDrawing {
     double scale = 1.0;
     double originX = 0.0; // screen columns from the region's left edge
@@ -26,7 +25,8 @@ struct ScaledDrawing {
     bool builtIn = false;   // the meter's own experience glyphs, which touch: no spacing columns
 };
 
-inline std::vector<std::uint16_t> scaledFontColumns(std::string_view text, bool narrowOne, bool builtIn)
+// A mid-grey screen with the text in one region, light on dark: bit y of column x covers [x, x+1) x [y, y+1).
+inline CaptureBitmap scaledScreen(const CaptureRegionRect& rect, std::string_view text, const ScaledDrawing& how)
 {
     static const std::map<char, std::array<std::string_view, 7>> letters{
         {'E', {"####", "#...", "#...", "###.", "#...", "#...", "####"}},
@@ -37,22 +37,13 @@ inline std::vector<std::uint16_t> scaledFontColumns(std::string_view text, bool 
     std::vector<std::uint16_t> columns;
     for (const char c : text) {
         std::vector<std::uint16_t> glyph = letters.contains(c) ? glyphFromRows(letters.at(c), 1) : fontGlyph(c);
-        if (builtIn && ((c >= '0' && c <= '9') || c == ']'))
+        if (how.builtIn && ((c >= '0' && c <= '9') || c == ']'))
             glyph = *decodePatternColumns(
                 defaultPatternStrings()[RegionExp][c == ']' ? kDelimiterIndex : static_cast<std::size_t>(c - '0')]);
-        if (c == '1' && narrowOne)
+        if (c == '1' && how.narrowOne)
             glyph = glyphFromRows({".#", "##", ".#", ".#", ".#", ".#", ".#"}, 1);
         columns.insert(columns.end(), glyph.begin(), glyph.end());
     }
-    return columns;
-}
-
-// Draws text into a region: white ink on a dark background, the font's bit y of column x
-// covering the square [x, x+1) x [y, y+1) scaled from the origin.
-inline void drawScaledText(Frame& frame, const CaptureRegionRect& rect, std::string_view text,
-                           const ScaledDrawing& how)
-{
-    const std::vector<std::uint16_t> columns = scaledFontColumns(text, how.narrowOne, how.builtIn);
     const auto ink = [&](double fx, double fy) {
         const auto x = static_cast<std::int64_t>(std::floor(fx));
         const auto y = static_cast<std::int64_t>(std::floor(fy));
@@ -60,6 +51,8 @@ inline void drawScaledText(Frame& frame, const CaptureRegionRect& rect, std::str
             return 0.0;
         return static_cast<double>(columns[static_cast<std::size_t>(x)] >> y & 1);
     };
+    Frame frame(rect.StartX + rect.SizeX + 8, rect.StartY + rect.SizeY + 8);
+    std::fill(frame.bytes().begin(), frame.bytes().end(), std::uint8_t{90});
     // Smoothed, the coverage of a 4 x 4 grid of samples; else the pixel's centre alone.
     const int samples = how.smooth ? 4 : 1;
     for (std::int32_t y = 0; y < rect.SizeY; ++y)
@@ -72,14 +65,6 @@ inline void drawScaledText(Frame& frame, const CaptureRegionRect& rect, std::str
             const auto level = static_cast<std::uint8_t>(std::lround(30 + cover * 210 / (samples * samples)));
             frame.setPixel(rect.StartX + x, rect.StartY + y, level, level, level);
         }
-}
-
-// A screen with one region holding the text; every other pixel mid-grey.
-inline CaptureBitmap scaledScreen(const CaptureRegionRect& rect, std::string_view text, const ScaledDrawing& how)
-{
-    Frame frame(rect.StartX + rect.SizeX + 8, rect.StartY + rect.SizeY + 8);
-    std::fill(frame.bytes().begin(), frame.bytes().end(), std::uint8_t{90});
-    drawScaledText(frame, rect, text, how);
     return toCaptureBitmap(frame);
 }
 

@@ -10,8 +10,7 @@
 
 namespace tvx::test {
 
-// Answers the program's questions from a script and records everything it was shown.
-// A question the script does not expect fails the test.
+// Answers questions from a script and records everything shown; an unexpected question fails the test.
 class ScriptedPrompter : public Prompter {
 public:
     struct Shown {

@@ -10,9 +10,8 @@
 
 namespace tvx::test {
 
-// A fresh folder, unique per test, process and instance, removed at the end. Its name holds
-// Japanese and blanks, as players' folders do, so every file test also checks the paths'
-// UTF-8 (Windows reads narrow strings in the ANSI code page).
+// A fresh folder, unique per test, process and instance, removed at the end. Its name holds Japanese and
+// blanks, as players' folders do, so every file test checks paths' UTF-8 (Windows' narrow strings are ANSI).
 class TempFolder {
 public:
     TempFolder()
