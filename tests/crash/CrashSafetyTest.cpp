@@ -1,6 +1,5 @@
 // The CLI killed at random moments while it writes: the record file and the configuration
 // must never be left torn, and no line once written may go.
-#include "recognition/CaptureFile.h"
 #include "support/GameScreen.h"
 #include "support/Processes.h"
 #include "support/ReadFile.h"
@@ -8,12 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <random>
 #include <set>
-#include <string>
-#include <thread>
-#include <vector>
 
 namespace tvx {
 namespace {

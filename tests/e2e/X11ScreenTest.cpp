@@ -11,8 +11,6 @@
 #include <xcb/xcb.h>
 
 #include <cstring>
-#include <filesystem>
-#include <vector>
 
 namespace tvx {
 namespace {

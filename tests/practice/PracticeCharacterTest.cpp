@@ -3,9 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
 #include <tuple>
-#include <vector>
 
 namespace tvx::practice {
 namespace {

@@ -1,7 +1,5 @@
 // The Linux and the Windows command line (under wine, both named by scripts/test.sh) replay
 // one session between folders named in Japanese with blanks, and must write the same bytes.
-#include "recognition/CaptureFile.h"
-#include "base/Utf8Path.h"
 #include "measurement/SessionHistory.h"
 #include "support/GameScreen.h"
 #include "support/Processes.h"
@@ -11,11 +9,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <map>
-#include <string>
-#include <vector>
 
 namespace tvx {
 namespace {

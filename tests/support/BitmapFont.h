@@ -1,14 +1,8 @@
 #pragma once
 
 #include "config/PatternColumns.h"
-#include "config/Settings.h"
-#include "recognition/CaptureFile.h"
-#include "recognition/GlyphPainter.h"
 #include "support/GameScreen.h"
 
-#include <array>
-#include <cstdint>
-#include <string>
 #include <string_view>
 #include <vector>
 

@@ -1,16 +1,10 @@
 #pragma once
 
-#include "recognition/CaptureFile.h"
-#include "recognition/Frame.h"
 #include "support/BitmapFont.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstdint>
 #include <map>
-#include <string_view>
-#include <vector>
 
 namespace tvx::test {
 

@@ -2,25 +2,21 @@
 
 #include "base/Utf8Path.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <string>
 #include <unistd.h>
 
 namespace tvx::test {
 
-// A fresh folder, unique per test, process and instance, removed at the end. Its name holds Japanese and
+// A fresh folder, unique per process and instance, removed at the end. Its name holds Japanese and
 // blanks, as players' folders do, so every file test checks paths' UTF-8 (Windows' narrow strings are ANSI).
 class TempFolder {
 public:
     TempFolder()
     {
         static int instances = 0;
-        const auto* info = testing::UnitTest::GetInstance()->current_test_info();
         m_path = std::filesystem::temp_directory_path() /
-                 utf8Path("tallivex 試験 " + std::string(info->test_suite_name()) + "-" + info->name() + "-" +
-                          std::to_string(getpid()) + "-" + std::to_string(++instances));
+                 utf8Path("tallivex 試験 " + std::to_string(getpid()) + "-" + std::to_string(++instances));
         std::filesystem::remove_all(m_path);
         std::filesystem::create_directories(m_path);
     }
