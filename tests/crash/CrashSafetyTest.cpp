@@ -22,8 +22,7 @@ protected:
     {
         args.insert(args.begin(), TALLIVEX_CLI);
         const auto start = Clock::now();
-        const std::string output = pathUtf8(m_temp.path() / "output.txt");
-        test::Child cli(args, output, output);
+        test::Child cli(args, "/dev/null", "/dev/null");
         EXPECT_TRUE(cli.started());
         if (killWithin > Clock::duration::zero()) {
             const auto us = std::chrono::duration_cast<std::chrono::microseconds>(killWithin).count();

@@ -24,13 +24,9 @@ TEST(MeterEndToEndTest, TheMeterReadsThePracticeTargetAndAnswersGestures)
     test::writeSessionSettings(home.path(), save);
     const auto x = [](const std::string& command) { return test::output("xdotool " + command + " 2>/dev/null"); };
     const auto debugLog = [&] { return test::readAll(home.path() / "debug.txt"); };
-    // Waits for a line in the meter's debug log; a failure shows the log.
     const auto logged = [&](const std::string& line, std::chrono::seconds limit) {
-        if (test::eventually([&] { return debugLog().find(line) != std::string::npos; }, limit))
-            return testing::AssertionSuccess();
-        return testing::AssertionFailure() << "no \"" << line << "\" in the debug log:\n" << debugLog();
+        return test::eventually([&] { return debugLog().find(line) != std::string::npos; }, limit);
     };
-    // How many screenshots are named so.
     const auto shots = [&](const std::string& prefix) {
         std::error_code error;
         return std::count_if(fs::directory_iterator(save / "ss", error), {}, [&](const fs::directory_entry& entry) {
@@ -40,17 +36,15 @@ TEST(MeterEndToEndTest, TheMeterReadsThePracticeTargetAndAnswersGestures)
 
     test::Child practice({TALLIVEX_PRACTICE, "--state-file", pathUtf8(state), "--level", "50", "--exp-per-second",
                           "1234", "--money-per-second", "567"});
-    std::string game;
-    ASSERT_TRUE(test::eventually([&] { return !(game = x("search --name '^MapleStory$'")).empty(); }, 20s))
-        << "the practice target shows no window";
-    game.resize(game.find('\n')); // the first window found
+    const std::string found = test::output("timeout 20 xdotool search --sync --limit 1 --name '^MapleStory$'");
+    ASSERT_NE(found, "") << "the practice target shows no window";
+    const std::string game = found.substr(0, found.find('\n'));
     // Beside the game, as a player would place it.
     test::Child meter({TALLIVEX_METER, "--home", pathUtf8(home.path()), "--interval", "2", "-qwindowgeometry",
                        "900x560+820+0"});
-    ASSERT_TRUE(logged("Mouse Events Acquire", 20s));
+    ASSERT_TRUE(logged("Mouse Events Acquire", 20s)) << debugLog();
     // The meter's window took the focus when it appeared; the player goes back to the game.
-    x("windowfocus " + game);
-    x("mousemove --window " + game + " 400 300");
+    x("windowfocus " + game + " mousemove --window " + game + " 400 300");
 
     ASSERT_TRUE(test::eventually([&] { return test::recordLines(save).size() >= 2; }, 30s)) << debugLog();
     for (const auto& fault : test::recordFaults(test::recordLines(save), test::drawnTotals(state)))
@@ -62,7 +56,7 @@ TEST(MeterEndToEndTest, TheMeterReadsThePracticeTargetAndAnswersGestures)
             x(std::string("click ") + (*b == 'L' ? "1" : "3"));
             std::this_thread::sleep_for(100ms);
         }
-        ASSERT_TRUE(logged(line, 5s));
+        ASSERT_TRUE(logged(line, 5s)) << line << "is not in:\n" << debugLog();
         std::this_thread::sleep_for(1600ms);
     }
 
@@ -71,16 +65,12 @@ TEST(MeterEndToEndTest, TheMeterReadsThePracticeTargetAndAnswersGestures)
     ASSERT_TRUE(test::eventually([&] { return shots("LvUP_") == 4; }, 15s)) << debugLog();
     // Debug mode from the options window (設定 → 動作), left open as the meter closes.
     x("mousemove 904 10 click 1"); // the meter's window is at 820,0
-    std::string options;
-    ASSERT_TRUE(test::eventually([&] { return !(options = x("search --name '^設定$'")).empty(); }, 10s));
-    options.resize(options.find('\n'));
-    std::this_thread::sleep_for(500ms);
-    x("mousemove --window " + options + " 240 24 click 1");
-    std::this_thread::sleep_for(300ms);
-    x("mousemove --window " + options + " 30 536 click 1"); // デバッグモード, under the language
-    ASSERT_TRUE(logged("Change DebugMode ･･･ End ", 5s));
+    // The tab 動作, then デバッグモード under the language.
+    test::output("timeout 10 xdotool search --sync --limit 1 --name '^設定$' sleep 0.5 mousemove --window %1 240 24 "
+                 "click 1 sleep 0.3 mousemove --window %1 30 536 click 1 2>/dev/null");
+    ASSERT_TRUE(logged("Change DebugMode ･･･ End ", 5s)) << debugLog();
     meter.stop();
-    EXPECT_TRUE(logged("End of the Program ", 10s)) << "closes in order on SIGTERM";
+    EXPECT_TRUE(logged("End of the Program ", 10s)) << "closes in order on SIGTERM:\n" << debugLog();
 }
 
 } // namespace

@@ -44,18 +44,15 @@ TEST(X11Screen, BandsWholeScreenAndRegionsAreOnePictureAndTheGameIsFoundByTitle)
 
     // Coloured blocks at uneven places, among them across the last column and the bottom row.
     xcb_screen_t* root = xcb_setup_roots_iterator(xcb_get_setup(painter)).data;
-    const struct {
-        std::uint32_t colour;
-        xcb_rectangle_t rect;
-    } blocks[] = {
+    const std::pair<std::uint32_t, xcb_rectangle_t> blocks[] = {
         {0x00C03010, {0, 0, 1023, 700}},  {0x0010E0F0, {5, 3, 300, 211}},   {0x00FF00FF, {700, 650, 323, 50}},
         {0x00123456, {1022, 0, 1, 700}}, {0x00FEDCBA, {0, 699, 1023, 1}}, {0x00000001, {400, 300, 7, 77}},
     };
-    for (const auto& block : blocks) {
+    for (const auto& [colour, rect] : blocks) {
         const xcb_gcontext_t gc = xcb_generate_id(painter);
         xcb_create_gc(painter, gc, root->root, XCB_GC_FOREGROUND | XCB_GC_SUBWINDOW_MODE,
-                      std::vector<std::uint32_t>{block.colour, XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS}.data());
-        xcb_poly_fill_rectangle(painter, root->root, gc, 1, &block.rect);
+                      std::vector<std::uint32_t>{colour, XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS}.data());
+        xcb_poly_fill_rectangle(painter, root->root, gc, 1, &rect);
         xcb_free_gc(painter, gc);
     }
     sync();
@@ -70,13 +67,11 @@ TEST(X11Screen, BandsWholeScreenAndRegionsAreOnePictureAndTheGameIsFoundByTitle)
     ASSERT_TRUE(screen->grabRows(bands)) << "MIT-SHM is offered by Xvfb";
     EXPECT_EQ(bands.nextBottom, 0);
     EXPECT_EQ(bands.bytes, whole->pixels);
-    const struct {
-        std::int32_t x, y;
-        std::uint32_t colour;
-    } pixels[] = {{0, 0, 0xC03010}, {5, 3, 0x10E0F0}, {304, 213, 0x10E0F0}, {305, 214, 0xC03010},
-                  {1022, 5, 0x123456}, {1022, 699, 0xFEDCBA}, {700, 650, 0xFF00FF}, {406, 376, 0x000001}};
-    for (const auto& p : pixels)
-        EXPECT_EQ(regionPixels(*whole, {p.x, p.y, 1, 1}), std::vector<std::uint32_t>{p.colour}) << p.x << "," << p.y;
+    const std::tuple<std::int32_t, std::int32_t, std::uint32_t> pixels[] = {
+        {0, 0, 0xC03010},    {5, 3, 0x10E0F0},      {304, 213, 0x10E0F0}, {305, 214, 0xC03010},
+        {1022, 5, 0x123456}, {1022, 699, 0xFEDCBA}, {700, 650, 0xFF00FF}, {406, 376, 0x000001}};
+    for (const auto& [x, y, colour] : pixels)
+        EXPECT_EQ(regionPixels(*whole, {x, y, 1, 1}), std::vector<std::uint32_t>{colour}) << x << "," << y;
 
     const std::vector<CaptureRegionRect> regions{{3, 1, 10, 5}, {1000, 640, 23, 60}, {398, 310, 12, 9}};
     const std::optional<CaptureBitmap> some = screen->grab(regions);

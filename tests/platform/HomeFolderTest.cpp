@@ -41,14 +41,8 @@ TEST(HomeFolderTest, FollowsHowTheProgramIsLaidOut)
     const fs::path perUser = userDataFolder();
     ASSERT_EQ(perUser.parent_path(), t / "user data");
 
-    struct Case {
-        const char* what;
-        ProgramLayout layout;
-        std::optional<fs::path> override;
-        fs::path documents;
-        fs::path home;
-    };
-    const Case cases[] = {
+    // What, layout, --home, documents folder, home folder.
+    const std::tuple<const char*, ProgramLayout, std::optional<fs::path>, fs::path, fs::path> cases[] = {
         {"installed", {t / "usr/bin", installedData}, {}, t / "usr/share/tallivex", perUser},
         {"installed, --home", {t / "usr/bin", installedData}, t / "mine", t / "usr/share/tallivex", t / "mine"},
         {"no installed layout on this system", {t / "usr/bin", {}}, {}, t / "usr/bin", t / "usr/bin"},
@@ -56,11 +50,11 @@ TEST(HomeFolderTest, FollowsHowTheProgramIsLaidOut)
         {"data folder is a file", {t / "odd/bin", installedData}, {}, t / "odd/bin", t / "odd/bin"},
         {"program folder not writable (gone)", {t / "gone/bin", installedData}, {}, t / "gone/bin", perUser},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        EXPECT_EQ(documentFolder(c.layout), c.documents);
-        EXPECT_EQ(homeFolder(c.override, c.layout), c.home);
-        EXPECT_TRUE(fs::is_directory(c.home));
+    for (const auto& [what, layout, override, documents, home] : cases) {
+        SCOPED_TRACE(what);
+        EXPECT_EQ(documentFolder(layout), documents);
+        EXPECT_EQ(homeFolder(override, layout), home);
+        EXPECT_TRUE(fs::is_directory(home));
     }
     // Nothing was made beside the installed program.
     EXPECT_TRUE(fs::is_empty(t / "usr/bin"));

@@ -20,14 +20,8 @@ TEST(PracticeSession, KeyCodesOfBothToolkitsMapToTheSameKeys)
 
 TEST(PracticeSession, EachTickAndKeySaysWhatToRedraw)
 {
-    struct Step {
-        const char* name;
-        CharacterState start;
-        std::optional<PracticeKey> key; // none: a tick
-        bool pausedBefore;
-        Redraw expected;
-    };
-    const Step steps[] = {
+    // Name, start, key (none: a tick), paused before, what is redrawn.
+    const std::tuple<const char*, CharacterState, std::optional<PracticeKey>, bool, Redraw> steps[] = {
         {"a tick raises the numbers", {50, 0, 0}, std::nullopt, false, Redraw::Scene},
         {"a paused tick changes nothing", {50, 0, 0}, std::nullopt, true, Redraw::Nothing},
         {"the pause only rewrites the hint", {50, 0, 0}, PracticeKey::Pause, false, Redraw::Labels},
@@ -35,16 +29,16 @@ TEST(PracticeSession, EachTickAndKeySaysWhatToRedraw)
         {"no level above the top", {200, 0, 0}, PracticeKey::LevelUp, false, Redraw::Nothing},
         {"dying at level 1 from nothing loses nothing", {1, 0, 0}, PracticeKey::Die, false, Redraw::Nothing},
     };
-    for (const Step& step : steps) {
-        SCOPED_TRACE(step.name);
+    for (const auto& [name, start, key, pausedBefore, expected] : steps) {
+        SCOPED_TRACE(name);
         PracticeOptions options;
-        options.start = step.start;
+        options.start = start;
         PracticeSession session(options);
-        if (step.pausedBefore)
+        if (pausedBefore)
             session.press(PracticeKey::Pause);
         const CharacterState before = session.state();
-        const Redraw redraw = step.key ? session.press(*step.key) : session.tick();
-        EXPECT_EQ(redraw, step.expected);
+        const Redraw redraw = key ? session.press(*key) : session.tick();
+        EXPECT_EQ(redraw, expected);
         EXPECT_EQ(session.state() != before, redraw == Redraw::Scene);
     }
 }

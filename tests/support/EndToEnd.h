@@ -6,7 +6,6 @@
 #include "TextCodecFactory.h"
 #include "base/Utf8Path.h"
 #include "config/ConfigFile.h"
-#include "config/Settings.h"
 #include "measurement/ExpTable.h"
 #include "measurement/SessionHistory.h"
 

@@ -1,13 +1,9 @@
 #pragma once
 
-#include "config/Settings.h"
 #include "recognition/CaptureFile.h"
 #include "recognition/GlyphPainter.h"
 
-#include <array>
-#include <cstdint>
 #include <random>
-#include <string>
 
 namespace tvx::test {
 
