@@ -1,6 +1,5 @@
 // The CLI killed at random moments while it writes: the record file and the configuration
 // must never be left torn, and no line once written may go.
-#include "recognition/CaptureFile.h"
 #include "support/GameScreen.h"
 #include "support/Processes.h"
 #include "support/ReadFile.h"
@@ -8,57 +7,30 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <random>
 #include <set>
-#include <string>
-#include <thread>
-#include <vector>
 
 namespace tvx {
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-std::vector<std::string> lines(const std::string& text)
-{
-    std::vector<std::string> result;
-    for (std::size_t start = 0; start < text.size();) {
-        const std::size_t end = text.find("\r\n", start);
-        if (end == std::string::npos) {
-            result.push_back(text.substr(start) + "<torn>");
-            break;
-        }
-        result.push_back(text.substr(start, end - start));
-        start = end + 2;
-    }
-    return result;
-}
-
 class CrashSafetyTest : public testing::Test {
 protected:
-    // Runs the CLI with its output set aside; killed with SIGKILL after `killAfter` unless it
-    // ends first. Returns how long it ran.
-    Clock::duration runCli(std::vector<std::string> args, std::optional<Clock::duration> killAfter = {})
+    // Runs the CLI, killed (SIGKILL) at a random moment within `killWithin` if given; returns how long it ran.
+    Clock::duration runCli(std::vector<std::string> args, Clock::duration killWithin = {})
     {
         args.insert(args.begin(), TALLIVEX_CLI);
         const auto start = Clock::now();
-        const std::string output = pathUtf8(m_temp.path() / "output.txt");
-        test::Child cli(args, output, output);
+        test::Child cli(args, "/dev/null", "/dev/null");
         EXPECT_TRUE(cli.started());
-        if (killAfter) {
-            std::this_thread::sleep_for(*killAfter);
+        if (killWithin > Clock::duration::zero()) {
+            const auto us = std::chrono::duration_cast<std::chrono::microseconds>(killWithin).count();
+            std::this_thread::sleep_for(std::chrono::microseconds(std::uniform_int_distribution(0L, us)(m_random)));
             cli.stop(SIGKILL);
         }
         cli.wait();
         return Clock::now() - start;
-    }
-
-    // A moment somewhere within a run of the given length.
-    std::chrono::microseconds someMomentOf(Clock::duration run)
-    {
-        const auto us = std::chrono::duration_cast<std::chrono::microseconds>(run).count();
-        return std::chrono::microseconds(std::uniform_int_distribution<long>(0, std::max<long>(us, 1))(m_random));
     }
 
     test::TempFolder m_temp;
@@ -70,29 +42,28 @@ TEST_F(CrashSafetyTest, ReplayKilledWhileAppendingToAMonthlyFileLosesAndTearsNoL
     const auto frames = m_temp.path() / "frames";
     const auto saves = m_temp.path() / "saves";
     std::filesystem::create_directories(frames);
-    for (int i = 0; i < 10; ++i) {
-        const std::string exp = std::to_string(1000 + 3600 * i);
+    for (int i = 0; i < 10; ++i)
         ASSERT_TRUE(writeBitmap24(frames / (std::to_string(360 * i) + ".bmp"),
-                                  test::gameScreen({"137", exp, "5000"}, ScreenMode::FullScreen, 1, 800, 600)));
-    }
+                                  test::gameScreen({"137", std::to_string(1000 + 3600 * i), "5000"},
+                                                   ScreenMode::FullScreen, 1, 800, 600)));
     const std::vector<std::string> args{"replay", frames.string(), "--save-folder", saves.string(), "--start",
                                         "2024-01-01 10:00"};
     const auto file = saves / "log" / "給与明細202401月.txt";
 
     // One whole run tells the lines every run writes and how long a run takes.
     const Clock::duration whole = runCli(args);
-    const std::vector<std::string> written = lines(test::readAll(file));
+    const std::vector<std::string> written = test::splitLines(test::readAll(file));
     ASSERT_GT(written.size(), 8u); // the header and a record for almost every image
     const std::set<std::string> valid(written.begin() + 1, written.end());
 
     std::string before = test::readAll(file);
     for (int trial = 0; trial < 10; ++trial) {
         SCOPED_TRACE("trial " + std::to_string(trial));
-        runCli(args, someMomentOf(whole));
+        runCli(args, whole);
         const std::string after = test::readAll(file);
         ASSERT_TRUE(after.starts_with(before)) << "a line written earlier is gone";
-        const std::vector<std::string> added = lines(after.substr(before.size()));
-        for (const std::string& line : added)
+        ASSERT_TRUE(after.ends_with("\r\n")) << "a torn line: " << after.substr(after.rfind('\n') + 1);
+        for (const std::string& line : test::splitLines(after.substr(before.size())))
             ASSERT_EQ(valid.count(line), 1u) << line;
         before = after;
     }
@@ -111,8 +82,7 @@ TEST_F(CrashSafetyTest, ConfigurationKilledWhileSavingIsAlwaysOneWholeFile)
     ASSERT_GT(window.size(), 1000u);
 
     for (int trial = 0; trial < 150; ++trial) {
-        runCli({"config", "defaults", "--home", home, trial % 2 == 0 ? "--window" : "--fullscreen"},
-               someMomentOf(whole));
+        runCli({"config", "defaults", "--home", home, trial % 2 == 0 ? "--window" : "--fullscreen"}, whole);
         const std::string now = test::readAll(file);
         ASSERT_TRUE(now == window || now == fullScreen) << "trial " << trial << ": " << now.size() << " bytes";
     }

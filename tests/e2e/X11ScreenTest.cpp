@@ -1,6 +1,5 @@
-// The X11 back end on a virtual screen of a width whose rows need padding: the screen a
-// reading writes out band by band, the whole screen and the regions' grab are one picture,
-// and the game window is found by its title where a player's desktop would have it.
+// The X11 back end on a screen whose rows need padding: bands, whole screen and regions'
+// grab are one picture, and the game window is found by its title wherever it sits.
 #include "support/Processes.h"
 
 #include "GameScreen.h"
@@ -12,22 +11,14 @@
 #include <xcb/xcb.h>
 
 #include <cstring>
-#include <filesystem>
-#include <vector>
 
 namespace tvx {
 namespace {
 
-using namespace std::chrono_literals;
-
 // The bands as a bitmap file's rows, and the order they came in.
 class CollectedRows final : public ScreenRows {
 public:
-    void begin(std::int32_t width, std::int32_t height) override
-    {
-        stride = bitmapStride24(width);
-        this->height = height;
-    }
+    void begin(std::int32_t width, std::int32_t) override { stride = bitmapStride24(width); }
     void rows(std::int32_t top, std::int32_t count, const std::uint8_t* data) override
     {
         EXPECT_EQ(top + count, nextBottom) << "bands come bottom first, without gaps";
@@ -36,7 +27,6 @@ public:
     }
 
     std::size_t stride = 0;
-    std::int32_t height = 0;
     std::int32_t nextBottom = 0;
     ZeroedBytes bytes;
 };
@@ -45,53 +35,43 @@ TEST(X11Screen, BandsWholeScreenAndRegionsAreOnePictureAndTheGameIsFoundByTitle)
 {
     test::TempFolder folder;
     const test::VirtualScreen xvfb = test::startVirtualScreen("1023x700x24", folder.path().string());
-    ASSERT_FALSE(xvfb.display.empty()) << "Xvfb is missing or did not start";
-    const std::string& display = xvfb.display;
-    xcb_connection_t* painter = nullptr;
-    ASSERT_TRUE(test::eventually([&] {
-        if (painter != nullptr)
-            xcb_disconnect(painter);
-        painter = xcb_connect(display.c_str(), nullptr);
-        return xcb_connection_has_error(painter) == 0;
-    }, 10s));
-    setenv("DISPLAY", display.c_str(), 1);
+    ASSERT_FALSE(xvfb.display.empty()) << "Xvfb or xdotool is missing, or the server did not start";
+    xcb_connection_t* painter = xcb_connect(xvfb.display.c_str(), nullptr);
+    ASSERT_EQ(xcb_connection_has_error(painter), 0);
+    setenv("DISPLAY", xvfb.display.c_str(), 1);
+    // A round trip: everything asked before is done.
+    const auto sync = [&] { std::free(xcb_get_input_focus_reply(painter, xcb_get_input_focus(painter), nullptr)); };
 
     // Coloured blocks at uneven places, among them across the last column and the bottom row.
     xcb_screen_t* root = xcb_setup_roots_iterator(xcb_get_setup(painter)).data;
-    const struct {
-        std::uint32_t colour;
-        xcb_rectangle_t rect;
-    } blocks[] = {
+    const std::pair<std::uint32_t, xcb_rectangle_t> blocks[] = {
         {0x00C03010, {0, 0, 1023, 700}},  {0x0010E0F0, {5, 3, 300, 211}},   {0x00FF00FF, {700, 650, 323, 50}},
         {0x00123456, {1022, 0, 1, 700}}, {0x00FEDCBA, {0, 699, 1023, 1}}, {0x00000001, {400, 300, 7, 77}},
     };
-    for (const auto& block : blocks) {
+    for (const auto& [colour, rect] : blocks) {
         const xcb_gcontext_t gc = xcb_generate_id(painter);
         xcb_create_gc(painter, gc, root->root, XCB_GC_FOREGROUND | XCB_GC_SUBWINDOW_MODE,
-                      std::vector<std::uint32_t>{block.colour, XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS}.data());
-        xcb_poly_fill_rectangle(painter, root->root, gc, 1, &block.rect);
+                      std::vector<std::uint32_t>{colour, XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS}.data());
+        xcb_poly_fill_rectangle(painter, root->root, gc, 1, &rect);
         xcb_free_gc(painter, gc);
     }
-    std::free(xcb_get_input_focus_reply(painter, xcb_get_input_focus(painter), nullptr)); // drawn by now
+    sync();
 
     const std::unique_ptr<platform::GameScreen> screen = platform::makeGameScreen();
     ASSERT_TRUE(screen);
     const std::optional<CaptureBitmap> whole = screen->grab({});
     ASSERT_TRUE(whole);
-    ASSERT_EQ(whole->infoHeader.biWidth, 1023);
-    ASSERT_EQ(whole->rows, 700);
+    ASSERT_EQ(std::pair(whole->infoHeader.biWidth, whole->rows), std::pair(1023, std::int64_t{700}));
     CollectedRows bands;
     bands.nextBottom = 700;
     ASSERT_TRUE(screen->grabRows(bands)) << "MIT-SHM is offered by Xvfb";
     EXPECT_EQ(bands.nextBottom, 0);
     EXPECT_EQ(bands.bytes, whole->pixels);
-    const struct {
-        std::int32_t x, y;
-        std::uint32_t colour;
-    } pixels[] = {{0, 0, 0xC03010}, {5, 3, 0x10E0F0}, {304, 213, 0x10E0F0}, {305, 214, 0xC03010},
-                  {1022, 5, 0x123456}, {1022, 699, 0xFEDCBA}, {700, 650, 0xFF00FF}, {406, 376, 0x000001}};
-    for (const auto& p : pixels)
-        EXPECT_EQ(regionPixels(*whole, {p.x, p.y, 1, 1}), std::vector<std::uint32_t>{p.colour}) << p.x << "," << p.y;
+    const std::tuple<std::int32_t, std::int32_t, std::uint32_t> pixels[] = {
+        {0, 0, 0xC03010},    {5, 3, 0x10E0F0},      {304, 213, 0x10E0F0}, {305, 214, 0xC03010},
+        {1022, 5, 0x123456}, {1022, 699, 0xFEDCBA}, {700, 650, 0xFF00FF}, {406, 376, 0x000001}};
+    for (const auto& [x, y, colour] : pixels)
+        EXPECT_EQ(regionPixels(*whole, {x, y, 1, 1}), std::vector<std::uint32_t>{colour}) << x << "," << y;
 
     const std::vector<CaptureRegionRect> regions{{3, 1, 10, 5}, {1000, 640, 23, 60}, {398, 310, 12, 9}};
     const std::optional<CaptureBitmap> some = screen->grab(regions);
@@ -127,15 +107,14 @@ TEST(X11Screen, BandsWholeScreenAndRegionsAreOnePictureAndTheGameIsFoundByTitle)
     const xcb_window_t inner = window(window(frame, nullptr, nullptr, true), "Framed", nullptr, true);
     const xcb_window_t top = window(root->root, "Old", "メイプル", true);
     window(root->root, "Hidden", nullptr, false);
-    std::free(xcb_get_input_focus_reply(painter, xcb_get_input_focus(painter), nullptr));
     xcb_set_input_focus(painter, XCB_INPUT_FOCUS_POINTER_ROOT, top, XCB_CURRENT_TIME);
-    std::free(xcb_get_input_focus_reply(painter, xcb_get_input_focus(painter), nullptr));
+    sync();
     EXPECT_EQ(screen->state("メイプル"), GameWindowState::Front);
     EXPECT_EQ(screen->state("Old"), GameWindowState::Missing) << "the UTF-8 name is the title";
     EXPECT_EQ(screen->state("Framed"), GameWindowState::Background);
     EXPECT_EQ(screen->state("Hidden"), GameWindowState::Missing);
     xcb_set_input_focus(painter, XCB_INPUT_FOCUS_POINTER_ROOT, inner, XCB_CURRENT_TIME);
-    std::free(xcb_get_input_focus_reply(painter, xcb_get_input_focus(painter), nullptr));
+    sync();
     EXPECT_EQ(screen->state("Framed"), GameWindowState::Front);
     xcb_disconnect(painter);
 }

@@ -13,60 +13,36 @@ namespace {
 namespace fs = std::filesystem;
 
 // Points the per-user data folder into the test's folder for as long as it lives.
-class UserDataIn {
-public:
-    explicit UserDataIn(const fs::path& folder)
-    {
-#ifdef _WIN32
-        if (const wchar_t* old = _wgetenv(kName))
-            m_old = old;
-#else
-        if (const char* old = std::getenv(kName))
-            m_old = old;
-#endif
-        set(folder);
-    }
-    ~UserDataIn() { set(m_old); }
-    UserDataIn(const UserDataIn&) = delete;
-    UserDataIn& operator=(const UserDataIn&) = delete;
-
-private:
+struct UserDataIn {
 #ifdef _WIN32
     static constexpr const wchar_t* kName = L"LOCALAPPDATA";
     static void set(const fs::path& value) { _wputenv_s(kName, value.c_str()); }
+    const fs::path old = _wgetenv(kName) != nullptr ? _wgetenv(kName) : L"";
 #else
     static constexpr const char* kName = "XDG_DATA_HOME";
     static void set(const fs::path& value) { setenv(kName, value.c_str(), 1); }
+    const fs::path old = std::getenv(kName) != nullptr ? std::getenv(kName) : "";
 #endif
-    fs::path m_old;
+    explicit UserDataIn(const fs::path& folder) { set(folder); }
+    ~UserDataIn() { set(old); }
 };
 
-// Where the help documents and the home folder go for each way the program can be laid
-// out: installed under a prefix (the Linux package), a build tree or unpacked zip, a
-// program folder nobody may write to, and an explicit --home.
+// Where the help documents and the home folder go: installed under a prefix (the Linux package), a build
+// tree or unpacked zip, a program folder nobody may write to, and an explicit --home.
 TEST(HomeFolderTest, FollowsHowTheProgramIsLaidOut)
 {
     test::TempFolder temp;
     const fs::path t = temp.path();
     UserDataIn userData(t / "user data");
-    fs::create_directories(t / "usr/bin");
-    fs::create_directories(t / "usr/share/tallivex");
-    fs::create_directories(t / "build/src/app");
-    fs::create_directories(t / "odd/bin");
-    fs::create_directories(t / "odd/share");
+    for (const char* folder : {"usr/bin", "usr/share/tallivex", "build/src/app", "odd/bin", "odd/share"})
+        fs::create_directories(t / folder);
     std::ofstream(t / "odd/share/tallivex") << "a file, not the data folder";
     const fs::path installedData = "../share/tallivex";
     const fs::path perUser = userDataFolder();
     ASSERT_EQ(perUser.parent_path(), t / "user data");
 
-    struct Case {
-        const char* what;
-        ProgramLayout layout;
-        std::optional<fs::path> override;
-        fs::path documents;
-        fs::path home;
-    };
-    const Case cases[] = {
+    // What, layout, --home, documents folder, home folder.
+    const std::tuple<const char*, ProgramLayout, std::optional<fs::path>, fs::path, fs::path> cases[] = {
         {"installed", {t / "usr/bin", installedData}, {}, t / "usr/share/tallivex", perUser},
         {"installed, --home", {t / "usr/bin", installedData}, t / "mine", t / "usr/share/tallivex", t / "mine"},
         {"no installed layout on this system", {t / "usr/bin", {}}, {}, t / "usr/bin", t / "usr/bin"},
@@ -74,11 +50,11 @@ TEST(HomeFolderTest, FollowsHowTheProgramIsLaidOut)
         {"data folder is a file", {t / "odd/bin", installedData}, {}, t / "odd/bin", t / "odd/bin"},
         {"program folder not writable (gone)", {t / "gone/bin", installedData}, {}, t / "gone/bin", perUser},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        EXPECT_EQ(documentFolder(c.layout), c.documents);
-        EXPECT_EQ(homeFolder(c.override, c.layout), c.home);
-        EXPECT_TRUE(fs::is_directory(c.home));
+    for (const auto& [what, layout, override, documents, home] : cases) {
+        SCOPED_TRACE(what);
+        EXPECT_EQ(documentFolder(layout), documents);
+        EXPECT_EQ(homeFolder(override, layout), home);
+        EXPECT_TRUE(fs::is_directory(home));
     }
     // Nothing was made beside the installed program.
     EXPECT_TRUE(fs::is_empty(t / "usr/bin"));

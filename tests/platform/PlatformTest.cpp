@@ -22,8 +22,7 @@ TEST(TextCodec, UnmappableCharactersBecomeQuestionMarksAndBadBytesAreRefused)
     EXPECT_EQ(codec->fromCp932(codec->toCp932(long_ + "給与" + long_)), long_ + "給与" + long_);
 }
 
-// Every capture beep choice plays, or stays silent where there is no sound device or no
-// display (as on CI), and returns.
+// Every capture beep choice plays, or stays silent without a sound device or display (as on CI), and returns.
 TEST(SoundTest, EveryBeepChoiceReturnsWithOrWithoutADevice)
 {
     const auto sound = platform::makeSound();

@@ -1,22 +1,15 @@
 #pragma once
 
 #include "config/PatternColumns.h"
-#include "config/Settings.h"
-#include "recognition/CaptureFile.h"
-#include "recognition/GlyphPainter.h"
+#include "support/GameScreen.h"
 
-#include <array>
-#include <cstdint>
-#include <random>
-#include <string>
 #include <string_view>
 #include <vector>
 
 namespace tvx::test {
 
-// A digit font the program has never shipped: five columns of ink in rows 1 to 7 and one
-// column of spacing (a pitch of 6 where the built-in fonts have 7 and 5), a comma between
-// thousands, and "]" as the mark that ends a number.
+// A digit font the program has never shipped: five columns of ink in rows 1 to 7 and one of spacing (a pitch
+// of 6 where the built-in fonts have 7 and 5), a comma between thousands, and "]" ending a number.
 inline constexpr std::int32_t kFontPitch = 6;
 
 inline std::vector<std::uint16_t> glyphFromRows(const std::array<std::string_view, 7>& rows, std::size_t spacing)
@@ -52,34 +45,24 @@ inline std::vector<std::uint16_t> fontGlyph(char c)
     return std::vector<std::uint16_t>(kFontPitch, 0); // a blank
 }
 
-// The columns of a text in the font ("1,234]").
-inline std::vector<std::uint16_t> fontColumns(std::string_view text)
+// Writes a text in the font ("1,234]") into a region, from column `first` on, in the region's colours.
+inline void paintFontText(Frame& frame, const CaptureRegionRect& rect, int region, std::int32_t first,
+                          std::string_view text)
 {
     std::vector<std::uint16_t> columns;
     for (const char c : text) {
         const std::vector<std::uint16_t> glyph = fontGlyph(c);
         columns.insert(columns.end(), glyph.begin(), glyph.end());
     }
-    return columns;
-}
-
-// Writes a text in the font into a region, from column `first` on, in the region's colours.
-inline void paintFontText(Frame& frame, const CaptureRegionRect& rect, int region, std::int32_t first,
-                          std::string_view text)
-{
     const InkColors colours = defaultInkColors(region);
     paintRegionBackground(frame, rect, colours);
-    paintColumns(frame, rect, first, encodePatternColumns(fontColumns(text)), colours);
+    paintColumns(frame, rect, first, encodePatternColumns(columns), colours);
 }
 
-// A noisy screen with the three regions of the default full-screen layout written in the
-// font, each text followed by the end mark ("" leaves a region blank).
+// A noisy screen, the default full-screen regions written in the font with the end mark ("" leaves one blank).
 inline Frame fontScreen(const std::array<std::string, kRegionCount>& texts, std::uint32_t seed = 1)
 {
-    Frame frame(800, 600);
-    std::mt19937 noise(seed);
-    for (auto& byte : frame.bytes())
-        byte = static_cast<std::uint8_t>(noise());
+    Frame frame = gameScreen({"", "", ""}, ScreenMode::FullScreen, seed, 800, 600);
     const Settings settings = defaultSettings("");
     for (int r = 0; r < kRegionCount; ++r) {
         const auto i = static_cast<std::size_t>(r);

@@ -6,22 +6,15 @@
 #include "TextCodecFactory.h"
 #include "base/Utf8Path.h"
 #include "config/ConfigFile.h"
-#include "config/Settings.h"
 #include "measurement/ExpTable.h"
 #include "measurement/SessionHistory.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
 #include <set>
-#include <sstream>
-#include <string>
 #include <utility>
-#include <vector>
 
-// What the end-to-end runs on X11 and under Wine share: the meter's settings for a session
-// on the practice target, and its hourly records held against what the target drew.
+// Shared by the end-to-end runs on X11 and under Wine: settings, and records held against what the target drew.
 namespace tvx::test {
 
 // Records in CSV under save/log, gestures and the level watch on, a short start-up delay.
@@ -39,66 +32,35 @@ inline void writeSessionSettings(const std::filesystem::path& home, const std::f
     s.SaveFormat = ".png";
     s.UiLanguage = "ja"; // the log box is read in Japanese, whatever the machine speaks
     std::filesystem::create_directories(save);
-    const auto codec = platform::makeTextCodec();
-    std::ofstream(home / "TV2MConfig.ini", std::ios::binary) << codec->toCp932(configFileText(s));
-}
-
-// The non-empty lines of a text, without their CR.
-inline std::vector<std::string> textLines(const std::string& text)
-{
-    std::vector<std::string> result;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) {
-        if (!line.empty() && line.back() == '\r')
-            line.pop_back();
-        if (!line.empty())
-            result.push_back(line);
-    }
-    return result;
+    std::ofstream(home / "TV2MConfig.ini", std::ios::binary) << platform::makeTextCodec()->toCp932(configFileText(s));
 }
 
 // Level and total experience of every state in the practice target's state file.
-using DrawnTotals = std::set<std::pair<std::int64_t, std::int64_t>>;
-
-inline DrawnTotals drawnTotals(const std::filesystem::path& stateFile)
+inline std::set<std::pair<std::int64_t, std::int64_t>> drawnTotals(const std::filesystem::path& stateFile)
 {
-    DrawnTotals totals;
-    for (const auto& line : textLines(readAll(stateFile))) {
-        std::istringstream in(line);
-        std::int64_t seconds = 0, level = 0, exp = 0, money = 0;
-        if (in >> seconds >> level >> exp >> money)
-            totals.insert({level, ExpTable(static_cast<std::int32_t>(level)).wholePart() + exp});
-    }
+    std::set<std::pair<std::int64_t, std::int64_t>> totals;
+    std::istringstream in(readAll(stateFile)); // seconds, level, experience, money a line
+    for (std::int64_t seconds = 0, level = 0, exp = 0, money = 0; in >> seconds >> level >> exp >> money;)
+        totals.insert({level, ExpTable(static_cast<std::int32_t>(level)).wholePart() + exp});
     return totals;
 }
 
 // The record lines of the first file in the save folder's log folder, header left out.
 inline std::vector<std::string> recordLines(const std::filesystem::path& saveFolder)
 {
-    std::vector<std::filesystem::path> files;
+    std::set<std::filesystem::path> files;
     std::error_code error;
     for (const auto& entry : std::filesystem::directory_iterator(saveFolder / "log", error))
         if (entry.path().filename() != utf8Path(kHistoryFileName))
-            files.push_back(entry.path());
-    if (files.empty())
-        return {};
-    std::sort(files.begin(), files.end());
-    auto lines = textLines(readAll(files.front()));
-    if (!lines.empty())
-        lines.erase(lines.begin());
-    return lines;
+            files.insert(entry.path());
+    auto lines = files.empty() ? std::vector<std::string>{} : splitLines(readAll(*files.begin()));
+    return lines.empty() ? lines : std::vector<std::string>(lines.begin() + 1, lines.end());
 }
 
-inline std::int64_t recordNumber(std::string text)
-{
-    std::erase(text, ',');
-    return std::stoll(text);
-}
-
-// What is wrong with CSV records of a session on the practice target, one text per fault:
-// each record's level and total must be a drawn state, its gain must be positive and count
-// from the record before it, which the target drew too.
-inline std::vector<std::string> recordFaults(const std::vector<std::string>& records, const DrawnTotals& drawn)
+// What is wrong with CSV records, one text per fault: each record's level and total must be a drawn state,
+// its gain positive and counted from the record before it, which the target drew too.
+inline std::vector<std::string> recordFaults(const std::vector<std::string>& records,
+                                             const std::set<std::pair<std::int64_t, std::int64_t>>& drawn)
 {
     std::vector<std::string> faults;
     std::int64_t previous = -1;
@@ -108,15 +70,12 @@ inline std::vector<std::string> recordFaults(const std::vector<std::string>& rec
             faults.push_back("too few fields: " + line);
             continue;
         }
-        const std::int64_t level = recordNumber(f[1]);
-        const std::int64_t total = recordNumber(f[2]);
-        const std::int64_t gain = recordNumber(f[4]);
+        const std::int64_t level = std::stoll(f[1]), total = std::stoll(f[2]), gain = std::stoll(f[4]);
         if (!drawn.contains({level, total}))
             faults.push_back("not drawn: " + line);
-        if (std::none_of(drawn.begin(), drawn.end(), [&](const auto& d) { return d.second == total - gain; }))
-            faults.push_back("counts from a total never drawn: " + line);
-        if (previous >= 0 && total - gain != previous)
-            faults.push_back("does not count from the record before: " + line);
+        const auto drawnTotal = [&](const auto& d) { return d.second == total - gain; };
+        if (previous >= 0 ? total - gain != previous : std::none_of(drawn.begin(), drawn.end(), drawnTotal))
+            faults.push_back("counts from neither the record before nor a drawn total: " + line);
         if (gain <= 0)
             faults.push_back("no gain: " + line);
         previous = total;

@@ -1,18 +1,13 @@
 #pragma once
 
-#include "config/Settings.h"
 #include "recognition/CaptureFile.h"
 #include "recognition/GlyphPainter.h"
 
-#include <array>
-#include <cstdint>
 #include <random>
-#include <string>
 
 namespace tvx::test {
 
-// A noisy screen with the level, experience and money drawn at the regions of the mode
-// ("" leaves a region blank).
+// A noisy screen with level, experience and money drawn at the mode's regions ("" leaves a region blank).
 inline Frame gameScreen(const std::array<std::string, kRegionCount>& numbers, ScreenMode mode = ScreenMode::FullScreen,
                         std::uint32_t seed = 1, std::int32_t width = 1024, std::int32_t height = 768)
 {

@@ -2,22 +2,22 @@
 
 #include <chrono>
 #include <csignal>
-#include <fcntl.h>
 #include <cstdio>
+#include <fcntl.h>
+#include <fstream>
 #include <functional>
 #include <spawn.h>
 #include <string>
 #include <sys/wait.h>
 #include <thread>
-#include <unistd.h>
+#include <utility>
 #include <vector>
 
 extern char** environ;
 
 namespace tvx::test {
 
-// A child process, its standard output and error sent to files when named; stopped
-// (SIGTERM) and reaped when it goes out of scope still running.
+// A child process, its output and errors into files when named; stopped when it goes out of scope.
 class Child {
 public:
     Child() = default;
@@ -29,44 +29,28 @@ public:
         argv.push_back(nullptr);
         posix_spawn_file_actions_t files;
         posix_spawn_file_actions_init(&files);
-        if (!out.empty())
-            posix_spawn_file_actions_addopen(&files, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-        if (!err.empty())
-            posix_spawn_file_actions_addopen(&files, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        for (const auto& [fd, file] : {std::pair{1, &out}, std::pair{2, &err}})
+            if (!file->empty())
+                posix_spawn_file_actions_addopen(&files, fd, file->c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
         if (posix_spawnp(&m_pid, argv[0], &files, nullptr, argv.data(), environ) != 0)
             m_pid = -1;
         posix_spawn_file_actions_destroy(&files);
     }
-    Child(Child&& other) noexcept : m_pid(other.m_pid) { other.m_pid = -1; }
-    Child& operator=(Child&& other) noexcept
-    {
-        std::swap(m_pid, other.m_pid);
-        return *this;
-    }
+    Child(Child&& other) noexcept : m_pid(std::exchange(other.m_pid, -1)) {}
     ~Child() { stop(); }
 
     bool started() const { return m_pid > 0; }
-    // Started and not ended yet.
-    bool running()
-    {
-        int status = 0;
-        if (m_pid > 0 && waitpid(m_pid, &status, WNOHANG) == m_pid)
-            m_pid = -1;
-        return m_pid > 0;
-    }
     void stop(int signal = SIGTERM)
     {
-        if (m_pid <= 0)
-            return;
-        kill(m_pid, signal);
+        if (m_pid > 0)
+            kill(m_pid, signal);
         wait();
     }
     // Its exit status once it has ended; -1 when it did not exit by itself.
     int wait()
     {
         int status = 0;
-        const bool ended = m_pid > 0 && waitpid(m_pid, &status, 0) == m_pid;
-        m_pid = -1;
+        const bool ended = m_pid > 0 && waitpid(std::exchange(m_pid, -1), &status, 0) > 0;
         return ended && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
 
@@ -99,9 +83,7 @@ inline bool eventually(const std::function<bool()>& condition, std::chrono::mill
     return condition();
 }
 
-// An Xvfb server of the given size ("1760x1000x24") on a display number it chooses itself,
-// since other test runs on this machine may be starting servers at the same moment. The
-// number is passed through a file in the folder; display is empty when no server came up.
+// An Xvfb server of a size ("1760x1000x24") on a display it chooses; display is "" when none came up.
 struct VirtualScreen {
     Child server;
     std::string display;
@@ -109,25 +91,24 @@ struct VirtualScreen {
 
 inline VirtualScreen startVirtualScreen(const std::string& size, const std::string& folder)
 {
-    // Two servers starting at once may both pick a number; the one that loses it ends, and
-    // is started again.
+    // Without -noreset the server starts over whenever its last client (each xdotool call) leaves
+    // and cuts off whoever connects meanwhile. The display is ours once it answers with our size.
+    std::string answer = size.substr(0, size.rfind('x')) + "\n";
+    answer[answer.find('x')] = ' ';
+    const std::vector<std::string> xvfb{"Xvfb", "-displayfd", "1", "-screen", "0", size,
+                                        "-nolisten", "tcp", "-noreset"};
+    const std::string told = folder + "/display";
     for (int attempt = 0; attempt < 3; ++attempt) {
-        const std::string chosen = folder + "/display";
-        VirtualScreen screen{Child({"Xvfb", "-displayfd", "1", "-screen", "0", size, "-nolisten", "tcp"}, chosen), {}};
+        VirtualScreen screen{Child(xvfb, told), {}};
         std::string number;
-        const bool told = screen.server.started() && eventually([&] {
+        const auto ours = [&] {
             number.clear();
-            if (FILE* file = std::fopen(chosen.c_str(), "r")) {
-                char buffer[32] = {};
-                if (std::fgets(buffer, sizeof buffer, file) != nullptr)
-                    number = buffer;
-                std::fclose(file);
-            }
-            return !number.empty() && number.back() == '\n';
-        }, std::chrono::seconds(10));
-        std::this_thread::sleep_for(std::chrono::milliseconds(300));
-        if (told && screen.server.running()) {
-            screen.display = ":" + number.substr(0, number.size() - 1);
+            std::ifstream(told) >> number;
+            return !number.empty() &&
+                   output("DISPLAY=:" + number + " xdotool getdisplaygeometry 2>/dev/null") == answer;
+        };
+        if (screen.server.started() && eventually(ours, std::chrono::seconds(20))) {
+            screen.display = ":" + number;
             return screen;
         }
     }

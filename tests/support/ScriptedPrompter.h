@@ -10,8 +10,7 @@
 
 namespace tvx::test {
 
-// Answers the program's questions from a script and records everything it was shown.
-// A question the script does not expect fails the test.
+// Answers questions from a script and records everything shown; an unexpected question fails the test.
 class ScriptedPrompter : public Prompter {
 public:
     struct Shown {
@@ -31,25 +30,16 @@ public:
     }
     bool askYesNo(const std::string& text, const std::string& title) override
     {
-        shown.push_back({"yesno", text, title});
-        return nextAnswer();
+        return ask("yesno", text, title, answers, true);
     }
     bool askOkCancel(const std::string& text, const std::string& title) override
     {
-        shown.push_back({"okcancel", text, title});
-        return nextAnswer();
+        return ask("okcancel", text, title, answers, true);
     }
     double askNumber(const std::string& limitA, const std::string& limitB, double, const std::string&,
                      const std::string& prompt, const std::string& title) override
     {
-        shown.push_back({"number", prompt + " [" + limitA + ", " + limitB + "]", title});
-        if (numbers.empty()) {
-            ADD_FAILURE() << "unexpected number input: " << prompt;
-            return kCancelled;
-        }
-        const double value = numbers.front();
-        numbers.pop_front();
-        return value;
+        return ask("number", prompt + " [" + limitA + ", " + limitB + "]", title, numbers, kCancelled);
     }
 
     std::vector<std::string> kinds() const
@@ -61,14 +51,16 @@ public:
     }
 
 private:
-    bool nextAnswer()
+    template <typename T>
+    T ask(const char* kind, const std::string& text, const std::string& title, std::deque<T>& script, T unexpected)
     {
-        if (answers.empty()) {
-            ADD_FAILURE() << "unexpected question: " << shown.back().text;
-            return true;
+        shown.push_back({kind, text, title});
+        if (script.empty()) {
+            ADD_FAILURE() << "unexpected question: " << text;
+            return unexpected;
         }
-        const bool answer = answers.front();
-        answers.pop_front();
+        const T answer = script.front();
+        script.pop_front();
         return answer;
     }
 };

@@ -2,14 +2,9 @@
 
 #include "ports/ScreenSource.h"
 #include "ports/Waiter.h"
-#include "recognition/CaptureFile.h"
 #include "support/BitmapFont.h"
 
 #include <gtest/gtest.h>
-
-#include <array>
-#include <string>
-#include <vector>
 
 namespace tvx::test {
 

@@ -2,26 +2,21 @@
 
 #include "base/Utf8Path.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <string>
 #include <unistd.h>
 
 namespace tvx::test {
 
-// A fresh folder for one test, unique per test, process (ctest runs tests in parallel)
-// and instance (a test may need two), removed with everything in it at the end. Its name
-// holds Japanese and blanks, as players' folders do, so every file test also checks that
-// paths go through UTF-8 correctly (Windows reads narrow strings in the ANSI code page).
+// A fresh folder, unique per process and instance, removed at the end. Its name holds Japanese and
+// blanks, as players' folders do, so every file test checks paths' UTF-8 (Windows' narrow strings are ANSI).
 class TempFolder {
 public:
     TempFolder()
     {
-        const auto* info = testing::UnitTest::GetInstance()->current_test_info();
+        static int instances = 0;
         m_path = std::filesystem::temp_directory_path() /
-                 utf8Path("tallivex 試験 " + std::string(info->test_suite_name()) + "-" + info->name() + "-" +
-                          std::to_string(getpid()) + "-" + std::to_string(++instances()));
+                 utf8Path("tallivex 試験 " + std::to_string(getpid()) + "-" + std::to_string(++instances));
         std::filesystem::remove_all(m_path);
         std::filesystem::create_directories(m_path);
     }
@@ -36,12 +31,6 @@ public:
     const std::filesystem::path& path() const { return m_path; }
 
 private:
-    static int& instances()
-    {
-        static int count = 0;
-        return count;
-    }
-
     std::filesystem::path m_path;
 };
 

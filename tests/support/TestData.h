@@ -8,8 +8,7 @@
 
 namespace tvx::test {
 
-// A file kept under tests/data, its LF line ends made the CR LF the program writes unless
-// the text is to stay as it is.
+// A file under tests/data, its LF line ends made the program's CR LF unless crlf is false.
 inline std::string testData(const std::string& name, bool crlf = true)
 {
     std::string text;

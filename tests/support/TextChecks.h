@@ -6,26 +6,17 @@
 
 namespace tvx::test {
 
-// Whether a text holds a part; a failure shows the whole text.
-inline testing::AssertionResult holds(const char* textExpression, const char* partExpression, const std::string& text,
-                                      const std::string& part)
+// Whether a text holds (wanted) or lacks a part; a failure shows the whole text.
+inline testing::AssertionResult partOf(const char* textExpression, const char* partExpression, const char*,
+                                       const std::string& text, const std::string& part, bool wanted)
 {
-    if (text.find(part) != std::string::npos)
+    if ((text.find(part) != std::string::npos) == wanted)
         return testing::AssertionSuccess();
-    return testing::AssertionFailure() << textExpression << " lacks " << partExpression << " \"" << part << "\":\n"
-                                       << text;
-}
-
-inline testing::AssertionResult lacks(const char* textExpression, const char* partExpression, const std::string& text,
-                                      const std::string& part)
-{
-    if (text.find(part) == std::string::npos)
-        return testing::AssertionSuccess();
-    return testing::AssertionFailure() << textExpression << " holds " << partExpression << " \"" << part << "\":\n"
-                                       << text;
+    return testing::AssertionFailure() << textExpression << (wanted ? " lacks " : " holds ") << partExpression
+                                       << " \"" << part << "\":\n" << text;
 }
 
 } // namespace tvx::test
 
-#define EXPECT_HOLDS(text, part) EXPECT_PRED_FORMAT2(::tvx::test::holds, text, part)
-#define EXPECT_LACKS(text, part) EXPECT_PRED_FORMAT2(::tvx::test::lacks, text, part)
+#define EXPECT_HOLDS(text, part) EXPECT_PRED_FORMAT3(::tvx::test::partOf, text, part, true)
+#define EXPECT_LACKS(text, part) EXPECT_PRED_FORMAT3(::tvx::test::partOf, text, part, false)
