@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <tuple>
 
 namespace tvx {
 namespace {
@@ -46,20 +47,6 @@ struct BitmapBuilder {
         return out;
     }
 };
-
-CaptureLoadResult parse(const BitmapBuilder& builder, CaptureBitmap& bitmap)
-{
-    const std::vector<std::uint8_t> bytes = builder.bytes();
-    return parseCaptureBitmap(bytes, bitmap);
-}
-
-std::vector<std::uint8_t> sequence(std::size_t count)
-{
-    std::vector<std::uint8_t> bytes(count);
-    for (std::size_t i = 0; i < count; ++i)
-        bytes[i] = static_cast<std::uint8_t>(i + 1);
-    return bytes;
-}
 
 TEST(CaptureFile, TheHeadersDecideTheStrideAndWhatIsRefused)
 {
@@ -99,8 +86,9 @@ TEST(CaptureFile, TheHeadersDecideTheStrideAndWhatIsRefused)
     CaptureBitmap bitmap;
     for (Case c : cases) {
         SCOPED_TRACE(c.name);
-        c.header.pixels = sequence(c.pixelBytes);
-        EXPECT_EQ(parse(c.header, bitmap), c.result);
+        for (std::size_t i = 0; i < c.pixelBytes; ++i)
+            c.header.pixels.push_back(static_cast<std::uint8_t>(i + 1));
+        EXPECT_EQ(parseCaptureBitmap(c.header.bytes(), bitmap), c.result);
         // A refused file leaves no pixels behind to be read as a picture.
         EXPECT_EQ(bitmap.pixels.empty(), c.result != R::Read);
         if (c.result == R::Read) {
@@ -131,37 +119,29 @@ TEST(CaptureFile, LoadChecksThePathBeforeTheFile)
     }
     std::filesystem::create_directory(folder / "folder.bmp");
 
-    struct Case { std::filesystem::path path; CaptureLoadResult result; };
-    // One bitmap for all, as a caller reading a folder of images keeps it: a failure in
-    // between must not leave the previous picture behind.
+    // One bitmap for all, as a caller reading a folder of images keeps it: each refusal comes
+    // after a good read and must not leave that picture behind.
+    const std::pair<std::filesystem::path, CaptureLoadResult> refused[] = {
+        {"", CaptureLoadResult::EmptyPath},
+        {folder / "Capture.png", CaptureLoadResult::NotBmpName},
+        {folder / "missing.bmp", CaptureLoadResult::CannotOpen},
+        {folder / "fake.bmp", CaptureLoadResult::NotBitmapType},
+        {folder / "folder.bmp", CaptureLoadResult::NotAFile},
+        {folder / "short.bmp", CaptureLoadResult::Truncated},
+        {folder / "headers.bmp", CaptureLoadResult::Truncated},
+    };
     CaptureBitmap bitmap;
-    for (const Case& c : {Case{folder / "Capture.BMP", CaptureLoadResult::Read}, Case{"", CaptureLoadResult::EmptyPath},
-                          Case{folder / "Capture.BMP", CaptureLoadResult::Read},
-                          Case{folder / "Capture.png", CaptureLoadResult::NotBmpName},
-                          Case{folder / "Capture.BMP", CaptureLoadResult::Read},
-                          Case{folder / "missing.bmp", CaptureLoadResult::CannotOpen},
-                          Case{folder / "Capture.BMP", CaptureLoadResult::Read},
-                          Case{folder / "fake.bmp", CaptureLoadResult::NotBitmapType},
-                          Case{folder / "Capture.BMP", CaptureLoadResult::Read},
-                          Case{folder / "folder.bmp", CaptureLoadResult::NotAFile},
-                          Case{folder / "Capture.BMP", CaptureLoadResult::Read},
-                          Case{folder / "short.bmp", CaptureLoadResult::Truncated},
-                          Case{folder / "Capture.BMP", CaptureLoadResult::Read},
-                          Case{folder / "headers.bmp", CaptureLoadResult::Truncated}}) {
-        EXPECT_EQ(LoadCaptureBitmap(c.path, bitmap), c.result) << c.path;
-        if (c.result != CaptureLoadResult::Read) {
-            EXPECT_TRUE(bitmap.pixels.empty()) << c.path;
-            EXPECT_FALSE(describe(c.result).empty());
-            continue;
-        }
-        EXPECT_EQ(bitmap.infoHeader.biWidth, 3);
-        EXPECT_EQ(bitmap.infoHeader.biHeight, 2);
-        EXPECT_EQ(bitmap.infoHeader.biBitCount, 24);
-        EXPECT_EQ(bitmap.stride, 12);
+    for (const auto& [path, result] : refused) {
+        ASSERT_EQ(LoadCaptureBitmap(folder / "Capture.BMP", bitmap), CaptureLoadResult::Read);
+        EXPECT_EQ(std::tuple(bitmap.infoHeader.biWidth, bitmap.infoHeader.biHeight, bitmap.infoHeader.biBitCount,
+                             bitmap.stride),
+                  std::tuple(3, 2, 24, 12));
         EXPECT_TRUE(std::equal(bitmap.pixels.begin(), bitmap.pixels.end(), whole.begin() + 54, whole.end()));
         // Top screen row is the last file row.
-        EXPECT_EQ(bitmap.at(6, 1), 10);
-        EXPECT_EQ(bitmap.at(8, 1), 30);
+        EXPECT_EQ((std::pair<int, int>(bitmap.at(6, 1), bitmap.at(8, 1))), std::pair(10, 30));
+        EXPECT_EQ(LoadCaptureBitmap(path, bitmap), result) << path;
+        EXPECT_TRUE(bitmap.pixels.empty()) << path;
+        EXPECT_FALSE(describe(result).empty());
     }
     EXPECT_FALSE(std::filesystem::exists(folder / "Capture.BMP.tmp"));
 }

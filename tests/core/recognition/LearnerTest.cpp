@@ -32,11 +32,6 @@ CaptureBitmap fontImage(const std::string& text, std::uint32_t seed = 1)
     return toCaptureBitmap(test::fontScreen({"", text, ""}, seed));
 }
 
-std::vector<std::uint16_t> glyphOf(char c)
-{
-    return test::fontGlyph(c);
-}
-
 // Reads the experience region of an image with the settings as the learner left them.
 std::string readWith(const Settings& settings, const CaptureBitmap& image)
 {
@@ -92,7 +87,7 @@ TEST(TemplateLearnerTest, LayoutsAreKeptOnlyWhenTheImagesReadBack)
     EXPECT_FALSE(learner.ambiguous());
     EXPECT_EQ(learner.glyphWidth(), test::kFontPitch);
     for (const char digit : std::string("0123456789"))
-        EXPECT_EQ(learner.glyph(digit - '0'), glyphOf(digit)) << digit;
+        EXPECT_EQ(learner.glyph(digit - '0'), test::fontGlyph(digit)) << digit;
     // Found where the font put it: from column 3 of the region (2 + region index 1).
     EXPECT_EQ(learner.layout(3).digitColumns, (std::vector<std::int32_t>{3, 9, 15, 21, 27}));
     EXPECT_TRUE(learner.replacedPrior()); // the built-in templates are five columns wide
@@ -112,7 +107,7 @@ TEST(TemplateLearnerTest, LayoutsAreKeptOnlyWhenTheImagesReadBack)
     ASSERT_TRUE(contradicted.add(fontImage("4114"), "4114").accepted());
     EXPECT_TRUE(contradicted.replacedPrior());
     EXPECT_EQ(contradicted.patterns()[7], "");
-    EXPECT_EQ(contradicted.patterns()[1], encodePatternColumns(glyphOf('1')));
+    EXPECT_EQ(contradicted.patterns()[1], encodePatternColumns(test::fontGlyph('1')));
 }
 
 TEST(TemplateLearnerTest, AWideRegionOverNoiseStillFindsTheNumber)
@@ -221,10 +216,25 @@ Settings savedAndLoaded(Settings settings)
     return loaded;
 }
 
+// Forty more screens of the same UI, each read right or not at all: a wrong number would
+// become a gain and a record line. How many were read right.
+int readForty(DrawnScreens& screens, const Settings& settings)
+{
+    int right = 0;
+    for (int i = 0; i < 40; ++i) {
+        auto [image, digits] = screens.next();
+        const std::string read = readWith(settings, image);
+        right += read == digits ? 1 : 0;
+        if (read != digits) {
+            EXPECT_EQ(read, "") << "screen " << i << " shows " << digits;
+        }
+    }
+    return right;
+}
+
 class DrawnFontTest : public testing::TestWithParam<DrawnFont> {};
 
-// Taught five screens, the region reads other screens of the same UI right or not at all:
-// a wrong number would become a gain and a record line.
+// Taught five screens, the region reads other screens of the same UI right or not at all.
 TEST_P(DrawnFontTest, FiveScreensTaughtReadFortyOthersRightOrNotAtAll)
 {
     const DrawnFont& font = GetParam();
@@ -241,18 +251,7 @@ TEST_P(DrawnFontTest, FiveScreensTaughtReadFortyOthersRightOrNotAtAll)
     EXPECT_EQ(learner.mode(), font.mode);
     learner.applyTo(settings);
     settings = savedAndLoaded(settings);
-
-    int right = 0;
-    for (int i = 0; i < 40; ++i) {
-        auto [image, digits] = screens.next();
-        const std::string read = readWith(settings, image);
-        if (read == digits) {
-            ++right;
-        } else {
-            EXPECT_EQ(read, "") << "screen " << i << " shows " << digits;
-        }
-    }
-    EXPECT_GE(right, 39);
+    EXPECT_GE(readForty(screens, settings), 39);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -285,16 +284,7 @@ TEST(RegionLearnerTest, AScaledUiTaughtOneScreenACallAddsUp)
             EXPECT_EQ(readWith(settings, image), digits) << "after " << number;
     }
     EXPECT_EQ(missingShapeDigits(settings.Reading[RegionExp]), "");
-    int right = 0;
-    for (int i = 0; i < 40; ++i) {
-        auto [image, digits] = screens.next();
-        const std::string read = readWith(settings, image);
-        right += read == digits ? 1 : 0;
-        if (read != digits) {
-            EXPECT_EQ(read, "") << digits;
-        }
-    }
-    EXPECT_GE(right, 39);
+    EXPECT_GE(readForty(screens, settings), 39);
 }
 
 // A digit no screen showed is read as nothing, never as the taught digit it looks most like.

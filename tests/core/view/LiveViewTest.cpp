@@ -1,5 +1,8 @@
 #include "view/HistoryView.h"
 #include "view/LiveView.h"
+#include "view/LiveWindowModel.h"
+#include "measurement/SessionHistory.h"
+#include "support/TempFolder.h"
 #include "support/TextChecks.h"
 
 #include <gtest/gtest.h>
@@ -84,6 +87,12 @@ TEST(HistoryViewTest, SessionsNewestFirstAndTotalsPerDayAndWeek)
     const std::string csv = historyCsv(rows);
     EXPECT_EQ(csv.substr(0, 3), "\xEF\xBB\xBF");
     EXPECT_HOLDS(csv, "\r\n2025/06/02 09:00:00,2025/06/02 11:00:00,120.0,0,0,4000000,");
+
+    // The history window over a file not written yet: nothing listed, and no fault to name.
+    const test::TempFolder temp;
+    const HistoryWindowData none = openHistoryWindow(historyFilePath(temp.path()));
+    EXPECT_FALSE(none.error);
+    EXPECT_TRUE(none.rows.empty());
 }
 
 } // namespace

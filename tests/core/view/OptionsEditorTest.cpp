@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <tuple>
 
 namespace tvx {
 namespace {
@@ -157,12 +158,9 @@ TEST_F(OptionsEditorTest, PreviewsShowEachRegionItsColumnsAndWhatTheTemplatesRea
     OptionsEditor editor(m_settings, &capture);
     const RegionPreview& level = editor.previews()[RegionLevel];
     EXPECT_EQ(editor.previewResult(RegionLevel), "認識結果： 137　［完全一致］");
-    EXPECT_EQ(level.width, 50);
-    EXPECT_EQ(level.height, 9);
-    EXPECT_EQ(level.pixels.size(), 450u);
-    ASSERT_EQ(level.columns.size(), 50u);
-    EXPECT_EQ(level.columns[1 + 7 + 2], 0x0092); // the third column of the "3"
-    EXPECT_EQ(level.rows, 9);
+    EXPECT_EQ(std::tuple(level.width, level.height, level.pixels.size(), level.columns.size(), level.rows),
+              std::tuple(50, 9, 450u, 50u, 9));
+    EXPECT_EQ(level.columns.at(1 + 7 + 2), 0x0092); // the third column of the "3"
     // The first pixel is the region's background as painted, 0xRRGGBB.
     const Frame frame = toFrame(capture);
     const std::uint8_t* bgr = frame.row(578) + 3 * 35;
@@ -191,8 +189,6 @@ TEST_F(OptionsEditorTest, ATemplateIsTakenFromTheCaptureDrawnOrTypedAndTheNoteFo
     m_settings.PatternStrings[RegionLevel][5] = "";
     const CaptureBitmap capture = test::gameCapture({"57", "", ""});
     OptionsEditor editor(m_settings, &capture);
-    EXPECT_NE(editor.previewResult(RegionLevel), "認識結果： 57　［完全一致］");
-
     editor.selectPattern(RegionLevel, 5);
     EXPECT_EQ(editor.patternView().editorCaption, "Lv (1) のパターン「5」");
     EXPECT_EQ(editor.patternView().editor, std::vector<std::uint16_t>(7, 0)) << "a blank cell to draw in";
