@@ -77,15 +77,8 @@ TEST(BinarizeRegion, EmptyOversizedAndTallerThanThirtyOneBits)
     EXPECT_THROW(BinarizeRegion(tall.levels, 0, {0, 0, 5, 2}, 133, -1, columns), RuntimeError);
 }
 
-const PatternSet& expGlyphs()
-{
-    return defaultPatternStrings()[RegionExp];
-}
-
-std::string glyph(int index)
-{
-    return expGlyphs()[static_cast<std::size_t>(index)];
-}
+// The experience region's built-in templates: digits 0 to 9, then the delimiter (10).
+const PatternSet& kExp = defaultPatternStrings()[RegionExp];
 
 std::string blank(int columns)
 {
@@ -107,51 +100,51 @@ TEST(RecognizeNumber, OutcomesFollowTheWalkRules)
         std::string to = "";
         std::string separator = "";
     };
-    const std::string delimiter = glyph(10);
+    const std::string delimiter = kExp[10];
     const std::string comma = "01800000";
     const std::string ng = "認識NG";
     const std::vector<Case> cases = {
-        {"adjacent digits then delimiter", glyph(1) + glyph(2) + delimiter + blank(5), -1, "12", "12"},
-        {"no delimiter up to the edge", glyph(1) + glyph(2) + blank(20), -1, "", ng},
+        {"adjacent digits then delimiter", kExp[1] + kExp[2] + delimiter + blank(5), -1, "12", "12"},
+        {"no delimiter up to the edge", kExp[1] + kExp[2] + blank(20), -1, "", ng},
         {"no digit anywhere", delimiter + blank(12), -1, "", "NotFind"},
         {"empty column string", "", 0, "", "NotFind"},
-        {"gap between groups is skipped", glyph(1) + blank(3) + glyph(2) + glyph(3) + glyph(4) + delimiter + blank(1),
+        {"gap between groups is skipped", kExp[1] + blank(3) + kExp[2] + kExp[3] + kExp[4] + delimiter + blank(1),
          -1, "1234", "1234"},
-        {"separator glyph is skipped", glyph(1) + "010001C0" + glyph(2) + glyph(3) + glyph(4) + delimiter + blank(1), -1,
+        {"separator glyph is skipped", kExp[1] + "010001C0" + kExp[2] + kExp[3] + kExp[4] + delimiter + blank(1), -1,
          "1234", "1234"},
-        {"leading blanks", blank(7) + glyph(9) + glyph(0) + delimiter + blank(1), -1, "90", "90"},
-        {"noise digit left of the number is kept", glyph(7) + blank(4) + glyph(5) + delimiter + blank(1), -1, "75",
+        {"leading blanks", blank(7) + kExp[9] + kExp[0] + delimiter + blank(1), -1, "90", "90"},
+        {"noise digit left of the number is kept", kExp[7] + blank(4) + kExp[5] + delimiter + blank(1), -1, "75",
          "75"},
         // The walk never tries a glyph whose left column is SizeX - W.
-        {"delimiter touching the right edge", glyph(1) + glyph(2) + delimiter, -1, "", ng},
-        {"delimiter one column before the edge", glyph(1) + glyph(2) + delimiter + blank(1), -1, "12", "12"},
-        {"region narrower than a glyph", glyph(3) + delimiter, 4, "", ng},
-        {"region narrower than the string", glyph(1) + glyph(2) + delimiter + blank(5), 14, "", ng},
+        {"delimiter touching the right edge", kExp[1] + kExp[2] + delimiter, -1, "", ng},
+        {"delimiter one column before the edge", kExp[1] + kExp[2] + delimiter + blank(1), -1, "12", "12"},
+        {"region narrower than a glyph", kExp[3] + delimiter, 4, "", ng},
+        {"region narrower than the string", kExp[1] + kExp[2] + delimiter + blank(5), 14, "", ng},
         // Junk shifts every glyph by half a column group: the first search still finds the
         // digit and the walk runs on that grid; shifted by one character, the delimiter
         // starts past the end bound.
-        {"misaligned by half a group", "00" + glyph(5) + glyph(8) + delimiter + blank(2), -1, "58", "58"},
-        {"misaligned by one character", "0" + glyph(5) + delimiter, -1, "", ng},
+        {"misaligned by half a group", "00" + kExp[5] + kExp[8] + delimiter + blank(2), -1, "58", "58"},
+        {"misaligned by one character", "0" + kExp[5] + delimiter, -1, "", ng},
         // Equal templates: the lower digit wins, and the first position starts its candidates
         // at the digit found, so a lower one fitting there too is not taken.
-        {"4 and 6 alike", glyph(4) + delimiter + blank(1), -1, "4", "4", "", 6, glyph(4)},
-        {"2 and 8 alike", glyph(8) + glyph(8) + delimiter + blank(1), -1, "22", "22", "", 2, glyph(8)},
-        {"a cut template before the number", glyph(3) + blank(3) + glyph(1) + delimiter + blank(1), -1, "", ng, "3", 3,
+        {"4 and 6 alike", kExp[4] + delimiter + blank(1), -1, "4", "4", "", 6, kExp[4]},
+        {"2 and 8 alike", kExp[8] + kExp[8] + delimiter + blank(1), -1, "22", "22", "", 2, kExp[8]},
+        {"a cut template before the number", kExp[3] + blank(3) + kExp[1] + delimiter + blank(1), -1, "", ng, "3", 3,
          "00440082"},
-        {"level 50 without its 0", glyph(5) + glyph(0) + delimiter + blank(1), -1, "", ng, "0", 0},
-        {"its first digit not taught", glyph(5) + glyph(0) + delimiter + blank(1), -1, "", ng, "5", 5},
-        {"a mistyped template", glyph(1) + glyph(8) + delimiter + blank(1), -1, "", ng, "8", 8, "006C0092009200G2006C"},
-        {"not whole: the digits it has, with a gap", glyph(1) + blank(2) + glyph(2) + delimiter + blank(1), -1, "12",
+        {"level 50 without its 0", kExp[5] + kExp[0] + delimiter + blank(1), -1, "", ng, "0", 0},
+        {"its first digit not taught", kExp[5] + kExp[0] + delimiter + blank(1), -1, "", ng, "5", 5},
+        {"a mistyped template", kExp[1] + kExp[8] + delimiter + blank(1), -1, "", ng, "8", 8, "006C0092009200G2006C"},
+        {"not whole: the digits it has, with a gap", kExp[1] + blank(2) + kExp[2] + delimiter + blank(1), -1, "12",
          "12", "", 6},
-        {"not whole: a label before the number", "01FF" + blank(5) + glyph(4) + delimiter + blank(1), -1, "4", "4", "", 6},
+        {"not whole: a label before the number", "01FF" + blank(5) + kExp[4] + delimiter + blank(1), -1, "4", "4", "", 6},
         {"not whole: the separator it learnt is stepped over",
-         glyph(1) + comma + glyph(2) + glyph(3) + glyph(4) + delimiter + blank(1), -1, "1234", "1234", "", 9, "", comma},
-        {"not whole: a separator not learnt", glyph(1) + comma + glyph(2) + glyph(3) + glyph(4) + delimiter + blank(1), -1,
+         kExp[1] + comma + kExp[2] + kExp[3] + kExp[4] + delimiter + blank(1), -1, "1234", "1234", "", 9, "", comma},
+        {"not whole: a separator not learnt", kExp[1] + comma + kExp[2] + kExp[3] + kExp[4] + delimiter + blank(1), -1,
          "", ng, "9", 9},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        PatternSet patterns = expGlyphs();
+        PatternSet patterns = kExp;
         if (c.changed >= 0)
             patterns[static_cast<std::size_t>(c.changed)] = c.to;
         const auto width = c.regionWidth >= 0 ? c.regionWidth : static_cast<std::int32_t>(c.columns.size() / 4);
@@ -162,29 +155,30 @@ TEST(RecognizeNumber, OutcomesFollowTheWalkRules)
     }
 }
 
+// The progress captions a reading shows, all for the experience region.
+struct CaptionLog : CaptionSink {
+    std::vector<std::string> captions;
+    void setCaption(int region, std::string_view caption) override
+    {
+        EXPECT_EQ(region, RegionExp);
+        captions.emplace_back(caption);
+    }
+};
+
 TEST(RecognizeNumber, TraceAndProgressCaptionsFollowEveryStep)
 {
-    struct Recorder : CaptionSink {
-        std::vector<std::string> captions;
-        void setCaption(int region, std::string_view caption) override
-        {
-            EXPECT_EQ(region, RegionExp);
-            captions.emplace_back(caption);
-        }
-    } recorder;
-    const std::string columns = glyph(4) + blank(2) + glyph(2) + glyph(10) + blank(1);
+    CaptionLog recorder;
+    const std::string columns = kExp[4] + blank(2) + kExp[2] + kExp[10] + blank(1);
     const auto width = static_cast<std::int32_t>(columns.size() / 4);
     const RecognitionResult result =
-        RecognizeNumber(RegionExp, RecognizerInput{columns, &expGlyphs(), 5, width, {}}, true, &recorder);
-    const std::vector<std::string> trace = {
-        "category1 変換データ : " + columns, "4 認識:", "2 認識:", " 認識:デリミタ"};
-    EXPECT_EQ(result.trace, trace);
-    const std::vector<std::string> captions = {"認識中…", "4認識中…", "4認識中…", "4認識中…", "42認識中…"};
-    EXPECT_EQ(recorder.captions, captions);
+        RecognizeNumber(RegionExp, RecognizerInput{columns, &kExp, 5, width, {}}, true, &recorder);
+    EXPECT_EQ(result.trace,
+              (std::vector<std::string>{"category1 変換データ : " + columns, "4 認識:", "2 認識:", " 認識:デリミタ"}));
+    EXPECT_EQ(recorder.captions, (std::vector<std::string>{"認識中…", "4認識中…", "4認識中…", "4認識中…", "42認識中…"}));
 
     for (const auto& [ending, last] : {std::pair{blank(10), "category1 数値が見つかりませんでした"},
-                                       std::pair{glyph(4) + blank(6), " デリミタ未検出 "}}) {
-        const RecognizerInput input{ending, &expGlyphs(), 5, static_cast<std::int32_t>(ending.size() / 4), {}};
+                                       std::pair{kExp[4] + blank(6), " デリミタ未検出 "}}) {
+        const RecognizerInput input{ending, &kExp, 5, static_cast<std::int32_t>(ending.size() / 4), {}};
         EXPECT_EQ(RecognizeNumber(RegionExp, input, true).trace.back(), last);
     }
     EXPECT_EQ(joinTrace({"a", "b", "c"}), "a\r\nb\r\nc");
@@ -192,39 +186,35 @@ TEST(RecognizeNumber, TraceAndProgressCaptionsFollowEveryStep)
 
 TEST(RecognizeNumber, RejectsImpossibleArguments)
 {
-    const std::string columns = glyph(1) + glyph(10) + blank(1);
-    EXPECT_THROW(RecognizeNumber(3, RecognizerInput{columns, &expGlyphs(), 5, 11, {}}), RuntimeError);
-    EXPECT_THROW(RecognizeNumber(RegionExp, RecognizerInput{columns, &expGlyphs(), -1, 11, {}}), RuntimeError);
+    const std::string columns = kExp[1] + kExp[10] + blank(1);
+    EXPECT_THROW(RecognizeNumber(3, RecognizerInput{columns, &kExp, 5, 11, {}}), RuntimeError);
+    EXPECT_THROW(RecognizeNumber(RegionExp, RecognizerInput{columns, &kExp, -1, 11, {}}), RuntimeError);
     // An empty template with a zero glyph width would match forever.
-    PatternSet patterns = expGlyphs();
+    PatternSet patterns = kExp;
     patterns[0] = "";
     EXPECT_THROW(RecognizeNumber(RegionExp, RecognizerInput{columns, &patterns, 0, 11, {}}), RuntimeError);
 }
 
 TEST(RecognizeNumber, TheWalkEndsWithTheColumnDataHoweverWideTheRegionClaimsToBe)
 {
-    struct Counter : CaptionSink {
-        int calls = 0;
-        void setCaption(int, std::string_view) override { ++calls; }
-    };
-    PatternSet emptyDelimiter = expGlyphs();
+    PatternSet emptyDelimiter = kExp;
     emptyDelimiter[10] = "";
     PatternSet emptyDigit = emptyDelimiter;
     emptyDigit[7] = "";
     const struct { const char* name; const PatternSet* patterns; std::string digits; } cases[] = {
-        {"no template is empty: no delimiter", &expGlyphs(), ""},
+        {"no template is empty: no delimiter", &kExp, ""},
         {"an empty delimiter is met past the data", &emptyDelimiter, "12"},
         {"an empty digit before it wins every step instead", &emptyDigit, ""},
     };
-    const std::string columns = glyph(1) + glyph(2) + blank(1);
+    const std::string columns = kExp[1] + kExp[2] + blank(1);
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         for (const std::int32_t width : {1000, std::numeric_limits<std::int32_t>::max()}) {
-            Counter counter;
+            CaptionLog counter;
             const RecognitionResult result =
                 RecognizeNumber(RegionExp, RecognizerInput{columns, c.patterns, 5, width, {}}, true, &counter);
             EXPECT_EQ(result.digits, c.digits) << width;
-            EXPECT_LE(counter.calls, 10) << width;
+            EXPECT_LE(counter.captions.size(), 10u) << width;
         }
     }
 }
@@ -249,9 +239,9 @@ std::string literalColumns(const PixelLevels& levels, int region, const CaptureR
             if (p >= t)
                 value += 1L << y;
         }
-        char hex[16];
-        std::snprintf(hex, sizeof hex, "0000%lX", value);
-        out += std::string(hex).substr(std::string(hex).size() - 4);
+        char hex[8];
+        std::snprintf(hex, sizeof hex, "%04lX", value & 0xFFFF);
+        out += hex;
     }
     return out;
 }

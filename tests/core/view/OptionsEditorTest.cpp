@@ -150,10 +150,8 @@ TEST_F(OptionsEditorTest, AnswersAreStoredRoundedWithinTheLimitsAndACancelChange
 
 TEST_F(OptionsEditorTest, PreviewsShowEachRegionItsColumnsAndWhatTheTemplatesRead)
 {
-    OptionsEditor none(m_settings);
-    EXPECT_EQ(none.previewResult(0), "認識結果： キャプチャ画像がありません　［完全一致］");
-    EXPECT_TRUE(none.previews()[0].pixels.empty());
-
+    // Without a capture, and the experience region the built-in templates cannot read, are the
+    // window's (OptionsWindowTest).
     const CaptureBitmap capture = test::gameCapture({"137", "", ""});
     OptionsEditor editor(m_settings, &capture);
     const RegionPreview& level = editor.previews()[RegionLevel];
@@ -165,7 +163,6 @@ TEST_F(OptionsEditorTest, PreviewsShowEachRegionItsColumnsAndWhatTheTemplatesRea
     const Frame frame = toFrame(capture);
     const std::uint8_t* bgr = frame.row(578) + 3 * 35;
     EXPECT_EQ(level.pixels[0], std::uint32_t{bgr[2]} << 16 | std::uint32_t{bgr[1]} << 8 | bgr[0]);
-    EXPECT_EQ(editor.previewResult(RegionExp), "認識結果： 認識できません　［完全一致］");
 
     // A region moved off the picture says so; its pixels read black.
     ASSERT_TRUE(editor.answer(number("cmdStartY2"), 9000));
