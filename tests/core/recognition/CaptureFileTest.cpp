@@ -52,14 +52,8 @@ TEST(CaptureFile, TheHeadersDecideTheStrideAndWhatIsRefused)
 {
     // 4 x 3 at 24 bits unless told: rows of 12 bytes, 36 pixel bytes. Pixels follow the 54
     // header bytes; an offset other than 54 skips exactly four more, wherever it points.
-    struct Case {
-        const char* name;
-        BitmapBuilder header;
-        std::size_t pixelBytes;
-        CaptureLoadResult result;
-        std::int64_t stride = 0;
-    };
     using R = CaptureLoadResult;
+    struct Case { const char* name; BitmapBuilder header; std::size_t pixelBytes; R result; std::int64_t stride = 0; };
     const Case cases[] = {
         {"24 bits, 1 wide", {.width = 1}, 12, R::Read, 4},
         {"24 bits, 4 wide", {}, 36, R::Read, 12},
@@ -189,13 +183,8 @@ TEST(CaptureFile, TheWriterReusesThePictureItReplacesAndNeverDamagesTheOneInPlac
     std::ofstream(probe) << "x";
     std::filesystem::create_hard_link(probe, temp.path() / "probe2");
     const bool namesCounted = std::filesystem::hard_link_count(probe) == 2;
-    const struct {
-        const char* name;
-        std::int32_t width;
-        std::int32_t height;
-        std::int32_t rowsWritten; // fewer than the height: the writer is dropped
-        Before before;
-    } steps[] = {
+    // Fewer rows written than the height: the writer is dropped.
+    const struct { const char* name; std::int32_t width, height, rowsWritten; Before before; } steps[] = {
         {"the first picture", 5, 4, 4, Before::Nothing},
         {"the second: the first becomes the spare", 5, 4, 4, Before::Nothing},
         {"written over the spare", 5, 4, 4, Before::Nothing},

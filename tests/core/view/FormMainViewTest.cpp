@@ -26,13 +26,7 @@ namespace {
 
 TEST(FormMainLayout, LogBoxAndDebugAreaShareTheHeight)
 {
-    struct Case {
-        std::int32_t clientHeight;
-        bool debug;
-        std::int32_t txtLogHeight;
-        std::int32_t frmDebugTop;
-        bool trapped;
-    };
+    struct Case { std::int32_t clientHeight; bool debug; std::int32_t txtLogHeight, frmDebugTop; bool trapped; };
     StepTrap unused;
     const std::int32_t top = formMainLayout(400, false, 0, unused).txtLog.top;
     const std::int32_t live = kLiveLinesHeight;
@@ -53,10 +47,10 @@ TEST(FormMainLayout, LogBoxAndDebugAreaShareTheHeight)
     }
 }
 
-TEST(FormMainLayout, EachCaptureCaptionStandsUnderItsOwnColumn)
+TEST(FormMainLayout, AccountColumnsStayApartInsideThePanelWithEachCaptureCaptionUnderItsOwn)
 {
     StepTrap trap;
-    const FormMainLayout layout = formMainLayout(400, false, 0, trap);
+    const FormMainLayout layout = formMainLayout(400, true, 0, trap);
     const char* columns[] = {"Lv", "Exp", "Money"}; // the regions' order
     for (std::size_t region = 0; region < 3; ++region) {
         const std::size_t field = kCaptureFields[region];
@@ -64,12 +58,6 @@ TEST(FormMainLayout, EachCaptureCaptionStandsUnderItsOwnColumn)
         EXPECT_EQ(layout.lblCapture[region].left, layout.values[0][field].left) << columns[region];
         EXPECT_EQ(layout.lblCapture[region].width, layout.values[0][field].width) << columns[region];
     }
-}
-
-TEST(FormMainLayout, AccountColumnsStayApartInsideThePanel)
-{
-    StepTrap trap;
-    const FormMainLayout layout = formMainLayout(400, true, 0, trap);
     for (const auto& row : layout.values) {
         for (std::size_t field = 1; field < row.size(); ++field)
             EXPECT_LT(row[field - 1].left + row[field - 1].width, row[field].left);

@@ -77,6 +77,9 @@ TEST(HistoryViewTest, SessionsNewestFirstAndTotalsPerDayAndWeek)
     const HistoryTable days = historyDays(rows);
     ASSERT_EQ(days.rows.size(), 2u);
     EXPECT_EQ(days.rows[1], (std::vector<std::string>{"2025/06/01", "2", "90.0", "1,500,000", "1,000", "5,000", "5", "2", "0"}));
+    // A day without money read has neither money nor money per hour.
+    EXPECT_EQ(historyDays({row(4, 8, 600, 100'000, std::nullopt)}).rows.at(0),
+              (std::vector<std::string>{"2025/06/04", "1", "10.0", "100,000", "600", "", "", "1", "0"}));
     const HistoryTable weeks = historyWeeks(rows);
     ASSERT_EQ(weeks.rows.size(), 2u);
     EXPECT_EQ(weeks.rows[0][0], "2025/06/02");

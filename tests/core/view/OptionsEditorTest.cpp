@@ -198,11 +198,7 @@ TEST_F(OptionsEditorTest, ATemplateIsTakenFromTheCaptureDrawnOrTypedAndTheNoteFo
     EXPECT_EQ(editor.patternView().captureResult, "この領域の認識結果： 57　［完全一致］");
     EXPECT_EQ(editor.patternView().note, "幅 7 列（基準幅どおり）");
 
-    struct Step {
-        std::function<bool()> edit;
-        std::size_t width;
-        std::string note;
-    };
+    struct Step { std::function<bool()> edit; std::size_t width; std::string note; };
     const Step steps[] = {
         {[&] { editor.addColumn(); return true; }, 8, "幅 8 列：基準幅 7 列と違うため、このままでは認識に使われません。"},
         {[&] { editor.removeColumn(); return true; }, 7, "幅 7 列（基準幅どおり）"},
@@ -274,17 +270,13 @@ TEST(GlyphCanvasTest, EditTogglesThenDragsTheSameInkAndSelectTakesAGlyphWidth)
     edit.setPixelSize(10);
     edit.setRows(9);
     edit.setColumns({0x0001, 0x0000, 0x0000});
-    const auto centre = [](int column, int row) { return std::pair{2 + column * 10 + 5, 2 + row * 10 + 5}; };
-    auto [x, y] = centre(0, 0);
-    EXPECT_EQ(edit.press(x, y), GlyphCanvas::Change::Columns); // an inked pixel: the drag erases
-    std::tie(x, y) = centre(1, 0);
-    EXPECT_EQ(edit.move(x, y), GlyphCanvas::Change::None);     // already blank
+    const auto centre = [](int cell) { return 2 + cell * 10 + 5; }; // of a column or a row
+    EXPECT_EQ(edit.press(centre(0), centre(0)), GlyphCanvas::Change::Columns); // an inked pixel: the drag erases
+    EXPECT_EQ(edit.move(centre(1), centre(0)), GlyphCanvas::Change::None);     // already blank
     edit.release();
-    std::tie(x, y) = centre(2, 3);
-    EXPECT_EQ(edit.press(x, y), GlyphCanvas::Change::Columns);
-    std::tie(x, y) = centre(1, 3);
-    EXPECT_EQ(edit.move(x, y), GlyphCanvas::Change::Columns);
-    EXPECT_EQ(edit.move(x, 500), GlyphCanvas::Change::None) << "below the rows";
+    EXPECT_EQ(edit.press(centre(2), centre(3)), GlyphCanvas::Change::Columns);
+    EXPECT_EQ(edit.move(centre(1), centre(3)), GlyphCanvas::Change::Columns);
+    EXPECT_EQ(edit.move(centre(1), 500), GlyphCanvas::Change::None) << "below the rows";
     edit.release();
     EXPECT_EQ(edit.move(2, 2), GlyphCanvas::Change::None) << "no drag after the release";
     EXPECT_EQ(edit.columns(), (std::vector<std::uint16_t>{0x0000, 0x0008, 0x0008}));
