@@ -120,9 +120,8 @@ TEST(RecognizeNumber, OutcomesFollowTheWalkRules)
         {"delimiter one column before the edge", kExp[1] + kExp[2] + delimiter + blank(1), -1, "12", "12"},
         {"region narrower than a glyph", kExp[3] + delimiter, 4, "", ng},
         {"region narrower than the string", kExp[1] + kExp[2] + delimiter + blank(5), 14, "", ng},
-        // Junk shifts every glyph by half a column group: the first search still finds the
-        // digit and the walk runs on that grid; shifted by one character, the delimiter
-        // starts past the end bound.
+        // Junk shifts every glyph by half a column group: the walk runs on the grid the first
+        // search found; shifted by one character, the delimiter starts past the end bound.
         {"misaligned by half a group", "00" + kExp[5] + kExp[8] + delimiter + blank(2), -1, "58", "58"},
         {"misaligned by one character", "0" + kExp[5] + delimiter, -1, "", ng},
         // Equal templates: the lower digit wins, and the first position starts its candidates

@@ -162,7 +162,7 @@ TEST(RegionPickerTest, PicturePointsMapToScreenPixelsAtEveryZoom)
     }
 }
 
-TEST(RegionPickerTest, ADragSpansTheRectangleOfItsCornerPixels)
+TEST(RegionPickerTest, ADragSpansTheRectangleOfItsCornerPixelsAndANudgeStaysOnTheScreen)
 {
     RegionPicker picker = pickerOnGameScreen();
     picker.setZoom(4);
@@ -188,11 +188,8 @@ TEST(RegionPickerTest, ADragSpansTheRectangleOfItsCornerPixels)
     EXPECT_EQ(picker.selectedCentre().x, 400 + 202); // where a new zoom scrolls to
     EXPECT_EQ(picker.selectedCentre().y, 2000 + 102);
     EXPECT_FALSE(picker.drag(0, 0)); // no drag without a press
-}
 
-TEST(RegionPickerTest, NudgingKeepsTheRegionOnTheScreen)
-{
-    RegionPicker picker = pickerOnGameScreen();
+    // Nudged, a region stays on the screen.
     picker.selectRegion(RegionMoney); // 0, 269, 146 x 9
     EXPECT_FALSE(picker.nudge(-1, 0));
     EXPECT_TRUE(picker.nudge(3, -2));

@@ -19,6 +19,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <fstream>
 
 namespace tvx {
@@ -141,11 +142,7 @@ TEST(FormMainLanguage, HelpDocumentsAndRelabellingFollowTheLanguage)
     std::filesystem::create_directories(docs / "en");
     std::filesystem::create_directories(docs / "ko" / "使用方法M.mht"); // a folder is no document
     std::ofstream(docs / "en" / utf8Path("使用方法M.mht")) << "x";
-    const struct {
-        Language language;
-        const char* document;
-        std::filesystem::path expected;
-    } cases[] = {
+    const struct { Language language; const char* document; std::filesystem::path expected; } cases[] = {
         {Language::Japanese, "使用方法M.mht", docs / utf8Path("使用方法M.mht")},
         {Language::English, "使用方法M.mht", docs / "en" / utf8Path("使用方法M.mht")},
         {Language::English, "ReadMeM.txt", docs / "ReadMeM.txt"}, // no translation: the Japanese file
@@ -172,9 +169,8 @@ TEST_F(FormMainCommandsTest, ClosingMarksTheStateAndTheTimerFollowsTheInterval)
 {
     commands.closing(); // the log box's last line and the debug log's are the windows' (MainWindowTest)
     EXPECT_TRUE(meter.state().closing);
-    EXPECT_EQ(FormMainCommands::captureTimerMs(0), 10000);
-    EXPECT_EQ(FormMainCommands::captureTimerMs(3), 1501);
-    EXPECT_EQ(FormMainCommands::captureTimerMs(60), 10000);
+    const auto timerMs = &FormMainCommands::captureTimerMs;
+    EXPECT_EQ((std::array{timerMs(0), timerMs(3), timerMs(60)}), (std::array{10000, 1501, 10000}));
 }
 
 // Five pixels a byte: wide enough to tell the labels apart, easy to reckon.

@@ -150,8 +150,7 @@ TEST_F(OptionsEditorTest, AnswersAreStoredRoundedWithinTheLimitsAndACancelChange
 
 TEST_F(OptionsEditorTest, PreviewsShowEachRegionItsColumnsAndWhatTheTemplatesRead)
 {
-    // Without a capture, and the experience region the built-in templates cannot read, are the
-    // window's (OptionsWindowTest).
+    // No capture yet, and a region the built-in templates cannot read: OptionsWindowTest.
     const CaptureBitmap capture = test::gameCapture({"137", "", ""});
     OptionsEditor editor(m_settings, &capture);
     const RegionPreview& level = editor.previews()[RegionLevel];
