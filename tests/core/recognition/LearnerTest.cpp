@@ -18,6 +18,7 @@
 
 #include <random>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -65,9 +66,8 @@ TEST(TemplateLearnerTest, ImagesThatDoNotFitAreRefusedAndChangeNothing)
 
     // The built-in thin font is five columns wide, not six.
     const LearnOutcome otherFont = learner.add(test::gameCapture({"", "1161", ""}), "1161");
-    EXPECT_EQ(otherFont.refusal, LearnRefusal::Contradiction);
-    EXPECT_EQ(otherFont.glyph, -1);
-    EXPECT_EQ(otherFont.imageWidth, 5);
+    EXPECT_EQ(std::tuple(otherFont.refusal, otherFont.glyph, otherFont.imageWidth),
+              std::tuple(LearnRefusal::Contradiction, -1, 5));
 
     EXPECT_EQ(learner.imageCount(), 2u);
     EXPECT_EQ(learner.patterns(), before);
