@@ -179,11 +179,6 @@ std::int32_t measure(std::string_view text)
     return static_cast<std::int32_t>(text.size()) * 5;
 }
 
-std::pair<std::int32_t, std::int32_t> centre(const PixelRect& rect)
-{
-    return {rect.left + rect.width / 2, rect.top + rect.height / 2};
-}
-
 class GraphFrameViewTest : public testing::Test {
 protected:
     GraphFrameViewTest()
@@ -199,11 +194,9 @@ protected:
         view.setFrameSize(476, 224);
     }
 
-    void clickOn(GraphLabel which)
-    {
-        const auto [x, y] = centre(view.label(which).rect);
-        view.clickAt(x, y);
-    }
+    // A click in the middle of a label, or of the picture.
+    void clickOn(GraphLabel which) { clickIn(view.label(which).rect); }
+    void clickIn(const PixelRect& r) { view.clickAt(r.left + r.width / 2, r.top + r.height / 2); }
 
     std::string logText() const { return test::readAll(log.path()); }
 
@@ -279,8 +272,7 @@ TEST_F(GraphFrameViewTest, ClicksFindTheirLabelOrThePicture)
     EXPECT_FLOAT_EQ(graphView.zoom, 1.2f);
     clickOn(GraphLabel::Et);
     EXPECT_FLOAT_EQ(graphView.zoom, 1.1f);
-    const auto [x, y] = centre(view.picGraph());
-    view.clickAt(x, y);
+    clickIn(view.picGraph());
     view.clickAt(470, 2); // between the labels: nothing
     EXPECT_EQ(test::countOf(logText(), "Click : Graph Refresh "), 1u) << logText();
 }
