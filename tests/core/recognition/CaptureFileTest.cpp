@@ -153,9 +153,8 @@ TEST(CaptureFile, TheInMemoryCaptureMatchesTheFileReadBack)
         CaptureBitmap fromFile;
         ASSERT_EQ(LoadCaptureBitmap(file, fromFile), CaptureLoadResult::Read);
         const CaptureBitmap direct = toCaptureBitmap(frame);
-        EXPECT_EQ(direct.pixels, fromFile.pixels) << "width " << width;
-        EXPECT_EQ(direct.stride, fromFile.stride);
-        EXPECT_EQ(direct.infoHeader.biSizeImage, fromFile.infoHeader.biSizeImage);
+        EXPECT_EQ(std::tie(direct.pixels, direct.stride, direct.infoHeader.biSizeImage),
+                  std::tie(fromFile.pixels, fromFile.stride, fromFile.infoHeader.biSizeImage)) << "width " << width;
         EXPECT_EQ(toFrame(direct).bytes(), frame.bytes());
 
         // Written from the capture itself: the same file, padding written as zeros even

@@ -185,8 +185,8 @@ TEST(RegionPickerTest, ADragSpansTheRectangleOfItsCornerPixelsAndANudgeStaysOnTh
     }
     EXPECT_EQ(picker.settings().CaptureRegion[RegionLevel], defaultSettings("").CaptureRegion[RegionLevel]);
     EXPECT_EQ(picker.pictureRect(RegionExp), (CaptureRegionRect{400, 2000, 404, 204}));
-    EXPECT_EQ(picker.selectedCentre().x, 400 + 202); // where a new zoom scrolls to
-    EXPECT_EQ(picker.selectedCentre().y, 2000 + 102);
+    EXPECT_EQ(std::pair(picker.selectedCentre().x, picker.selectedCentre().y), std::pair(400 + 202, 2000 + 102))
+        << "where a new zoom scrolls to";
     EXPECT_FALSE(picker.drag(0, 0)); // no drag without a press
 
     // Nudged, a region stays on the screen.

@@ -132,10 +132,8 @@ TEST_F(OptionsEditorTest, AnswersAreStoredRoundedWithinTheLimitsAndACancelChange
     OptionsEditor editor(m_settings);
     const NumberField& interval = number("cmdCaptureInterval");
     const OptionsEditor::NumberQuestion q = editor.question(interval);
-    EXPECT_EQ(q.limitA + " " + q.limitB + " " + q.step, "1 1440 1");
-    EXPECT_EQ(q.proposed, 6);
-    EXPECT_EQ(q.title, "設定値入力");
-    EXPECT_EQ(q.prompt, "キャプチャインターバル(分)を入力してください");
+    EXPECT_EQ(std::tuple(q.limitA, q.limitB, q.step, q.proposed, q.title, q.prompt),
+              std::tuple("1", "1440", "1", 6, "設定値入力", "キャプチャインターバル(分)を入力してください"));
     const std::pair<double, std::int32_t> answers[] = {{19999, 6}, {12.4, 12}, {12.6, 13}, {5000, 1440}, {-3, 1}};
     for (const auto& [given, stored] : answers) {
         EXPECT_EQ(editor.answer(interval, given), given != 19999) << given;
@@ -287,11 +285,9 @@ TEST(GlyphCanvasTest, EditTogglesThenDragsTheSameInkAndSelectTakesAGlyphWidth)
     select.setColumns(std::vector<std::uint16_t>(20, 0));
     select.setSelectionWidth(7);
     EXPECT_EQ(select.press(2 + 6 * 15 + 1, 5), GlyphCanvas::Change::Selection);
-    EXPECT_EQ(select.selectionStart(), 15);
-    EXPECT_EQ(select.selectionLength(), 5) << "cut at the last column";
+    EXPECT_EQ(std::pair(select.selectionStart(), select.selectionLength()), std::pair(15, 5)) << "cut at the last column";
     EXPECT_EQ(select.move(2 + 6 * 12, 5), GlyphCanvas::Change::Selection);
-    EXPECT_EQ(select.selectionStart(), 12);
-    EXPECT_EQ(select.selectionLength(), 4);
+    EXPECT_EQ(std::pair(select.selectionStart(), select.selectionLength()), std::pair(12, 4));
     select.release();
     select.setColumns(std::vector<std::uint16_t>(10, 0));
     EXPECT_EQ(select.selectionStart(), -1) << "a selection past the new columns goes";
