@@ -285,7 +285,8 @@ TEST(GlyphCanvasTest, EditTogglesThenDragsTheSameInkAndSelectTakesAGlyphWidth)
     select.setColumns(std::vector<std::uint16_t>(20, 0));
     select.setSelectionWidth(7);
     EXPECT_EQ(select.press(2 + 6 * 15 + 1, 5), GlyphCanvas::Change::Selection);
-    EXPECT_EQ(std::pair(select.selectionStart(), select.selectionLength()), std::pair(15, 5)) << "cut at the last column";
+    EXPECT_EQ(std::pair(select.selectionStart(), select.selectionLength()), std::pair(15, 5))
+        << "cut at the last column";
     EXPECT_EQ(select.move(2 + 6 * 12, 5), GlyphCanvas::Change::Selection);
     EXPECT_EQ(std::pair(select.selectionStart(), select.selectionLength()), std::pair(12, 4));
     select.release();
