@@ -47,9 +47,8 @@ TEST(LiveViewTest, FiguresShowWithTheirUnitsAndAbsentOnesAsADash)
     LiveView view = liveView(f, {true, false, false, 60});
     EXPECT_EQ(view.levelText, "Lv 120  0.00％");
     ASSERT_EQ(view.compact.size(), 3u); // no money line: money was never read
-    EXPECT_EQ(view.compact[0].value, "1,234,567k/h");
-    EXPECT_EQ(view.compact[1].value, "—");
-    EXPECT_EQ(view.compact[2].value, "85.2分（14:05）");
+    EXPECT_EQ(std::tie(view.compact[0].value, view.compact[1].value, view.compact[2].value),
+              std::tuple("1,234,567k/h", "—", "85.2分（14:05）"));
     EXPECT_EQ(view.outlook, "Lv 0.00％/h（60分）  次のLvまで 85.2分（14:05）［60分］");
     f.money = 10;
     EXPECT_EQ(liveView(f, {}).compact[2].caption, "メル 60分");
