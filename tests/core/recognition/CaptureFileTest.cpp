@@ -56,19 +56,14 @@ TEST(CaptureFile, TheHeadersDecideTheStrideAndWhatIsRefused)
     struct Case { const char* name; BitmapBuilder header; std::size_t pixelBytes; R result; std::int64_t stride = 0; };
     const Case cases[] = {
         {"24 bits, 1 wide", {.width = 1}, 12, R::Read, 4},
-        {"24 bits, 4 wide", {}, 36, R::Read, 12},
         {"24 bits, 5 wide", {.width = 5}, 48, R::Read, 16},
         {"32 bits", {.width = 3, .bits = 32}, 36, R::Read, 12},
-        {"8 bits", {.width = 5, .bits = 8}, 24, R::Read, 8},
         {"1 bit", {.width = 33, .bits = 1}, 24, R::Read, 8},
-        {"16 bits", {.width = 3, .bits = 16}, 24, R::Read, 8},
         {"top-down", {.height = -3}, 36, R::Read, 12},
         {"one byte short", {}, 35, R::Truncated},
         {"no pixels", {}, 0, R::Truncated},
         {"offset 58, whole", {.offset = 58}, 40, R::Read, 12},
-        {"offset 1000", {.offset = 1000}, 40, R::Read, 12},
         {"offset 58, one byte short", {.offset = 58}, 39, R::Truncated},
-        {"offset 58, two bytes", {.offset = 58}, 2, R::Truncated},
         {"png signature", {.type = 0x5089}, 36, R::NotBitmapType},
         {"zero width", {.width = 0}, 36, R::BadDimensions},
         {"zero height", {.height = 0}, 36, R::BadDimensions},
@@ -109,7 +104,6 @@ TEST(CaptureFile, LoadChecksThePathBeforeTheFile)
         std::ofstream(folder / "fake.bmp", std::ios::binary) << "GIF89a";
         std::ofstream(folder / "short.bmp", std::ios::binary)
             .write(reinterpret_cast<const char*>(whole.data()), static_cast<std::streamsize>(whole.size() - 1));
-        std::ofstream(folder / "headers.bmp", std::ios::binary).write(reinterpret_cast<const char*>(whole.data()), 54);
     }
     std::filesystem::create_directory(folder / "folder.bmp");
 
@@ -122,7 +116,6 @@ TEST(CaptureFile, LoadChecksThePathBeforeTheFile)
         {folder / "fake.bmp", CaptureLoadResult::NotBitmapType},
         {folder / "folder.bmp", CaptureLoadResult::NotAFile},
         {folder / "short.bmp", CaptureLoadResult::Truncated},
-        {folder / "headers.bmp", CaptureLoadResult::Truncated},
     };
     CaptureBitmap bitmap;
     for (const auto& [path, result] : refused) {

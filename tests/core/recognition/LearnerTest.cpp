@@ -235,21 +235,27 @@ int readForty(DrawnScreens& screens, const Settings& settings)
 class DrawnFontTest : public testing::TestWithParam<DrawnFont> {};
 
 // Taught five screens, the region reads other screens of the same UI right or not at all.
+// Before the fifth no screen showed a 0: it is read as nothing, never as the digit it looks most like.
 TEST_P(DrawnFontTest, FiveScreensTaughtReadFortyOthersRightOrNotAtAll)
 {
     const DrawnFont& font = GetParam();
     DrawnScreens screens(font, 7);
     Settings settings = regionSettings(screens.rect());
     RegionLearner learner(settings, RegionExp);
-    int taught = 0;
-    // Between them the five show every digit.
-    for (const char* number : {"3141592", "6535897", "9323846", "2643383", "2795028"}) {
+    for (const std::string number : {"3141592", "6535897", "9323846", "2643383", "2795028"}) {
+        if (number == "2795028") {
+            EXPECT_EQ(learner.missing(), "0");
+            Settings untaught = settings;
+            learner.applyTo(untaught);
+            EXPECT_EQ(readWith(untaught, screens.next("2051").first), "");
+            EXPECT_EQ(readWith(untaught, screens.next("2851").first), "2851");
+        }
         auto [image, digits] = screens.next(number);
-        taught += learner.add(image, digits).accepted() ? 1 : 0;
+        ASSERT_TRUE(learner.add(image, digits).accepted()) << number;
     }
-    ASSERT_EQ(taught, 5);
     EXPECT_EQ(learner.mode(), font.mode);
     learner.applyTo(settings);
+    EXPECT_EQ(settings.PatternStrings[RegionLevel], kDefaults.PatternStrings[RegionLevel]);
     settings = savedAndLoaded(settings);
     EXPECT_GE(readForty(screens, settings), 39);
 }
@@ -285,26 +291,6 @@ TEST(RegionLearnerTest, AScaledUiTaughtOneScreenACallAddsUp)
     }
     EXPECT_EQ(missingShapeDigits(settings.Reading[RegionExp]), "");
     EXPECT_GE(readForty(screens, settings), 39);
-}
-
-// A digit no screen showed is read as nothing, never as the taught digit it looks most like.
-TEST(RegionLearnerTest, ADigitNeverTaughtFailsTheReading)
-{
-    for (const DrawnFont& font : {DrawnFont{"Exact", {1.0, 0, 0, false, false, ""}, 12, false, true, ReadingMode::Exact},
-                                  DrawnFont{"Shapes", {2.0, 0, 0, true, false, ""}, 20, false, true, ReadingMode::Shapes}}) {
-        DrawnScreens screens(font, 3);
-        Settings settings = regionSettings(screens.rect());
-        RegionLearner learner(settings, RegionExp);
-        for (const char* number : {"3141592", "6535897", "9323846", "2643383"}) {
-            auto [image, digits] = screens.next(number);
-            ASSERT_TRUE(learner.add(image, digits).accepted()) << font.name << " " << number;
-        }
-        EXPECT_EQ(learner.missing(), "0") << font.name;
-        learner.applyTo(settings);
-        EXPECT_EQ(settings.PatternStrings[RegionLevel], kDefaults.PatternStrings[RegionLevel]) << font.name;
-        EXPECT_EQ(readWith(settings, screens.next("2051").first), "") << font.name;
-        EXPECT_EQ(readWith(settings, screens.next("2851").first), "2851") << font.name;
-    }
 }
 
 } // namespace

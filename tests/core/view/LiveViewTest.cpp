@@ -69,10 +69,6 @@ TEST(HistoryViewTest, SessionsNewestFirstAndTotalsPerDayAndWeek)
     // Sunday 1 June belongs to the week of Monday 26 May; Monday 2 June starts the next.
     const std::vector<HistoryRow> rows{row(1, 10, 3600, 1'000'000, 5000), row(1, 20, 1800, 500'000, std::nullopt),
                                        row(2, 9, 7200, 4'000'000, 1000)};
-    const HistoryTable sessions = historySessions(rows);
-    EXPECT_EQ(sessions.rows[0][0], "2025/06/02 09:00:00");
-    EXPECT_EQ(sessions.rows[2][5], "1,000,000");
-
     const HistoryTable days = historyDays(rows);
     ASSERT_EQ(days.rows.size(), 2u);
     EXPECT_EQ(days.rows[1], (std::vector<std::string>{"2025/06/01", "2", "90.0", "1,500,000", "1,000", "5,000", "5", "2", "0"}));

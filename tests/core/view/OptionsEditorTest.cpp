@@ -152,10 +152,8 @@ TEST_F(OptionsEditorTest, PreviewsShowEachRegionItsColumnsAndWhatTheTemplatesRea
     const CaptureBitmap capture = test::gameCapture({"137", "", ""});
     OptionsEditor editor(m_settings, &capture);
     const RegionPreview& level = editor.previews()[RegionLevel];
-    EXPECT_EQ(editor.previewResult(RegionLevel), "認識結果： 137　［完全一致］");
     EXPECT_EQ(std::tuple(level.width, level.height, level.pixels.size(), level.columns.size(), level.rows),
               std::tuple(50, 9, 450u, 50u, 9));
-    EXPECT_EQ(level.columns.at(1 + 7 + 2), 0x0092); // the third column of the "3"
     // The first pixel is the region's background as painted, 0xRRGGBB.
     const Frame frame = toFrame(capture);
     const std::uint8_t* bgr = frame.row(578) + 3 * 35;
@@ -191,7 +189,6 @@ TEST_F(OptionsEditorTest, ATemplateIsTakenFromTheCaptureDrawnOrTypedAndTheNoteFo
     EXPECT_FALSE(editor.takeColumns(45, 7));
     ASSERT_TRUE(editor.takeColumns(1, 7));
     EXPECT_EQ(m_settings.PatternStrings[RegionLevel][5], five);
-    EXPECT_EQ(editor.previewResult(RegionLevel), "認識結果： 57　［完全一致］");
     EXPECT_EQ(editor.patternView().captureResult, "この領域の認識結果： 57　［完全一致］");
     EXPECT_EQ(editor.patternView().note, "幅 7 列（基準幅どおり）");
 
@@ -277,8 +274,6 @@ TEST(GlyphCanvasTest, EditTogglesThenDragsTheSameInkAndSelectTakesAGlyphWidth)
     edit.release();
     EXPECT_EQ(edit.move(2, 2), GlyphCanvas::Change::None) << "no drag after the release";
     EXPECT_EQ(edit.columns(), (std::vector<std::uint16_t>{0x0000, 0x0008, 0x0008}));
-    EXPECT_EQ(edit.width(), 34);
-    EXPECT_EQ(edit.height(), 94);
 
     GlyphCanvas select(GlyphCanvas::Mode::Select);
     select.setPixelSize(6);
