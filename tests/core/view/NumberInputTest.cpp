@@ -39,10 +39,9 @@ TEST(NumberInputTest, ConfirmationChecksCharactersThenTheLimits)
 TEST(NumberInputTest, TheKeyFilterAndWhatEnterDoesWhereTheFocusIs)
 {
     using Key = NumberInput::Key;
+    // Digits, E, minus, letters, commas and plus as typed into the window: NumberDialogTest.
     const std::pair<char32_t, Key> keys[] = {
-        {U'0', Key::Pass},  {U'9', Key::Pass},  {U'-', Key::Pass},       {U'.', Key::Pass},
-        {U'E', Key::Pass},  {U'e', Key::Pass},  {U'\b', Key::Pass},      {U'\x7F', Key::Pass},
-        {U'+', Key::Drop},  {U',', Key::Drop},  {U'a', Key::Drop},       {U' ', Key::Drop},
+        {U'.', Key::Pass},  {U'e', Key::Pass},    {U'\b', Key::Pass},       {U'\x7F', Key::Pass},      {U' ', Key::Drop},
         {U'１', Key::Drop}, {U'\x16', Key::Drop}, {U'\r', Key::FocusEnter}, {U'\n', Key::FocusEnter},
     };
     for (const auto& [typed, key] : keys)
