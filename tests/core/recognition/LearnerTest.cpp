@@ -49,9 +49,9 @@ TEST(TemplateLearnerTest, ImagesThatDoNotFitAreRefusedAndChangeNothing)
     ASSERT_TRUE(learner.add(fontImage("7207"), "7207").accepted());
     const PatternSet before = learner.patterns();
 
-    // Letters typed are the calibration's refusal (CalibrationTest).
     struct Case { const char* shown; const char* typed; LearnRefusal refusal; };
     const Case cases[] = {
+        {"1161", "12a", LearnRefusal::NotANumber},
         {"", "5", LearnRefusal::NoSplit},               // no ink at all
         {"12", "123456", LearnRefusal::NoSplit},        // more digits than there is ink for
     };
