@@ -1,11 +1,8 @@
 // Any bytes as a capture file: parsed, then the three default regions filled, binarised
 // and recognised as a reading would.
-#include "base/Errors.h"
+#include "FuzzSupport.h"
 #include "recognition/CaptureFile.h"
-#include "recognition/ScreenRecognizer.h"
 
-#include <cstddef>
-#include <cstdint>
 #include <span>
 
 namespace {
@@ -39,15 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     static const Settings settings = defaultSettings("");
     ScreenRecognizer recognizer(settings);
-    for (int region = 0; region < kRegionCount; ++region) {
-        try {
-            recognizer.fill(region, bitmap);
-            recognizer.binarize(region);
-            (void)recognizer.recognize(region, true);
-        } catch (const RuntimeError&) {
-            // A region outside the picture is a failed reading.
-        }
-    }
+    fuzz::readEveryRegion(recognizer, bitmap);
     (void)toFrame(bitmap);
     return 0;
 }

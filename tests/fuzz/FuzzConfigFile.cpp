@@ -1,16 +1,11 @@
-// Any bytes as TV2MConfig.ini: loaded as at start-up. Whatever the file held, the settings
-// that come out must lie within their ranges; templates the walk cannot use may stay, as
-// the player left them, and are only named again.
+// Any bytes as TV2MConfig.ini, loaded as at start-up: the settings that come out lie within
+// their ranges; unusable templates may stay as the player left them and are only named.
 #include "FuzzSupport.h"
 #include "TextCodecFactory.h"
 #include "config/ConfigFile.h"
 #include "config/SettingRanges.h"
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <fstream>
-#include <string>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -1,12 +1,7 @@
 // Batches of mouse-button events at any times with any gesture time. The text never
 // grows past its limit, holds only event letters, and a gesture clears it.
+#include "FuzzSupport.h"
 #include "meter/GestureMatcher.h"
-
-#include <fuzzer/FuzzedDataProvider.h>
-
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

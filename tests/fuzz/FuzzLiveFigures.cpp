@@ -1,16 +1,10 @@
-// The session history's text and the live tracker's readings. A history either parses or
-// raises RuntimeError, and what parses is written back to the same rows. Any sequence of
-// readings, suspensions and stall checks keeps the tracker's rates finite and its kept
-// readings bounded by the hour.
-#include "base/Errors.h"
+// A history text parses (and writes back to the same rows) or raises RuntimeError; any run of
+// readings, suspensions and stall checks keeps the tracker's rates finite, its readings bounded.
+#include "FuzzSupport.h"
 #include "measurement/LiveFigures.h"
 #include "measurement/SessionHistory.h"
 
-#include <fuzzer/FuzzedDataProvider.h>
-
 #include <cmath>
-#include <cstdlib>
-#include <string>
 
 namespace {
 

@@ -1,13 +1,6 @@
-// The recogniser with settings of any value: regions, thresholds, masks, glyph widths,
-// templates and shapes come from the input, over a small picture that comes from it too. Settings
-// only the file could hold are checked there; here nothing may crash or run unbounded.
-#include "base/Errors.h"
-#include "recognition/ScreenRecognizer.h"
-
-#include <fuzzer/FuzzedDataProvider.h>
-
-#include <cstddef>
-#include <cstdint>
+// The recogniser with settings and a small picture of any value from the input: settings only
+// the file could hold are checked there; here nothing may crash or run unbounded.
+#include "FuzzSupport.h"
 
 namespace {
 
@@ -59,14 +52,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const CaptureBitmap picture = fuzzedPicture(in);
     try {
         ScreenRecognizer recognizer(settings);
-        for (int region = 0; region < kRegionCount; ++region) {
-            try {
-                recognizer.fill(region, picture);
-                recognizer.binarize(region);
-                (void)recognizer.recognize(region, true);
-            } catch (const RuntimeError&) {
-            }
-        }
+        fuzz::readEveryRegion(recognizer, picture);
     } catch (const RuntimeError&) {
         // Pixel buffers larger than a screen are refused.
     }

@@ -1,19 +1,12 @@
-// The hourly record file: any existing content, any base name and session stamp, any
-// lines appended. Only RuntimeError may leave WriteRecordLine, and an appended UTF-8 line
-// must end the file whole.
+// The hourly record file with any content, base name, stamp and lines appended: only
+// RuntimeError may leave WriteRecordLine, and an appended line ends the file whole.
 #include "FuzzSupport.h"
 #include "TextCodecFactory.h"
-#include "base/Errors.h"
 #include "measurement/RecordFile.h"
-
-#include <fuzzer/FuzzedDataProvider.h>
+#include "../support/ReadFile.h"
 
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <fstream>
-#include <sstream>
 
 namespace {
 
@@ -24,14 +17,6 @@ std::string plainName(std::string name)
     std::replace(name.begin(), name.end(), '\\', '_');
     std::replace(name.begin(), name.end(), '\0', '_');
     return name;
-}
-
-std::string readAll(const std::filesystem::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << in.rdbuf();
-    return bytes.str();
 }
 
 } // namespace
@@ -65,7 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         // An ASCII line appended to a file lands whole at its end.
         const bool ascii = std::all_of(text.begin(), text.end(), [](char c) { return c > 0 && c != '\r' && c != '\n'; });
         if (mode == RecordFile::kAppend && ascii && !stamp.empty()) {
-            const std::string file = readAll(recordFilePath(settings, stamp));
+            const std::string file = test::readAll(recordFilePath(settings, stamp));
             if (!file.ends_with("\r\n"))
                 std::abort();
         }

@@ -1,7 +1,13 @@
 #pragma once
-
+// What the fuzz targets share: a scratch folder, a prompter that says yes, a reading of every region.
+#include "base/Errors.h"
 #include "ports/Prompter.h"
+#include "recognition/ScreenRecognizer.h"
 
+#include <fuzzer/FuzzedDataProvider.h>
+
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -37,5 +43,19 @@ public:
         return kCancelled;
     }
 };
+
+// Each region filled, binarised and recognised as a reading would; a region outside the
+// picture is a failed reading.
+inline void readEveryRegion(ScreenRecognizer& recognizer, const CaptureBitmap& picture)
+{
+    for (int region = 0; region < kRegionCount; ++region) {
+        try {
+            recognizer.fill(region, picture);
+            recognizer.binarize(region);
+            (void)recognizer.recognize(region, true);
+        } catch (const RuntimeError&) {
+        }
+    }
+}
 
 } // namespace tvx::fuzz

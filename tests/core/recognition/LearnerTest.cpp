@@ -18,6 +18,7 @@
 
 #include <random>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -30,11 +31,6 @@ const Settings kDefaults = defaultSettings("");
 CaptureBitmap fontImage(const std::string& text, std::uint32_t seed = 1)
 {
     return toCaptureBitmap(test::fontScreen({"", text, ""}, seed));
-}
-
-std::vector<std::uint16_t> glyphOf(char c)
-{
-    return test::fontGlyph(c);
 }
 
 // Reads the experience region of an image with the settings as the learner left them.
@@ -55,7 +51,6 @@ TEST(TemplateLearnerTest, ImagesThatDoNotFitAreRefusedAndChangeNothing)
 
     struct Case { const char* shown; const char* typed; LearnRefusal refusal; };
     const Case cases[] = {
-        {"6172", "6127", LearnRefusal::Contradiction}, // a mistyped number: its 2 and 7 clash with those learnt
         {"1161", "12a", LearnRefusal::NotANumber},
         {"", "5", LearnRefusal::NoSplit},               // no ink at all
         {"12", "123456", LearnRefusal::NoSplit},        // more digits than there is ink for
@@ -64,15 +59,16 @@ TEST(TemplateLearnerTest, ImagesThatDoNotFitAreRefusedAndChangeNothing)
         const LearnOutcome outcome = learner.add(fontImage(c.shown), c.typed);
         EXPECT_EQ(outcome.refusal, c.refusal) << c.shown << " as " << c.typed;
     }
+    // A mistyped number: its 2 and 7 clash with those learnt.
     const LearnOutcome mistyped = learner.add(fontImage("6172"), "6127");
+    EXPECT_EQ(mistyped.refusal, LearnRefusal::Contradiction);
     EXPECT_TRUE(mistyped.glyph == 2 || mistyped.glyph == 7) << mistyped.glyph;
     EXPECT_EQ(mistyped.learntWidth, test::kFontPitch);
 
     // The built-in thin font is five columns wide, not six.
     const LearnOutcome otherFont = learner.add(test::gameCapture({"", "1161", ""}), "1161");
-    EXPECT_EQ(otherFont.refusal, LearnRefusal::Contradiction);
-    EXPECT_EQ(otherFont.glyph, -1);
-    EXPECT_EQ(otherFont.imageWidth, 5);
+    EXPECT_EQ(std::tuple(otherFont.refusal, otherFont.glyph, otherFont.imageWidth),
+              std::tuple(LearnRefusal::Contradiction, -1, 5));
 
     EXPECT_EQ(learner.imageCount(), 2u);
     EXPECT_EQ(learner.patterns(), before);
@@ -92,7 +88,7 @@ TEST(TemplateLearnerTest, LayoutsAreKeptOnlyWhenTheImagesReadBack)
     EXPECT_FALSE(learner.ambiguous());
     EXPECT_EQ(learner.glyphWidth(), test::kFontPitch);
     for (const char digit : std::string("0123456789"))
-        EXPECT_EQ(learner.glyph(digit - '0'), glyphOf(digit)) << digit;
+        EXPECT_EQ(learner.glyph(digit - '0'), test::fontGlyph(digit)) << digit;
     // Found where the font put it: from column 3 of the region (2 + region index 1).
     EXPECT_EQ(learner.layout(3).digitColumns, (std::vector<std::int32_t>{3, 9, 15, 21, 27}));
     EXPECT_TRUE(learner.replacedPrior()); // the built-in templates are five columns wide
@@ -112,7 +108,7 @@ TEST(TemplateLearnerTest, LayoutsAreKeptOnlyWhenTheImagesReadBack)
     ASSERT_TRUE(contradicted.add(fontImage("4114"), "4114").accepted());
     EXPECT_TRUE(contradicted.replacedPrior());
     EXPECT_EQ(contradicted.patterns()[7], "");
-    EXPECT_EQ(contradicted.patterns()[1], encodePatternColumns(glyphOf('1')));
+    EXPECT_EQ(contradicted.patterns()[1], encodePatternColumns(test::fontGlyph('1')));
 }
 
 TEST(TemplateLearnerTest, AWideRegionOverNoiseStillFindsTheNumber)
@@ -221,38 +217,51 @@ Settings savedAndLoaded(Settings settings)
     return loaded;
 }
 
+// Forty more screens of the same UI, each read right or not at all: a wrong number would
+// become a gain and a record line. How many were read right.
+int readForty(DrawnScreens& screens, const Settings& settings)
+{
+    int right = 0;
+    for (int i = 0; i < 40; ++i) {
+        auto [image, digits] = screens.next();
+        const std::string read = readWith(settings, image);
+        right += read == digits ? 1 : 0;
+        if (read != digits) {
+            EXPECT_EQ(read, "") << "screen " << i << " shows " << digits;
+        }
+    }
+    return right;
+}
+
 class DrawnFontTest : public testing::TestWithParam<DrawnFont> {};
 
-// Taught five screens, the region reads other screens of the same UI right or not at all:
-// a wrong number would become a gain and a record line.
+// Taught five screens, the region reads other screens of the same UI right or not at all.
+// Before the fifth no screen showed a 0: it is read as nothing, never as the digit it looks most like.
 TEST_P(DrawnFontTest, FiveScreensTaughtReadFortyOthersRightOrNotAtAll)
 {
     const DrawnFont& font = GetParam();
     DrawnScreens screens(font, 7);
     Settings settings = regionSettings(screens.rect());
     RegionLearner learner(settings, RegionExp);
-    int taught = 0;
-    // Between them the five show every digit.
-    for (const char* number : {"3141592", "6535897", "9323846", "2643383", "2795028"}) {
+    for (const std::string number : {"3141592", "6535897", "9323846", "2643383", "2795028"}) {
+        if (number == "2795028") {
+            EXPECT_EQ(learner.missing(), "0");
+            Settings untaught = settings;
+            learner.applyTo(untaught);
+            DrawnScreens probes(font, 3);
+            EXPECT_EQ(readWith(untaught, probes.next("2051").first), "");
+            if (!font.how.builtIn) { // touching glyphs may need the fifth screen to be read at all
+                EXPECT_EQ(readWith(untaught, probes.next("2851").first), "2851");
+            }
+        }
         auto [image, digits] = screens.next(number);
-        taught += learner.add(image, digits).accepted() ? 1 : 0;
+        ASSERT_TRUE(learner.add(image, digits).accepted()) << number;
     }
-    ASSERT_EQ(taught, 5);
     EXPECT_EQ(learner.mode(), font.mode);
     learner.applyTo(settings);
+    EXPECT_EQ(settings.PatternStrings[RegionLevel], kDefaults.PatternStrings[RegionLevel]);
     settings = savedAndLoaded(settings);
-
-    int right = 0;
-    for (int i = 0; i < 40; ++i) {
-        auto [image, digits] = screens.next();
-        const std::string read = readWith(settings, image);
-        if (read == digits) {
-            ++right;
-        } else {
-            EXPECT_EQ(read, "") << "screen " << i << " shows " << digits;
-        }
-    }
-    EXPECT_GE(right, 39);
+    EXPECT_GE(readForty(screens, settings), 39);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -285,36 +294,7 @@ TEST(RegionLearnerTest, AScaledUiTaughtOneScreenACallAddsUp)
             EXPECT_EQ(readWith(settings, image), digits) << "after " << number;
     }
     EXPECT_EQ(missingShapeDigits(settings.Reading[RegionExp]), "");
-    int right = 0;
-    for (int i = 0; i < 40; ++i) {
-        auto [image, digits] = screens.next();
-        const std::string read = readWith(settings, image);
-        right += read == digits ? 1 : 0;
-        if (read != digits) {
-            EXPECT_EQ(read, "") << digits;
-        }
-    }
-    EXPECT_GE(right, 39);
-}
-
-// A digit no screen showed is read as nothing, never as the taught digit it looks most like.
-TEST(RegionLearnerTest, ADigitNeverTaughtFailsTheReading)
-{
-    for (const DrawnFont& font : {DrawnFont{"Exact", {1.0, 0, 0, false, false, ""}, 12, false, true, ReadingMode::Exact},
-                                  DrawnFont{"Shapes", {2.0, 0, 0, true, false, ""}, 20, false, true, ReadingMode::Shapes}}) {
-        DrawnScreens screens(font, 3);
-        Settings settings = regionSettings(screens.rect());
-        RegionLearner learner(settings, RegionExp);
-        for (const char* number : {"3141592", "6535897", "9323846", "2643383"}) {
-            auto [image, digits] = screens.next(number);
-            ASSERT_TRUE(learner.add(image, digits).accepted()) << font.name << " " << number;
-        }
-        EXPECT_EQ(learner.missing(), "0") << font.name;
-        learner.applyTo(settings);
-        EXPECT_EQ(settings.PatternStrings[RegionLevel], kDefaults.PatternStrings[RegionLevel]) << font.name;
-        EXPECT_EQ(readWith(settings, screens.next("2051").first), "") << font.name;
-        EXPECT_EQ(readWith(settings, screens.next("2851").first), "2851") << font.name;
-    }
+    EXPECT_GE(readForty(screens, settings), 39);
 }
 
 } // namespace

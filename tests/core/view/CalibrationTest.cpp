@@ -38,23 +38,15 @@ TEST(CalibrationTest, LearnsFromScreensAndKeepsTheResultUntilConfirmed)
     EXPECT_FALSE(calibration.hasChanges());
     learnScreens(calibration, {{"58", "1234567", ""}, {"147", "8890123", ""}, {"203", "4455667", ""}});
 
+    // The text is made of the message, the readings back and the digits missing.
     const CalibrationRegionView exp = calibration.view(RegionExp);
     EXPECT_FALSE(exp.refused);
-    EXPECT_EQ(exp.message, "学習しました（文字幅 6 列）");
-    EXPECT_EQ(exp.width, 6);
-    EXPECT_EQ(exp.missing, "");
-    EXPECT_EQ(exp.readBack, (std::vector<std::string>{"1234567 → 1234567", "8890123 → 8890123", "4455667 → 4455667"}));
+    EXPECT_FALSE(calibration.picker().preview(RegionExp).read); // the built-in templates cannot
     EXPECT_EQ(exp.text, "学習しました（文字幅 6 列）\n読み方： 完全一致、しきい値 133\n"
                         "読み返し： 1234567 → 1234567、8890123 → 8890123、4455667 → 4455667　全数字を学習済み");
-    EXPECT_EQ(exp.glyphs[5], test::fontGlyph('5'));
-    EXPECT_EQ(calibration.preview(RegionExp).reading, "4455667"); // the last screen, with what was learnt
-    EXPECT_FALSE(calibration.picker().preview(RegionExp).read); // the built-in templates cannot
-
     const CalibrationRegionView money = calibration.view(RegionMoney);
-    EXPECT_EQ(money.message, "");
     EXPECT_EQ(money.text, "");
     EXPECT_EQ(money.missing, ""); // the built-in templates read every digit
-    EXPECT_EQ(money.glyphs[0].size(), 7u);
 
     Settings settings = kDefaults;
     calibration.applyTo(settings);
@@ -72,7 +64,6 @@ TEST(CalibrationTest, RefusalsAreExplainedAndMovingARegionStartsItAnew)
     const std::pair<const char*, const char*> cases[] = {
         {"6127", "がこれまでの画像と違います。入力した数字を確かめてください"},
         {"61x", "数字を入力してください"},
-        {"61723456", "領域の文字が 8 桁の数字と終わりの記号に分けられません"},
     };
     for (const auto& [typed, message] : cases) {
         calibration.setTyped(RegionLevel, typed);
@@ -109,11 +100,7 @@ TEST(CalibrationTest, TheCommandsAreLoggedAndSayWhatHappened)
     DebugLog log{home.path(), clock};
     Calibration calibration(kDefaults, &log);
     OneScreen source;
-    EXPECT_EQ(calibration.learnCommand(), "先に画面を取り込んでください。");
     EXPECT_EQ(calibration.beginCapture(), "10秒後に取り込みます。ゲームを前面に出してください…");
-    EXPECT_EQ(calibration.captureScreen(source), "画面を取り込めませんでした。");
-    EXPECT_FALSE(calibration.picker().screen());
-
     source.screen = toCaptureBitmap(test::fontScreen({"", "1234567", ""}));
     EXPECT_EQ(calibration.captureScreen(source), "取り込みました。数字を入力して「学習する」を押してください。");
     EXPECT_EQ(calibration.learnCommand(), "数字を入力してください。"); // nothing typed
@@ -122,16 +109,12 @@ TEST(CalibrationTest, TheCommandsAreLoggedAndSayWhatHappened)
     EXPECT_EQ(calibration.learnCommand(), "");
     const std::string text = calibration.view(RegionExp).text;
     EXPECT_HOLDS(text, "\n読み返し： 1234567 → 1234567　未学習： 089");
-    EXPECT_EQ(Calibration::readingText(calibration.preview(RegionExp)), "読み取り： 1234567");
 
     Settings settings = kDefaults;
     calibration.applyCommand(settings);
     EXPECT_EQ(settings.ReferenceSize[RegionExp].Width, calibration.view(RegionExp).width);
     EXPECT_NE(settings.PatternStrings[RegionExp][1], kDefaults.PatternStrings[RegionExp][1]);
-    const std::string written = test::readAll(log.path());
-    for (const char* line : {"Click : Calibration Learn ", "Click : Calibration Capture ",
-                             "Error Trap : cmdCalibrationCapture_Click", "Click : Calibration Apply "})
-        EXPECT_HOLDS(written, line) << line << "\n" << written;
+    EXPECT_HOLDS(test::readAll(log.path()), "Click : Calibration Capture ");
 }
 
 TEST(CalibrationTest, TheNumberFieldsTakeDigitsSeparatorsAndTheSkippingDash)
@@ -154,9 +137,8 @@ TEST(RegionPickerTest, PicturePointsMapToScreenPixelsAtEveryZoom)
     RegionPicker picker = pickerOnGameScreen();
     struct Case { std::int32_t zoomAsked, zoom, x, y, pixelX, pixelY; };
     const Case cases[] = {
-        {1, 1, 10, 20, 10, 20},     {2, 2, 21, 41, 10, 20},     {3, 2, 21, 41, 10, 20},
-        {8, 8, 87, 7, 10, 0},       {100, 16, 160, 16, 10, 1},  {0, 1, -5, -1, 0, 0},
-        {4, 4, 99999, 99999, 1023, 767},
+        {1, 1, 10, 20, 10, 20},    {2, 2, 21, 41, 10, 20}, {3, 2, 21, 41, 10, 20},
+        {100, 16, 160, 16, 10, 1}, {0, 1, -5, -1, 0, 0},   {4, 4, 99999, 99999, 1023, 767},
     };
     for (const Case& c : cases) {
         picker.setZoom(c.zoomAsked);
@@ -167,7 +149,7 @@ TEST(RegionPickerTest, PicturePointsMapToScreenPixelsAtEveryZoom)
     }
 }
 
-TEST(RegionPickerTest, ADragSpansTheRectangleOfItsCornerPixels)
+TEST(RegionPickerTest, ADragSpansTheRectangleOfItsCornerPixelsAndANudgeStaysOnTheScreen)
 {
     RegionPicker picker = pickerOnGameScreen();
     picker.setZoom(4);
@@ -190,14 +172,11 @@ TEST(RegionPickerTest, ADragSpansTheRectangleOfItsCornerPixels)
     }
     EXPECT_EQ(picker.settings().CaptureRegion[RegionLevel], defaultSettings("").CaptureRegion[RegionLevel]);
     EXPECT_EQ(picker.pictureRect(RegionExp), (CaptureRegionRect{400, 2000, 404, 204}));
-    EXPECT_EQ(picker.selectedCentre().x, 400 + 202); // where a new zoom scrolls to
-    EXPECT_EQ(picker.selectedCentre().y, 2000 + 102);
+    EXPECT_EQ(std::pair(picker.selectedCentre().x, picker.selectedCentre().y), std::pair(400 + 202, 2000 + 102))
+        << "where a new zoom scrolls to";
     EXPECT_FALSE(picker.drag(0, 0)); // no drag without a press
-}
 
-TEST(RegionPickerTest, NudgingKeepsTheRegionOnTheScreen)
-{
-    RegionPicker picker = pickerOnGameScreen();
+    // Nudged, a region stays on the screen.
     picker.selectRegion(RegionMoney); // 0, 269, 146 x 9
     EXPECT_FALSE(picker.nudge(-1, 0));
     EXPECT_TRUE(picker.nudge(3, -2));

@@ -2,32 +2,25 @@
 
 #include <gtest/gtest.h>
 
-
 namespace tvx {
 namespace {
 
-TEST(JokePopupTest, OnlyAnAttemptOnTheLastLineLetsGoAndReopeningStartsOver)
+// The script line by line is played through the real windows (tests/windows/MainWindowTest);
+// here what they never reach: a popup not open, and one opened again part way.
+TEST(JokePopupTest, APopupNotOpenHoldsNothingAndReopeningStartsOver)
 {
-    const auto script = JokePopup::script();
     JokePopup popup;
-    EXPECT_TRUE(popup.attemptClose()) << "a popup that is not open holds nothing";
-
+    EXPECT_TRUE(popup.attemptClose());
     popup.open();
     EXPECT_FALSE(popup.attemptClose());
     EXPECT_FALSE(popup.attemptClose());
     popup.open();
-    for (std::size_t line = 0; line < script.size(); ++line) {
-        ASSERT_TRUE(popup.isOpen()) << line;
-        EXPECT_EQ(popup.line(), line);
-        EXPECT_EQ(&popup.current(), &script[line]);
-        EXPECT_EQ(popup.attemptClose(), line + 1 == script.size()) << line;
-    }
+    EXPECT_EQ(popup.line(), 0u);
+    EXPECT_EQ(&popup.current(), &JokePopup::script().front());
+    for (std::size_t line = 0; line < JokePopup::script().size(); ++line)
+        popup.attemptClose();
     EXPECT_FALSE(popup.isOpen());
     EXPECT_TRUE(popup.attemptClose()) << "a late attempt on the closed popup";
-
-    popup.open();
-    EXPECT_TRUE(popup.isOpen());
-    EXPECT_EQ(&popup.current(), &script.front());
 }
 
 } // namespace

@@ -1,5 +1,8 @@
 #include "view/HistoryView.h"
 #include "view/LiveView.h"
+#include "view/LiveWindowModel.h"
+#include "measurement/SessionHistory.h"
+#include "support/TempFolder.h"
 #include "support/TextChecks.h"
 
 #include <gtest/gtest.h>
@@ -16,14 +19,12 @@ TEST(LiveViewTest, TheStateOfTheReadingsAtAGlance)
         bool latestValid;
         const char* expected;
     };
+    // Stopped, waiting, reading, stalled without a gain and suspended are the windows' (LiveWindowsTest).
     for (const Case& c : {
-             Case{false, false, true, Stall::NoGain, 3, true, "停止中"},
-             Case{true, false, false, Stall::None, 0, false, "待機中"},
              Case{true, false, false, Stall::None, 4, false, "認識失敗"},
              Case{true, false, false, Stall::NoReading, 4, true, "読み取り中"}, // the alarm is off
              Case{true, false, true, Stall::NoReading, 4, false, "停滞：読み取れません"},
-             Case{true, false, true, Stall::NoGain, 4, true, "停滞：経験値が増えません"},
-             Case{true, true, true, Stall::NoGain, 4, true, "一時停止中"},
+             Case{true, true, true, Stall::NoGain, 4, true, "一時停止中"}, // suspended wins over a stall
          }) {
         LiveFigures f;
         f.stall = c.stall;
@@ -46,9 +47,8 @@ TEST(LiveViewTest, FiguresShowWithTheirUnitsAndAbsentOnesAsADash)
     LiveView view = liveView(f, {true, false, false, 60});
     EXPECT_EQ(view.levelText, "Lv 120  0.00％");
     ASSERT_EQ(view.compact.size(), 3u); // no money line: money was never read
-    EXPECT_EQ(view.compact[0].value, "1,234,567k/h");
-    EXPECT_EQ(view.compact[1].value, "—");
-    EXPECT_EQ(view.compact[2].value, "85.2分（14:05）");
+    EXPECT_EQ(std::tie(view.compact[0].value, view.compact[1].value, view.compact[2].value),
+              std::tuple("1,234,567k/h", "—", "85.2分（14:05）"));
     EXPECT_EQ(view.outlook, "Lv 0.00％/h（60分）  次のLvまで 85.2分（14:05）［60分］");
     f.money = 10;
     EXPECT_EQ(liveView(f, {}).compact[2].caption, "メル 60分");
@@ -69,13 +69,12 @@ TEST(HistoryViewTest, SessionsNewestFirstAndTotalsPerDayAndWeek)
     // Sunday 1 June belongs to the week of Monday 26 May; Monday 2 June starts the next.
     const std::vector<HistoryRow> rows{row(1, 10, 3600, 1'000'000, 5000), row(1, 20, 1800, 500'000, std::nullopt),
                                        row(2, 9, 7200, 4'000'000, 1000)};
-    const HistoryTable sessions = historySessions(rows);
-    EXPECT_EQ(sessions.rows[0][0], "2025/06/02 09:00:00");
-    EXPECT_EQ(sessions.rows[2][5], "1,000,000");
-
     const HistoryTable days = historyDays(rows);
     ASSERT_EQ(days.rows.size(), 2u);
     EXPECT_EQ(days.rows[1], (std::vector<std::string>{"2025/06/01", "2", "90.0", "1,500,000", "1,000", "5,000", "5", "2", "0"}));
+    // A day without money read has neither money nor money per hour.
+    EXPECT_EQ(historyDays({row(4, 8, 600, 100'000, std::nullopt)}).rows.at(0),
+              (std::vector<std::string>{"2025/06/04", "1", "10.0", "100,000", "600", "", "", "1", "0"}));
     const HistoryTable weeks = historyWeeks(rows);
     ASSERT_EQ(weeks.rows.size(), 2u);
     EXPECT_EQ(weeks.rows[0][0], "2025/06/02");
@@ -84,6 +83,12 @@ TEST(HistoryViewTest, SessionsNewestFirstAndTotalsPerDayAndWeek)
     const std::string csv = historyCsv(rows);
     EXPECT_EQ(csv.substr(0, 3), "\xEF\xBB\xBF");
     EXPECT_HOLDS(csv, "\r\n2025/06/02 09:00:00,2025/06/02 11:00:00,120.0,0,0,4000000,");
+
+    // The history window over a file not written yet: nothing listed, and no fault to name.
+    const test::TempFolder temp;
+    const HistoryWindowData none = openHistoryWindow(historyFilePath(temp.path()));
+    EXPECT_FALSE(none.error);
+    EXPECT_TRUE(none.rows.empty());
 }
 
 } // namespace
