@@ -64,21 +64,11 @@ public:
     }
     std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect> wanted) override
     {
-        if (onGrab)
-            onGrab();
-        ++grabs;
-        grabbedRegions.push_back(wanted.size());
-        return screens.empty() ? std::nullopt : next(screens);
+        return nextScreen(wanted.size());
     }
     bool grabRows(ScreenRows& sink) override
     {
-        if (bandRows <= 0)
-            return false;
-        if (onGrab)
-            onGrab();
-        ++grabs;
-        grabbedRegions.push_back(0);
-        const std::optional<CaptureBitmap> screen = screens.empty() ? std::nullopt : next(screens);
+        const std::optional<CaptureBitmap> screen = bandRows > 0 ? nextScreen(0) : std::nullopt;
         if (!screen)
             return false;
         const auto height = static_cast<std::int32_t>(screen->rows);
@@ -96,10 +86,7 @@ public:
         events.push_back("print screen key");
         return printScreenKey;
     }
-    std::optional<CaptureBitmap> clipboardPicture() override
-    {
-        return clipboard.empty() ? std::nullopt : next(clipboard);
-    }
+    std::optional<CaptureBitmap> clipboardPicture() override { return next(clipboard); }
     void systemBeep() override { events.push_back("beep"); }
     void beep(std::int32_t hz, std::int32_t ms) override
     {
@@ -157,13 +144,24 @@ public:
     }
 
 private:
+    // The next entry of a script; the last one stays, and an empty script gives nothing.
     template <typename T>
     static T next(std::deque<T>& queue)
     {
+        if (queue.empty())
+            return T{};
         T value = queue.front();
         if (queue.size() > 1)
             queue.pop_front();
         return value;
+    }
+    std::optional<CaptureBitmap> nextScreen(std::size_t regions)
+    {
+        if (onGrab)
+            onGrab();
+        ++grabs;
+        grabbedRegions.push_back(regions);
+        return next(screens);
     }
     static bool touch(const std::filesystem::path& path)
     {
