@@ -130,6 +130,13 @@ TEST_F(MeterTest, WholeSessionMakesTheRecordsOfEveryCase)
     cycle(2980, "8", "5", "100");     // level fell: another character
     cycle(3340, "8", "50", "100");    // its bases
     cycle(3700, "8", "80", "150");
+    // Rates of the records, a zero point for each reading without a record, and the
+    // averaging window's zeros after the change of character.
+    EXPECT_EQ(meter().state().graph->Value(0).RateE(), Currency{});
+    EXPECT_EQ(meter().state().graph->Value(settings.GraphAveNum).RateM(), Currency::fromInt(-1));
+    cycle(4060, "5", "10", ""); // another character, money hidden: money waits for its own reading
+    cycle(4420, "5", "20", "");
+    cycle(4780, "5", "40", "");
     meter().menuStop_Click();
 
     EXPECT_EQ(recordLines().at(0), "\xEF\xBB\xBF" + recordHeader(true));
@@ -139,6 +146,7 @@ TEST_F(MeterTest, WholeSessionMakesTheRecordsOfEveryCase)
         {"04/01 13:36", "12", "7433", "5700", "3736", "90", "12.0", "18", "12.0", "0"},
         {"04/01 13:48", "12", "7443", "5700", "10", "0", "6.0", "0", "0.0", "0"},
         {"04/01 14:06", "8", "1345", "150", "30", "50", "6.0", "0", "6.0", "0"},
+        {"04/01 14:24", "5", "238", "", "20", "", "6.0", "0", "", ""},
     };
     EXPECT_EQ(records(), expected);
 
@@ -146,37 +154,14 @@ TEST_F(MeterTest, WholeSessionMakesTheRecordsOfEveryCase)
     EXPECT_TRUE(text.starts_with(std::string(kLogHeader) + "\r\n\r\n   10        3,447         5,000 \r\n")) << text;
     EXPECT_HOLDS(text, "\r\n04/01 13:18   10          250   6.0         2 \r\n");
     EXPECT_HOLDS(text, "\r\nキャラクタチェンジ検出\r\n" + std::string(kLogHeader) + "\r\n");
-    EXPECT_HOLDS(text, "    増加  Lv:   0    Exp:           30");
+    EXPECT_HOLDS(text, "    増加  Lv:   0    Exp:           20");
     EXPECT_HOLDS(debugText(), "Detect Character Change ");
-    // Rates of the records, a zero point for each reading without a record, and the
-    // averaging window's zeros after the change of character.
-    EXPECT_EQ(meter().state().graph->Value(0).RateE(), Currency{});
-    EXPECT_EQ(meter().state().graph->Value(settings.GraphAveNum).RateM(), Currency::fromInt(-1));
-}
-
-TEST_F(MeterTest, AfterAChangeOfCharacterMoneyWaitsForItsOwnReading)
-{
-    settings.SaveCsv = true;
-    meter().menuRun_Click();
-    cycle(100, "10", "100", "5000");
-    cycle(460, "10", "350", "5100");
-    cycle(820, "5", "10", "");  // another character, money hidden
-    cycle(1180, "5", "20", ""); // its bases
-    cycle(1540, "5", "40", "");
-    const std::vector<Fields> expected{
-        {"04/01 13:12", "10", "3697", "5100", "250", "100", "6.0", "2", "6.0", "1"},
-        {"04/01 13:30", "5", "238", "", "20", "", "6.0", "0", "", ""},
-    };
-    EXPECT_EQ(records(), expected);
 }
 
 TEST_F(MeterTest, MoneyHasNoTimeRateOrCurveUntilItIsRead)
 {
-    struct Case {
-        const char* name;
-        bool scan;
-        const char* secondMinutes; // the money re-reads' waits shift the first reading
-    };
+    // The money re-reads' waits shift the first reading's minutes.
+    struct Case { const char* name; bool scan; const char* secondMinutes; };
     for (const Case& k : {Case{"money not scanned", false, "6.0"}, Case{"scanned, not found at first", true, "5.9"}}) {
         SCOPED_TRACE(k.name);
         restart();
@@ -331,11 +316,8 @@ TEST_F(MeterTest, AFailedReadingIsReportedAndChangesNeitherLabelsNorRecordsNorSu
     cycle(460, "11", "50", "");
     const Fields before = expLabels(meter().state().labels);
     ASSERT_EQ(before[2], "1");
-    const struct {
-        const char* lv;
-        const char* exp;
-        const char* said;
-    } failures[] = {{"", "", "LvとExp NG"}, {"12", "", "Exp NG"}, {"", "70", "Lv NG"}};
+    const struct { const char* lv; const char* exp; const char* said; } failures[] = {
+        {"", "", "LvとExp NG"}, {"12", "", "Exp NG"}, {"", "70", "Lv NG"}};
     for (const auto& f : failures) {
         cycle(820, f.lv, f.exp, "33");
         meter().session().DisplayResult(MeasurementSession::kUpdate); // as the level watch's burst does
@@ -451,7 +433,7 @@ TEST_F(MeterTest, TheTimerRunsACycleOnlyWhenItIsTimeAndCycleSkipHoldsTheCycleAnd
     EXPECT_EQ(machine.grabs, 1);
 }
 
-TEST_F(MeterTest, TheSuspendButtonAndTheGesturesRunTheirCommandsAndGesturesAlwaysSaySo)
+TEST_F(MeterTest, SuspendPausesTheTimerAResumeReadsOnceAndGesturesAlwaysSaySo)
 {
     const auto gesture = [this](Gesture g) {
         const std::size_t before = box().size();
@@ -575,12 +557,8 @@ TEST_F(MeterTest, EveryEntryPointTrapsWhatItCallsAndTheSessionGoesOn)
     const Thrower fileError = [] {
         throw std::filesystem::filesystem_error("exists", std::make_error_code(std::errc::filename_too_long));
     };
-    struct Case {
-        const char* line;
-        bool onProbe; // else on the next wait
-        Thrower thrower;
-        std::function<void(Meter&)> command;
-    };
+    // The thrower runs on the game window's probe, or else on the next wait.
+    struct Case { const char* line; bool onProbe; Thrower thrower; std::function<void(Meter&)> command; };
     const std::vector<Case> cases{
         {"Error Trap : timCaptureInterval_Timer : CODE9  Subscript out of range", true,
          [] { throw std::out_of_range("index"); }, [](Meter& m) { m.cycle().timCaptureInterval_Timer(); }},
@@ -652,14 +630,8 @@ TEST_F(MeterTest, AStopOrACloseDuringAWaitEndsWhatWaited)
         show("11", "100", "");
         meter().watch().timDoHLInterval_Timer();
     };
-    struct Case {
-        const char* name;
-        std::int32_t waitMs;
-        bool stop; // else close
-        Step command;
-        int grabs;
-        std::size_t shots;
-    };
+    // At the wait of waitMs the player stops, or else closes.
+    struct Case { const char* name; std::int32_t waitMs; bool stop; Step command; int grabs; std::size_t shots; };
     const std::vector<Case> cases{
         {"money re-read, stop", 1500, true, moneyHidden, 1, 0},
         {"money re-read, close", 1500, false, moneyHidden, 1, 0},
@@ -803,12 +775,8 @@ TEST_F(MeterTest, TimeLeftAsksFromTheLatestReadingOfTheSession)
 
 TEST_F(MeterTest, AFailedCaptureIsAFailedReadingWithItsOwnDebugLine)
 {
-    struct Case {
-        const char* name;
-        std::vector<std::string> lines;
-        std::function<void()> arm;
-        bool said = true; // the log box tells the failed reading
-    };
+    // The debug lines the failure leaves, and whether the log box tells a failed reading.
+    struct Case { const char* name; std::vector<std::string> lines; std::function<void()> arm; bool said = true; };
     const std::vector<Case> cases{
         {"no picture", {"PrintScreen MissTake "},
          [this] { machine.onGrab = [this] { machine.screens = {std::nullopt}; }; }},

@@ -69,44 +69,29 @@ TEST_F(DebugLogTest, EachStartRenewsTheLogKeepsOneBackUpAndTheUnloadReportFollow
     EXPECT_THROW(DebugLog(m_home / "no" / "such" / "folder", m_clock).WriteDebugLog("x"), RuntimeError);
 }
 
-TEST(EnvironmentReport, JapaneseLabelsIndentsAndGroupedNumbers)
+// Japanese labels, indents and grouped numbers; what the system does not say is left out.
+TEST(EnvironmentReport, JapaneseLabelsIndentsAndGroupedNumbersAndNothingUnknown)
 {
-    const std::string report = ReportEnvironment(fullFacts(), true);
-    const char* lines[] = {
-        "実行環境情報\r\n",
-        "　　オペレーティングシステム : Debian GNU/Linux 12\r\n",
-        "　　　バージョン : 6.1.0\r\n",
-        "　　　物理メモリ 空き/最大 : 1,234,567 / 8,000,000,000 Byte\r\n",
-        "　　プロセッサ : Ryzen\r\n",
-        "　　　キャッシュメモリ : L2 Unified = 512 kByte\r\n",
-        "　　　　グラフィックメモリ : 268,435,456 Byte\r\n",
-        "　　製造メーカー : ACME\r\n",
-    };
-    std::size_t at = 0;
-    for (const char* line : lines) {
-        const std::size_t found = report.find(line, at);
-        ASSERT_NE(found, std::string::npos) << line << "\n" << report;
-        at = found;
-    }
+    EXPECT_EQ(ReportEnvironment(fullFacts(), true),
+              "実行環境情報\r\n"
+              "　　オペレーティングシステム : Debian GNU/Linux 12\r\n"
+              "　　　バージョン : 6.1.0\r\n"
+              "　　　物理メモリ 空き/最大 : 1,234,567 / 8,000,000,000 Byte\r\n"
+              "　　プロセッサ : Ryzen\r\n"
+              "　　　キャッシュメモリ : L2 Unified = 512 kByte\r\n"
+              "　　　　グラフィックメモリ : 268,435,456 Byte\r\n"
+              "　　製造メーカー : ACME\r\n");
     EXPECT_HOLDS(ReportEnvironment(fullFacts(), false), "　　　FreePhysicalMemory : 1,234,567 / 8,000,000,000 Byte\r\n");
-}
 
-TEST(EnvironmentReport, WhatTheSystemDoesNotSayIsLeftOut)
-{
     EnvironmentFacts facts;
     facts.processor = "Ryzen";
     facts.servicePack.assign(2, ' ');
     facts.freeVirtualBytes = 0; // no swap at all
     facts.totalVirtualBytes = 0;
     facts.freePhysicalBytes = 5;
-    for (const bool japanese : {true, false}) {
-        const std::string report = ReportEnvironment(facts, japanese);
-        EXPECT_LACKS(report, "Byte");
-        EXPECT_LACKS(report, " : \r\n");
-        EXPECT_LACKS(report, "\r\n\r\n");
-    }
-    const std::string english = ReportEnvironment(facts, false);
-    EXPECT_EQ(english, "　　Processor : Ryzen\r\n　　　CacheMemory : NONE\r\n");
+    EXPECT_EQ(ReportEnvironment(facts, true), "実行環境情報\r\n"
+                                              "　　プロセッサ : Ryzen\r\n　　　キャッシュメモリ : NONE\r\n");
+    EXPECT_EQ(ReportEnvironment(facts, false), "　　Processor : Ryzen\r\n　　　CacheMemory : NONE\r\n");
 }
 
 class LauncherTest : public testing::Test {
