@@ -59,12 +59,6 @@ protected:
         return *m_meter;
     }
 
-    void at(std::int64_t seconds)
-    {
-        machine.clock.setNow(addSeconds(kStart, seconds));
-        machine.clock.setTickMs(static_cast<std::uint32_t>(seconds * 1000));
-    }
-
     void show(const std::string& level, const std::string& exp, const std::string& money)
     {
         machine.screens = {gameCapture({level, exp, money})};
@@ -73,7 +67,8 @@ protected:
     // One cycle at a second of the session with these numbers on the screen.
     void cycle(std::int64_t seconds, const std::string& level, const std::string& exp, const std::string& money)
     {
-        at(seconds);
+        machine.clock.setNow(addSeconds(kStart, seconds));
+        machine.clock.setTickMs(static_cast<std::uint32_t>(seconds * 1000));
         show(level, exp, money);
         meter().cycle().runCycle();
     }
@@ -335,9 +330,7 @@ TEST_F(MeterTest, AReadingThatOutlivesItsSessionIsDropped)
 {
     settings.MoneyScan = true;
     settings.SaveCsv = true;
-    show("10", "100", "");
     meter().menuRun_Click();
-    at(100);
     // The player stops while the cycle waits for the money window, then starts again.
     machine.onWait = [this](std::int32_t ms) {
         if (ms == settings.MoneyWait) {
@@ -345,7 +338,7 @@ TEST_F(MeterTest, AReadingThatOutlivesItsSessionIsDropped)
             meter().menuRun_Click();
         }
     };
-    meter().cycle().runCycle();
+    cycle(100, "10", "100", "");
     machine.onWait = nullptr;
     EXPECT_TRUE(meter().state().labels.Start.Time.empty()) << "the new session has no reading yet";
     EXPECT_EQ(machine.grabs, 1) << "no money re-read for a session that ended";
