@@ -115,12 +115,9 @@ TEST_F(ScreenCaptureTest, AReadingWritesTheWholeScreenToTheFileAndReadsTheRegion
         for (const CaptureRegionRect& rect : settings.CaptureRegion)
             EXPECT_EQ(regionPixels(*image, rect), regionPixels(whole, rect));
         EXPECT_EQ(image->pixels.size() == whole.pixels.size(), c.wholeImage);
-        if (c.wholeImage) {
-            EXPECT_EQ(image->pixels, whole.pixels);
-        }
+        EXPECT_TRUE(!c.wholeImage || image->pixels == whole.pixels);
         const std::optional<CaptureBitmap> kept = fresh.kept();
-        ASSERT_TRUE(kept);
-        EXPECT_EQ(kept->pixels, whole.pixels);
+        EXPECT_TRUE(kept && kept->pixels == whole.pixels);
         if (c.captureFile == file) {
             const std::vector<std::uint8_t> bytes = encodeBitmap24(toFrame(whole));
             EXPECT_EQ(test::readAll(file), std::string(bytes.begin(), bytes.end()));

@@ -32,23 +32,18 @@ EnvironmentFacts fullFacts()
     return facts;
 }
 
-class DebugLogTest : public testing::Test {
-protected:
-    test::TempFolder m_temp;
-    const std::filesystem::path& m_home = m_temp.path();
-    test::FakeClock m_clock{LocalDateTime{2009, 4, 1, 13, 5, 9}};
-};
-
-TEST_F(DebugLogTest, EachStartRenewsTheLogKeepsOneBackUpAndTheUnloadReportFollows)
+TEST(DebugLogTest, EachStartRenewsTheLogKeepsOneBackUpAndTheUnloadReportFollows)
 {
-    DebugLog log(m_home, m_clock);
+    test::TempFolder home;
+    test::FakeClock clock{LocalDateTime{2009, 4, 1, 13, 5, 9}};
+    DebugLog log(home.path(), clock);
     log.WriteDebugLog("Starting Program  first", DebugLog::kNewLog);
     EXPECT_FALSE(std::filesystem::exists(log.backupPath()));
     log.WriteDebugLog("Suspend Mode On ");
     EXPECT_EQ(test::readAll(log.path()), "2009/04/01 13:05:09 Starting Program  first\r\n"
                                    "2009/04/01 13:05:09 Suspend Mode On \r\n");
 
-    m_clock.setNow(LocalDateTime{2010, 12, 31, 23, 59, 58});
+    clock.setNow(LocalDateTime{2010, 12, 31, 23, 59, 58});
     log.WriteDebugLog("Starting Program  second", DebugLog::kNewLog);
     EXPECT_EQ(test::readAll(log.path()), "2010/12/31 23:59:58 Starting Program  second\r\n");
     EXPECT_EQ(test::readAll(log.backupPath()), "2009/04/01 13:05:09 Starting Program  first\r\n"
@@ -66,7 +61,7 @@ TEST_F(DebugLogTest, EachStartRenewsTheLogKeepsOneBackUpAndTheUnloadReportFollow
     EXPECT_HOLDS(text, "　　Available Physical Memory");
     EXPECT_HOLDS(text, "2,000 kByte  0%\r\n");
 
-    EXPECT_THROW(DebugLog(m_home / "no" / "such" / "folder", m_clock).WriteDebugLog("x"), RuntimeError);
+    EXPECT_THROW(DebugLog(home.path() / "no" / "such" / "folder", clock).WriteDebugLog("x"), RuntimeError);
 }
 
 // Japanese labels, indents and grouped numbers; what the system does not say is left out.
@@ -94,18 +89,13 @@ TEST(EnvironmentReport, JapaneseLabelsIndentsAndGroupedNumbersAndNothingUnknown)
     EXPECT_EQ(ReportEnvironment(facts, false), "　　Processor : Ryzen\r\n　　　CacheMemory : NONE\r\n");
 }
 
-class LauncherTest : public testing::Test {
-protected:
-    std::string logText() const { return test::readAll(log.path()); }
-
+TEST(LauncherTest, TellsThePlayerWhatCouldNotBeOpenedAndWaitsForWhatWas)
+{
     test::TempFolder temp;
     test::FakeMachine machine;
     DebugLog log{temp.path(), machine.clock};
     Launcher launcher{machine, machine, machine, log};
-};
-
-TEST_F(LauncherTest, TellsThePlayerWhatCouldNotBeOpenedAndWaitsForWhatWas)
-{
+    const auto logText = [&log] { return test::readAll(log.path()); };
     const std::string readMe = "/opt/tallivex/bin/ReadMeM.txt";
     const std::string help = "/opt/tallivex/bin/使用方法M.mht";
     machine.existingFiles = {help};
