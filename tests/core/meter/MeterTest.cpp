@@ -819,88 +819,70 @@ TEST_F(MeterTest, AFailedCaptureIsAFailedReadingWithItsOwnDebugLine)
     }
 }
 
-TEST_F(MeterTest, TheImagesKeptForThePlayerAreTheWholeScreen)
+// The cycle's picture lives in the capture file and is read back from it; a file that cannot hold
+// it, or that another program replaces, is told. What is kept for the player is whole screens.
+TEST_F(MeterTest, TheCyclesPictureIsReadBackFromTheCaptureFileAndTheImagesKeptAreWholeScreens)
 {
-    const auto frameOf = [](const std::filesystem::path& file) {
+    const auto pixelsOf = [](const std::filesystem::path& file) {
         CaptureBitmap read;
         EXPECT_EQ(LoadCaptureBitmap(file, read), CaptureLoadResult::Read) << pathUtf8(file);
         return read.pixels;
     };
-    restart(true);
-    const CaptureBitmap screen = gameCapture({"50", "1", ""});
-    settings.SaveFormat = ".bmp";
-    settings.MoneyScan = true;
-    meter().menuRun_Click();
-    machine.screens = {screen};
-    meter().cycle().runCycle(); // the whole screen, then the money region twice
-    EXPECT_EQ(frameOf(temp.path() / "Capture.bmp"), screen.pixels) << "the direct route keeps the capture file";
-
-    // The level watch reads its region only; its shots are whole screens, and none of
-    // them is the cycle's picture.
-    meter().watch().timDoHLInterval_Timer();
-    EXPECT_EQ(frameOf(temp.path() / "Capture.bmp"), screen.pixels);
-    const CaptureBitmap later = gameCapture({"51", "1", "1"}, ScreenMode::FullScreen, 2);
-    machine.screens = {later};
-    meter().watch().timDoHLInterval_Timer(); // a rise: four shots
-    EXPECT_EQ(frameOf(temp.path() / "ss" / "LvUP_20090401130502_d.bmp"), later.pixels);
-    FormMainCommands(meter(), log, temp.path()).run(MenuCommand::PatternSave);
-    EXPECT_EQ(frameOf(temp.path() / ("Capture" + formatPatternStamp(machine.clock.now()) + ".bmp")), screen.pixels);
-
-    meter().menuPrtScr_Click();
-    meter().runGesture(Gesture::PrintScreen);
-    // The cycle and its money re-reads, the watch's two region reads, its four shots, the
-    // two print screens.
-    EXPECT_EQ(machine.grabbedRegions, (std::vector<std::size_t>{0, 1, 1, 1, 1, 0, 0, 0, 0, 0, 0}));
-
-    // A capture file that cannot be written costs its line, not the reading.
-    meter().capture().setCaptureFile(temp.path() / "missing" / "Capture.bmp");
-    machine.screens = {gameCapture({"51", "900", "1"})};
-    meter().cycle().runCycle();
-    EXPECT_HOLDS(debugText(), "Error Trap : GetPictForClip : CODE75  Path/File access error");
-    EXPECT_EQ(meter().state().labels.End.Exp, "900");
-}
-
-TEST_F(MeterTest, TheCyclesPictureIsReadBackFromTheCaptureFileUnlessTheFileCannotHoldIt)
-{
-    meter().menuRun_Click();
     const auto kept = [this] {
         const std::optional<CaptureBitmap> picture = meter().cycle().lastCapture();
         return picture ? picture->pixels : ZeroedBytes{};
     };
     const std::filesystem::path file = temp.path() / "Capture.bmp";
+    settings.SaveFormat = ".bmp";
+    meter().menuRun_Click();
     const CaptureBitmap first = gameCapture({"50", "1", ""});
     machine.screens = {first};
-    meter().cycle().runCycle();
+    meter().cycle().runCycle(); // no capture file: the picture is held in memory
     EXPECT_EQ(kept(), first.pixels);
 
-    // A file that cannot be written: the picture is held in memory instead.
-    meter().capture().setCaptureFile(temp.path() / "missing" / "Capture.bmp");
-    const CaptureBitmap second = gameCapture({"50", "2", ""});
-    machine.screens = {second};
-    meter().cycle().runCycle();
-    EXPECT_EQ(kept(), second.pixels);
     meter().capture().setCaptureFile(file);
-    EXPECT_EQ(kept(), second.pixels);
-
-    // A region read leaves file and picture alone; a whole screen that is no reading's is
-    // written, and the picture moves to memory first.
-    const CaptureBitmap third = gameCapture({"51", "3", ""});
-    machine.screens = {third};
-    meter().cycle().runCycle();
+    settings.MoneyScan = true;
+    machine.grabbedRegions.clear();
+    const CaptureBitmap screen = gameCapture({"50", "2", ""});
+    machine.screens = {screen};
+    meter().cycle().runCycle(); // the whole screen, then the money region twice
+    EXPECT_EQ(pixelsOf(file), screen.pixels) << "the direct route keeps the capture file";
+    // The level watch reads its region only; its shots are whole screens, and none of
+    // them is the cycle's picture.
     meter().watch().timDoHLInterval_Timer();
-    const CaptureBitmap shot = gameCapture({"52", "4", ""}, ScreenMode::FullScreen, 2);
-    machine.screens = {shot};
+    EXPECT_EQ(pixelsOf(file), screen.pixels);
+    const CaptureBitmap later = gameCapture({"51", "1", "1"}, ScreenMode::FullScreen, 2);
+    machine.screens = {later};
+    meter().watch().timDoHLInterval_Timer(); // a rise: four shots
+    EXPECT_EQ(pixelsOf(temp.path() / "ss" / "LvUP_20090401130502_d.bmp"), later.pixels);
+    FormMainCommands(meter(), log, temp.path()).run(MenuCommand::PatternSave);
+    EXPECT_EQ(pixelsOf(temp.path() / ("Capture" + formatPatternStamp(machine.clock.now()) + ".bmp")), screen.pixels);
+    // A whole screen that is no reading's is written, and the picture moves to memory first.
     meter().menuPrtScr_Click();
-    CaptureBitmap onDisk;
-    ASSERT_EQ(LoadCaptureBitmap(file, onDisk), CaptureLoadResult::Read);
-    EXPECT_EQ(onDisk.pixels, shot.pixels);
-    EXPECT_EQ(kept(), third.pixels);
+    EXPECT_EQ(pixelsOf(file), later.pixels);
+    EXPECT_EQ(kept(), screen.pixels);
+    meter().runGesture(Gesture::PrintScreen);
+    // The cycle and its money re-reads, the watch's two region reads, its four shots, the
+    // two print screens.
+    EXPECT_EQ(machine.grabbedRegions, (std::vector<std::size_t>{0, 1, 1, 1, 1, 0, 0, 0, 0, 0, 0}));
+
+    // A capture file that cannot be written costs its line, not the reading: the picture is
+    // held in memory instead, also when the file is named again.
+    meter().capture().setCaptureFile(temp.path() / "missing" / "Capture.bmp");
+    const CaptureBitmap unwritten = gameCapture({"51", "900", "1"});
+    machine.screens = {unwritten};
+    meter().cycle().runCycle();
+    EXPECT_HOLDS(debugText(), "Error Trap : GetPictForClip : CODE75  Path/File access error");
+    EXPECT_EQ(meter().state().labels.End.Exp, "900");
+    EXPECT_EQ(kept(), unwritten.pixels);
+    meter().capture().setCaptureFile(file);
+    EXPECT_EQ(kept(), unwritten.pixels);
 
     // Another program replaces the file the picture lives in: no picture, and the debug
     // log says why, rather than the other program's picture passing for the reading's.
-    machine.screens = {third};
+    machine.screens = {screen};
     meter().cycle().runCycle();
-    ASSERT_TRUE(writeBitmap24(file, toFrame(shot)));
+    ASSERT_TRUE(writeBitmap24(file, toFrame(later)));
     std::filesystem::last_write_time(file, std::filesystem::last_write_time(file) + std::chrono::seconds(2));
     EXPECT_TRUE(kept().empty());
     EXPECT_HOLDS(debugText(), "CaptureFile Changed : Last Capture Lost ");
