@@ -86,7 +86,10 @@ public:
         events.push_back("print screen key");
         return printScreenKey;
     }
-    std::optional<CaptureBitmap> clipboardPicture() override { return next(clipboard); }
+    std::optional<CaptureBitmap> clipboardPicture() override
+    {
+        return clipboard.empty() ? std::nullopt : next(clipboard);
+    }
     void systemBeep() override { events.push_back("beep"); }
     void beep(std::int32_t hz, std::int32_t ms) override
     {
@@ -144,12 +147,9 @@ public:
     }
 
 private:
-    // The next entry of a script; the last one stays, and an empty script gives nothing.
     template <typename T>
     static T next(std::deque<T>& queue)
     {
-        if (queue.empty())
-            return T{};
         T value = queue.front();
         if (queue.size() > 1)
             queue.pop_front();
@@ -161,7 +161,7 @@ private:
             onGrab();
         ++grabs;
         grabbedRegions.push_back(regions);
-        return next(screens);
+        return screens.empty() ? std::nullopt : next(screens);
     }
     static bool touch(const std::filesystem::path& path)
     {
