@@ -190,22 +190,6 @@ TEST_F(MeterTest, MoneyHasNoTimeRateOrCurveUntilItIsRead)
     }
 }
 
-TEST_F(MeterTest, GameBehindAnotherWindowIsTriedAgainIn15Seconds)
-{
-    machine.windows = {GameWindowState::Background};
-    meter().menuRun_Click();
-    for (int pass = 1; pass <= 480; ++pass)
-        meter().cycle().runCycle();
-    EXPECT_EQ(machine.grabs, 0);
-    EXPECT_EQ(meter().session().NextCaptureTime, addSeconds(machine.clock.now(), 15));
-    EXPECT_EQ(meter().cycle().missCount(), 480);
-    meter().state().graph->AddGraphData(Currency::fromInt(9), Currency::fromInt(9), 1, 1);
-    meter().cycle().runCycle(); // the 481st adds a zero point
-    EXPECT_EQ(meter().cycle().missCount(), 0);
-    EXPECT_EQ(meter().state().graph->Value(0).RateE(), Currency{});
-    EXPECT_EQ(meter().state().graph->Value(1).RateE(), Currency::fromInt(9));
-}
-
 // A level whose 0 was never taught is no reading at all, never 5 for 50; the debug log
 // says which templates the level lacks, once until that changes.
 TEST_F(MeterTest, AReadingThatNeedsAnUntaughtTemplateFailsAndTheLogSaysWhich)
@@ -402,7 +386,7 @@ TEST_F(MeterTest, AMissingGameIsToldOnceASessionAndANewSessionStartsFromNothing)
         EXPECT_LACKS(box(), before) << "in the summary";
 }
 
-TEST_F(MeterTest, TheTimerRunsACycleOnlyWhenItIsTimeAndCycleSkipHoldsTheCycleAndTheWatch)
+TEST_F(MeterTest, TheTimerRunsACycleOnlyWhenItIsTimeCycleSkipHoldsItAndAGameBehindIsTriedAgainIn15Seconds)
 {
     show("50", "1", "1");
     meter().menuRun_Click();
@@ -417,6 +401,18 @@ TEST_F(MeterTest, TheTimerRunsACycleOnlyWhenItIsTimeAndCycleSkipHoldsTheCycleAnd
     meter().cycle().timCaptureInterval_Timer();
     EXPECT_EQ(machine.grabs, 1) << "the held cycle runs at the next tick";
     EXPECT_EQ(meter().session().NextCaptureTime, addSeconds(machine.clock.now(), 6 * 60));
+
+    machine.windows = {GameWindowState::Background};
+    for (int pass = 1; pass <= 480; ++pass)
+        meter().cycle().runCycle();
+    EXPECT_EQ(machine.grabs, 1) << "no picture of a game behind another window";
+    EXPECT_EQ(meter().session().NextCaptureTime, addSeconds(machine.clock.now(), 15));
+    EXPECT_EQ(meter().cycle().missCount(), 480);
+    meter().state().graph->AddGraphData(Currency::fromInt(9), Currency::fromInt(9), 1, 1);
+    meter().cycle().runCycle(); // the 481st adds a zero point
+    EXPECT_EQ(meter().cycle().missCount(), 0);
+    EXPECT_EQ(meter().state().graph->Value(0).RateE(), Currency{});
+    EXPECT_EQ(meter().state().graph->Value(1).RateE(), Currency::fromInt(9));
 
     meter().menuStop_Click();
     meter().state().controls.captureTimerEnabled = true;
