@@ -96,12 +96,10 @@ TEST(LauncherTest, TellsThePlayerWhatCouldNotBeOpenedAndWaitsForWhatWas)
     DebugLog log{temp.path(), machine.clock};
     Launcher launcher{machine, machine, machine, log};
     const auto logText = [&log] { return test::readAll(log.path()); };
-    const std::string readMe = "/opt/tallivex/bin/ReadMeM.txt";
     const std::string help = "/opt/tallivex/bin/使用方法M.mht";
     machine.existingFiles = {help};
     machine.shellOpens = false;
     const struct { bool url; std::string target; const char* message; const char* line; } cases[] = {
-        {false, readMe, "message 実行エラー: ReadMeM.txtファイルが見つかりません。", "Execution File Not Find  /opt/tallivex/bin/ReadMeM.txt"},
         {true, "", "message 実行エラー: サイトが見つかりません。", "Execution File Not Find  \r\n"},
         {false, help, "message 実行エラー: 使用方法M.mhtを開くプログラムが見つかりません。",
          "Error Trap : RunFile : CODE75  Path/File access error"},
