@@ -18,7 +18,6 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <memory>
 #include <new>
 #include <stdexcept>
@@ -262,16 +261,13 @@ TEST_F(MeterTest, TheStallAlarmSoundsOncePerStallAndAgainAfterAGain)
             {1500, ""},  {1800, ""},    {2100, ""},    {2400, ""},    {2500, "3000"}, {3400, "3000"}};
         std::vector<std::size_t> beeps;
         for (const auto& [second, exp] : readings) {
+            machine.events.clear();
             cycle(second, "50", exp, "");
             meter().cycle().timCaptureInterval_Timer();
             beeps.push_back(machine.count("beep"));
         }
-        EXPECT_EQ(box().find("停滞  15分間経験値が増えていません") != std::string::npos, alarm) << box();
-        EXPECT_EQ(countOf(box(), "  停滞  "), alarm ? 2u : 0u);
-        EXPECT_EQ(beeps[4], beeps[3]) << "not yet 15 minutes";
-        EXPECT_EQ(beeps[5] - beeps[4], alarm ? 1u : 0u);
-        EXPECT_EQ(beeps[9], beeps[5]) << "the failed readings are the same stall";
-        EXPECT_EQ(beeps[11] - beeps[10], alarm ? 1u : 0u);
+        EXPECT_EQ(countOf(box(), "  停滞  15分間経験値が増えていません"), alarm ? 2u : 0u) << box();
+        EXPECT_EQ(beeps, (std::vector<std::size_t>{0, 0, 0, 0, 0, alarm, 0, 0, 0, 0, 0, alarm}));
         EXPECT_EQ(meter().session().live().row()->stalls, 2);
     }
 }
@@ -393,7 +389,6 @@ TEST_F(MeterTest, TheTimerRunsACycleOnlyWhenItIsTimeCycleSkipHoldsItAndAGameBehi
     EXPECT_EQ(meter().session().NextCaptureTime, addSeconds(machine.clock.now(), 15));
     meter().state().graph->AddGraphData(Currency::fromInt(9), Currency::fromInt(9), 1, 1);
     meter().cycle().runCycle(); // the 481st adds a zero point
-    EXPECT_EQ(meter().cycle().missCount(), 0);
     EXPECT_EQ(meter().state().graph->Value(0).RateE(), Currency{});
     EXPECT_EQ(meter().state().graph->Value(1).RateE(), Currency::fromInt(9));
 
@@ -458,10 +453,8 @@ TEST_F(MeterTest, LevelWatchCapturesRisesOnceArmed)
 {
     struct Case { std::vector<int> readings; std::size_t bursts; };
     const Case cases[] = {
-        {{120}, 0},                 // the first reading is where the level starts
         {{120, -1, 121}, 1},        // an unread level changes nothing
-        {{120, 119}, 0},            // a fall only arms
-        {{120, 119, 120, 121}, 2},
+        {{120, 119, 120, 121}, 2},  // the first reading is where the level starts; a fall only arms
     };
     meter().menuRun_Click(); // the watch runs within a session
     for (const Case& k : cases) {
@@ -593,8 +586,11 @@ TEST_F(MeterTest, AStopOrACloseDuringAWaitEndsWhatWaited)
     struct Case { const char* name; std::int32_t waitMs; bool stop; Step command; int grabs; bool shot; };
     const std::vector<Case> cases{
         {"money re-read, stop", 1500, true, moneyHidden, 1, false},
-        {"level-up shots, close", 300, false, levelUp, 3, true}, // two reads and the first shot
+        {"money re-read, close", 1500, false, moneyHidden, 1, false},
+        {"level-up shots, stop", 300, true, levelUp, 3, true}, // two reads and the first shot
+        {"level-up shots, close", 300, false, levelUp, 3, true},
         {"resume, stop", 3000, true, suspendAndResume, 0, false},
+        {"resume, close", 3000, false, suspendAndResume, 0, false},
         {"print screen, close", 10000, false, [this] { meter().menuPrtScr_Click(); }, 0, false},
         {"test capture, close", 10000, false, [this] { meter().cycle().cmdCapture_Click(); }, 0, false},
     };
@@ -663,7 +659,6 @@ TEST_F(MeterTest, DebugModeShowsTheDebugAreaAndItsCommandsWork)
 {
     show("10", "100", "5");
     meter().setDebugMode(true);
-    EXPECT_EQ(machine.count("debug area"), 1u);
 
     meter().cycle().cmdCapture_Click();
     EXPECT_EQ(machine.grabs, 1);
@@ -671,7 +666,6 @@ TEST_F(MeterTest, DebugModeShowsTheDebugAreaAndItsCommandsWork)
     EXPECT_EQ(std::count(machine.events.begin(), machine.events.end(), "caption 1 100"), 1);
 
     meter().cycle().cmdRecognize_Click();
-    EXPECT_EQ(machine.count("elapsed 0.000秒"), 1u);
     EXPECT_EQ(meter().session().CurrentLv, 10);
 
     machine.windows = {GameWindowState::Missing, GameWindowState::Front};
@@ -688,7 +682,6 @@ TEST_F(MeterTest, DebugModeShowsTheDebugAreaAndItsCommandsWork)
     const std::size_t captions = machine.count("caption 0 認識中…");
     meter().cycle().cmdRecognize_Click();
     EXPECT_EQ(machine.count("caption 0 認識中…"), captions) << "no trace with the switch off";
-    EXPECT_EQ(machine.count("debug area"), 2u);
 }
 
 TEST_F(MeterTest, TimeLeftAsksFromTheLatestReadingOfTheSession)
