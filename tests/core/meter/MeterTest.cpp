@@ -447,6 +447,7 @@ TEST_F(MeterTest, LevelWatchCapturesRisesOnceArmed)
 {
     struct Case { std::vector<int> readings; std::size_t bursts; };
     const Case cases[] = {
+        {{120, 120}, 0},
         {{120, -1, 121}, 1},        // an unread level changes nothing
         {{120, 119, 120, 121}, 2},  // the first reading is where the level starts; a fall only arms
     };
