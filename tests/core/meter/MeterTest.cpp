@@ -382,6 +382,7 @@ TEST_F(MeterTest, TheTimerRunsACycleOnlyWhenItIsTimeCycleSkipHoldsItAndAGameBehi
         meter().cycle().runCycle();
     EXPECT_EQ(machine.grabs, 1) << "no picture of a game behind another window";
     EXPECT_EQ(meter().session().NextCaptureTime, addSeconds(machine.clock.now(), 15));
+    EXPECT_EQ(meter().cycle().missCount(), 480);
     meter().state().graph->AddGraphData(Currency::fromInt(9), Currency::fromInt(9), 1, 1);
     meter().cycle().runCycle(); // the 481st adds a zero point
     EXPECT_EQ(meter().state().graph->Value(0).RateE(), Currency{});
