@@ -21,17 +21,15 @@
 
 namespace tvx::test {
 
-// Every port of the engine, scripted: waits move the fake clock, the game window and the
-// screen follow queues (the last entry stays), answers come from queues, and what the
-// engine did is noted in `events`.
+// Every port of the engine, scripted: waits move the fake clock, the window, screen and answers
+// follow queues (a screen or window queue's last entry stays), and what the engine did is in `events`.
 class FakeMachine : public Waiter, public GameWindowProbe, public ScreenSource, public Sound, public ShellLauncher,
                     public Prompter, public MeterView, public ImageEncoder {
 public:
     FakeClock clock;
     std::deque<GameWindowState> windows{GameWindowState::Front};
     std::deque<std::optional<CaptureBitmap>> screens;
-    // The Print Screen route: whether the key exists here, and what the clipboard holds
-    // after each press.
+    // The Print Screen route: whether the key exists here, and the clipboard after each press.
     bool printScreenKey = false;
     std::deque<std::optional<CaptureBitmap>> clipboard;
     std::deque<double> numbers;
@@ -44,8 +42,7 @@ public:
     std::function<void()> onGrab;
     int grabs = 0;
     std::vector<std::size_t> grabbedRegions; // per grab; 0 is the whole screen
-    // The whole screen is offered in bands of this many rows, as the X11 back end does
-    // (0: not offered, as on Windows).
+    // The whole screen is offered in bands of this many rows, as on X11 (0: not offered, as on Windows).
     std::int32_t bandRows = 7;
 
     void WaitMs(std::int32_t ms) override
@@ -64,21 +61,11 @@ public:
     }
     std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect> wanted) override
     {
-        if (onGrab)
-            onGrab();
-        ++grabs;
-        grabbedRegions.push_back(wanted.size());
-        return screens.empty() ? std::nullopt : next(screens);
+        return nextScreen(wanted.size());
     }
     bool grabRows(ScreenRows& sink) override
     {
-        if (bandRows <= 0)
-            return false;
-        if (onGrab)
-            onGrab();
-        ++grabs;
-        grabbedRegions.push_back(0);
-        const std::optional<CaptureBitmap> screen = screens.empty() ? std::nullopt : next(screens);
+        const std::optional<CaptureBitmap> screen = bandRows > 0 ? nextScreen(0) : std::nullopt;
         if (!screen)
             return false;
         const auto height = static_cast<std::int32_t>(screen->rows);
@@ -164,6 +151,14 @@ private:
         if (queue.size() > 1)
             queue.pop_front();
         return value;
+    }
+    std::optional<CaptureBitmap> nextScreen(std::size_t regions)
+    {
+        if (onGrab)
+            onGrab();
+        ++grabs;
+        grabbedRegions.push_back(regions);
+        return screens.empty() ? std::nullopt : next(screens);
     }
     static bool touch(const std::filesystem::path& path)
     {

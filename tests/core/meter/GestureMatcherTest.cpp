@@ -8,97 +8,59 @@
 namespace tvx {
 namespace {
 
-// "LRL" -> press and release of left, right, left.
-std::vector<MouseButtonEvent> clicks(std::string_view buttons)
-{
-    std::vector<MouseButtonEvent> events;
-    for (const char b : buttons) {
-        const MouseButton button = b == 'L' ? MouseButton::Left : MouseButton::Right;
-        events.push_back({button, true});
-        events.push_back({button, false});
-    }
-    return events;
-}
-
-// "LdRdLuRu" -> those events.
+// "LdRu" -> those events; a letter without d or u is a click: "LR" is LdLuRdRu.
 std::vector<MouseButtonEvent> events(std::string_view letters)
 {
     std::vector<MouseButtonEvent> result;
-    for (std::size_t i = 0; i + 1 < letters.size(); i += 2)
-        result.push_back({letters[i] == 'L' ? MouseButton::Left : MouseButton::Right, letters[i + 1] == 'd'});
+    for (std::size_t i = 0; i < letters.size(); ++i) {
+        const MouseButton button = letters[i] == 'L' ? MouseButton::Left : MouseButton::Right;
+        const char next = i + 1 < letters.size() ? letters[i + 1] : ' ';
+        if (next == 'd' || next == 'u')
+            result.push_back({button, letters[++i] == 'd'});
+        else
+            result.insert(result.end(), {{button, true}, {button, false}});
+    }
     return result;
 }
 
-// Feeds one click per batch, `gapMs` apart; returns the last result.
-Gesture clickOneByOne(GestureMatcher& matcher, std::string_view buttons, std::uint32_t& nowMs, std::uint32_t gapMs = 100)
+// Batches of events fed at their tick: what the last batch made, and the text left.
+TEST(GestureMatcher, PatternsChordsPausesAndTheTextKept)
 {
-    Gesture last = Gesture::None;
-    for (const char b : buttons) {
-        last = matcher.feed(clicks(std::string(1, b)), nowMs, 500);
-        nowMs += gapMs;
-    }
-    return last;
-}
-
-TEST(GestureMatcher, WhatIsNotAGesture)
-{
-    GestureMatcher matcher;
-    std::uint32_t now = 0;
-    EXPECT_EQ(clickOneByOne(matcher, "LLLL", now), Gesture::None);
-    EXPECT_EQ(matcher.text(), "LdLuLdLuLdLuLdLu");
-    EXPECT_EQ(clickOneByOne(matcher, "LLLLLL", now), Gesture::None);
-    EXPECT_EQ(matcher.text().size(), 20u) << "the last ten events are kept";
-
-    // A pause of GestureTime or more starts over: L R, pause, L L is nothing.
-    GestureMatcher paused;
-    now = 0;
-    clickOneByOne(paused, "LR", now);
-    now += 500;
-    EXPECT_EQ(clickOneByOne(paused, "LL", now), Gesture::None);
-    EXPECT_EQ(paused.text(), "LdLuLdLu");
-
-    // Fewer than eight events: not even the double chord.
-    GestureMatcher short_;
-    EXPECT_EQ(short_.feed(events("LdRdLuRuLdRd"), 0, 500), Gesture::None);
-
-    // Events without buttons leave the text alone.
-    EXPECT_EQ(short_.feed({}, 10, 500), Gesture::None);
-    EXPECT_EQ(short_.text(), "LdRdLuRuLdRd");
-}
-
-TEST(GestureMatcher, TheDoubleChordTakesAPrintScreen)
-{
-    for (const char* text : {"LdRdLuRuLdRdLuRu", "RdLdRuLuRdLdRuLu", "LdRdRuLuRuLuLdRd"}) {
-        GestureMatcher matcher;
-        EXPECT_EQ(matcher.feed(events(text), 0, 500), Gesture::PrintScreen) << text;
-        EXPECT_EQ(matcher.text(), "");
-    }
-    GestureMatcher onlyPressedAndReleased;
-    EXPECT_EQ(onlyPressedAndReleased.feed(events("LdRdLuRuLdLuLdLu"), 0, 500), Gesture::None);
-}
-
-TEST(GestureMatcher, EachPatternClearsTheTextTheEarlierRowWinsAndTheTickMayWrap)
-{
-    const struct { const char* clicks; Gesture gesture; } table[] = {
-        {"LRLL", Gesture::Suspend},     {"LRLR", Gesture::Resume},   {"LRRL", Gesture::MoneyScanOn},
-        {"LRRR", Gesture::MoneyScanOff}, {"RLLL", Gesture::WatchOn}, {"RLLR", Gesture::WatchOff},
-        {"RRRR", Gesture::CycleReset},
-        {"LRRRR", Gesture::MoneyScanOff}, // holds both "L R R R" and "R R R R"
+    struct Feed { std::uint32_t atMs; const char* letters; };
+    const struct {
+        const char* name;
+        std::vector<Feed> feeds;
+        Gesture last;
+        const char* text;
+        std::uint32_t gestureTime = 500;
+    } cases[] = {
+        {"the last ten events are kept", {{0, "LLLL"}, {100, "LLLLLL"}}, Gesture::None, "LdLuLdLuLdLuLdLuLdLu"},
+        // A pause of GestureTime or more starts over: L R, pause, L L is nothing.
+        {"a pause", {{0, "L"}, {100, "R"}, {700, "L"}, {800, "L"}}, Gesture::None, "LdLuLdLu"},
+        {"fewer than eight events: not even the double chord", {{0, "LdRdLuRuLdRd"}}, Gesture::None, "LdRdLuRuLdRd"},
+        {"events without buttons leave the text alone", {{0, "LdRdLuRuLdRd"}, {10, ""}}, Gesture::None, "LdRdLuRuLdRd"},
+        {"the double chord", {{0, "LdRdLuRuLdRdLuRu"}}, Gesture::PrintScreen, ""},
+        {"the double chord, released in any order", {{0, "LdRdRuLuRuLuLdRd"}}, Gesture::PrintScreen, ""},
+        {"only pressed and released is no chord", {{0, "LdRdLuRuLdLuLdLu"}}, Gesture::None, "LdRdLuRuLdLuLdLu"},
+        {"suspend", {{0, "LRLL"}}, Gesture::Suspend, ""},
+        {"resume", {{0, "LRLR"}}, Gesture::Resume, ""},
+        {"money scan on", {{0, "LRRL"}}, Gesture::MoneyScanOn, ""},
+        {"money scan off", {{0, "LRRR"}}, Gesture::MoneyScanOff, ""},
+        {"watch off", {{0, "RLLR"}}, Gesture::WatchOff, ""},
+        {"cycle reset", {{0, "RRRR"}}, Gesture::CycleReset, ""},
+        {"the earlier row wins", {{0, "LRRRR"}}, Gesture::MoneyScanOff, ""}, // holds L R R R and R R R R
+        {"the tick wraps", {{0xFFFFFF00u, "R"}, {0xFFFFFF64u, "R"}, {0xFFFFFFC8u, "R"}, {44, "R"}}, Gesture::CycleReset,
+         ""},
+        {"GestureTime 0 never continues", {{0, "LR"}, {0, "LL"}}, Gesture::None, "LdLuLdLu", 0},
     };
-    for (const auto& row : table) {
+    for (const auto& c : cases) {
         GestureMatcher matcher;
-        EXPECT_EQ(matcher.feed(clicks(row.clicks), 0, 500), row.gesture) << row.clicks;
-        EXPECT_EQ(matcher.text(), "") << row.clicks;
+        Gesture last = Gesture::None;
+        for (const Feed& feed : c.feeds)
+            last = matcher.feed(events(feed.letters), feed.atMs, c.gestureTime);
+        EXPECT_EQ(last, c.last) << c.name;
+        EXPECT_EQ(matcher.text(), c.text) << c.name;
     }
-
-    GestureMatcher wrapping;
-    std::uint32_t now = 0xFFFFFF00u;
-    EXPECT_EQ(clickOneByOne(wrapping, "RRRR", now), Gesture::CycleReset) << "continues across the wrap";
-
-    GestureMatcher never;
-    now = 0;
-    EXPECT_EQ(never.feed(clicks("LR"), 0, 0), Gesture::None);
-    EXPECT_EQ(never.feed(clicks("LL"), 0, 0), Gesture::None) << "GestureTime 0 never continues";
 }
 
 } // namespace
