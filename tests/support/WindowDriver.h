@@ -65,7 +65,6 @@ public:
 
     virtual bool isOpen() = 0;
     virtual std::string title() = 0;
-    virtual bool has(const std::string& control) = 0;
     virtual std::string text(const std::string& control) = 0;
     virtual bool enabled(const std::string& control) = 0;
     virtual bool focused(const std::string& control) = 0;
@@ -74,7 +73,7 @@ public:
     virtual void click(const std::string& control) = 0;
     // Handled before the call returns: for a button that opens no window.
     virtual void clickNow(const std::string& control) = 0;
-    // Character by character, through the control's key filter.
+    // Character by character, through the control's key filter ("\b" erases).
     virtual void type(const std::string& control, const std::string& text) = 0;
     // The whole text at once, past the key filter (a paste).
     virtual void setText(const std::string& control, const std::string& text) = 0;
@@ -141,9 +140,8 @@ public:
     // The open message box with this title, answered with `button`: its text, lines
     // joined by "\n". Nothing while no such box is open.
     virtual std::optional<std::string> answerBox(const std::string& title, Button button) = 0;
-    // The options window over a configuration file, until the player closes it.
     virtual void showOptions(ConfigFile& config, const CaptureBitmap* lastCapture, const WindowServices& services) = 0;
-    // The calibration window; true when the player applied what was learnt.
+    // True when the player applied what was learnt.
     virtual bool showCalibration(Settings& settings, const CaptureBitmap* screen, const WindowServices& services) = 0;
 
     // A step: the box with this title answered, its text kept.
@@ -161,7 +159,8 @@ public:
 // Defined once by each front end's driver.
 std::unique_ptr<Desktop> makeDesktop();
 
-// The main window of a front end with its engine over the fake machine.
+// The main window of a front end with its engine over the fake machine, and the windows
+// it opens: the version window and its joke popup, the compact and the history window.
 class MainWindowHost {
 public:
     virtual ~MainWindowHost() = default;
@@ -169,16 +168,16 @@ public:
     virtual Meter& meter() = 0;
     // Runs `modal` (a menu item that opens a window) while the player's steps run.
     virtual void play(std::deque<PlayerStep> steps, const std::function<void()>& modal) = 0;
-    // The version window and the joke popup it opens.
+    // The account's labels and buttons by name ("lblStartLv", "cmdTempStop").
+    virtual WindowDriver& window() = 0;
     virtual WindowDriver& version() = 0;
     virtual WindowDriver& joke() = 0;
+    virtual WindowDriver& compact() = 0;
+    virtual WindowDriver& history() = 0;
     // The engine's part of the load: empty account, timers, auto start.
     virtual void load() = 0;
     // What the window does after the options window changed the language.
     virtual void retranslate() = 0;
-    virtual std::string title() = 0;
-    // A label or button of the account by name ("lblStartLv", "cmdTempStop").
-    virtual std::string text(const std::string& control) = 0;
     // Menu items by name ("menuRun").
     virtual std::string menuText(const std::string& item) = 0;
     virtual bool menuEnabled(const std::string& item) = 0;
@@ -186,47 +185,32 @@ public:
     // The log box's lines, each ended by "\n"; once the window is gone, the engine's.
     virtual std::string logBox() = 0;
     virtual void clickGraphLabel(GraphLabel label) = 0;
-    // A button of the account by name ("cmdTempStop").
-    virtual void click(const std::string& control) = 0;
-    // Whether a label's text fits it as the window draws it.
-    virtual bool fits(const std::string& control) = 0;
-    // As WindowDriver::clipped, for the main window and the compact window.
-    virtual std::vector<std::string> clipped() = 0;
     virtual WindowDriver::Box screen() = 0;
     // The close box; the window is gone afterwards.
     virtual void close() = 0;
 
-    // The compact window: whether it is open, its texts as drawn (state, level, then caption
-    // and value of each line), whether they are all whole, whether it stays over the game
-    // without taking the focus, its place and its opacity in percent.
-    virtual bool compactOpen() = 0;
-    virtual std::string compactTitle() = 0;
-    virtual std::vector<std::string> compactTexts() = 0;
-    // The colour of its state mark, where the front end keeps it apart from the painting.
-    virtual std::optional<std::uint32_t> compactStateColour() = 0;
-    virtual bool compactWhole() = 0;
-    virtual bool compactOverGame() = 0;
-    virtual WindowDriver::Point compactPlace() = 0;
-    virtual int compactOpacity() = 0;
+    // The compact window's texts as drawn (state, level, then caption and value of each
+    // line), whether they are all whole, whether it stays over the game without taking the
+    // focus, its opacity in percent, and the colour of its state mark where the front end
+    // keeps it apart from the painting.
+    struct CompactShown {
+        std::vector<std::string> texts;
+        bool whole = false;
+        bool overGame = false;
+        int opacity = 0;
+        std::optional<std::uint32_t> stateColour;
+    };
+    virtual CompactShown compactShown() = 0;
     // The player drags it by this much, or chooses an opacity from its menu (0: closes it by
     // its own close button).
     virtual void dragCompact(int dx, int dy) = 0;
     virtual void compactMenu(int opacity) = 0;
-    // With TALLIVEX_SHOT_DIR set, its picture as NAME.bmp there.
-    virtual void shootCompact(const std::string& name) = 0;
 
-    // The history window: its title, each page's table with its header row first, whether
-    // every column is wide enough for its texts, and whether it can export.
-    struct HistoryShown {
-        std::string title;
-        std::vector<std::vector<std::vector<std::string>>> pages;
-        bool columnsWhole = false;
-        bool exportEnabled = false;
-    };
-    virtual HistoryShown history() = 0;
+    // The history window's pages, each a table with its header row first, and whether every
+    // column is wide enough for its texts.
+    virtual std::vector<std::vector<std::vector<std::string>>> historyPages(bool* columnsWhole) = 0;
     // Exports where the player chooses; the name proposed to the player, where the front end proposes one.
     virtual std::optional<std::string> exportHistory(const std::filesystem::path& to) = 0;
-    virtual void shootHistory(const std::string& name) = 0;
 };
 
 std::unique_ptr<MainWindowHost> makeMainWindowHost(Settings& settings, DebugLog& log, FakeMachine& machine);

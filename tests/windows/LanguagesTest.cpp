@@ -89,8 +89,9 @@ TEST_P(LanguagesTest, TheMainWindowAndTheCompactWindowFitWithASessionRunning)
         machine.screens = {gameCapture(numbers)};
         host->meter().cycle().runCycle();
     }
-    EXPECT_EQ(host->clipped(), std::vector<std::string>{});
-    EXPECT_TRUE(host->compactWhole());
+    EXPECT_EQ(host->window().clipped(), std::vector<std::string>{});
+    EXPECT_EQ(host->compact().clipped(), std::vector<std::string>{});
+    EXPECT_TRUE(host->compactShown().whole);
     host->close();
 }
 

@@ -74,19 +74,19 @@ TEST_F(LiveWindowsTest, TheLiveLinesAndTheCompactWindowDrawTheLiveViewWholeAndFo
     settings.StallMinutes = 1;
     settings.CompactShown = true; // open when the meter last closed: it opens before the session starts
     host->load();
-    ASSERT_TRUE(host->compactOpen());
-    EXPECT_EQ(host->compactTitle(), kCompactTitle);
-    EXPECT_TRUE(host->compactOverGame());
+    ASSERT_TRUE(host->compact().isOpen());
+    EXPECT_EQ(host->compact().title(), kCompactTitle);
+    WindowDriver& window = host->window();
     const auto expectShown = [&](const char* when) {
         const LiveView view = meterLiveView(host->meter());
-        EXPECT_EQ(host->text("lblLiveRates"), view.rates) << when;
-        EXPECT_EQ(host->text("lblLiveOutlook"), view.outlook) << when;
-        EXPECT_TRUE(host->fits("lblLiveRates") && host->fits("lblLiveOutlook")) << when;
-        EXPECT_EQ(host->compactTexts(), compactTexts(view)) << when;
-        EXPECT_TRUE(host->compactWhole()) << when;
-        if (const auto colour = host->compactStateColour()) {
-            EXPECT_EQ(*colour, view.stateColour) << when;
-        }
+        EXPECT_EQ(window.text("lblLiveRates"), view.rates) << when;
+        EXPECT_EQ(window.text("lblLiveOutlook"), view.outlook) << when;
+        EXPECT_TRUE(window.fits("lblLiveRates") && window.fits("lblLiveOutlook")) << when;
+        const MainWindowHost::CompactShown compact = host->compactShown();
+        // Whole, and over the game without taking the focus.
+        EXPECT_EQ(std::tuple(compact.texts, compact.whole, compact.overGame), std::tuple(compactTexts(view), true, true))
+            << when;
+        EXPECT_EQ(compact.stateColour.value_or(view.stateColour), view.stateColour) << when;
         return view;
     };
     EXPECT_EQ(expectShown("waiting").stateText, "待機中");
@@ -97,21 +97,21 @@ TEST_F(LiveWindowsTest, TheLiveLinesAndTheCompactWindowDrawTheLiveViewWholeAndFo
     EXPECT_EQ(reading.stateText, "読み取り中");
     EXPECT_NE(reading.rates.find("15,000k/h"), std::string::npos) << reading.rates; // 2.5 million in 10 minutes
     EXPECT_EQ(reading.compact.size(), 4u) << "the money line too";
-    host->shootCompact("compact-reading");
+    host->compact().shoot("compact-reading");
 
     // A reading without a gain after the stall minutes.
     readAfter(61, {"180", "2501000", "9000"});
     const LiveView stalled = expectShown("stalled");
     EXPECT_EQ(stalled.stateText, "停滞：経験値が増えません");
     EXPECT_EQ(stalled.stateColour, 0xD02020u) << "red";
-    host->shootCompact("compact-stall");
+    host->compact().shoot("compact-stall");
 
     // About a million k/h of each still fits the live lines and the compact window.
     readAfter(600, {"180", "166001000", "16667666666"});
     const LiveView high = expectShown("high rates");
     EXPECT_NE(high.rates.find("10分 981,"), std::string::npos) << high.rates;
 
-    host->click("cmdTempStop");
+    window.clickNow("cmdTempStop");
     EXPECT_EQ(expectShown("suspended").stateText, "一時停止中");
     host->choose("menuStop");
     EXPECT_EQ(expectShown("stopped").stateText, "停止中");
@@ -122,50 +122,46 @@ TEST_F(LiveWindowsTest, TheCompactWindowKeepsItsPlaceOpacityAndOpennessInTheSett
     settings.AutoStart = false;
     host->load();
     host->choose("menuCompact");
-    ASSERT_TRUE(host->compactOpen());
+    ASSERT_TRUE(host->compact().isOpen());
     EXPECT_TRUE(saved().CompactShown);
     EXPECT_EQ(saved().CompactX, kUnplaced) << "not moved yet";
-    EXPECT_EQ(host->compactOpacity(), 90) << "the default";
-
-    const WindowDriver::Point first = host->compactPlace();
-    EXPECT_EQ(first.x, host->screen().width - kCompactWidth - 16) << "the top right corner at first";
-    EXPECT_EQ(first.y, 16);
+    EXPECT_EQ(host->compactShown().opacity, 90) << "the default";
+    const auto place = [&] { return std::pair(host->compact().frame().left, host->compact().frame().top); };
+    const auto [x, y] = place();
+    EXPECT_EQ(std::pair(x, y), std::pair(host->screen().width - kCompactWidth - 16, 16)) << "the top right corner";
     host->dragCompact(-300, 200);
-    const WindowDriver::Point placed = host->compactPlace();
-    EXPECT_EQ(placed.x, first.x - 300);
-    EXPECT_EQ(placed.y, first.y + 200);
+    const std::pair placed(x - 300, y + 200);
+    EXPECT_EQ(place(), placed);
     host->compactMenu(60);
-    EXPECT_EQ(host->compactOpacity(), 60);
+    EXPECT_EQ(host->compactShown().opacity, 60);
     Settings file = saved();
     EXPECT_EQ(std::tuple(file.CompactX, file.CompactY, file.CompactOpacity, file.CompactShown),
-              std::tuple(placed.x, placed.y, 60, true));
+              std::tuple(placed.first, placed.second, 60, true));
 
     // Closed by itself or from the main window's menu, and opened again: where it was left.
     host->compactMenu(0);
-    EXPECT_FALSE(host->compactOpen());
+    EXPECT_FALSE(host->compact().isOpen());
     EXPECT_FALSE(saved().CompactShown);
     host->choose("menuCompact");
     host->choose("menuCompact");
-    EXPECT_FALSE(host->compactOpen()) << "the menu closes it too";
+    EXPECT_FALSE(host->compact().isOpen()) << "the menu closes it too";
     host->choose("menuCompact");
-    ASSERT_TRUE(host->compactOpen());
-    EXPECT_EQ(host->compactPlace().x, placed.x);
-    EXPECT_EQ(host->compactPlace().y, placed.y);
+    ASSERT_TRUE(host->compact().isOpen());
+    EXPECT_EQ(place(), placed);
     EXPECT_TRUE(saved().CompactShown);
 
     // Open when the meter closes: it stays open in the file, and the next start opens it
     // where it was left, as it was.
     host->close();
-    EXPECT_FALSE(host->compactOpen());
+    EXPECT_FALSE(host->compact().isOpen());
     Settings next = saved();
     ASSERT_TRUE(next.CompactShown);
     host.reset();
     host = makeMainWindowHost(next, log, machine);
     host->load();
-    ASSERT_TRUE(host->compactOpen());
-    EXPECT_EQ(host->compactPlace().x, placed.x);
-    EXPECT_EQ(host->compactPlace().y, placed.y);
-    EXPECT_EQ(host->compactOpacity(), 60);
+    ASSERT_TRUE(host->compact().isOpen());
+    EXPECT_EQ(place(), placed);
+    EXPECT_EQ(host->compactShown().opacity, 60);
     EXPECT_EQ(machine.count("message "), 0u);
 }
 
@@ -191,21 +187,22 @@ TEST_F(LiveWindowsTest, TheHistoryWindowListsTheSessionsNewestFirstExportsThemAn
     const std::vector<HistoryRow> rows = loadHistory(history);
     host->load();
     host->choose("menuHistory");
-    const MainWindowHost::HistoryShown shown = host->history();
-    EXPECT_EQ(shown.title, kHistoryTitle);
+    bool whole = false;
+    const auto pages = host->historyPages(&whole);
+    EXPECT_EQ(host->history().title(), kHistoryTitle);
     const HistoryTable tables[] = {historySessions(rows), historyDays(rows), historyWeeks(rows)};
-    ASSERT_EQ(shown.pages.size(), std::size(tables));
-    for (std::size_t page = 0; page < shown.pages.size(); ++page) {
-        ASSERT_FALSE(shown.pages[page].empty()) << page;
-        EXPECT_EQ(shown.pages[page].front(), tables[page].headers) << page;
-        EXPECT_EQ(std::vector(shown.pages[page].begin() + 1, shown.pages[page].end()), tables[page].rows) << page;
+    ASSERT_EQ(pages.size(), std::size(tables));
+    for (std::size_t page = 0; page < pages.size(); ++page) {
+        std::vector<std::vector<std::string>> table{tables[page].headers};
+        table.insert(table.end(), tables[page].rows.begin(), tables[page].rows.end());
+        EXPECT_EQ(pages[page], table) << page;
     }
-    EXPECT_EQ(shown.pages[0][1][0], "2025/06/09 21:00:00") << "newest first";
-    EXPECT_EQ(shown.pages[0][1][5], "1,111,111,101");
-    EXPECT_EQ(shown.pages[2].size(), 3u) << "2 and 3 June share a week";
-    EXPECT_TRUE(shown.columnsWhole);
-    EXPECT_TRUE(shown.exportEnabled);
-    host->shootHistory("history");
+    EXPECT_EQ(pages[0][1][0], "2025/06/09 21:00:00") << "newest first";
+    EXPECT_EQ(pages[0][1][5], "1,111,111,101");
+    EXPECT_EQ(pages[2].size(), 3u) << "2 and 3 June share a week";
+    EXPECT_TRUE(whole);
+    EXPECT_TRUE(host->history().enabled("cmdExport"));
+    host->history().shoot("history");
 
     // Where the player chooses, the sessions as the core writes them; neither the history
     // file itself nor a folder that is not there takes it, and the player is told.
@@ -232,10 +229,10 @@ TEST_F(LiveWindowsTest, TheHistoryWindowListsTheSessionsNewestFirstExportsThemAn
     host->choose("menuHistory");
     ASSERT_EQ(machine.count("message "), 1u);
     EXPECT_NE(machine.events.back().find(pathUtf8(history)), std::string::npos) << machine.events.back();
-    const MainWindowHost::HistoryShown empty = host->history();
-    for (const auto& page : empty.pages)
+    ASSERT_TRUE(host->history().isOpen());
+    for (const auto& page : host->historyPages(&whole))
         EXPECT_EQ(page.size(), 1u) << "the header alone";
-    EXPECT_FALSE(empty.exportEnabled);
+    EXPECT_FALSE(host->history().enabled("cmdExport"));
     EXPECT_EQ(readAll(history), damaged);
 }
 

@@ -35,35 +35,34 @@ protected:
     std::unique_ptr<MainWindowHost> host = makeMainWindowHost(settings, log, machine);
 };
 
-TEST_F(MainWindowTest, MenusCarryTheirCaptionsAndRunWaitsForTheLoad)
+// Every menu item keeps the core's caption, Run the session's, through a relabelling after a
+// change of language too; Run waits for the load.
+TEST_F(MainWindowTest, MenusKeepTheirCaptionsAndFollowTheSessionFromTheLoadToTheClose)
 {
-    EXPECT_EQ(host->title(), "Tallivex  for MapleStory    Ver.2.20");
-    // Every item of the core's menu, as the core captions it.
-    for (int command = 0; command <= static_cast<int>(MenuCommand::Version); ++command) {
-        const MenuItem& item = menuItem(static_cast<MenuCommand>(command));
-        EXPECT_EQ(host->menuText(std::string(item.name)), item.text()) << item.name;
-    }
-    EXPECT_FALSE(host->menuEnabled("menuRun"));
-    EXPECT_FALSE(host->menuEnabled("menuStop"));
-    EXPECT_EQ(host->text("cmdTempStop"), "一時停止");
-}
-
-TEST_F(MainWindowTest, AutoStartRunsTheSessionUntilStopAndTheCloseEndsIt)
-{
+    const auto expectMenus = [&](const char* when, std::string_view run, bool runEnabled, bool stopEnabled) {
+        for (int command = 0; command <= static_cast<int>(MenuCommand::Version); ++command) {
+            const MenuItem& item = menuItem(static_cast<MenuCommand>(command));
+            EXPECT_EQ(host->menuText(std::string(item.name)), item.command == MenuCommand::Run ? run : item.text())
+                << when << " " << item.name;
+        }
+        EXPECT_EQ(std::pair(host->menuEnabled("menuRun"), host->menuEnabled("menuStop")),
+                  std::pair(runEnabled, stopEnabled)) << when;
+        EXPECT_EQ(host->window().text("cmdTempStop"), "一時停止") << when;
+    };
+    EXPECT_EQ(host->window().title(), "Tallivex  for MapleStory    Ver.2.20");
+    expectMenus("before the load", menuItem(MenuCommand::Run).text(), false, false);
     machine.screens = {gameCapture({"50", "1000", "0"})};
     host->load();
-    EXPECT_FALSE(host->menuEnabled("menuRun"));
-    EXPECT_EQ(host->menuText("menuRun"), "ロギング");
-    EXPECT_TRUE(host->menuEnabled("menuStop"));
+    expectMenus("auto start", "ロギング", false, true);
     EXPECT_TRUE(host->logBox().starts_with(" 月日 時刻")) << host->logBox();
+    host->retranslate();
+    expectMenus("relabelled", "ロギング", false, true);
 
     host->meter().cycle().runCycle();
-    EXPECT_EQ(host->text("lblStartLv"), "50");
-    EXPECT_EQ(host->text("lblStartExpPS"), "0.14％");
-
+    EXPECT_EQ(host->window().text("lblStartLv"), "50");
+    EXPECT_EQ(host->window().text("lblStartExpPS"), "0.14％");
     host->choose("menuStop");
-    EXPECT_TRUE(host->menuEnabled("menuRun"));
-    EXPECT_EQ(host->menuText("menuRun"), "開始");
+    expectMenus("stopped", "開始", true, false);
     EXPECT_NE(host->logBox().find("    開始  Lv:  50"), std::string::npos) << host->logBox();
     host->choose("menuOperatingInfo");
     EXPECT_NE(debugLog().find("Click : Operating Information "), std::string::npos);
@@ -71,30 +70,6 @@ TEST_F(MainWindowTest, AutoStartRunsTheSessionUntilStopAndTheCloseEndsIt)
     host->close();
     EXPECT_TRUE(host->logBox().ends_with("        終了しています・・・\n")) << host->logBox();
     EXPECT_NE(debugLog().find("Closing Program ･･･ "), std::string::npos);
-}
-
-// Relabelling after a change of language sets the captions again and keeps what the engine
-// set: the running session's run caption, the enabled states, working menus.
-TEST_F(MainWindowTest, RelabellingKeepsTheEngineStateOfTheMenus)
-{
-    machine.screens = {gameCapture({"50", "1000", "0"})};
-    host->load();
-    host->retranslate();
-    for (int command = 0; command <= static_cast<int>(MenuCommand::Version); ++command) {
-        const MenuItem& item = menuItem(static_cast<MenuCommand>(command));
-        if (item.command != MenuCommand::Run) {
-            EXPECT_EQ(host->menuText(std::string(item.name)), item.text()) << item.name;
-        }
-    }
-    EXPECT_EQ(host->menuText("menuRun"), "ロギング");
-    EXPECT_FALSE(host->menuEnabled("menuRun"));
-    EXPECT_TRUE(host->menuEnabled("menuStop"));
-    EXPECT_EQ(host->text("cmdTempStop"), "一時停止");
-    host->choose("menuOperatingInfo");
-    EXPECT_NE(debugLog().find("Click : Operating Information "), std::string::npos);
-    host->choose("menuStop");
-    EXPECT_EQ(host->menuText("menuRun"), "開始");
-    EXPECT_TRUE(host->menuEnabled("menuRun"));
 }
 
 TEST_F(MainWindowTest, GraphLabelClicksReachTheViewAndTheLog)
