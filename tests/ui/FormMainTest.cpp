@@ -1,4 +1,5 @@
 #include "FormCompact.h"
+#include "FormDirectX.h"
 #include "FormMain.h"
 #include "GraphFrame.h"
 #include "GraphPicture.h"
@@ -22,7 +23,6 @@
 #include <QFrame>
 #include <QPushButton>
 #include <QLabel>
-#include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QTimer>
 #include <QApplication>
@@ -36,6 +36,28 @@
 namespace tvx {
 namespace {
 
+// Button events as a test script gives them; start can be made to fail.
+class ScriptedMouse : public MouseButtonSource {
+public:
+    StartResult result = StartResult::Started;
+    Handler handler;
+    int stops = 0;
+
+    StartResult start(Handler onBatch) override
+    {
+        if (result == StartResult::Started)
+            handler = std::move(onBatch);
+        return result;
+    }
+    void stop() override
+    {
+        ++stops;
+        handler = nullptr;
+    }
+    void click(MouseButton button) { handler({{button, true}, {button, false}}); }
+};
+
+// What only the Qt main window has; the rest is tests/windows/MainWindowTest.cpp.
 class FormMainTest : public testing::Test {
 protected:
     FormMainTest()
@@ -43,6 +65,8 @@ protected:
         settings.SaveFolder = pathUtf8(temp.path());
         settings.StartDelay = 0;
         window.attach(meter);
+        window.setConfigFile(&config, {});
+        window.setGestureSource(&mouse, &prompter);
     }
 
     // Loaded and shown at the size the window opens with.
@@ -58,18 +82,21 @@ protected:
     {
         return window.findChild<QLabel*>(QString::fromLatin1(name))->text();
     }
+    std::string debugText() const { return test::readAll(log.path()); }
 
     test::TempFolder temp;
     test::FakeMachine machine;
     test::MarkingCodec codec;
+    test::ScriptedPrompter prompter;
+    ScriptedMouse mouse;
     Settings settings = defaultSettings("");
     DebugLog log{temp.path(), machine.clock};
+    ConfigFile config{settings, temp.path(), prompter, codec, &log};
     ui::FormMain window{programTitle("MapleStory"), log, temp.path()};
     MeterPorts ports{machine.clock, machine, machine, machine, machine, machine, machine, window};
     Meter meter{settings, ports, log};
 };
 
-// What only the Qt main window has; the rest is tests/windows/MainWindowTest.cpp.
 TEST_F(FormMainTest, TheCaptureTimerRunsWhileTheSessionDoes)
 {
     machine.screens = {test::gameCapture({"50", "1000", "0"})};
@@ -80,49 +107,10 @@ TEST_F(FormMainTest, TheCaptureTimerRunsWhileTheSessionDoes)
     EXPECT_FALSE(timer->isActive());
 }
 
-TEST_F(FormMainTest, TheOptionsSwitchDebugModeAndTheLevelWatchAtOnce)
+// The options apply without a restart: the debug switch shows the debug area and its
+// recognition works, the level watch starts, and the graph reshapes the window.
+TEST_F(FormMainTest, TheOptionsSwitchDebugModeTheLevelWatchAndTheGraphAtOnce)
 {
-    test::ScriptedPrompter prompter;
-    ConfigFile config(settings, temp.path(), prompter, codec, &log);
-    window.setConfigFile(&config, {});
-    settings.AutoStart = false;
-    window.FormMain_Load();
-    window.show();
-    window.action("menuOption")->trigger();
-    auto* options = window.findChild<ui::FormOption*>();
-    ASSERT_NE(options, nullptr);
-    auto* debugMode = options->findChild<QCheckBox*>(QStringLiteral("chkDebugMode"));
-    auto* frmDebug = window.findChild<QFrame*>(QStringLiteral("frmDebug"));
-    ASSERT_TRUE(debugMode && frmDebug);
-    EXPECT_FALSE(frmDebug->isVisible());
-
-    debugMode->click();
-    EXPECT_TRUE(meter.state().DebugMode);
-    EXPECT_TRUE(frmDebug->isVisible());
-    machine.screens = {test::gameCapture({"50", "1000", "0"})};
-    meter.cycle().GetPictForClip(-1);
-    window.findChild<QPushButton*>(QStringLiteral("cmdRecognize"))->click();
-    EXPECT_TRUE(labelText("lblElapse").endsWith(QStringLiteral("秒")));
-    EXPECT_EQ(labelText("lblCapture0"), QStringLiteral("50"));
-    const std::string debug = test::readAll(log.path());
-    EXPECT_NE(debug.find("Change DebugMode ･･･ End "), std::string::npos);
-    EXPECT_NE(debug.find("Single Recognize("), std::string::npos);
-
-    auto* timDoHL = window.findChild<QTimer*>(QStringLiteral("timDoHLInterval"));
-    EXPECT_FALSE(timDoHL->isActive());
-    options->findChild<QCheckBox*>(QStringLiteral("chkDoHLCheckExec"))->click();
-    EXPECT_TRUE(timDoHL->isActive()) << "no restart needed";
-
-    debugMode->click();
-    EXPECT_FALSE(frmDebug->isVisible());
-    window.close();
-}
-
-TEST_F(FormMainTest, SwitchingTheGraphReshapesTheWindowAtOnce)
-{
-    test::ScriptedPrompter prompter;
-    ConfigFile config(settings, temp.path(), prompter, codec, &log);
-    window.setConfigFile(&config, {});
     settings.AutoStart = false;
     settings.Graph = false;
     loadAndShow();
@@ -131,19 +119,40 @@ TEST_F(FormMainTest, SwitchingTheGraphReshapesTheWindowAtOnce)
     EXPECT_EQ(window.width(), kPanelClientWidth) << "without the graph, the panel's width only";
     EXPECT_FALSE(frmGraph->isVisible());
     EXPECT_EQ(meter.state().graph, nullptr);
-
     window.action("menuOption")->trigger();
-    auto* graph = window.findChild<ui::FormOption*>()->findChild<QCheckBox*>(QStringLiteral("chkGraph"));
-    ASSERT_NE(graph, nullptr);
-    graph->click();
+    auto* options = window.findChild<ui::FormOption*>();
+    ASSERT_NE(options, nullptr);
+    const auto box = [options](const char* name) { return options->findChild<QCheckBox*>(QLatin1String(name)); };
+    auto* frmDebug = window.findChild<QFrame*>(QStringLiteral("frmDebug"));
+    ASSERT_TRUE(box("chkDebugMode") && box("chkGraph") && frmDebug);
+    EXPECT_FALSE(frmDebug->isVisible());
+
+    box("chkDebugMode")->click();
+    EXPECT_TRUE(meter.state().DebugMode);
+    EXPECT_TRUE(frmDebug->isVisible());
+    machine.screens = {test::gameCapture({"50", "1000", "0"})};
+    meter.cycle().GetPictForClip(-1);
+    window.findChild<QPushButton*>(QStringLiteral("cmdRecognize"))->click();
+    EXPECT_TRUE(labelText("lblElapse").endsWith(QStringLiteral("秒")));
+    EXPECT_EQ(labelText("lblCapture0"), QStringLiteral("50"));
+    EXPECT_NE(debugText().find("Change DebugMode ･･･ End "), std::string::npos);
+    EXPECT_NE(debugText().find("Single Recognize("), std::string::npos);
+    box("chkDebugMode")->click();
+    EXPECT_FALSE(frmDebug->isVisible());
+
+    auto* timDoHL = window.findChild<QTimer*>(QStringLiteral("timDoHLInterval"));
+    EXPECT_FALSE(timDoHL->isActive());
+    box("chkDoHLCheckExec")->click();
+    EXPECT_TRUE(timDoHL->isActive());
+
+    box("chkGraph")->click();
     QTest::qWait(20);
     EXPECT_TRUE(settings.Graph);
     EXPECT_TRUE(frmGraph->isVisible()) << "no resize needed";
     EXPECT_GE(window.width(), kMinGraphClientWidth);
     ASSERT_NE(meter.state().graph, nullptr) << "a graph switched on after the start gets its buffer";
     EXPECT_GT(frmGraph->picGraph()->width(), 0);
-
-    graph->click();
+    box("chkGraph")->click();
     QTest::qWait(20);
     EXPECT_FALSE(frmGraph->isVisible());
     EXPECT_EQ(window.width(), kPanelClientWidth);
@@ -156,9 +165,9 @@ TEST_F(FormMainTest, ABackgroundClickRefreshesTheWindow)
     loadAndShow();
     auto* frmGraph = window.findChild<ui::GraphFrame*>();
     QTest::mouseClick(frmGraph, Qt::LeftButton, {}, QPoint(frmGraph->width() - 2, 2));
-    EXPECT_EQ(test::readAll(log.path()).find("Click : Window Refresh "), std::string::npos) << "the graph's own";
+    EXPECT_EQ(debugText().find("Click : Window Refresh "), std::string::npos) << "the graph's own";
     QTest::mouseClick(window.centralWidget(), Qt::LeftButton, {}, QPoint(4, window.centralWidget()->height() - 3));
-    EXPECT_NE(test::readAll(log.path()).find("Click : Window Refresh "), std::string::npos);
+    EXPECT_NE(debugText().find("Click : Window Refresh "), std::string::npos);
     window.close();
 }
 
@@ -179,7 +188,7 @@ TEST_F(FormMainTest, TheVersionWindowNamesTheVersionOnce)
     window.action("menuVersion")->trigger();
     EXPECT_EQ(shown, QStringLiteral("Tallivex  for MapleStory|バージョン Ver.2.20|"));
     EXPECT_TRUE(isDefault);
-    EXPECT_NE(test::readAll(log.path()).find("Click : VersionInformation "), std::string::npos);
+    EXPECT_NE(debugText().find("Click : VersionInformation "), std::string::npos);
 }
 
 
@@ -211,6 +220,49 @@ TEST_F(FormMainTest, TheLogEditorFollowsTheBoxLineForLine)
         box.write("line " + std::to_string(i) + "\r\n");
     check("past the line limit");
     EXPECT_TRUE(window.txtLog()->toPlainText().startsWith(QStringLiteral("line 88\n"))) << "the oldest lines went";
+}
+
+TEST_F(FormMainTest, GesturesLoadWithTheWindowAndReachTheMeterUntilTheClose)
+{
+    settings.Gesture = true;
+    window.FormMain_Load();
+    ASSERT_TRUE(window.formDirectX() && window.formDirectX()->loaded());
+    EXPECT_NE(debugText().find("DirectX Loding ･･･ "), std::string::npos);
+    EXPECT_NE(debugText().find("Mouse Events Acquire ･･･ Successfull "), std::string::npos);
+
+    for (MouseButton b : {MouseButton::Right, MouseButton::Left, MouseButton::Left, MouseButton::Left})
+        mouse.click(b);
+    EXPECT_TRUE(settings.DoHLCheckExec);
+    EXPECT_NE(meter.logBox().text().find("マウスジェスチャ：自動撮影 監視開始"), std::string::npos);
+
+    window.close();
+    EXPECT_EQ(mouse.stops, 1);
+    const std::string text = debugText();
+    EXPECT_LT(text.find("Mouse Events UnAcquire "), text.find("DirectX UnLoding ･･･ End "));
+}
+
+TEST_F(FormMainTest, AMouseThatCannotBeOpenedIsReportedAndGesturesStayOff)
+{
+    const struct { MouseButtonSource::StartResult result; const char* logLine; const char* message; } cases[] = {
+        {MouseButtonSource::StartResult::NoInputSystem, "It was mistake to Create DirectInput Object ",
+         "DirectInputオブジェクトが生成できません。"},
+        {MouseButtonSource::StartResult::NoMouseDevice, "It was mistake to Create DirectInputDevice Object ",
+         "Mouse用DirectInputDeviceオブジェクトが生成できません。"},
+    };
+    for (const auto& c : cases) {
+        settings.Gesture = true;
+        prompter.shown.clear();
+        mouse.result = c.result;
+        ui::FormDirectX form(meter, mouse, log, prompter);
+        EXPECT_FALSE(form.Form_Load());
+        EXPECT_FALSE(form.loaded());
+        EXPECT_NE(debugText().find(c.logLine), std::string::npos);
+        ASSERT_EQ(prompter.shown.size(), 1u);
+        EXPECT_EQ(prompter.shown[0].text, c.message);
+    }
+    mouse.result = MouseButtonSource::StartResult::NoMouseDevice;
+    window.FormMain_Load();
+    EXPECT_FALSE(settings.Gesture);
 }
 
 // The compact window paints its state mark and its close cross itself: the mark in the

@@ -1,4 +1,3 @@
-#include "FormDirectX.h"
 #include "base/Utf8Path.h"
 #include "FormMain.h"
 #include "StartGuard.h"
@@ -90,96 +89,6 @@ TEST(StartUp, TheDebugLogTellsTheRunInOrder)
     }
     EXPECT_EQ(text.find("System File of present.so"), std::string::npos);
     EXPECT_EQ(machine.events, std::vector<std::string>{"wait 500"}) << "half a second of events before the end";
-}
-
-// Button events as a test script gives them; start can be made to fail.
-class ScriptedMouse : public MouseButtonSource {
-public:
-    StartResult result = StartResult::Started;
-    Handler handler;
-    int stops = 0;
-
-    StartResult start(Handler onBatch) override
-    {
-        if (result == StartResult::Started)
-            handler = std::move(onBatch);
-        return result;
-    }
-    void stop() override
-    {
-        ++stops;
-        handler = nullptr;
-    }
-    void click(MouseButton button)
-    {
-        handler({{button, true}, {button, false}});
-    }
-};
-
-class GestureWindowTest : public testing::Test {
-protected:
-    GestureWindowTest()
-    {
-        settings.SaveFolder = pathUtf8(temp.path());
-        settings.StartDelay = 0;
-        settings.Gesture = true;
-        window.attach(meter);
-        window.setGestureSource(&mouse, &prompter);
-    }
-
-    std::string debugText() { return test::readAll(log.path()); }
-
-    test::TempFolder temp;
-    test::FakeMachine machine;
-    test::ScriptedPrompter prompter;
-    ScriptedMouse mouse;
-    Settings settings = defaultSettings("");
-    DebugLog log{temp.path(), machine.clock};
-    ui::FormMain window{programTitle("MapleStory"), log, temp.path()};
-    MeterPorts ports{machine.clock, machine, machine, machine, machine, machine, machine, window};
-    Meter meter{settings, ports, log};
-};
-
-TEST_F(GestureWindowTest, LoadedWithTheWindowItPassesClicksToTheMeterUntilTheClose)
-{
-    window.FormMain_Load();
-    ASSERT_TRUE(window.formDirectX() && window.formDirectX()->loaded());
-    EXPECT_NE(debugText().find("DirectX Loding ･･･ "), std::string::npos);
-    EXPECT_NE(debugText().find("Mouse Events Acquire ･･･ Successfull "), std::string::npos);
-
-    for (MouseButton b : {MouseButton::Right, MouseButton::Left, MouseButton::Left, MouseButton::Left})
-        mouse.click(b);
-    EXPECT_TRUE(settings.DoHLCheckExec);
-    EXPECT_NE(meter.logBox().text().find("マウスジェスチャ：自動撮影 監視開始"), std::string::npos);
-
-    window.close();
-    EXPECT_EQ(mouse.stops, 1);
-    const std::string text = debugText();
-    EXPECT_LT(text.find("Mouse Events UnAcquire "), text.find("DirectX UnLoding ･･･ End "));
-}
-
-TEST_F(GestureWindowTest, AMouseThatCannotBeOpenedIsReportedAndGesturesStayOff)
-{
-    const struct { MouseButtonSource::StartResult result; const char* logLine; const char* message; } cases[] = {
-        {MouseButtonSource::StartResult::NoInputSystem, "It was mistake to Create DirectInput Object ",
-         "DirectInputオブジェクトが生成できません。"},
-        {MouseButtonSource::StartResult::NoMouseDevice, "It was mistake to Create DirectInputDevice Object ",
-         "Mouse用DirectInputDeviceオブジェクトが生成できません。"},
-    };
-    for (const auto& c : cases) {
-        settings.Gesture = true;
-        prompter.shown.clear();
-        mouse.result = c.result;
-        ui::FormDirectX form(meter, mouse, log, prompter);
-        EXPECT_FALSE(form.Form_Load());
-        EXPECT_FALSE(form.loaded());
-        EXPECT_NE(debugText().find(c.logLine), std::string::npos);
-        ASSERT_EQ(prompter.shown.size(), 1u);
-        EXPECT_EQ(prompter.shown[0].text, c.message);
-    }
-    mouse.result = MouseButtonSource::StartResult::NoMouseDevice;
-    window.FormMain_Load();
-    EXPECT_FALSE(settings.Gesture);
 }
 
 } // namespace
