@@ -28,9 +28,11 @@ namespace tvx::test {
 
 class FakeMachine;
 
-// A player's step while a window runs its own modal loop: true once done, false to be
-// tried again on the next tick (what it waits for is not there yet).
+// A player's step while a window runs its own loop: false to be tried again on the next tick.
 using PlayerStep = std::function<bool()>;
+
+// Runs `modal` (which opens a window) while the steps run; all of them must have run by its end.
+void play(std::deque<PlayerStep> steps, const std::function<void()>& modal);
 
 // A step that is done at once.
 inline PlayerStep act(std::function<void()> action)
@@ -54,11 +56,7 @@ public:
         int height = 0;
         int centreX() const { return left + width / 2; }
         int centreY() const { return top + height / 2; }
-        bool contains(const Box& inner) const
-        {
-            return inner.left >= left && inner.top >= top && inner.left + inner.width <= left + width &&
-                   inner.top + inner.height <= top + height;
-        }
+        bool contains(Point p) const { return p.x >= left && p.y >= top && p.x < left + width && p.y < top + height; }
     };
 
     virtual ~WindowDriver() = default;
@@ -83,23 +81,18 @@ public:
     virtual void key(const std::string& control, Key key) = 0;
     // An item of a list, or a page of tabs.
     virtual void choose(const std::string& control, int index) = 0;
-    // A glyph view's columns (a template, a region's binarised columns), and a click on
-    // one of its pixels.
+    // A glyph view's columns, and a click on one of its pixels.
     virtual std::vector<std::uint16_t> glyph(const std::string& control) = 0;
     virtual void clickCell(const std::string& control, int column, int row) = 0;
-    // A press at `from`, a move halfway and a release at `to`, in the control's own
-    // pixels as if it were not scrolled.
+    // A press, a move halfway and a release, in the control's pixels as if it were not scrolled.
     virtual void drag(const std::string& control, Point from, Point to) = 0;
     // What the screen shows of a control, or of the whole window for "".
     virtual Frame picture(const std::string& control) = 0;
-    // The window's frame on the screen.
     virtual Box frame() = 0;
-    // The close box.
     virtual void close() = 0;
     // Whether a label's or a button's text fits it as the window draws it.
     virtual bool fits(const std::string& control) = 0;
-    // The texts of the shown labels, buttons, check boxes, group titles, tabs and list items
-    // that do not fit their control as the window draws them.
+    // The texts of the shown controls (list items and tabs too) that do not fit them as drawn.
     virtual std::vector<std::string> clipped() = 0;
 
     // With TALLIVEX_SHOT_DIR set, the window's picture as NAME.bmp there (for the README).
@@ -110,8 +103,7 @@ public:
     }
 };
 
-// What a window may use besides its settings; without a screen and a waiter its capture
-// buttons are disabled.
+// Without a screen and a waiter a window's capture buttons are disabled.
 struct WindowServices {
     ScreenSource* screen = nullptr;
     Waiter* waiter = nullptr;
@@ -121,8 +113,7 @@ struct WindowServices {
     std::function<void()> settingsChanged;
 };
 
-// The windows a front end opens modally over a visible owner window: the prompter's
-// message boxes and number dialog, the options window and the calibration window.
+// The windows a front end opens modally over a visible owner window.
 class Desktop {
 public:
     enum class Button { Ok, Cancel, Yes, No };
@@ -130,15 +121,12 @@ public:
     virtual ~Desktop() = default;
 
     virtual Prompter& prompter() = 0;
-    // Runs `modal` (which opens a window) while the player's steps run; every step must
-    // have run before it returns.
-    virtual void play(std::deque<PlayerStep> steps, const std::function<void()>& modal) = 0;
+    void play(std::deque<PlayerStep> steps, const std::function<void()>& modal) { test::play(std::move(steps), modal); }
     virtual WindowDriver& numberDialog() = 0;
     virtual WindowDriver& options() = 0;
     virtual WindowDriver& calibration() = 0;
     virtual WindowDriver::Box owner() = 0;
-    // The open message box with this title, answered with `button`: its text, lines
-    // joined by "\n". Nothing while no such box is open.
+    // The open message box with this title, answered with `button`: its text, lines joined by "\n".
     virtual std::optional<std::string> answerBox(const std::string& title, Button button) = 0;
     virtual void showOptions(ConfigFile& config, const CaptureBitmap* lastCapture, const WindowServices& services) = 0;
     // True when the player applied what was learnt.
@@ -156,25 +144,20 @@ public:
     }
 };
 
-// Defined once by each front end's driver.
 std::unique_ptr<Desktop> makeDesktop();
 
-// The main window of a front end with its engine over the fake machine, and the windows
-// it opens: the version window and its joke popup, the compact and the history window.
+// The main window of a front end with its engine over the fake machine, and what it opens.
 class MainWindowHost {
 public:
     virtual ~MainWindowHost() = default;
 
     virtual Meter& meter() = 0;
-    // Runs `modal` (a menu item that opens a window) while the player's steps run.
-    virtual void play(std::deque<PlayerStep> steps, const std::function<void()>& modal) = 0;
     // The account's labels and buttons by name ("lblStartLv", "cmdTempStop").
     virtual WindowDriver& window() = 0;
     virtual WindowDriver& version() = 0;
     virtual WindowDriver& joke() = 0;
     virtual WindowDriver& compact() = 0;
     virtual WindowDriver& history() = 0;
-    // The engine's part of the load: empty account, timers, auto start.
     virtual void load() = 0;
     // What the window does after the options window changed the language.
     virtual void retranslate() = 0;
@@ -182,17 +165,15 @@ public:
     virtual std::string menuText(const std::string& item) = 0;
     virtual bool menuEnabled(const std::string& item) = 0;
     virtual void choose(const std::string& item) = 0;
-    // The log box's lines, each ended by "\n"; once the window is gone, the engine's.
+    // Each line ended by "\n"; once the window is gone, the engine's.
     virtual std::string logBox() = 0;
     virtual void clickGraphLabel(GraphLabel label) = 0;
     virtual WindowDriver::Box screen() = 0;
-    // The close box; the window is gone afterwards.
     virtual void close() = 0;
 
-    // The compact window's texts as drawn (state, level, then caption and value of each
-    // line), whether they are all whole, whether it stays over the game without taking the
-    // focus, its opacity in percent, and the colour of its state mark where the front end
-    // keeps it apart from the painting.
+    // The compact window's texts as drawn (state, level, then caption and value of each line),
+    // whether it stays over the game without taking the focus, and its mark's colour where the
+    // front end keeps it apart from the painting.
     struct CompactShown {
         std::vector<std::string> texts;
         bool whole = false;
@@ -201,15 +182,13 @@ public:
         std::optional<std::uint32_t> stateColour;
     };
     virtual CompactShown compactShown() = 0;
-    // The player drags it by this much, or chooses an opacity from its menu (0: closes it by
-    // its own close button).
     virtual void dragCompact(int dx, int dy) = 0;
+    // An opacity from its menu; 0 is its own close button.
     virtual void compactMenu(int opacity) = 0;
 
-    // The history window's pages, each a table with its header row first, and whether every
-    // column is wide enough for its texts.
+    // Each page's table, its header row first, and whether every column is wide enough.
     virtual std::vector<std::vector<std::vector<std::string>>> historyPages(bool* columnsWhole) = 0;
-    // Exports where the player chooses; the name proposed to the player, where the front end proposes one.
+    // The name proposed to the player, where the front end proposes one.
     virtual std::optional<std::string> exportHistory(const std::filesystem::path& to) = 0;
 };
 

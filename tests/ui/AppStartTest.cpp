@@ -1,15 +1,15 @@
 #include "base/Utf8Path.h"
-#include "FormMain.h"
 #include "StartGuard.h"
 #include "AppStart.h"
 #include "config/ConfigFile.h"
 
-#include "meter/Meter.h"
 #include "shell/DebugLog.h"
 #include "support/FakeMachine.h"
 #include "support/ReadFile.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TempFolder.h"
+#include "support/TextChecks.h"
+#include "support/WindowDriver.h"
 
 #include <gtest/gtest.h>
 
@@ -56,14 +56,11 @@ TEST(StartUp, TheDebugLogTellsTheRunInOrder)
                                   [](const std::string& name) { return name == "present.so"; }};
     prompter.answers = {true, true}; // a first start: full screen, confirmed
     app::startUp(log, programTitle("MapleStory"), program.path(), check, prompter, config, "ja_JP.UTF-8");
+    settings.StartDelay = 0;
     {
-        settings.StartDelay = 0;
-        ui::FormMain window(programTitle("MapleStory"), log, program.path());
-        MeterPorts ports{machine.clock, machine, machine, machine, machine, machine, machine, window};
-        Meter meter(settings, ports, log);
-        window.attach(meter);
-        window.FormMain_Load();
-        window.close();
+        const auto host = test::makeMainWindowHost(settings, log, machine);
+        host->load();
+        host->close();
     }
     machine.events.clear();
     app::unload(log, EnvironmentFacts{}, machine);
@@ -87,7 +84,7 @@ TEST(StartUp, TheDebugLogTellsTheRunInOrder)
         ASSERT_NE(found, std::string::npos) << line << "\n" << text;
         at = found;
     }
-    EXPECT_EQ(text.find("System File of present.so"), std::string::npos);
+    EXPECT_LACKS(text, "System File of present.so");
     EXPECT_EQ(machine.events, std::vector<std::string>{"wait 500"}) << "half a second of events before the end";
 }
 

@@ -13,6 +13,7 @@
 #include "support/ReadFile.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TempFolder.h"
+#include "support/TextChecks.h"
 
 #include "TextCodecFactory.h"
 #include "config/ConfigFile.h"
@@ -135,8 +136,8 @@ TEST_F(FormMainTest, TheOptionsSwitchDebugModeTheLevelWatchAndTheGraphAtOnce)
     window.findChild<QPushButton*>(QStringLiteral("cmdRecognize"))->click();
     EXPECT_TRUE(labelText("lblElapse").endsWith(QStringLiteral("秒")));
     EXPECT_EQ(labelText("lblCapture0"), QStringLiteral("50"));
-    EXPECT_NE(debugText().find("Change DebugMode ･･･ End "), std::string::npos);
-    EXPECT_NE(debugText().find("Single Recognize("), std::string::npos);
+    EXPECT_HOLDS(debugText(), "Change DebugMode ･･･ End ");
+    EXPECT_HOLDS(debugText(), "Single Recognize(");
     box("chkDebugMode")->click();
     EXPECT_FALSE(frmDebug->isVisible());
 
@@ -165,9 +166,9 @@ TEST_F(FormMainTest, ABackgroundClickRefreshesTheWindow)
     loadAndShow();
     auto* frmGraph = window.findChild<ui::GraphFrame*>();
     QTest::mouseClick(frmGraph, Qt::LeftButton, {}, QPoint(frmGraph->width() - 2, 2));
-    EXPECT_EQ(debugText().find("Click : Window Refresh "), std::string::npos) << "the graph's own";
+    EXPECT_LACKS(debugText(), "Click : Window Refresh ") << "the graph's own";
     QTest::mouseClick(window.centralWidget(), Qt::LeftButton, {}, QPoint(4, window.centralWidget()->height() - 3));
-    EXPECT_NE(debugText().find("Click : Window Refresh "), std::string::npos);
+    EXPECT_HOLDS(debugText(), "Click : Window Refresh ");
     window.close();
 }
 
@@ -188,9 +189,8 @@ TEST_F(FormMainTest, TheVersionWindowNamesTheVersionOnce)
     window.action("menuVersion")->trigger();
     EXPECT_EQ(shown, QStringLiteral("Tallivex  for MapleStory|バージョン Ver.2.20|"));
     EXPECT_TRUE(isDefault);
-    EXPECT_NE(debugText().find("Click : VersionInformation "), std::string::npos);
+    EXPECT_HOLDS(debugText(), "Click : VersionInformation ");
 }
-
 
 // The editor adds only what the box adds, yet always shows the box's text and caret:
 // through a caret left at the new text, a clear, and the oldest lines let go.
@@ -227,13 +227,13 @@ TEST_F(FormMainTest, GesturesLoadWithTheWindowAndReachTheMeterUntilTheClose)
     settings.Gesture = true;
     window.FormMain_Load();
     ASSERT_TRUE(window.formDirectX() && window.formDirectX()->loaded());
-    EXPECT_NE(debugText().find("DirectX Loding ･･･ "), std::string::npos);
-    EXPECT_NE(debugText().find("Mouse Events Acquire ･･･ Successfull "), std::string::npos);
+    EXPECT_HOLDS(debugText(), "DirectX Loding ･･･ ");
+    EXPECT_HOLDS(debugText(), "Mouse Events Acquire ･･･ Successfull ");
 
     for (MouseButton b : {MouseButton::Right, MouseButton::Left, MouseButton::Left, MouseButton::Left})
         mouse.click(b);
     EXPECT_TRUE(settings.DoHLCheckExec);
-    EXPECT_NE(meter.logBox().text().find("マウスジェスチャ：自動撮影 監視開始"), std::string::npos);
+    EXPECT_HOLDS(meter.logBox().text(), "マウスジェスチャ：自動撮影 監視開始");
 
     window.close();
     EXPECT_EQ(mouse.stops, 1);
@@ -256,7 +256,7 @@ TEST_F(FormMainTest, AMouseThatCannotBeOpenedIsReportedAndGesturesStayOff)
         ui::FormDirectX form(meter, mouse, log, prompter);
         EXPECT_FALSE(form.Form_Load());
         EXPECT_FALSE(form.loaded());
-        EXPECT_NE(debugText().find(c.logLine), std::string::npos);
+        EXPECT_HOLDS(debugText(), c.logLine);
         ASSERT_EQ(prompter.shown.size(), 1u);
         EXPECT_EQ(prompter.shown[0].text, c.message);
     }

@@ -48,33 +48,6 @@
 namespace tvx::test {
 namespace {
 
-// Runs `modal` while the steps play from a timer in its loop.
-void playWhile(std::deque<PlayerStep> steps, const std::function<void()>& modal)
-{
-    QElapsedTimer clock;
-    clock.start();
-    bool running = false;
-    bool timedOut = false;
-    QTimer timer;
-    timer.callOnTimeout([&] {
-        if (running || steps.empty())
-            return;
-        running = true; // a step may open a nested loop of its own
-        if (steps.front()())
-            steps.pop_front();
-        else if (clock.elapsed() > 30000) {
-            timedOut = true;
-            if (QWidget* modalWindow = QApplication::activeModalWidget())
-                modalWindow->close();
-        }
-        running = false;
-    });
-    timer.start(20);
-    modal();
-    EXPECT_TRUE(steps.empty()) << "the window closed before the player was done";
-    EXPECT_FALSE(timedOut);
-}
-
 // The texts of a window's shown controls that do not fit them.
 std::vector<std::string> clippedTexts(QWidget* window)
 {
@@ -243,15 +216,10 @@ public:
     {
         m_owner.setGeometry(60, 40, 420, 300);
         m_owner.show();
+        QApplication::setActiveWindow(&m_owner); // the window that asks
     }
 
     Prompter& prompter() override { return m_prompter; }
-
-    void play(std::deque<PlayerStep> steps, const std::function<void()>& modal) override
-    {
-        QApplication::setActiveWindow(&m_owner); // the window that asks
-        playWhile(std::move(steps), modal);
-    }
 
     WindowDriver& numberDialog() override { return m_dialog; }
     WindowDriver& options() override { return m_options; }
@@ -310,10 +278,6 @@ public:
     }
 
     Meter& meter() override { return m_meter; }
-    void play(std::deque<PlayerStep> steps, const std::function<void()>& modal) override
-    {
-        playWhile(std::move(steps), modal);
-    }
     WindowDriver& window() override { return m_main; }
     WindowDriver& version() override { return m_version; }
     WindowDriver& joke() override { return m_joke; }
@@ -452,6 +416,33 @@ private:
 };
 
 } // namespace
+
+// The steps run from a timer in the window's loop.
+void play(std::deque<PlayerStep> steps, const std::function<void()>& modal)
+{
+    QElapsedTimer clock;
+    clock.start();
+    bool running = false;
+    bool timedOut = false;
+    QTimer timer;
+    timer.callOnTimeout([&] {
+        if (running || steps.empty())
+            return;
+        running = true; // a step may open a nested loop of its own
+        if (steps.front()())
+            steps.pop_front();
+        else if (clock.elapsed() > 30000) {
+            timedOut = true;
+            if (QWidget* modalWindow = QApplication::activeModalWidget())
+                modalWindow->close();
+        }
+        running = false;
+    });
+    timer.start(20);
+    modal();
+    EXPECT_TRUE(steps.empty()) << "the window closed before the player was done";
+    EXPECT_FALSE(timedOut);
+}
 
 std::unique_ptr<MainWindowHost> makeMainWindowHost(Settings& settings, DebugLog& log, FakeMachine& machine)
 {

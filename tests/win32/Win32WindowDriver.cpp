@@ -299,15 +299,6 @@ HWND calibrationWindow()
     return windowWith(kCalibrationTitle, win32ui::calibrateControlId("cmdLearn"));
 }
 
-// Plays the steps from a thread timer while `modal` runs its own loop.
-void playScript(std::deque<PlayerStep> steps, const std::function<void()>& modal)
-{
-    DialogScript script(std::move(steps), 30000);
-    modal();
-    EXPECT_TRUE(script.finished()) << "the window closed before the player was done";
-    EXPECT_FALSE(script.timedOut());
-}
-
 class Win32Desktop final : public Desktop {
 public:
     Win32Desktop()
@@ -323,10 +314,6 @@ public:
     ~Win32Desktop() override { DestroyWindow(m_owner); }
 
     Prompter& prompter() override { return m_prompter; }
-    void play(std::deque<PlayerStep> steps, const std::function<void()>& modal) override
-    {
-        playScript(std::move(steps), modal);
-    }
     WindowDriver& numberDialog() override { return m_dialog; }
     WindowDriver& options() override { return m_options; }
     WindowDriver& calibration() override { return m_calibration; }
@@ -384,10 +371,6 @@ public:
     }
 
     Meter& meter() override { return m_meter; }
-    void play(std::deque<PlayerStep> steps, const std::function<void()>& modal) override
-    {
-        playScript(std::move(steps), modal);
-    }
     WindowDriver& window() override { return m_main; }
     WindowDriver& version() override { return m_version; }
     WindowDriver& joke() override { return m_joke; }
@@ -558,6 +541,15 @@ private:
 };
 
 } // namespace
+
+// The steps run from a thread timer while the window runs its loop.
+void play(std::deque<PlayerStep> steps, const std::function<void()>& modal)
+{
+    DialogScript script(std::move(steps), 30000);
+    modal();
+    EXPECT_TRUE(script.finished()) << "the window closed before the player was done";
+    EXPECT_FALSE(script.timedOut());
+}
 
 HWND handleOf(WindowDriver& window, const std::string& control)
 {

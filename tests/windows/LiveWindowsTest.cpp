@@ -1,7 +1,5 @@
-// The live figures' windows, the same in the Qt and the Win32 front end: the main window's
-// two live lines and the compact window draw the core's LiveView whole and follow the
-// session; the compact window keeps its place, opacity and openness in the settings file;
-// the history window lists the sessions as the core's tables and exports them.
+// The live figures' windows in both front ends: the live lines, the compact window and the
+// history window show the core's views.
 #include "support/WindowDriver.h"
 
 #include "TextCodecFactory.h"
@@ -14,6 +12,7 @@
 #include "support/GameScreen.h"
 #include "support/ReadFile.h"
 #include "support/TempFolder.h"
+#include "support/TextChecks.h"
 #include "view/HistoryView.h"
 #include "view/LiveWindowModel.h"
 
@@ -95,7 +94,7 @@ TEST_F(LiveWindowsTest, TheLiveLinesAndTheCompactWindowDrawTheLiveViewWholeAndFo
     readAfter(600, {"180", "2501000", "9000"});
     const LiveView reading = expectShown("reading");
     EXPECT_EQ(reading.stateText, "読み取り中");
-    EXPECT_NE(reading.rates.find("15,000k/h"), std::string::npos) << reading.rates; // 2.5 million in 10 minutes
+    EXPECT_HOLDS(reading.rates, "15,000k/h"); // 2.5 million in 10 minutes
     EXPECT_EQ(reading.compact.size(), 4u) << "the money line too";
     host->compact().shoot("compact-reading");
 
@@ -109,7 +108,7 @@ TEST_F(LiveWindowsTest, TheLiveLinesAndTheCompactWindowDrawTheLiveViewWholeAndFo
     // About a million k/h of each still fits the live lines and the compact window.
     readAfter(600, {"180", "166001000", "16667666666"});
     const LiveView high = expectShown("high rates");
-    EXPECT_NE(high.rates.find("10分 981,"), std::string::npos) << high.rates;
+    EXPECT_HOLDS(high.rates, "10分 981,");
 
     window.clickNow("cmdTempStop");
     EXPECT_EQ(expectShown("suspended").stateText, "一時停止中");
@@ -170,18 +169,10 @@ TEST_F(LiveWindowsTest, TheHistoryWindowListsTheSessionsNewestFirstExportsThemAn
     settings.AutoStart = false;
     const std::filesystem::path history = historyFilePath(settings);
     // Oldest first in the file, as the meter writes it; two sessions in one week.
-    for (const int day : {2, 9, 3}) {
-        HistoryRow row;
-        row.start = {2025, 6, day, 21, 0, 0};
-        row.end = addSeconds(row.start, 5400);
-        row.activeSeconds = 5400;
-        row.startLevel = 140;
-        row.endLevel = 141;
-        row.expGained = 123'456'789LL * day;
-        row.expPerHour = row.expGained / 1500;
-        row.moneyGained = 98'765'432;
-        row.moneyPerHour = 65'843;
-        saveHistoryRow(history, row);
+    for (const std::int64_t day : {2, 9, 3}) {
+        const LocalDateTime start{2025, 6, static_cast<int>(day), 21, 0, 0};
+        saveHistoryRow(history, {start, addSeconds(start, 5400), 5400, 140, 141, 123'456'789 * day,
+                                 123'456'789 * day / 1500, 98'765'432, 65'843, 0, 0});
     }
     const std::string historyBytes = readAll(history);
     const std::vector<HistoryRow> rows = loadHistory(history);
@@ -218,7 +209,7 @@ TEST_F(LiveWindowsTest, TheHistoryWindowListsTheSessionsNewestFirstExportsThemAn
         machine.events.clear();
         host->exportHistory(refused);
         ASSERT_EQ(machine.count("message "), 1u) << pathUtf8(refused);
-        EXPECT_NE(machine.events.back().find(named), std::string::npos) << machine.events.back();
+        EXPECT_HOLDS(machine.events.back(), named);
     }
     EXPECT_EQ(readAll(history), historyBytes) << "the history is never written by the window";
 
@@ -228,7 +219,7 @@ TEST_F(LiveWindowsTest, TheHistoryWindowListsTheSessionsNewestFirstExportsThemAn
     machine.events.clear();
     host->choose("menuHistory");
     ASSERT_EQ(machine.count("message "), 1u);
-    EXPECT_NE(machine.events.back().find(pathUtf8(history)), std::string::npos) << machine.events.back();
+    EXPECT_HOLDS(machine.events.back(), pathUtf8(history));
     ASSERT_TRUE(host->history().isOpen());
     for (const auto& page : host->historyPages(&whole))
         EXPECT_EQ(page.size(), 1u) << "the header alone";

@@ -7,6 +7,7 @@
 #include "support/GameScreen.h"
 #include "support/ReadFile.h"
 #include "support/TempFolder.h"
+#include "support/TextChecks.h"
 #include "view/GraphFrameView.h"
 #include "view/JokePopup.h"
 #include "view/MainMenu.h"
@@ -63,13 +64,13 @@ TEST_F(MainWindowTest, MenusKeepTheirCaptionsAndFollowTheSessionFromTheLoadToThe
     EXPECT_EQ(host->window().text("lblStartExpPS"), "0.14％");
     host->choose("menuStop");
     expectMenus("stopped", "開始", true, false);
-    EXPECT_NE(host->logBox().find("    開始  Lv:  50"), std::string::npos) << host->logBox();
+    EXPECT_HOLDS(host->logBox(), "    開始  Lv:  50");
     host->choose("menuOperatingInfo");
-    EXPECT_NE(debugLog().find("Click : Operating Information "), std::string::npos);
+    EXPECT_HOLDS(debugLog(), "Click : Operating Information ");
 
     host->close();
     EXPECT_TRUE(host->logBox().ends_with("        終了しています・・・\n")) << host->logBox();
-    EXPECT_NE(debugLog().find("Closing Program ･･･ "), std::string::npos);
+    EXPECT_HOLDS(debugLog(), "Closing Program ･･･ ");
 }
 
 TEST_F(MainWindowTest, GraphLabelClicksReachTheViewAndTheLog)
@@ -80,9 +81,8 @@ TEST_F(MainWindowTest, GraphLabelClicksReachTheViewAndTheLog)
     host->clickGraphLabel(GraphLabel::El0);
     EXPECT_EQ(host->meter().state().graphView.timeShift, settings.GraphTimeScale / 4);
     EXPECT_FLOAT_EQ(host->meter().state().graphView.zoom, 1.1f);
-    const std::string text = debugLog();
-    EXPECT_NE(text.find("Click : Graph Old View "), std::string::npos) << text;
-    EXPECT_EQ(text.find("Click : Window Refresh "), std::string::npos) << "a label click is the graph's";
+    EXPECT_HOLDS(debugLog(), "Click : Graph Old View ");
+    EXPECT_LACKS(debugLog(), "Click : Window Refresh ") << "a label click is the graph's";
 }
 
 // The version window's おまけ opens the popup; each kind of attempt in turn (the close box,
@@ -141,7 +141,7 @@ TEST_F(MainWindowTest, TheJokePopupFromTheVersionWindowLetsGoOnlyAfterItsScript)
         version.click("cmdOK");
         return true;
     });
-    host->play(std::move(steps), [&] { host->choose("menuVersion"); });
+    play(std::move(steps), [&] { host->choose("menuVersion"); });
     EXPECT_EQ(caption, JokePopup::kOpenCaption);
     EXPECT_TRUE(faults.empty()) << faults.front() << " (" << faults.size() << " in all)";
     EXPECT_TRUE(versionLeftOpen) << "the last attempt closes only the popup";
