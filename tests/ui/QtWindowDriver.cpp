@@ -377,7 +377,8 @@ public:
             pages.push_back({row(grid->horizontalHeader()->fontMetrics(),
                                  [grid](int c) { return grid->horizontalHeaderItem(c)->text(); }, grid)});
             for (int r = 0; r < grid->rowCount(); ++r)
-                pages.back().push_back(row(grid->fontMetrics(), [grid, r](int c) { return grid->item(r, c)->text(); }, grid));
+                pages.back().push_back(
+                    row(grid->fontMetrics(), [grid, r](int c) { return grid->item(r, c)->text(); }, grid));
         }
         return pages;
     }

@@ -284,21 +284,6 @@ HWND windowWith(std::string_view title, int control)
     });
 }
 
-HWND numberDialogWindow()
-{
-    return windowWith("", win32ui::FormInputCheck::lblmaxv);
-}
-
-HWND optionsWindow()
-{
-    return windowWith(kOptionsTitle, win32ui::optionControlId("tabOption"));
-}
-
-HWND calibrationWindow()
-{
-    return windowWith(kCalibrationTitle, win32ui::calibrateControlId("cmdLearn"));
-}
-
 class Win32Desktop final : public Desktop {
 public:
     Win32Desktop()
@@ -322,7 +307,7 @@ public:
     // A message box: a window with the title that is none of the program's own.
     std::optional<std::string> answerBox(const std::string& title, Button button) override
     {
-        const HWND own[] = {numberDialogWindow(), optionsWindow(), calibrationWindow()};
+        const HWND own[] = {m_dialog.window(), m_options.window(), m_calibration.window()};
         const HWND box = threadWindow([&](HWND w) {
             return textOf(w) == win32ui::wide(title) && std::find(std::begin(own), std::end(own), w) == std::end(own);
         });
@@ -351,9 +336,12 @@ public:
 private:
     HWND m_owner = nullptr;
     win32ui::Win32Prompter m_prompter;
-    Win32WindowDriver m_dialog{numberDialogWindow};
-    Win32WindowDriver m_options{optionsWindow, byId(win32ui::optionControlId)};
-    Win32WindowDriver m_calibration{calibrationWindow, byId(win32ui::calibrateControlId)};
+    Win32WindowDriver m_dialog{[] { return windowWith("", win32ui::FormInputCheck::lblmaxv); }};
+    Win32WindowDriver m_options{[] { return windowWith(kOptionsTitle, win32ui::optionControlId("tabOption")); },
+                                byId(win32ui::optionControlId)};
+    Win32WindowDriver m_calibration{
+        [] { return windowWith(kCalibrationTitle, win32ui::calibrateControlId("cmdLearn")); },
+        byId(win32ui::calibrateControlId)};
 };
 
 class Win32MainWindowHost final : public MainWindowHost {
@@ -478,7 +466,8 @@ public:
                         item.mask = HDI_TEXT;
                         item.pszText = text;
                         item.cchTextMax = 128;
-                        SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&item));
+                        SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(column),
+                                     reinterpret_cast<LPARAM>(&item));
                     } else {
                         LVITEMW cell{};
                         cell.iSubItem = column;
@@ -487,8 +476,8 @@ public:
                         SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&cell));
                     }
                     table[static_cast<std::size_t>(row + 1)].push_back(win32ui::utf8(text));
-                    *columnsWhole = *columnsWhole &&
-                                    width >= SendMessageW(list, LVM_GETSTRINGWIDTHW, 0, reinterpret_cast<LPARAM>(text)) + 12;
+                    const auto needed = SendMessageW(list, LVM_GETSTRINGWIDTHW, 0, reinterpret_cast<LPARAM>(text));
+                    *columnsWhole = *columnsWhole && width >= needed + 12;
                 }
             }
         }
@@ -533,7 +522,8 @@ private:
     win32ui::FormMain m_window;
     MeterPorts m_ports;
     Meter m_meter;
-    Win32WindowDriver m_main{[this] { return m_window.handle(); }, [this](HWND, const std::string& name) { return child(name); }};
+    Win32WindowDriver m_main{[this] { return m_window.handle(); },
+                             [this](HWND, const std::string& name) { return child(name); }};
     Win32WindowDriver m_version{[] { return windowWith(kVersionCaption, 101); }};
     Win32WindowDriver m_joke{[] { return windowWith("", win32ui::FormJoke::lblMessage); }};
     Win32WindowDriver m_compact{[this] { return m_window.compact().handle(); }};

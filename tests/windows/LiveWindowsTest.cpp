@@ -83,8 +83,8 @@ TEST_F(LiveWindowsTest, TheLiveLinesAndTheCompactWindowDrawTheLiveViewWholeAndFo
         EXPECT_TRUE(window.fits("lblLiveRates") && window.fits("lblLiveOutlook")) << when;
         const MainWindowHost::CompactShown compact = host->compactShown();
         // Whole, and over the game without taking the focus.
-        EXPECT_EQ(std::tuple(compact.texts, compact.whole, compact.overGame), std::tuple(compactTexts(view), true, true))
-            << when;
+        const auto expected = std::tuple(compactTexts(view), true, true);
+        EXPECT_EQ(std::tuple(compact.texts, compact.whole, compact.overGame), expected) << when;
         EXPECT_EQ(compact.stateColour.value_or(view.stateColour), view.stateColour) << when;
         return view;
     };
