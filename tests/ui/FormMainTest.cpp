@@ -15,7 +15,6 @@
 #include "support/TempFolder.h"
 #include "support/TextChecks.h"
 
-#include "TextCodecFactory.h"
 #include "config/ConfigFile.h"
 #include "graph/GraphLayout.h"
 
