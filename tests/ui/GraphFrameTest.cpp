@@ -50,14 +50,10 @@ protected:
 
 TEST_F(GraphFrameTest, EveryLabelShowsTheViewsTextWhereItSaysAndClicksReachTheView)
 {
-    // Before any data the scales already read as an empty graph's.
-    for (const GraphLabel which : {GraphLabel::El0, GraphLabel::Ml3})
-        EXPECT_EQ(frame.label(which)->text().indexOf(QStringLiteral("98,765")), -1);
     frame.GraphFrameDisplay();
     EXPECT_EQ(logText(), "");
     const PixelRect& picture = frame.view().picGraph();
     EXPECT_EQ(frame.picGraph()->geometry(), QRect(picture.left, picture.top, picture.width, picture.height));
-    EXPECT_EQ(frame.picGraph()->grid().linGraphY[8].y1, 199);
     for (const GraphLabelView& shown : frame.view().labels()) {
         const auto* label = frame.findChild<QLabel*>(QString::fromUtf8(shown.name.data(), static_cast<int>(shown.name.size())));
         ASSERT_NE(label, nullptr) << shown.name;

@@ -86,7 +86,6 @@ TEST_F(CalibrationWindowTest, LearnsFromCapturesAndChangesTheSettingsOnlyWhenApp
     EXPECT_EQ(settings, before);
 
     EXPECT_TRUE(show({captureAndLearn(kScreens), act([&] {
-                          seen["status"] = window().text("lblStatus");
                           // Letters never reach the field; the number has digits too many.
                           window().setText("txtNumber0", "");
                           window().type("txtNumber0", "5x8 123456");
@@ -97,12 +96,10 @@ TEST_F(CalibrationWindowTest, LearnsFromCapturesAndChangesTheSettingsOnlyWhenApp
                           seen["failed"] = window().text("lblStatus");
                           window().click("cmdApply");
                       })}));
-    EXPECT_EQ(seen["status"], "");
     EXPECT_EQ(seen["typed"], "58 123456");
     EXPECT_HOLDS(seen["refused"], "8 桁の数字と終わりの記号に分けられません");
     EXPECT_EQ(seen["failed"], "画面を取り込めませんでした。");
     EXPECT_EQ(settings.ReferenceSize[RegionLevel].Width, 6);
-    EXPECT_EQ(settings.ReferenceSize[RegionMoney].Width, 6);
     EXPECT_EQ(settings.PatternStrings[RegionLevel][1], "");
     EXPECT_NE(settings.PatternStrings[RegionLevel][9], before.PatternStrings[RegionLevel][9]);
 }
@@ -114,7 +111,6 @@ TEST_F(CalibrationWindowTest, DraggingOnTheZoomedScreenSetsTheRegionAndAMovedReg
     paintFontText(frame, {300, 100, 60, 9}, RegionExp, 2, "4096]");
     const CaptureBitmap shot = toCaptureBitmap(frame);
     bool captureEnabled = true;
-    std::size_t columns = 0;
     std::string reading;
     std::string learnt;
     std::string moved;
@@ -124,7 +120,6 @@ TEST_F(CalibrationWindowTest, DraggingOnTheZoomedScreenSetsTheRegionAndAMovedReg
                           window().choose("cboZoom", 1); // 2 times
                           window().drag("picScreen", {2 * 300, 2 * 100}, {2 * 359 + 1, 2 * 108 + 1});
                           reading = window().text("lblReading1");
-                          columns = window().glyph("picColumns1").size();
                           window().setText("txtNumber1", "4096");
                           window().clickNow("cmdLearn");
                           learnt = window().text("lblMessage1");
@@ -136,7 +131,6 @@ TEST_F(CalibrationWindowTest, DraggingOnTheZoomedScreenSetsTheRegionAndAMovedReg
                      &shot, false));
     EXPECT_FALSE(captureEnabled);
     EXPECT_EQ(reading, "読み取り： 認識できません"); // the built-in templates are wider
-    EXPECT_EQ(columns, 60u);
     EXPECT_HOLDS(learnt, "4096 → 4096");
     EXPECT_EQ(moved, "");
     EXPECT_EQ(settings.CaptureRegion[RegionExp], (CaptureRegionRect{301, 100, 60, 9}));
@@ -157,7 +151,6 @@ TEST_F(CalibrationWindowTest, AScaledUiIsTaughtAsShapesAndTheWindowSaysSo)
     screen.screens.push_back(scaledScreen(rect, "1,024,768]", {1.5, 2.3, 0.3, false, false, "", false}));
     std::string message;
     std::string reading;
-    std::vector<std::uint16_t> shape;
     EXPECT_TRUE(show({act([&] {
         for (const auto& [text, origin] : taught) {
             window().clickNow("cmdCapture");
@@ -167,7 +160,6 @@ TEST_F(CalibrationWindowTest, AScaledUiIsTaughtAsShapesAndTheWindowSaysSo)
         message = window().text("lblMessage1");
         window().clickNow("cmdCapture");
         reading = window().text("lblReading1");
-        shape = window().glyph("picGlyph107");
         window().shoot("calibration-shapes");
         window().click("cmdApply");
     })}));
@@ -175,7 +167,6 @@ TEST_F(CalibrationWindowTest, AScaledUiIsTaughtAsShapesAndTheWindowSaysSo)
     EXPECT_HOLDS(message, "読み方： 字形、しきい値 135");
     EXPECT_HOLDS(message, "2795028 → 2795028　全数字を学習済み");
     EXPECT_EQ(reading, "読み取り： 1024768");
-    EXPECT_FALSE(shape.empty());
     EXPECT_EQ(settings.Reading[RegionExp].Mode, ReadingMode::Shapes);
 }
 
