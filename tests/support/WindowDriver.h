@@ -171,15 +171,13 @@ public:
     virtual WindowDriver::Box screen() = 0;
     virtual void close() = 0;
 
-    // The compact window's texts as drawn (state, level, then caption and value of each line),
-    // whether it stays over the game without taking the focus, and its mark's colour where the
-    // front end keeps it apart from the painting.
+    // The compact window's texts as drawn (state, level, then caption and value of each line)
+    // and whether it stays over the game without taking the focus.
     struct CompactShown {
         std::vector<std::string> texts;
         bool whole = false;
         bool overGame = false;
         int opacity = 0;
-        std::optional<std::uint32_t> stateColour;
     };
     virtual CompactShown compactShown() = 0;
     virtual void dragCompact(int dx, int dy) = 0;

@@ -332,7 +332,6 @@ public:
         });
         shown.overGame = form.windowFlags().testFlags(Qt::Tool | Qt::WindowStaysOnTopHint) && form.parent() == nullptr;
         shown.opacity = qRound(form.windowOpacity() * 100);
-        shown.stateColour = form.findChild<QLabel*>(QStringLiteral("shpState"))->property("stateColour").toUInt();
         return shown;
     }
 

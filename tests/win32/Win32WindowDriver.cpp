@@ -426,7 +426,7 @@ public:
         GetLayeredWindowAttributes(window, nullptr, &alpha, &flags);
         return {m_window.compact().drawnTexts(), !m_window.compact().clipped(),
                 (GetWindowLongPtrW(window, GWL_EXSTYLE) & overlay) == overlay,
-                (flags & LWA_ALPHA) != 0 ? MulDiv(alpha, 100, 255) : -1, std::nullopt};
+                (flags & LWA_ALPHA) != 0 ? MulDiv(alpha, 100, 255) : -1};
     }
 
     // Held at one point and moved there by the drag.
