@@ -2,7 +2,6 @@
 #include "FormDirectX.h"
 #include "FormMain.h"
 #include "GraphFrame.h"
-#include "GraphPicture.h"
 #include "base/Utf8Path.h"
 
 #include "meter/Meter.h"

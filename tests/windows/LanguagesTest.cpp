@@ -8,7 +8,6 @@
 #include "config/ConfigFile.h"
 #include "meter/Meter.h"
 #include "shell/DebugLog.h"
-#include "support/FakeClock.h"
 #include "support/FakeMachine.h"
 #include "support/GameScreen.h"
 #include "support/TempFolder.h"
