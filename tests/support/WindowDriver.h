@@ -34,7 +34,6 @@ using PlayerStep = std::function<bool()>;
 // Runs `modal` (which opens a window) while the steps run; all of them must have run by its end.
 void play(std::deque<PlayerStep> steps, const std::function<void()>& modal);
 
-// A step that is done at once.
 inline PlayerStep act(std::function<void()> action)
 {
     return [action = std::move(action)] {

@@ -226,7 +226,6 @@ public:
     WindowDriver& calibration() override { return m_calibration; }
     WindowDriver::Box owner() override { return boxOf(m_owner.frameGeometry()); }
 
-    // The active message box with this title, answered: its text.
     std::optional<std::string> answerBox(const std::string& title, Button button) override
     {
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
@@ -325,7 +324,6 @@ public:
         add(QStringLiteral("lblLevel"));
         for (int i = 0; add(QStringLiteral("lblCaption%1").arg(i)) && add(QStringLiteral("lblValue%1").arg(i)); ++i) {
         }
-        // Every line inside the window.
         const auto values = form.findChildren<QLabel*>(QRegularExpression(QStringLiteral("^lblValue")));
         shown.whole = std::all_of(values.begin(), values.end(), [&form](const QLabel* value) {
             return value->geometry().bottom() <= form.height() - kCompactMargin;

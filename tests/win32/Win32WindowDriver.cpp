@@ -492,7 +492,6 @@ public:
     }
 
 private:
-    // The menu command of an item name.
     static UINT id(const std::string& item)
     {
         for (const MenuBarEntry& entry : mainMenu()) {

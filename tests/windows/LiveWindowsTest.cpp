@@ -51,7 +51,6 @@ protected:
         host->meter().cycle().runCycle();
     }
 
-    // The settings as the file holds them now.
     Settings saved()
     {
         Settings read = defaultSettings(pathUtf8(temp.path()));

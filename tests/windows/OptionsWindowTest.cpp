@@ -25,7 +25,6 @@ namespace {
 
 using Button = Desktop::Button;
 
-// How many colours a picture holds.
 std::size_t colours(const Frame& picture)
 {
     std::set<std::uint32_t> seen;
