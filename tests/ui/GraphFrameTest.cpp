@@ -54,6 +54,7 @@ TEST_F(GraphFrameTest, EveryLabelShowsTheViewsTextWhereItSaysAndClicksReachTheVi
     EXPECT_EQ(logText(), "");
     const PixelRect& picture = frame.view().picGraph();
     EXPECT_EQ(frame.picGraph()->geometry(), QRect(picture.left, picture.top, picture.width, picture.height));
+    EXPECT_EQ(frame.picGraph()->grid().linGraphY[8].y1, 199);
     for (const GraphLabelView& shown : frame.view().labels()) {
         const auto* label = frame.findChild<QLabel*>(QString::fromUtf8(shown.name.data(), static_cast<int>(shown.name.size())));
         ASSERT_NE(label, nullptr) << shown.name;
