@@ -28,11 +28,12 @@ namespace tvx::test {
 
 class FakeMachine;
 
-// A player's step while a window runs its own modal loop: true once done, false to be
-// tried again on the next tick (what it waits for is not there yet).
+// A player's step while a window runs its own loop: false to be tried again on the next tick.
 using PlayerStep = std::function<bool()>;
 
-// A step that is done at once.
+// Runs `modal` (which opens a window) while the steps run; all of them must have run by its end.
+void play(std::deque<PlayerStep> steps, const std::function<void()>& modal);
+
 inline PlayerStep act(std::function<void()> action)
 {
     return [action = std::move(action)] {
@@ -54,18 +55,13 @@ public:
         int height = 0;
         int centreX() const { return left + width / 2; }
         int centreY() const { return top + height / 2; }
-        bool contains(const Box& inner) const
-        {
-            return inner.left >= left && inner.top >= top && inner.left + inner.width <= left + width &&
-                   inner.top + inner.height <= top + height;
-        }
+        bool contains(Point p) const { return p.x >= left && p.y >= top && p.x < left + width && p.y < top + height; }
     };
 
     virtual ~WindowDriver() = default;
 
     virtual bool isOpen() = 0;
     virtual std::string title() = 0;
-    virtual bool has(const std::string& control) = 0;
     virtual std::string text(const std::string& control) = 0;
     virtual bool enabled(const std::string& control) = 0;
     virtual bool focused(const std::string& control) = 0;
@@ -74,7 +70,7 @@ public:
     virtual void click(const std::string& control) = 0;
     // Handled before the call returns: for a button that opens no window.
     virtual void clickNow(const std::string& control) = 0;
-    // Character by character, through the control's key filter.
+    // Character by character, through the control's key filter ("\b" erases).
     virtual void type(const std::string& control, const std::string& text) = 0;
     // The whole text at once, past the key filter (a paste).
     virtual void setText(const std::string& control, const std::string& text) = 0;
@@ -84,23 +80,18 @@ public:
     virtual void key(const std::string& control, Key key) = 0;
     // An item of a list, or a page of tabs.
     virtual void choose(const std::string& control, int index) = 0;
-    // A glyph view's columns (a template, a region's binarised columns), and a click on
-    // one of its pixels.
+    // A glyph view's columns, and a click on one of its pixels.
     virtual std::vector<std::uint16_t> glyph(const std::string& control) = 0;
     virtual void clickCell(const std::string& control, int column, int row) = 0;
-    // A press at `from`, a move halfway and a release at `to`, in the control's own
-    // pixels as if it were not scrolled.
+    // A press, a move halfway and a release, in the control's pixels as if it were not scrolled.
     virtual void drag(const std::string& control, Point from, Point to) = 0;
     // What the screen shows of a control, or of the whole window for "".
     virtual Frame picture(const std::string& control) = 0;
-    // The window's frame on the screen.
     virtual Box frame() = 0;
-    // The close box.
     virtual void close() = 0;
     // Whether a label's or a button's text fits it as the window draws it.
     virtual bool fits(const std::string& control) = 0;
-    // The texts of the shown labels, buttons, check boxes, group titles, tabs and list items
-    // that do not fit their control as the window draws them.
+    // The texts of the shown controls (list items and tabs too) that do not fit them as drawn.
     virtual std::vector<std::string> clipped() = 0;
 
     // With TALLIVEX_SHOT_DIR set, the window's picture as NAME.bmp there (for the README).
@@ -111,8 +102,7 @@ public:
     }
 };
 
-// What a window may use besides its settings; without a screen and a waiter its capture
-// buttons are disabled.
+// Without a screen and a waiter a window's capture buttons are disabled.
 struct WindowServices {
     ScreenSource* screen = nullptr;
     Waiter* waiter = nullptr;
@@ -122,8 +112,7 @@ struct WindowServices {
     std::function<void()> settingsChanged;
 };
 
-// The windows a front end opens modally over a visible owner window: the prompter's
-// message boxes and number dialog, the options window and the calibration window.
+// The windows a front end opens modally over a visible owner window.
 class Desktop {
 public:
     enum class Button { Ok, Cancel, Yes, No };
@@ -131,19 +120,15 @@ public:
     virtual ~Desktop() = default;
 
     virtual Prompter& prompter() = 0;
-    // Runs `modal` (which opens a window) while the player's steps run; every step must
-    // have run before it returns.
-    virtual void play(std::deque<PlayerStep> steps, const std::function<void()>& modal) = 0;
+    void play(std::deque<PlayerStep> steps, const std::function<void()>& modal) { test::play(std::move(steps), modal); }
     virtual WindowDriver& numberDialog() = 0;
     virtual WindowDriver& options() = 0;
     virtual WindowDriver& calibration() = 0;
     virtual WindowDriver::Box owner() = 0;
-    // The open message box with this title, answered with `button`: its text, lines
-    // joined by "\n". Nothing while no such box is open.
+    // The open message box with this title, answered with `button`: its text, lines joined by "\n".
     virtual std::optional<std::string> answerBox(const std::string& title, Button button) = 0;
-    // The options window over a configuration file, until the player closes it.
     virtual void showOptions(ConfigFile& config, const CaptureBitmap* lastCapture, const WindowServices& services) = 0;
-    // The calibration window; true when the player applied what was learnt.
+    // True when the player applied what was learnt.
     virtual bool showCalibration(Settings& settings, const CaptureBitmap* screen, const WindowServices& services) = 0;
 
     // A step: the box with this title answered, its text kept.
@@ -158,75 +143,50 @@ public:
     }
 };
 
-// Defined once by each front end's driver.
 std::unique_ptr<Desktop> makeDesktop();
 
-// The main window of a front end with its engine over the fake machine.
+// The main window of a front end with its engine over the fake machine, and what it opens.
 class MainWindowHost {
 public:
     virtual ~MainWindowHost() = default;
 
     virtual Meter& meter() = 0;
-    // Runs `modal` (a menu item that opens a window) while the player's steps run.
-    virtual void play(std::deque<PlayerStep> steps, const std::function<void()>& modal) = 0;
-    // The version window and the joke popup it opens.
+    // The account's labels and buttons by name ("lblStartLv", "cmdTempStop").
+    virtual WindowDriver& window() = 0;
     virtual WindowDriver& version() = 0;
     virtual WindowDriver& joke() = 0;
-    // The engine's part of the load: empty account, timers, auto start.
+    virtual WindowDriver& compact() = 0;
+    virtual WindowDriver& history() = 0;
     virtual void load() = 0;
     // What the window does after the options window changed the language.
     virtual void retranslate() = 0;
-    virtual std::string title() = 0;
-    // A label or button of the account by name ("lblStartLv", "cmdTempStop").
-    virtual std::string text(const std::string& control) = 0;
     // Menu items by name ("menuRun").
     virtual std::string menuText(const std::string& item) = 0;
     virtual bool menuEnabled(const std::string& item) = 0;
     virtual void choose(const std::string& item) = 0;
-    // The log box's lines, each ended by "\n"; once the window is gone, the engine's.
+    // Each line ended by "\n"; once the window is gone, the engine's.
     virtual std::string logBox() = 0;
     virtual void clickGraphLabel(GraphLabel label) = 0;
-    // A button of the account by name ("cmdTempStop").
-    virtual void click(const std::string& control) = 0;
-    // Whether a label's text fits it as the window draws it.
-    virtual bool fits(const std::string& control) = 0;
-    // As WindowDriver::clipped, for the main window and the compact window.
-    virtual std::vector<std::string> clipped() = 0;
     virtual WindowDriver::Box screen() = 0;
-    // The close box; the window is gone afterwards.
     virtual void close() = 0;
 
-    // The compact window: whether it is open, its texts as drawn (state, level, then caption
-    // and value of each line), whether they are all whole, whether it stays over the game
-    // without taking the focus, its place and its opacity in percent.
-    virtual bool compactOpen() = 0;
-    virtual std::string compactTitle() = 0;
-    virtual std::vector<std::string> compactTexts() = 0;
-    // The colour of its state mark, where the front end keeps it apart from the painting.
-    virtual std::optional<std::uint32_t> compactStateColour() = 0;
-    virtual bool compactWhole() = 0;
-    virtual bool compactOverGame() = 0;
-    virtual WindowDriver::Point compactPlace() = 0;
-    virtual int compactOpacity() = 0;
-    // The player drags it by this much, or chooses an opacity from its menu (0: closes it by
-    // its own close button).
-    virtual void dragCompact(int dx, int dy) = 0;
-    virtual void compactMenu(int opacity) = 0;
-    // With TALLIVEX_SHOT_DIR set, its picture as NAME.bmp there.
-    virtual void shootCompact(const std::string& name) = 0;
-
-    // The history window: its title, each page's table with its header row first, whether
-    // every column is wide enough for its texts, and whether it can export.
-    struct HistoryShown {
-        std::string title;
-        std::vector<std::vector<std::vector<std::string>>> pages;
-        bool columnsWhole = false;
-        bool exportEnabled = false;
+    // The compact window's texts as drawn (state, level, then caption and value of each line)
+    // and whether it stays over the game without taking the focus.
+    struct CompactShown {
+        std::vector<std::string> texts;
+        bool whole = false;
+        bool overGame = false;
+        int opacity = 0;
     };
-    virtual HistoryShown history() = 0;
-    // Exports where the player chooses; the name proposed to the player, where the front end proposes one.
+    virtual CompactShown compactShown() = 0;
+    virtual void dragCompact(int dx, int dy) = 0;
+    // An opacity from its menu; 0 is its own close button.
+    virtual void compactMenu(int opacity) = 0;
+
+    // Each page's table, its header row first, and whether every column is wide enough.
+    virtual std::vector<std::vector<std::vector<std::string>>> historyPages(bool* columnsWhole) = 0;
+    // The name proposed to the player, where the front end proposes one.
     virtual std::optional<std::string> exportHistory(const std::filesystem::path& to) = 0;
-    virtual void shootHistory(const std::string& name) = 0;
 };
 
 std::unique_ptr<MainWindowHost> makeMainWindowHost(Settings& settings, DebugLog& log, FakeMachine& machine);

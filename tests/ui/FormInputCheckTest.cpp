@@ -1,59 +1,41 @@
 // What only the Qt number dialog has; the rest is tests/windows/NumberDialogTest.cpp.
 #include "FormInputCheck.h"
-#include "QtPrompter.h"
-#include "QtWindowDriver.h"
+#include "support/WindowDriver.h"
 
 #include <QApplication>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
 namespace tvx::ui {
 namespace {
 
-TEST(QtPrompterNumber, AsksThroughOneReusedDialog)
+// Every question reuses one dialog; Qt tells the keypad's Enter from Return, and it must
+// press the focused button too.
+TEST(QtPrompterNumber, AsksThroughOneReusedDialogAndTheKeypadEnterPressesTheFocusedButton)
 {
-    QWidget owner;
-    owner.show();
-    QtPrompter prompter(&owner);
-    std::vector<const FormInputCheck*> seen;
-    for (const char* typed : {"250", "3"}) {
-        test::playWhile({[&] {
-                             auto* dialog = qobject_cast<FormInputCheck*>(QApplication::activeModalWidget());
-                             if (dialog == nullptr)
-                                 return false;
-                             seen.push_back(dialog);
-                             test::QtWindowDriver driver([dialog] { return dialog; });
-                             driver.setText("txtInput", typed);
-                             driver.click("cmdEnter");
-                             return true;
-                         }},
-                        [&] { EXPECT_EQ(prompter.askNumber("1", "300", 10, "1", "prompt", "title"), std::stod(typed)); });
+    const std::unique_ptr<test::Desktop> desktop = test::makeDesktop();
+    test::WindowDriver& dialog = desktop->numberDialog();
+    std::vector<const QWidget*> seen;
+    for (const bool keypad : {true, false}) {
+        double answer = 0;
+        desktop->play({[&] {
+                           QWidget* shown = QApplication::activeModalWidget();
+                           if (!dialog.isOpen() || shown == nullptr)
+                               return false;
+                           seen.push_back(shown);
+                           dialog.setText("txtInput", "250");
+                           if (keypad)
+                               QTest::keyClick(shown->findChild<QWidget*>(QStringLiteral("cmdCancel")), Qt::Key_Enter);
+                           else
+                               dialog.click("cmdEnter");
+                           return true;
+                       }},
+                      [&] { answer = desktop->prompter().askNumber("1", "300", 10, "1", "prompt", "title"); });
+        EXPECT_EQ(answer, keypad ? FormInputCheck::kCancelled : 250);
     }
     ASSERT_EQ(seen.size(), 2u);
     EXPECT_EQ(seen[0], seen[1]);
-}
-
-// Qt tells the keypad's Enter from Return, and Backspace must erase, not be filtered out.
-TEST(QtPrompterNumber, BackspaceErasesAndTheKeypadEnterPressesTheFocusedButton)
-{
-    QWidget owner;
-    owner.show();
-    QtPrompter prompter(&owner);
-    std::string shown;
-    test::playWhile({[&] {
-                         auto* dialog = qobject_cast<FormInputCheck*>(QApplication::activeModalWidget());
-                         if (dialog == nullptr)
-                             return false;
-                         test::QtWindowDriver driver([dialog] { return dialog; });
-                         driver.type("txtInput", "12E3");
-                         QTest::keyClick(driver.control("txtInput"), Qt::Key_Backspace);
-                         driver.type("txtInput", "-1");
-                         shown = driver.text("txtInput");
-                         QTest::keyClick(driver.control("cmdCancel"), Qt::Key_Enter);
-                         return true;
-                     }},
-                    [&] { EXPECT_EQ(prompter.askNumber("0", "99999", 10, "1", "prompt", "title"), FormInputCheck::kCancelled); });
-    EXPECT_EQ(shown, "12E-1");
 }
 
 } // namespace

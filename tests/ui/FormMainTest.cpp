@@ -1,7 +1,7 @@
 #include "FormCompact.h"
+#include "FormDirectX.h"
 #include "FormMain.h"
 #include "GraphFrame.h"
-#include "GraphPicture.h"
 #include "base/Utf8Path.h"
 
 #include "meter/Meter.h"
@@ -12,8 +12,8 @@
 #include "support/ReadFile.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TempFolder.h"
+#include "support/TextChecks.h"
 
-#include "TextCodecFactory.h"
 #include "config/ConfigFile.h"
 #include "graph/GraphLayout.h"
 
@@ -22,7 +22,6 @@
 #include <QFrame>
 #include <QPushButton>
 #include <QLabel>
-#include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QTimer>
 #include <QApplication>
@@ -36,6 +35,28 @@
 namespace tvx {
 namespace {
 
+// Button events as a test script gives them; start can be made to fail.
+class ScriptedMouse : public MouseButtonSource {
+public:
+    StartResult result = StartResult::Started;
+    Handler handler;
+    int stops = 0;
+
+    StartResult start(Handler onBatch) override
+    {
+        if (result == StartResult::Started)
+            handler = std::move(onBatch);
+        return result;
+    }
+    void stop() override
+    {
+        ++stops;
+        handler = nullptr;
+    }
+    void click(MouseButton button) { handler({{button, true}, {button, false}}); }
+};
+
+// What only the Qt main window has; the rest is tests/windows/MainWindowTest.cpp.
 class FormMainTest : public testing::Test {
 protected:
     FormMainTest()
@@ -43,6 +64,8 @@ protected:
         settings.SaveFolder = pathUtf8(temp.path());
         settings.StartDelay = 0;
         window.attach(meter);
+        window.setConfigFile(&config, {});
+        window.setGestureSource(&mouse, &prompter);
     }
 
     // Loaded and shown at the size the window opens with.
@@ -58,18 +81,21 @@ protected:
     {
         return window.findChild<QLabel*>(QString::fromLatin1(name))->text();
     }
+    std::string debugText() const { return test::readAll(log.path()); }
 
     test::TempFolder temp;
     test::FakeMachine machine;
     test::MarkingCodec codec;
+    test::ScriptedPrompter prompter;
+    ScriptedMouse mouse;
     Settings settings = defaultSettings("");
     DebugLog log{temp.path(), machine.clock};
+    ConfigFile config{settings, temp.path(), prompter, codec, &log};
     ui::FormMain window{programTitle("MapleStory"), log, temp.path()};
     MeterPorts ports{machine.clock, machine, machine, machine, machine, machine, machine, window};
     Meter meter{settings, ports, log};
 };
 
-// What only the Qt main window has; the rest is tests/windows/MainWindowTest.cpp.
 TEST_F(FormMainTest, TheCaptureTimerRunsWhileTheSessionDoes)
 {
     machine.screens = {test::gameCapture({"50", "1000", "0"})};
@@ -80,23 +106,24 @@ TEST_F(FormMainTest, TheCaptureTimerRunsWhileTheSessionDoes)
     EXPECT_FALSE(timer->isActive());
 }
 
-TEST_F(FormMainTest, TheOptionsSwitchDebugModeAndTheLevelWatchAtOnce)
+// The options apply without a restart: the debug switch shows the debug area and its
+// recognition works, the level watch starts, and the graph reshapes the window.
+TEST_F(FormMainTest, TheOptionsSwitchDebugModeTheLevelWatchAndTheGraphAtOnce)
 {
-    test::ScriptedPrompter prompter;
-    ConfigFile config(settings, temp.path(), prompter, codec, &log);
-    window.setConfigFile(&config, {});
     settings.AutoStart = false;
-    window.FormMain_Load();
-    window.show();
+    settings.Graph = false;
+    loadAndShow();
+    auto* frmGraph = window.findChild<ui::GraphFrame*>();
+    ASSERT_NE(frmGraph, nullptr);
+    EXPECT_EQ(meter.state().graph, nullptr);
     window.action("menuOption")->trigger();
     auto* options = window.findChild<ui::FormOption*>();
     ASSERT_NE(options, nullptr);
-    auto* debugMode = options->findChild<QCheckBox*>(QStringLiteral("chkDebugMode"));
+    const auto box = [options](const char* name) { return options->findChild<QCheckBox*>(QLatin1String(name)); };
     auto* frmDebug = window.findChild<QFrame*>(QStringLiteral("frmDebug"));
-    ASSERT_TRUE(debugMode && frmDebug);
-    EXPECT_FALSE(frmDebug->isVisible());
+    ASSERT_TRUE(box("chkDebugMode") && box("chkGraph") && frmDebug);
 
-    debugMode->click();
+    box("chkDebugMode")->click();
     EXPECT_TRUE(meter.state().DebugMode);
     EXPECT_TRUE(frmDebug->isVisible());
     machine.screens = {test::gameCapture({"50", "1000", "0"})};
@@ -104,49 +131,26 @@ TEST_F(FormMainTest, TheOptionsSwitchDebugModeAndTheLevelWatchAtOnce)
     window.findChild<QPushButton*>(QStringLiteral("cmdRecognize"))->click();
     EXPECT_TRUE(labelText("lblElapse").endsWith(QStringLiteral("秒")));
     EXPECT_EQ(labelText("lblCapture0"), QStringLiteral("50"));
-    const std::string debug = test::readAll(log.path());
-    EXPECT_NE(debug.find("Change DebugMode ･･･ End "), std::string::npos);
-    EXPECT_NE(debug.find("Single Recognize("), std::string::npos);
+    EXPECT_HOLDS(debugText(), "Change DebugMode ･･･ End ");
+    EXPECT_HOLDS(debugText(), "Single Recognize(");
+    box("chkDebugMode")->click();
+    EXPECT_FALSE(frmDebug->isVisible());
 
     auto* timDoHL = window.findChild<QTimer*>(QStringLiteral("timDoHLInterval"));
     EXPECT_FALSE(timDoHL->isActive());
-    options->findChild<QCheckBox*>(QStringLiteral("chkDoHLCheckExec"))->click();
-    EXPECT_TRUE(timDoHL->isActive()) << "no restart needed";
+    box("chkDoHLCheckExec")->click();
+    EXPECT_TRUE(timDoHL->isActive());
 
-    debugMode->click();
-    EXPECT_FALSE(frmDebug->isVisible());
-    window.close();
-}
-
-TEST_F(FormMainTest, SwitchingTheGraphReshapesTheWindowAtOnce)
-{
-    test::ScriptedPrompter prompter;
-    ConfigFile config(settings, temp.path(), prompter, codec, &log);
-    window.setConfigFile(&config, {});
-    settings.AutoStart = false;
-    settings.Graph = false;
-    loadAndShow();
-    auto* frmGraph = window.findChild<ui::GraphFrame*>();
-    ASSERT_NE(frmGraph, nullptr);
-    EXPECT_EQ(window.width(), kPanelClientWidth) << "without the graph, the panel's width only";
-    EXPECT_FALSE(frmGraph->isVisible());
-    EXPECT_EQ(meter.state().graph, nullptr);
-
-    window.action("menuOption")->trigger();
-    auto* graph = window.findChild<ui::FormOption*>()->findChild<QCheckBox*>(QStringLiteral("chkGraph"));
-    ASSERT_NE(graph, nullptr);
-    graph->click();
+    box("chkGraph")->click();
     QTest::qWait(20);
     EXPECT_TRUE(settings.Graph);
     EXPECT_TRUE(frmGraph->isVisible()) << "no resize needed";
     EXPECT_GE(window.width(), kMinGraphClientWidth);
     ASSERT_NE(meter.state().graph, nullptr) << "a graph switched on after the start gets its buffer";
-    EXPECT_GT(frmGraph->picGraph()->width(), 0);
-
-    graph->click();
+    box("chkGraph")->click();
     QTest::qWait(20);
     EXPECT_FALSE(frmGraph->isVisible());
-    EXPECT_EQ(window.width(), kPanelClientWidth);
+    EXPECT_EQ(window.width(), kPanelClientWidth) << "without the graph, the panel's width only";
     window.close();
 }
 
@@ -156,9 +160,9 @@ TEST_F(FormMainTest, ABackgroundClickRefreshesTheWindow)
     loadAndShow();
     auto* frmGraph = window.findChild<ui::GraphFrame*>();
     QTest::mouseClick(frmGraph, Qt::LeftButton, {}, QPoint(frmGraph->width() - 2, 2));
-    EXPECT_EQ(test::readAll(log.path()).find("Click : Window Refresh "), std::string::npos) << "the graph's own";
+    EXPECT_LACKS(debugText(), "Click : Window Refresh ") << "the graph's own";
     QTest::mouseClick(window.centralWidget(), Qt::LeftButton, {}, QPoint(4, window.centralWidget()->height() - 3));
-    EXPECT_NE(test::readAll(log.path()).find("Click : Window Refresh "), std::string::npos);
+    EXPECT_HOLDS(debugText(), "Click : Window Refresh ");
     window.close();
 }
 
@@ -179,9 +183,8 @@ TEST_F(FormMainTest, TheVersionWindowNamesTheVersionOnce)
     window.action("menuVersion")->trigger();
     EXPECT_EQ(shown, QStringLiteral("Tallivex  for MapleStory|バージョン Ver.2.20|"));
     EXPECT_TRUE(isDefault);
-    EXPECT_NE(test::readAll(log.path()).find("Click : VersionInformation "), std::string::npos);
+    EXPECT_HOLDS(debugText(), "Click : VersionInformation ");
 }
-
 
 // The editor adds only what the box adds, yet always shows the box's text and caret:
 // through a caret left at the new text, a clear, and the oldest lines let go.
@@ -211,6 +214,49 @@ TEST_F(FormMainTest, TheLogEditorFollowsTheBoxLineForLine)
         box.write("line " + std::to_string(i) + "\r\n");
     check("past the line limit");
     EXPECT_TRUE(window.txtLog()->toPlainText().startsWith(QStringLiteral("line 88\n"))) << "the oldest lines went";
+}
+
+TEST_F(FormMainTest, GesturesLoadWithTheWindowAndReachTheMeterUntilTheClose)
+{
+    settings.Gesture = true;
+    window.FormMain_Load();
+    ASSERT_TRUE(window.formDirectX() && window.formDirectX()->loaded());
+    EXPECT_HOLDS(debugText(), "DirectX Loding ･･･ ");
+    EXPECT_HOLDS(debugText(), "Mouse Events Acquire ･･･ Successfull ");
+
+    for (MouseButton b : {MouseButton::Right, MouseButton::Left, MouseButton::Left, MouseButton::Left})
+        mouse.click(b);
+    EXPECT_TRUE(settings.DoHLCheckExec);
+    EXPECT_HOLDS(meter.logBox().text(), "マウスジェスチャ：自動撮影 監視開始");
+
+    window.close();
+    EXPECT_EQ(mouse.stops, 1);
+    const std::string text = debugText();
+    EXPECT_LT(text.find("Mouse Events UnAcquire "), text.find("DirectX UnLoding ･･･ End "));
+}
+
+TEST_F(FormMainTest, AMouseThatCannotBeOpenedIsReportedAndGesturesStayOff)
+{
+    const struct { MouseButtonSource::StartResult result; const char* logLine; const char* message; } cases[] = {
+        {MouseButtonSource::StartResult::NoInputSystem, "It was mistake to Create DirectInput Object ",
+         "DirectInputオブジェクトが生成できません。"},
+        {MouseButtonSource::StartResult::NoMouseDevice, "It was mistake to Create DirectInputDevice Object ",
+         "Mouse用DirectInputDeviceオブジェクトが生成できません。"},
+    };
+    for (const auto& c : cases) {
+        settings.Gesture = true;
+        prompter.shown.clear();
+        mouse.result = c.result;
+        ui::FormDirectX form(meter, mouse, log, prompter);
+        EXPECT_FALSE(form.Form_Load());
+        EXPECT_FALSE(form.loaded());
+        EXPECT_HOLDS(debugText(), c.logLine);
+        ASSERT_EQ(prompter.shown.size(), 1u);
+        EXPECT_EQ(prompter.shown[0].text, c.message);
+    }
+    mouse.result = MouseButtonSource::StartResult::NoMouseDevice;
+    window.FormMain_Load();
+    EXPECT_FALSE(settings.Gesture);
 }
 
 // The compact window paints its state mark and its close cross itself: the mark in the

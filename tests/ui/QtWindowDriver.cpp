@@ -1,13 +1,14 @@
 // The Qt front end behind the shared window scenarios of tests/windows.
-#include "QtWindowDriver.h"
+#include "support/WindowDriver.h"
 
 #include "FormCalibrate.h"
 #include "FormCompact.h"
 #include "FormHistory.h"
 #include "FormInputCheck.h"
 #include "FormMain.h"
-#include "GraphFrame.h"
 #include "FormOption.h"
+#include "GlyphView.h"
+#include "GraphFrame.h"
 #include "QtPrompter.h"
 
 #include "TextCodecFactory.h"
@@ -19,52 +20,35 @@
 #include "view/LiveView.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
+#include <QElapsedTimer>
 #include <QGroupBox>
-#include <QStyle>
-#include <QTabBar>
 #include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
-#include <QMouseEvent>
+#include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QScreen>
+#include <QStyle>
+#include <QTabBar>
 #include <QTableWidget>
-#include <QToolButton>
-#include <QPlainTextEdit>
-#include <QApplication>
-#include <QElapsedTimer>
-#include <QMessageBox>
+#include <QTest>
 #include <QTimer>
+#include <QToolButton>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
 
 namespace tvx::test {
+namespace {
 
-void playWhile(std::deque<PlayerStep> steps, const std::function<void()>& modal)
-{
-    QElapsedTimer clock;
-    clock.start();
-    bool running = false;
-    bool timedOut = false;
-    QTimer timer;
-    timer.callOnTimeout([&] {
-        if (running || steps.empty())
-            return;
-        running = true; // a step may open a nested loop of its own
-        if (steps.front()())
-            steps.pop_front();
-        else if (clock.elapsed() > 30000) {
-            timedOut = true;
-            if (QWidget* modalWindow = QApplication::activeModalWidget())
-                modalWindow->close();
-        }
-        running = false;
-    });
-    timer.start(20);
-    modal();
-    EXPECT_TRUE(steps.empty()) << "the window closed before the player was done";
-    EXPECT_FALSE(timedOut);
-}
-
+// The texts of a window's shown controls that do not fit them.
 std::vector<std::string> clippedTexts(QWidget* window)
 {
     std::vector<std::string> clipped;
@@ -109,22 +93,122 @@ std::vector<std::string> clippedTexts(QWidget* window)
     return clipped;
 }
 
-namespace {
-
-// The active message box with this title, answered: its text.
-std::optional<std::string> answerQtBox(const std::string& title, Desktop::Button button)
+WindowDriver::Box boxOf(const QRect& r)
 {
-    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-    if (box == nullptr || box->windowTitle().toStdString() != title)
-        return std::nullopt;
-    const QMessageBox::StandardButton which[] = {QMessageBox::Ok, QMessageBox::Cancel, QMessageBox::Yes,
-                                                 QMessageBox::No};
-    QAbstractButton* pressed = box->button(which[static_cast<int>(button)]);
-    if (pressed == nullptr)
-        return std::nullopt;
-    QMetaObject::invokeMethod(pressed, "click", Qt::QueuedConnection);
-    return box->text().toStdString();
+    return {r.x(), r.y(), r.width(), r.height()};
 }
+
+// A Qt window, found afresh for every call, and its children by object name.
+class QtWindowDriver final : public WindowDriver {
+public:
+    explicit QtWindowDriver(std::function<QWidget*()> window) : m_window(std::move(window)) {}
+
+    bool isOpen() override { return m_window() != nullptr && m_window()->isVisible(); }
+    std::string title() override { return m_window()->windowTitle().toStdString(); }
+    std::string text(const std::string& name) override
+    {
+        QWidget* widget = control(name);
+        if (const auto* label = qobject_cast<QLabel*>(widget))
+            return label->text().toStdString();
+        if (const auto* button = qobject_cast<QAbstractButton*>(widget))
+            return button->text().toStdString();
+        if (const auto* edit = qobject_cast<QLineEdit*>(widget))
+            return edit->text().toStdString();
+        if (const auto* combo = qobject_cast<QComboBox*>(widget))
+            return combo->currentText().toStdString();
+        return {};
+    }
+    bool enabled(const std::string& name) override { return control(name) && control(name)->isEnabled(); }
+    // The window's own focus: offscreen, a window may stay inactive after a message box.
+    bool focused(const std::string& name) override
+    {
+        return m_window() && m_window()->focusWidget() && m_window()->focusWidget() == find(name);
+    }
+    void focus(const std::string& name) override { control(name)->setFocus(); }
+    void click(const std::string& name) override
+    {
+        QMetaObject::invokeMethod(qobject_cast<QAbstractButton*>(control(name)), "click", Qt::QueuedConnection);
+    }
+    void clickNow(const std::string& name) override { qobject_cast<QAbstractButton*>(control(name))->click(); }
+    void type(const std::string& name, const std::string& text) override
+    {
+        QTest::keyClicks(control(name), QString::fromStdString(text));
+    }
+    void setText(const std::string& name, const std::string& text) override
+    {
+        qobject_cast<QLineEdit*>(control(name))->setText(QString::fromStdString(text));
+    }
+    void press(Key key) override
+    {
+        QWidget* target = m_window()->focusWidget() ? m_window()->focusWidget() : m_window();
+        QCoreApplication::postEvent(target, new QKeyEvent(QEvent::KeyPress, code(key), Qt::NoModifier));
+        QCoreApplication::postEvent(target, new QKeyEvent(QEvent::KeyRelease, code(key), Qt::NoModifier));
+    }
+    void key(const std::string& name, Key key) override { QTest::keyClick(control(name), code(key)); }
+    void choose(const std::string& name, int index) override
+    {
+        if (auto* combo = qobject_cast<QComboBox*>(control(name)))
+            combo->setCurrentIndex(index);
+        else if (auto* tabs = qobject_cast<QTabWidget*>(control(name)))
+            tabs->setCurrentIndex(index);
+    }
+    std::vector<std::uint16_t> glyph(const std::string& name) override { return glyphView(name)->columns(); }
+    void clickCell(const std::string& name, int column, int row) override
+    {
+        ui::GlyphView* view = glyphView(name);
+        QTest::mouseClick(view, Qt::LeftButton, {}, view->pixelCentre(column, row));
+    }
+    void drag(const std::string& name, Point from, Point to) override
+    {
+        QWidget* widget = control(name);
+        QTest::mousePress(widget, Qt::LeftButton, {}, QPoint(from.x, from.y));
+        const QPointF half((from.x + to.x) / 2.0, (from.y + to.y) / 2.0);
+        QMouseEvent move(QEvent::MouseMove, half, widget->mapToGlobal(half), Qt::NoButton, Qt::LeftButton,
+                         Qt::NoModifier);
+        QApplication::sendEvent(widget, &move);
+        QTest::mouseRelease(widget, Qt::LeftButton, {}, QPoint(to.x, to.y));
+    }
+    Frame picture(const std::string& name) override
+    {
+        const QImage image = (name.empty() ? m_window() : control(name))->grab().toImage().convertToFormat(
+            QImage::Format_BGR888);
+        Frame frame(image.width(), image.height());
+        for (int y = 0; y < image.height(); ++y)
+            std::memcpy(frame.row(y), image.constScanLine(y), frame.rowBytes());
+        return frame;
+    }
+    Box frame() override { return boxOf(m_window()->frameGeometry()); }
+    void close() override { QMetaObject::invokeMethod(m_window(), "close", Qt::QueuedConnection); }
+    // A label that does not wrap must fit on one line.
+    bool fits(const std::string& name) override
+    {
+        const QWidget* widget = control(name);
+        if (const auto* label = qobject_cast<const QLabel*>(widget)) {
+            const QRect room = label->contentsRect();
+            const QRect needed = label->fontMetrics().boundingRect(room, label->wordWrap() ? Qt::TextWordWrap : 0,
+                                                                   label->text());
+            return needed.height() <= room.height() && needed.width() <= room.width();
+        }
+        return widget->sizeHint().width() <= widget->width();
+    }
+    std::vector<std::string> clipped() override { return clippedTexts(m_window()); }
+
+private:
+    static Qt::Key code(Key key)
+    {
+        return key == Key::Enter ? Qt::Key_Return : key == Key::Escape ? Qt::Key_Escape : Qt::Key_Right;
+    }
+    QWidget* find(const std::string& name) { return m_window()->findChild<QWidget*>(QString::fromStdString(name)); }
+    QWidget* control(const std::string& name)
+    {
+        QWidget* found = m_window() ? find(name) : nullptr;
+        EXPECT_NE(found, nullptr) << name;
+        return found;
+    }
+    ui::GlyphView* glyphView(const std::string& name) { return qobject_cast<ui::GlyphView*>(control(name)); }
+
+    std::function<QWidget*()> m_window;
+};
 
 class QtDesktop final : public Desktop {
 public:
@@ -132,29 +216,28 @@ public:
     {
         m_owner.setGeometry(60, 40, 420, 300);
         m_owner.show();
+        QApplication::setActiveWindow(&m_owner); // the window that asks
     }
 
     Prompter& prompter() override { return m_prompter; }
 
-    void play(std::deque<PlayerStep> steps, const std::function<void()>& modal) override
-    {
-        QApplication::setActiveWindow(&m_owner); // the window that asks
-        playWhile(std::move(steps), modal);
-    }
-
     WindowDriver& numberDialog() override { return m_dialog; }
     WindowDriver& options() override { return m_options; }
     WindowDriver& calibration() override { return m_calibration; }
-
-    WindowDriver::Box owner() override
-    {
-        const QRect r = m_owner.frameGeometry();
-        return {r.x(), r.y(), r.width(), r.height()};
-    }
+    WindowDriver::Box owner() override { return boxOf(m_owner.frameGeometry()); }
 
     std::optional<std::string> answerBox(const std::string& title, Button button) override
     {
-        return answerQtBox(title, button);
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (box == nullptr || box->windowTitle().toStdString() != title)
+            return std::nullopt;
+        const QMessageBox::StandardButton which[] = {QMessageBox::Ok, QMessageBox::Cancel, QMessageBox::Yes,
+                                                     QMessageBox::No};
+        QAbstractButton* pressed = box->button(which[static_cast<int>(button)]);
+        if (pressed == nullptr)
+            return std::nullopt;
+        QMetaObject::invokeMethod(pressed, "click", Qt::QueuedConnection);
+        return box->text().toStdString();
     }
 
     void showOptions(ConfigFile& config, const CaptureBitmap* lastCapture, const WindowServices& services) override
@@ -174,25 +257,12 @@ public:
     }
 
 private:
-    template <typename Window>
-    QWidget* shown()
-    {
-        return m_owner.findChild<Window*>();
-    }
-
     QWidget m_owner;
     ui::QtPrompter m_prompter{&m_owner};
-    QtWindowDriver m_dialog{[this] { return shown<ui::FormInputCheck>(); }};
-    QtWindowDriver m_options{[this] { return shown<ui::FormOption>(); }};
-    QtWindowDriver m_calibration{[this] { return shown<ui::FormCalibrate>(); }};
+    QtWindowDriver m_dialog{[this] { return m_owner.findChild<ui::FormInputCheck*>(); }};
+    QtWindowDriver m_options{[this] { return m_owner.findChild<ui::FormOption*>(); }};
+    QtWindowDriver m_calibration{[this] { return m_owner.findChild<ui::FormCalibrate*>(); }};
 };
-
-// What the screen shows of a widget, as a file for the README when TALLIVEX_SHOT_DIR is set.
-void shoot(QWidget* widget, const std::string& name)
-{
-    if (widget != nullptr)
-        QtWindowDriver([widget] { return widget; }).shoot(name);
-}
 
 class QtMainWindowHost final : public MainWindowHost {
 public:
@@ -207,13 +277,11 @@ public:
     }
 
     Meter& meter() override { return m_meter; }
-
-    void play(std::deque<PlayerStep> steps, const std::function<void()>& modal) override
-    {
-        playWhile(std::move(steps), modal);
-    }
+    WindowDriver& window() override { return m_main; }
     WindowDriver& version() override { return m_version; }
     WindowDriver& joke() override { return m_joke; }
+    WindowDriver& compact() override { return m_compact; }
+    WindowDriver& history() override { return m_history; }
 
     void load() override
     {
@@ -229,19 +297,6 @@ public:
         QTest::qWait(20);
     }
 
-    std::string title() override { return m_window.windowTitle().toStdString(); }
-
-    std::string text(const std::string& control) override
-    {
-        QWidget* widget = m_window.findChild<QWidget*>(QString::fromStdString(control));
-        if (const auto* label = qobject_cast<QLabel*>(widget))
-            return label->text().toStdString();
-        if (const auto* button = qobject_cast<QAbstractButton*>(widget))
-            return button->text().toStdString();
-        ADD_FAILURE() << "no label or button " << control;
-        return {};
-    }
-
     std::string menuText(const std::string& item) override { return action(item)->text().toStdString(); }
     bool menuEnabled(const std::string& item) override { return action(item)->isEnabled(); }
     void choose(const std::string& item) override { action(item)->trigger(); }
@@ -252,77 +307,35 @@ public:
         QTest::mouseClick(m_window.findChild<ui::GraphFrame*>()->label(label), Qt::LeftButton);
     }
 
-    void click(const std::string& control) override
-    {
-        m_window.findChild<QAbstractButton*>(QString::fromStdString(control))->click();
-    }
-
-    bool fits(const std::string& control) override
-    {
-        const auto* label = m_window.findChild<QLabel*>(QString::fromStdString(control));
-        return label != nullptr && label->fontMetrics().horizontalAdvance(label->text()) <= label->width();
-    }
-
-    std::vector<std::string> clipped() override
-    {
-        std::vector<std::string> texts = clippedTexts(&m_window);
-        if (compactOpen())
-            for (std::string& text : clippedTexts(compact()))
-                texts.push_back(std::move(text));
-        return texts;
-    }
-
-    WindowDriver::Box screen() override
-    {
-        const QRect r = QGuiApplication::primaryScreen()->geometry();
-        return {r.x(), r.y(), r.width(), r.height()};
-    }
-
+    WindowDriver::Box screen() override { return boxOf(QGuiApplication::primaryScreen()->geometry()); }
     void close() override { m_window.close(); }
 
-    bool compactOpen() override { return compact() != nullptr && compact()->isVisible(); }
-    std::string compactTitle() override { return compact()->windowTitle().toStdString(); }
-    std::optional<std::uint32_t> compactStateColour() override
+    CompactShown compactShown() override
     {
-        return compact()->findChild<QLabel*>(QStringLiteral("shpState"))->property("stateColour").toUInt();
-    }
-
-    std::vector<std::string> compactTexts() override
-    {
-        std::vector<std::string> texts;
+        ui::FormCompact& form = *m_window.formCompact();
+        CompactShown shown;
         const auto add = [&](const QString& name) {
-            const auto* label = compact()->findChild<QLabel*>(name);
+            const auto* label = form.findChild<QLabel*>(name);
             if (label != nullptr)
-                texts.push_back(label->text().toStdString());
+                shown.texts.push_back(label->text().toStdString());
             return label != nullptr;
         };
         add(QStringLiteral("lblState"));
         add(QStringLiteral("lblLevel"));
         for (int i = 0; add(QStringLiteral("lblCaption%1").arg(i)) && add(QStringLiteral("lblValue%1").arg(i)); ++i) {
         }
-        return texts;
-    }
-
-    // Every line inside the window.
-    bool compactWhole() override
-    {
-        const auto values = compact()->findChildren<QLabel*>(QRegularExpression(QStringLiteral("^lblValue")));
-        return std::all_of(values.begin(), values.end(), [this](const QLabel* value) {
-            return value->geometry().bottom() <= compact()->height() - kCompactMargin;
+        const auto values = form.findChildren<QLabel*>(QRegularExpression(QStringLiteral("^lblValue")));
+        shown.whole = std::all_of(values.begin(), values.end(), [&form](const QLabel* value) {
+            return value->geometry().bottom() <= form.height() - kCompactMargin;
         });
+        shown.overGame = form.windowFlags().testFlags(Qt::Tool | Qt::WindowStaysOnTopHint) && form.parent() == nullptr;
+        shown.opacity = qRound(form.windowOpacity() * 100);
+        return shown;
     }
-
-    bool compactOverGame() override
-    {
-        return compact()->windowFlags().testFlags(Qt::Tool | Qt::WindowStaysOnTopHint) && compact()->parent() == nullptr;
-    }
-
-    WindowDriver::Point compactPlace() override { return {compact()->pos().x(), compact()->pos().y()}; }
-    int compactOpacity() override { return qRound(compact()->windowOpacity() * 100); }
 
     void dragCompact(int dx, int dy) override
     {
-        QWidget& window = *compact();
+        QWidget& window = *m_window.formCompact();
         const QPoint grip(60, 40);
         const QPoint by(dx, dy);
         const QPoint from = window.mapToGlobal(grip);
@@ -339,42 +352,32 @@ public:
     void compactMenu(int opacity) override
     {
         if (opacity == 0)
-            return compact()->findChild<QToolButton*>(QStringLiteral("cmdClose"))->click();
-        std::unique_ptr<QMenu> menu(compact()->makeMenu());
+            return m_window.formCompact()->findChild<QToolButton*>(QStringLiteral("cmdClose"))->click();
+        std::unique_ptr<QMenu> menu(m_window.formCompact()->makeMenu());
         menu->findChild<QAction*>(QStringLiteral("menuOpacity%1").arg(opacity))->trigger();
     }
 
-    void shootCompact(const std::string& name) override { shoot(compact(), name); }
-
-    HistoryShown history() override
+    std::vector<std::vector<std::vector<std::string>>> historyPages(bool* columnsWhole) override
     {
-        HistoryShown shown;
-        const auto* form = m_window.findChild<QWidget*>(QStringLiteral("frmHistory"));
-        if (form == nullptr || !form->isVisible())
-            return shown;
-        shown.title = form->windowTitle().toStdString();
-        shown.columnsWhole = true;
-        for (const char* name : {"grdSessions", "grdDays", "grdWeeks"}) {
-            const auto* grid = form->findChild<QTableWidget*>(QLatin1String(name));
-            std::vector<std::vector<std::string>> table(1);
+        std::vector<std::vector<std::vector<std::string>>> pages;
+        *columnsWhole = true;
+        const auto row = [&](const QFontMetrics& font, const auto& cells, const QTableWidget* grid) {
+            std::vector<std::string> texts;
             for (int c = 0; c < grid->columnCount(); ++c) {
-                const QString header = grid->horizontalHeaderItem(c)->text();
-                table[0].push_back(header.toStdString());
-                shown.columnsWhole = shown.columnsWhole &&
-                                     grid->horizontalHeader()->fontMetrics().horizontalAdvance(header) <= grid->columnWidth(c);
+                texts.push_back(cells(c).toStdString());
+                *columnsWhole = *columnsWhole && font.horizontalAdvance(cells(c)) <= grid->columnWidth(c);
             }
-            for (int r = 0; r < grid->rowCount(); ++r) {
-                table.emplace_back();
-                for (int c = 0; c < grid->columnCount(); ++c) {
-                    const QString cell = grid->item(r, c)->text();
-                    table.back().push_back(cell.toStdString());
-                    shown.columnsWhole = shown.columnsWhole && grid->fontMetrics().horizontalAdvance(cell) <= grid->columnWidth(c);
-                }
-            }
-            shown.pages.push_back(table);
+            return texts;
+        };
+        for (const char* name : {"grdSessions", "grdDays", "grdWeeks"}) {
+            const auto* grid = m_window.findChild<QTableWidget*>(QLatin1String(name));
+            pages.push_back({row(grid->horizontalHeader()->fontMetrics(),
+                                 [grid](int c) { return grid->horizontalHeaderItem(c)->text(); }, grid)});
+            for (int r = 0; r < grid->rowCount(); ++r)
+                pages.back().push_back(
+                    row(grid->fontMetrics(), [grid, r](int c) { return grid->item(r, c)->text(); }, grid));
         }
-        shown.exportEnabled = form->findChild<QPushButton*>(QStringLiteral("cmdExport"))->isEnabled();
-        return shown;
+        return pages;
     }
 
     std::optional<std::string> exportHistory(const std::filesystem::path& to) override
@@ -389,11 +392,6 @@ public:
         return proposed.toStdString();
     }
 
-    void shootHistory(const std::string& name) override
-    {
-        shoot(m_window.findChild<QWidget*>(QStringLiteral("frmHistory")), name);
-    }
-
 private:
     QAction* action(const std::string& item)
     {
@@ -401,17 +399,48 @@ private:
         EXPECT_NE(found, nullptr) << item;
         return found;
     }
-    ui::FormCompact* compact() { return m_window.formCompact(); }
+    QWidget* named(const char* name) { return m_window.findChild<QWidget*>(QLatin1String(name)); }
 
     std::unique_ptr<TextCodec> m_codec = platform::makeTextCodec();
     ConfigFile m_config;
     ui::FormMain m_window;
     MeterPorts m_ports;
     Meter m_meter;
-    QtWindowDriver m_version{[this] { return m_window.findChild<QWidget*>(QStringLiteral("FormVersion")); }};
-    QtWindowDriver m_joke{[this] { return m_window.findChild<QWidget*>(QStringLiteral("FormJoke")); }};
+    QtWindowDriver m_main{[this] { return &m_window; }};
+    QtWindowDriver m_version{[this] { return named("FormVersion"); }};
+    QtWindowDriver m_joke{[this] { return named("FormJoke"); }};
+    QtWindowDriver m_compact{[this] { return m_window.formCompact(); }};
+    QtWindowDriver m_history{[this] { return named("frmHistory"); }};
 };
+
 } // namespace
+
+// The steps run from a timer in the window's loop.
+void play(std::deque<PlayerStep> steps, const std::function<void()>& modal)
+{
+    QElapsedTimer clock;
+    clock.start();
+    bool running = false;
+    bool timedOut = false;
+    QTimer timer;
+    timer.callOnTimeout([&] {
+        if (running || steps.empty())
+            return;
+        running = true; // a step may open a nested loop of its own
+        if (steps.front()())
+            steps.pop_front();
+        else if (clock.elapsed() > 30000) {
+            timedOut = true;
+            if (QWidget* modalWindow = QApplication::activeModalWidget())
+                modalWindow->close();
+        }
+        running = false;
+    });
+    timer.start(20);
+    modal();
+    EXPECT_TRUE(steps.empty()) << "the window closed before the player was done";
+    EXPECT_FALSE(timedOut);
+}
 
 std::unique_ptr<MainWindowHost> makeMainWindowHost(Settings& settings, DebugLog& log, FakeMachine& machine)
 {

@@ -35,6 +35,24 @@ namespace tvx::test {
 
 namespace {
 
+// The size of a text as a control draws it, in its font, within `room`.
+RECT measure(HWND control, const std::wstring& text, UINT format, RECT room)
+{
+    const HDC dc = GetDC(control);
+    const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)));
+    DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &room, DT_CALCRECT | format);
+    SelectObject(dc, old);
+    ReleaseDC(control, dc);
+    return room;
+}
+
+bool isClass(HWND window, const wchar_t* kind)
+{
+    wchar_t name[32] = {};
+    GetClassNameW(window, name, 32);
+    return lstrcmpiW(name, kind) == 0;
+}
+
 // The texts of a window's shown child controls that do not fit them as they draw them.
 std::vector<std::string> clippedTexts(HWND window)
 {
@@ -45,14 +63,6 @@ std::vector<std::string> clippedTexts(HWND window)
         if (!text.empty() && needed > room)
             clipped.push_back(win32ui::utf8(text) + " (" + std::to_string(needed) + " > " + std::to_string(room) + ")");
     };
-    const auto measure = [](HWND control, const std::wstring& text, UINT format, RECT room) {
-        const HDC dc = GetDC(control);
-        const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)));
-        DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &room, DT_CALCRECT | format);
-        SelectObject(dc, old);
-        ReleaseDC(control, dc);
-        return room;
-    };
     std::vector<HWND> children;
     EnumChildWindows(window, [](HWND child, LPARAM list) {
         reinterpret_cast<std::vector<HWND>*>(list)->push_back(child);
@@ -61,8 +71,6 @@ std::vector<std::string> clippedTexts(HWND window)
     for (HWND child : children) {
         if (!IsWindowVisible(child))
             continue;
-        wchar_t kind[32] = {};
-        GetClassNameW(child, kind, 32);
         RECT client{};
         GetClientRect(child, &client);
         const std::wstring text = textOf(child);
@@ -74,18 +82,18 @@ std::vector<std::string> clippedTexts(HWND window)
         RECT room{};
         GetClientRect(GetParent(child), &room);
         check(text + L" reaches past the window", placed.right, room.right);
-        if (lstrcmpiW(kind, L"Static") == 0 && (style & SS_TYPEMASK) <= SS_RIGHT) {
+        if (isClass(child, L"Static") && (style & SS_TYPEMASK) <= SS_RIGHT) {
             // Lines may reach a pixel or two into the bottom edge: their leading, not ink.
             const RECT needed = measure(child, text, DT_WORDBREAK | DT_NOPREFIX, RECT{0, 0, client.right, 0});
             check(text + L" wide", needed.right, client.right);
             check(text + L" high", needed.bottom, client.bottom + 2);
-        } else if (lstrcmpiW(kind, L"Button") == 0) {
+        } else if (isClass(child, L"Button")) {
             const LONG type = style & BS_TYPEMASK;
             const bool box = type == BS_CHECKBOX || type == BS_AUTOCHECKBOX || type == BS_RADIOBUTTON ||
                              type == BS_AUTORADIOBUTTON || type == BS_3STATE || type == BS_AUTO3STATE;
             const int margin = type == BS_GROUPBOX ? 16 : box ? GetSystemMetrics(SM_CXMENUCHECK) + 4 : 8;
             check(text, measure(child, text, DT_SINGLELINE, RECT{}).right + margin, client.right);
-        } else if (lstrcmpiW(kind, L"ComboBox") == 0) {
+        } else if (isClass(child, L"ComboBox")) {
             const int arrow = GetSystemMetrics(SM_CXVSCROLL) + 8;
             const auto count = static_cast<int>(SendMessageW(child, CB_GETCOUNT, 0, 0));
             for (int i = 0; i < count; ++i) {
@@ -93,7 +101,7 @@ std::vector<std::string> clippedTexts(HWND window)
                 SendMessageW(child, CB_GETLBTEXT, i, reinterpret_cast<LPARAM>(item.data()));
                 check(item, measure(child, item, DT_SINGLELINE | DT_NOPREFIX, RECT{}).right + arrow, client.right);
             }
-        } else if (lstrcmpiW(kind, WC_TABCONTROLW) == 0) {
+        } else if (isClass(child, WC_TABCONTROLW)) {
             const auto count = static_cast<int>(SendMessageW(child, TCM_GETITEMCOUNT, 0, 0));
             RECT last{};
             if (count > 0 && SendMessageW(child, TCM_GETITEMRECT, count - 1, reinterpret_cast<LPARAM>(&last)))
@@ -110,23 +118,47 @@ WindowDriver::Box boxOf(HWND window)
     return {r.left, r.top, r.right - r.left, r.bottom - r.top};
 }
 
-// A Win32 window, found afresh for every call, and its controls by the identifiers their
-// names map to.
+// Finds a control of a window by the name the Qt window gives it.
+using ControlFinder = std::function<HWND(HWND window, const std::string& name)>;
+
+ControlFinder byId(std::function<int(std::string_view)> idOf)
+{
+    return [idOf = std::move(idOf)](HWND window, const std::string& name) { return childWithId(window, idOf(name)); };
+}
+
+// The identifiers of the number dialog's, the small windows' and the history window's controls.
+int listedControlId(std::string_view name)
+{
+    using C = win32ui::FormInputCheck;
+    const std::pair<const char*, int> ids[] = {
+        {"txtInput", C::txtInput}, {"cmdInc", C::cmdInc}, {"cmdDec", C::cmdDec},   {"cmdEnter", C::cmdEnter},
+        {"cmdCancel", C::cmdCancel}, {"lblmsg", C::lblmsg}, {"lblmax", C::lblmax}, {"lblmaxv", C::lblmaxv},
+        {"lblmin", C::lblmin}, {"lblminV", C::lblminV}, {"cmdJoke", 101}, {"cmdOK", IDOK},
+        {"lblMessage", win32ui::FormJoke::lblMessage}, {"cmdClose", win32ui::FormJoke::cmdClose},
+        {"cmdExport", win32ui::HistoryWindow::kCmdExport},
+    };
+    for (const auto& [known, id] : ids)
+        if (name == known)
+            return id;
+    ADD_FAILURE() << "no such control: " << name;
+    return 0;
+}
+
+// A Win32 window, found afresh for every call, and its controls.
 class Win32WindowDriver final : public WindowDriver {
 public:
-    Win32WindowDriver(std::function<HWND()> window, std::function<int(std::string_view)> idOf)
-        : m_window(std::move(window)), m_idOf(std::move(idOf))
+    Win32WindowDriver(std::function<HWND()> window, ControlFinder find = byId(listedControlId))
+        : m_window(std::move(window)), m_find(std::move(find))
     {
     }
 
     bool isOpen() override { return m_window() != nullptr && IsWindowVisible(m_window()); }
     std::string title() override { return win32ui::windowText(m_window()); }
-    bool has(const std::string& name) override { return m_window() && childWithId(m_window(), m_idOf(name)); }
     std::string text(const std::string& name) override { return win32ui::windowText(control(name)); }
     bool enabled(const std::string& name) override { return IsWindowEnabled(control(name)) != FALSE; }
     bool focused(const std::string& name) override
     {
-        return GetFocus() != nullptr && m_window() != nullptr && GetFocus() == childWithId(m_window(), m_idOf(name));
+        return GetFocus() != nullptr && m_window() != nullptr && GetFocus() == m_find(m_window(), name);
     }
     void focus(const std::string& name) override { SetFocus(control(name)); }
     void click(const std::string& name) override { PostMessageW(control(name), BM_CLICK, 0, 0); }
@@ -145,10 +177,8 @@ public:
     void choose(const std::string& name, int index) override
     {
         const HWND list = control(name);
-        wchar_t kind[32] = {};
-        GetClassNameW(list, kind, 32);
         const auto item = static_cast<WPARAM>(index);
-        if (lstrcmpiW(kind, WC_TABCONTROLW) == 0) {
+        if (isClass(list, WC_TABCONTROLW)) {
             SendMessageW(list, TCM_SETCURSEL, item, 0);
             NMHDR change{list, static_cast<UINT_PTR>(GetDlgCtrlID(list)), TCN_SELCHANGE};
             SendMessageW(GetParent(list), WM_NOTIFY, change.idFrom, reinterpret_cast<LPARAM>(&change));
@@ -169,7 +199,12 @@ public:
     {
         mouse(control(name), from, Point{(from.x + to.x) / 2, (from.y + to.y) / 2}, to);
     }
-    Frame picture(const std::string& name) override { return screenPicture(name.empty() ? m_window() : control(name)); }
+    Frame picture(const std::string& name) override
+    {
+        if (name.empty())
+            pumpMessages(300); // painted, behind whatever it opened over
+        return screenPicture(name.empty() ? m_window() : control(name));
+    }
     Box frame() override { return boxOf(m_window()); }
     std::vector<std::string> clipped() override { return clippedTexts(m_window()); }
     void close() override { PostMessageW(m_window(), WM_CLOSE, 0, 0); }
@@ -177,27 +212,19 @@ public:
     bool fits(const std::string& name) override
     {
         const HWND shown = control(name);
-        wchar_t kind[32] = {};
-        GetClassNameW(shown, kind, 32);
-        const bool button = lstrcmpiW(kind, L"Button") == 0;
+        const bool button = isClass(shown, L"Button");
         const int padding = button ? 8 : 0;
         RECT room{};
         GetClientRect(shown, &room);
-        const std::wstring text = textOf(shown);
-        const HDC dc = GetDC(shown);
-        const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(shown, WM_GETFONT, 0, 0)));
-        RECT needed{0, 0, room.right - padding, 0};
-        DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &needed,
-                  DT_CALCRECT | DT_NOPREFIX | (button ? DT_SINGLELINE : DT_WORDBREAK));
-        SelectObject(dc, old);
-        ReleaseDC(shown, dc);
+        const RECT needed = measure(shown, textOf(shown), DT_NOPREFIX | (button ? DT_SINGLELINE : DT_WORDBREAK),
+                                    RECT{0, 0, room.right - padding, 0});
         return needed.right <= room.right - padding && needed.bottom <= room.bottom;
     }
 
     HWND window() { return m_window(); }
     HWND control(const std::string& name)
     {
-        const HWND found = m_window() ? childWithId(m_window(), m_idOf(name)) : nullptr;
+        const HWND found = m_window() ? m_find(m_window(), name) : nullptr;
         EXPECT_NE(found, nullptr) << name;
         return found;
     }
@@ -226,29 +253,8 @@ private:
     }
 
     std::function<HWND()> m_window;
-    std::function<int(std::string_view)> m_idOf;
+    ControlFinder m_find;
 };
-
-// Width in pixels of a text in the font a control draws with.
-int drawnWidth(HWND control, const std::wstring& text)
-{
-    HDC dc = GetDC(control);
-    const HGDIOBJ before = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)));
-    SIZE size{};
-    GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
-    SelectObject(dc, before);
-    ReleaseDC(control, dc);
-    return size.cx;
-}
-
-// With TALLIVEX_SHOT_DIR set, what the screen shows of a window as NAME.bmp there.
-void shoot(HWND window, const std::string& name)
-{
-    if (const char* folder = std::getenv("TALLIVEX_SHOT_DIR")) {
-        pumpMessages(300); // painted, behind whatever it opened over
-        writeBitmap24(std::filesystem::path(folder) / (name + ".bmp"), screenPicture(window));
-    }
-}
 
 // The visible window of this thread that `holds`.
 HWND threadWindow(const std::function<bool(HWND)>& holds)
@@ -270,62 +276,12 @@ HWND threadWindow(const std::function<bool(HWND)>& holds)
     return search.found;
 }
 
-// The number dialog has its 決定 button as a child of its own; the others by title and a control.
-HWND numberDialogWindow()
+// The window of this thread with this title ("": any) and a control with this identifier.
+HWND windowWith(std::string_view title, int control)
 {
-    return threadWindow([](HWND w) { return GetDlgItem(w, win32ui::FormInputCheck::lblmaxv) != nullptr; });
-}
-
-HWND optionsWindow()
-{
-    return threadWindow([](HWND w) {
-        return textOf(w) == win32ui::wide(kOptionsTitle) && childWithId(w, win32ui::optionControlId("tabOption"));
+    return threadWindow([&](HWND w) {
+        return (title.empty() || textOf(w) == win32ui::wide(title)) && childWithId(w, control) != nullptr;
     });
-}
-
-HWND calibrationWindow()
-{
-    return threadWindow([](HWND w) {
-        return textOf(w) == win32ui::wide(kCalibrationTitle) && childWithId(w, win32ui::calibrateControlId("cmdLearn"));
-    });
-}
-
-HWND versionWindow()
-{
-    return threadWindow([](HWND w) { return textOf(w) == win32ui::wide(kVersionCaption) && GetDlgItem(w, 101); });
-}
-
-HWND jokeWindow()
-{
-    return threadWindow([](HWND w) { return GetDlgItem(w, win32ui::FormJoke::lblMessage) != nullptr; });
-}
-
-// The controls of the small windows by the names the Qt windows give them.
-int smallWindowControlId(std::string_view name)
-{
-    const std::pair<const char*, int> ids[] = {{"cmdJoke", 101}, {"cmdOK", IDOK},
-                                               {"lblMessage", win32ui::FormJoke::lblMessage},
-                                               {"cmdClose", win32ui::FormJoke::cmdClose}};
-    for (const auto& [known, id] : ids)
-        if (name == known)
-            return id;
-    ADD_FAILURE() << "no such control: " << name;
-    return 0;
-}
-
-int numberControlId(std::string_view name)
-{
-    using C = win32ui::FormInputCheck;
-    const std::pair<const char*, int> ids[] = {
-        {"txtInput", C::txtInput}, {"cmdInc", C::cmdInc}, {"cmdDec", C::cmdDec},   {"cmdEnter", C::cmdEnter},
-        {"cmdCancel", C::cmdCancel}, {"lblmsg", C::lblmsg}, {"lblmax", C::lblmax}, {"lblmaxv", C::lblmaxv},
-        {"lblmin", C::lblmin},     {"lblminV", C::lblminV},
-    };
-    for (const auto& [known, id] : ids)
-        if (name == known)
-            return id;
-    ADD_FAILURE() << "no such control: " << name;
-    return 0;
 }
 
 class Win32Desktop final : public Desktop {
@@ -343,25 +299,15 @@ public:
     ~Win32Desktop() override { DestroyWindow(m_owner); }
 
     Prompter& prompter() override { return m_prompter; }
-
-    void play(std::deque<PlayerStep> steps, const std::function<void()>& modal) override
-    {
-        DialogScript script(std::move(steps), 30000);
-        modal();
-        EXPECT_TRUE(script.finished()) << "the window closed before the player was done";
-        EXPECT_FALSE(script.timedOut());
-    }
-
     WindowDriver& numberDialog() override { return m_dialog; }
     WindowDriver& options() override { return m_options; }
     WindowDriver& calibration() override { return m_calibration; }
-
     WindowDriver::Box owner() override { return boxOf(m_owner); }
 
     // A message box: a window with the title that is none of the program's own.
     std::optional<std::string> answerBox(const std::string& title, Button button) override
     {
-        const HWND own[] = {numberDialogWindow(), optionsWindow(), calibrationWindow()};
+        const HWND own[] = {m_dialog.window(), m_options.window(), m_calibration.window()};
         const HWND box = threadWindow([&](HWND w) {
             return textOf(w) == win32ui::wide(title) && std::find(std::begin(own), std::end(own), w) == std::end(own);
         });
@@ -378,16 +324,8 @@ public:
 
     void showOptions(ConfigFile& config, const CaptureBitmap* lastCapture, const WindowServices& services) override
     {
-        win32ui::OptionsContext context;
-        context.config = &config;
-        context.lastCapture = lastCapture;
-        context.screen = services.screen;
-        context.waiter = services.waiter;
-        context.clock = services.clock;
-        context.prompter = &m_prompter;
-        context.cycleSkip = services.cycleSkip;
-        context.settingsChanged = services.settingsChanged;
-        win32ui::ShowFormOption(m_owner, context);
+        win32ui::ShowFormOption(m_owner, {&config, lastCapture, services.screen, services.waiter, services.clock,
+                                          &m_prompter, services.cycleSkip, {}, services.settingsChanged});
     }
 
     bool showCalibration(Settings& settings, const CaptureBitmap* screen, const WindowServices& services) override
@@ -398,16 +336,13 @@ public:
 private:
     HWND m_owner = nullptr;
     win32ui::Win32Prompter m_prompter;
-    Win32WindowDriver m_dialog{numberDialogWindow, numberControlId};
-    Win32WindowDriver m_options{optionsWindow, win32ui::optionControlId};
-    Win32WindowDriver m_calibration{calibrationWindow, win32ui::calibrateControlId};
+    Win32WindowDriver m_dialog{[] { return windowWith("", win32ui::FormInputCheck::lblmaxv); }};
+    Win32WindowDriver m_options{[] { return windowWith(kOptionsTitle, win32ui::optionControlId("tabOption")); },
+                                byId(win32ui::optionControlId)};
+    Win32WindowDriver m_calibration{
+        [] { return windowWith(kCalibrationTitle, win32ui::calibrateControlId("cmdLearn")); },
+        byId(win32ui::calibrateControlId)};
 };
-
-std::string withoutCarriageReturns(std::string text)
-{
-    std::erase(text, '\r');
-    return text;
-}
 
 class Win32MainWindowHost final : public MainWindowHost {
 public:
@@ -424,16 +359,11 @@ public:
     }
 
     Meter& meter() override { return m_meter; }
-
-    void play(std::deque<PlayerStep> steps, const std::function<void()>& modal) override
-    {
-        DialogScript script(std::move(steps), 30000);
-        modal();
-        EXPECT_TRUE(script.finished()) << "the window closed before the player was done";
-        EXPECT_FALSE(script.timedOut());
-    }
+    WindowDriver& window() override { return m_main; }
     WindowDriver& version() override { return m_version; }
     WindowDriver& joke() override { return m_joke; }
+    WindowDriver& compact() override { return m_compact; }
+    WindowDriver& history() override { return m_history; }
 
     void load() override
     {
@@ -446,9 +376,6 @@ public:
         m_window.retranslate();
         pumpMessages(50);
     }
-
-    std::string title() override { return win32ui::windowText(m_window.handle()); }
-    std::string text(const std::string& control) override { return m_window.controlText(control); }
 
     std::string menuText(const std::string& item) override
     {
@@ -466,8 +393,9 @@ public:
 
     std::string logBox() override
     {
-        return withoutCarriageReturns(m_window.handle() ? win32ui::windowText(m_window.txtLog())
-                                                        : m_meter.logBox().text());
+        std::string text = m_window.handle() ? win32ui::windowText(m_window.txtLog()) : m_meter.logBox().text();
+        std::erase(text, '\r');
+        return text;
     }
 
     void clickGraphLabel(GraphLabel label) override
@@ -476,24 +404,6 @@ public:
         const LPARAM point = MAKELPARAM(at.left + at.width / 2, at.top + at.height / 2);
         SendMessageW(m_window.frmGraph().handle(), WM_LBUTTONDOWN, MK_LBUTTON, point);
         SendMessageW(m_window.frmGraph().handle(), WM_LBUTTONUP, 0, point);
-    }
-
-    void click(const std::string& control) override { SendMessageW(child(control), BM_CLICK, 0, 0); }
-
-    bool fits(const std::string& control) override
-    {
-        RECT client{};
-        GetClientRect(child(control), &client);
-        return drawnWidth(child(control), win32ui::wide(m_window.controlText(control))) <= client.right;
-    }
-
-    std::vector<std::string> clipped() override
-    {
-        std::vector<std::string> texts = clippedTexts(m_window.handle());
-        if (compactOpen())
-            for (std::string& text : clippedTexts(compact()))
-                texts.push_back(std::move(text));
-        return texts;
     }
 
     WindowDriver::Box screen() override { return {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)}; }
@@ -506,45 +416,26 @@ public:
         EXPECT_TRUE(PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) << "the main loop is told to end";
     }
 
-    bool compactOpen() override { return m_window.compact().isOpen(); }
-    std::string compactTitle() override { return win32ui::windowText(compact()); }
-
-    std::vector<std::string> compactTexts() override
+    CompactShown compactShown() override
     {
-        UpdateWindow(compact());
-        return m_window.compact().drawnTexts();
-    }
-
-    std::optional<std::uint32_t> compactStateColour() override { return std::nullopt; }
-
-    bool compactWhole() override
-    {
-        UpdateWindow(compact());
-        return !m_window.compact().clipped();
-    }
-
-    bool compactOverGame() override
-    {
+        const HWND window = m_window.compact().handle();
+        UpdateWindow(window);
         constexpr LONG_PTR overlay = WS_EX_TOPMOST | WS_EX_LAYERED | WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE;
-        return (GetWindowLongPtrW(compact(), GWL_EXSTYLE) & overlay) == overlay;
-    }
-
-    WindowDriver::Point compactPlace() override { return {boxOf(compact()).left, boxOf(compact()).top}; }
-
-    int compactOpacity() override
-    {
         BYTE alpha = 0;
         DWORD flags = 0;
-        GetLayeredWindowAttributes(compact(), nullptr, &alpha, &flags);
-        return (flags & LWA_ALPHA) != 0 ? MulDiv(alpha, 100, 255) : -1;
+        GetLayeredWindowAttributes(window, nullptr, &alpha, &flags);
+        return {m_window.compact().drawnTexts(), !m_window.compact().clipped(),
+                (GetWindowLongPtrW(window, GWL_EXSTYLE) & overlay) == overlay,
+                (flags & LWA_ALPHA) != 0 ? MulDiv(alpha, 100, 255) : -1};
     }
 
     // Held at one point and moved there by the drag.
     void dragCompact(int dx, int dy) override
     {
-        SendMessageW(compact(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(40, 30));
-        SendMessageW(compact(), WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(40 + dx, 30 + dy));
-        SendMessageW(compact(), WM_LBUTTONUP, 0, MAKELPARAM(40, 30));
+        const HWND window = m_window.compact().handle();
+        SendMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(40, 30));
+        SendMessageW(window, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(40 + dx, 30 + dy));
+        SendMessageW(window, WM_LBUTTONUP, 0, MAKELPARAM(40, 30));
     }
 
     void compactMenu(int opacity) override
@@ -552,58 +443,45 @@ public:
         const auto* at = std::find(kCompactOpacities.begin(), kCompactOpacities.end(), opacity);
         const int command = opacity == 0 ? win32ui::CompactWindow::kCmdClose
                                          : win32ui::CompactWindow::kCmdOpacity + static_cast<int>(at - kCompactOpacities.begin());
-        SendMessageW(compact(), WM_COMMAND, static_cast<WPARAM>(command), 0);
+        SendMessageW(m_window.compact().handle(), WM_COMMAND, static_cast<WPARAM>(command), 0);
     }
 
-    void shootCompact(const std::string& name) override { shoot(compact(), name); }
-
-    HistoryShown history() override
+    std::vector<std::vector<std::vector<std::string>>> historyPages(bool* columnsWhole) override
     {
-        HistoryShown shown;
-        const HWND window = m_window.history().handle();
-        if (window == nullptr)
-            return shown;
-        shown.title = win32ui::windowText(window);
-        shown.columnsWhole = true;
+        std::vector<std::vector<std::vector<std::string>>> pages;
+        *columnsWhole = true;
         for (std::size_t page = 0; page < 3; ++page) {
             const HWND list = m_window.history().listView(page);
             const HWND header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
             const int columns = static_cast<int>(SendMessageW(header, HDM_GETITEMCOUNT, 0, 0));
             const int rows = static_cast<int>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0));
-            std::vector<std::vector<std::wstring>> table(static_cast<std::size_t>(rows) + 1);
+            std::vector<std::vector<std::string>>& table = pages.emplace_back(static_cast<std::size_t>(rows) + 1);
             for (int column = 0; column < columns; ++column) {
-                wchar_t caption[64] = {};
-                HDITEMW item{};
-                item.mask = HDI_TEXT;
-                item.pszText = caption;
-                item.cchTextMax = 64;
-                SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&item));
-                table[0].push_back(caption);
-                for (int row = 0; row < rows; ++row) {
-                    wchar_t text[128] = {};
-                    LVITEMW cell{};
-                    cell.iSubItem = column;
-                    cell.pszText = text;
-                    cell.cchTextMax = 128;
-                    SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&cell));
-                    table[static_cast<std::size_t>(row) + 1].push_back(text);
-                }
                 const auto width = SendMessageW(list, LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(column), 0);
-                for (const auto& line : table)
-                    shown.columnsWhole = shown.columnsWhole &&
-                                         width >= SendMessageW(list, LVM_GETSTRINGWIDTHW, 0,
-                                                               reinterpret_cast<LPARAM>(line.back().c_str())) + 12;
+                // The header's caption first, then the rows' texts.
+                for (int row = -1; row < rows; ++row) {
+                    wchar_t text[128] = {};
+                    if (row < 0) {
+                        HDITEMW item{};
+                        item.mask = HDI_TEXT;
+                        item.pszText = text;
+                        item.cchTextMax = 128;
+                        SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(column),
+                                     reinterpret_cast<LPARAM>(&item));
+                    } else {
+                        LVITEMW cell{};
+                        cell.iSubItem = column;
+                        cell.pszText = text;
+                        cell.cchTextMax = 128;
+                        SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&cell));
+                    }
+                    table[static_cast<std::size_t>(row + 1)].push_back(win32ui::utf8(text));
+                    const auto needed = SendMessageW(list, LVM_GETSTRINGWIDTHW, 0, reinterpret_cast<LPARAM>(text));
+                    *columnsWhole = *columnsWhole && width >= needed + 12;
+                }
             }
-            std::vector<std::vector<std::string>> texts;
-            for (const auto& line : table) {
-                texts.emplace_back();
-                for (const std::wstring& text : line)
-                    texts.back().push_back(win32ui::utf8(text));
-            }
-            shown.pages.push_back(texts);
         }
-        shown.exportEnabled = IsWindowEnabled(GetDlgItem(window, win32ui::HistoryWindow::kCmdExport)) != FALSE;
-        return shown;
+        return pages;
     }
 
     std::optional<std::string> exportHistory(const std::filesystem::path& to) override
@@ -613,10 +491,7 @@ public:
         return std::nullopt;
     }
 
-    void shootHistory(const std::string& name) override { shoot(m_window.history().handle(), name); }
-
 private:
-    // The menu command of an item name.
     static UINT id(const std::string& item)
     {
         for (const MenuBarEntry& entry : mainMenu()) {
@@ -630,7 +505,6 @@ private:
         return 0;
     }
 
-    HWND compact() { return m_window.compact().handle(); }
     // A control of the main window, found by the text it shows.
     HWND child(const std::string& control)
     {
@@ -638,7 +512,6 @@ private:
         for (HWND c = GetWindow(m_window.handle(), GW_CHILD); c != nullptr; c = GetWindow(c, GW_HWNDNEXT))
             if (win32ui::windowText(c) == text)
                 return c;
-        ADD_FAILURE() << "no control showing " << text;
         return nullptr;
     }
 
@@ -648,11 +521,24 @@ private:
     win32ui::FormMain m_window;
     MeterPorts m_ports;
     Meter m_meter;
-    Win32WindowDriver m_version{versionWindow, smallWindowControlId};
-    Win32WindowDriver m_joke{jokeWindow, smallWindowControlId};
+    Win32WindowDriver m_main{[this] { return m_window.handle(); },
+                             [this](HWND, const std::string& name) { return child(name); }};
+    Win32WindowDriver m_version{[] { return windowWith(kVersionCaption, 101); }};
+    Win32WindowDriver m_joke{[] { return windowWith("", win32ui::FormJoke::lblMessage); }};
+    Win32WindowDriver m_compact{[this] { return m_window.compact().handle(); }};
+    Win32WindowDriver m_history{[this] { return m_window.history().handle(); }};
 };
 
 } // namespace
+
+// The steps run from a thread timer while the window runs its loop.
+void play(std::deque<PlayerStep> steps, const std::function<void()>& modal)
+{
+    DialogScript script(std::move(steps), 30000);
+    modal();
+    EXPECT_TRUE(script.finished()) << "the window closed before the player was done";
+    EXPECT_FALSE(script.timedOut());
+}
 
 HWND handleOf(WindowDriver& window, const std::string& control)
 {

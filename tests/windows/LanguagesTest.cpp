@@ -8,7 +8,6 @@
 #include "config/ConfigFile.h"
 #include "meter/Meter.h"
 #include "shell/DebugLog.h"
-#include "support/FakeClock.h"
 #include "support/FakeMachine.h"
 #include "support/GameScreen.h"
 #include "support/TempFolder.h"
@@ -89,8 +88,9 @@ TEST_P(LanguagesTest, TheMainWindowAndTheCompactWindowFitWithASessionRunning)
         machine.screens = {gameCapture(numbers)};
         host->meter().cycle().runCycle();
     }
-    EXPECT_EQ(host->clipped(), std::vector<std::string>{});
-    EXPECT_TRUE(host->compactWhole());
+    EXPECT_EQ(host->window().clipped(), std::vector<std::string>{});
+    EXPECT_EQ(host->compact().clipped(), std::vector<std::string>{});
+    EXPECT_TRUE(host->compactShown().whole);
     host->close();
 }
 

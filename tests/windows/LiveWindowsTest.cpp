@@ -1,7 +1,5 @@
-// The live figures' windows, the same in the Qt and the Win32 front end: the main window's
-// two live lines and the compact window draw the core's LiveView whole and follow the
-// session; the compact window keeps its place, opacity and openness in the settings file;
-// the history window lists the sessions as the core's tables and exports them.
+// The live figures' windows in both front ends: the live lines, the compact window and the
+// history window show the core's views.
 #include "support/WindowDriver.h"
 
 #include "TextCodecFactory.h"
@@ -14,6 +12,7 @@
 #include "support/GameScreen.h"
 #include "support/ReadFile.h"
 #include "support/TempFolder.h"
+#include "support/TextChecks.h"
 #include "view/HistoryView.h"
 #include "view/LiveWindowModel.h"
 
@@ -52,7 +51,6 @@ protected:
         host->meter().cycle().runCycle();
     }
 
-    // The settings as the file holds them now.
     Settings saved()
     {
         Settings read = defaultSettings(pathUtf8(temp.path()));
@@ -74,19 +72,18 @@ TEST_F(LiveWindowsTest, TheLiveLinesAndTheCompactWindowDrawTheLiveViewWholeAndFo
     settings.StallMinutes = 1;
     settings.CompactShown = true; // open when the meter last closed: it opens before the session starts
     host->load();
-    ASSERT_TRUE(host->compactOpen());
-    EXPECT_EQ(host->compactTitle(), kCompactTitle);
-    EXPECT_TRUE(host->compactOverGame());
+    ASSERT_TRUE(host->compact().isOpen());
+    EXPECT_EQ(host->compact().title(), kCompactTitle);
+    WindowDriver& window = host->window();
     const auto expectShown = [&](const char* when) {
         const LiveView view = meterLiveView(host->meter());
-        EXPECT_EQ(host->text("lblLiveRates"), view.rates) << when;
-        EXPECT_EQ(host->text("lblLiveOutlook"), view.outlook) << when;
-        EXPECT_TRUE(host->fits("lblLiveRates") && host->fits("lblLiveOutlook")) << when;
-        EXPECT_EQ(host->compactTexts(), compactTexts(view)) << when;
-        EXPECT_TRUE(host->compactWhole()) << when;
-        if (const auto colour = host->compactStateColour()) {
-            EXPECT_EQ(*colour, view.stateColour) << when;
-        }
+        EXPECT_EQ(window.text("lblLiveRates"), view.rates) << when;
+        EXPECT_EQ(window.text("lblLiveOutlook"), view.outlook) << when;
+        EXPECT_TRUE(window.fits("lblLiveRates") && window.fits("lblLiveOutlook")) << when;
+        const MainWindowHost::CompactShown compact = host->compactShown();
+        // Whole, and over the game without taking the focus.
+        const auto expected = std::tuple(compactTexts(view), true, true);
+        EXPECT_EQ(std::tuple(compact.texts, compact.whole, compact.overGame), expected) << when;
         return view;
     };
     EXPECT_EQ(expectShown("waiting").stateText, "待機中");
@@ -95,26 +92,24 @@ TEST_F(LiveWindowsTest, TheLiveLinesAndTheCompactWindowDrawTheLiveViewWholeAndFo
     readAfter(600, {"180", "2501000", "9000"});
     const LiveView reading = expectShown("reading");
     EXPECT_EQ(reading.stateText, "読み取り中");
-    EXPECT_NE(reading.rates.find("15,000k/h"), std::string::npos) << reading.rates; // 2.5 million in 10 minutes
+    EXPECT_HOLDS(reading.rates, "15,000k/h"); // 2.5 million in 10 minutes
     EXPECT_EQ(reading.compact.size(), 4u) << "the money line too";
-    host->shootCompact("compact-reading");
+    host->compact().shoot("compact-reading");
 
     // A reading without a gain after the stall minutes.
     readAfter(61, {"180", "2501000", "9000"});
     const LiveView stalled = expectShown("stalled");
     EXPECT_EQ(stalled.stateText, "停滞：経験値が増えません");
     EXPECT_EQ(stalled.stateColour, 0xD02020u) << "red";
-    host->shootCompact("compact-stall");
+    host->compact().shoot("compact-stall");
 
     // About a million k/h of each still fits the live lines and the compact window.
     readAfter(600, {"180", "166001000", "16667666666"});
     const LiveView high = expectShown("high rates");
-    EXPECT_NE(high.rates.find("10分 981,"), std::string::npos) << high.rates;
+    EXPECT_HOLDS(high.rates, "10分 981,");
 
-    host->click("cmdTempStop");
+    window.clickNow("cmdTempStop");
     EXPECT_EQ(expectShown("suspended").stateText, "一時停止中");
-    host->choose("menuStop");
-    EXPECT_EQ(expectShown("stopped").stateText, "停止中");
 }
 
 TEST_F(LiveWindowsTest, TheCompactWindowKeepsItsPlaceOpacityAndOpennessInTheSettingsFile)
@@ -122,50 +117,41 @@ TEST_F(LiveWindowsTest, TheCompactWindowKeepsItsPlaceOpacityAndOpennessInTheSett
     settings.AutoStart = false;
     host->load();
     host->choose("menuCompact");
-    ASSERT_TRUE(host->compactOpen());
-    EXPECT_TRUE(saved().CompactShown);
-    EXPECT_EQ(saved().CompactX, kUnplaced) << "not moved yet";
-    EXPECT_EQ(host->compactOpacity(), 90) << "the default";
-
-    const WindowDriver::Point first = host->compactPlace();
-    EXPECT_EQ(first.x, host->screen().width - kCompactWidth - 16) << "the top right corner at first";
-    EXPECT_EQ(first.y, 16);
+    ASSERT_TRUE(host->compact().isOpen());
+    EXPECT_EQ(host->compactShown().opacity, 90) << "the default";
+    const auto place = [&] { return std::pair(host->compact().frame().left, host->compact().frame().top); };
+    const auto [x, y] = place();
+    EXPECT_EQ(std::pair(x, y), std::pair(host->screen().width - kCompactWidth - 16, 16)) << "the top right corner";
     host->dragCompact(-300, 200);
-    const WindowDriver::Point placed = host->compactPlace();
-    EXPECT_EQ(placed.x, first.x - 300);
-    EXPECT_EQ(placed.y, first.y + 200);
+    const std::pair placed(x - 300, y + 200);
     host->compactMenu(60);
-    EXPECT_EQ(host->compactOpacity(), 60);
     Settings file = saved();
     EXPECT_EQ(std::tuple(file.CompactX, file.CompactY, file.CompactOpacity, file.CompactShown),
-              std::tuple(placed.x, placed.y, 60, true));
+              std::tuple(placed.first, placed.second, 60, true));
 
     // Closed by itself or from the main window's menu, and opened again: where it was left.
     host->compactMenu(0);
-    EXPECT_FALSE(host->compactOpen());
+    EXPECT_FALSE(host->compact().isOpen());
     EXPECT_FALSE(saved().CompactShown);
     host->choose("menuCompact");
     host->choose("menuCompact");
-    EXPECT_FALSE(host->compactOpen()) << "the menu closes it too";
+    EXPECT_FALSE(host->compact().isOpen()) << "the menu closes it too";
     host->choose("menuCompact");
-    ASSERT_TRUE(host->compactOpen());
-    EXPECT_EQ(host->compactPlace().x, placed.x);
-    EXPECT_EQ(host->compactPlace().y, placed.y);
-    EXPECT_TRUE(saved().CompactShown);
+    ASSERT_TRUE(host->compact().isOpen());
+    EXPECT_EQ(place(), placed);
 
     // Open when the meter closes: it stays open in the file, and the next start opens it
     // where it was left, as it was.
     host->close();
-    EXPECT_FALSE(host->compactOpen());
+    EXPECT_FALSE(host->compact().isOpen());
     Settings next = saved();
     ASSERT_TRUE(next.CompactShown);
     host.reset();
     host = makeMainWindowHost(next, log, machine);
     host->load();
-    ASSERT_TRUE(host->compactOpen());
-    EXPECT_EQ(host->compactPlace().x, placed.x);
-    EXPECT_EQ(host->compactPlace().y, placed.y);
-    EXPECT_EQ(host->compactOpacity(), 60);
+    ASSERT_TRUE(host->compact().isOpen());
+    EXPECT_EQ(place(), placed);
+    EXPECT_EQ(host->compactShown().opacity, 60);
     EXPECT_EQ(machine.count("message "), 0u);
 }
 
@@ -174,38 +160,29 @@ TEST_F(LiveWindowsTest, TheHistoryWindowListsTheSessionsNewestFirstExportsThemAn
     settings.AutoStart = false;
     const std::filesystem::path history = historyFilePath(settings);
     // Oldest first in the file, as the meter writes it; two sessions in one week.
-    for (const int day : {2, 9, 3}) {
-        HistoryRow row;
-        row.start = {2025, 6, day, 21, 0, 0};
-        row.end = addSeconds(row.start, 5400);
-        row.activeSeconds = 5400;
-        row.startLevel = 140;
-        row.endLevel = 141;
-        row.expGained = 123'456'789LL * day;
-        row.expPerHour = row.expGained / 1500;
-        row.moneyGained = 98'765'432;
-        row.moneyPerHour = 65'843;
-        saveHistoryRow(history, row);
+    for (const std::int64_t day : {2, 9, 3}) {
+        const LocalDateTime start{2025, 6, static_cast<int>(day), 21, 0, 0};
+        saveHistoryRow(history, {start, addSeconds(start, 5400), 5400, 140, 141, 123'456'789 * day,
+                                 123'456'789 * day / 1500, 98'765'432, 65'843, 0, 0});
     }
     const std::string historyBytes = readAll(history);
     const std::vector<HistoryRow> rows = loadHistory(history);
     host->load();
     host->choose("menuHistory");
-    const MainWindowHost::HistoryShown shown = host->history();
-    EXPECT_EQ(shown.title, kHistoryTitle);
+    bool whole = false;
+    const auto pages = host->historyPages(&whole);
+    EXPECT_EQ(host->history().title(), kHistoryTitle);
     const HistoryTable tables[] = {historySessions(rows), historyDays(rows), historyWeeks(rows)};
-    ASSERT_EQ(shown.pages.size(), std::size(tables));
-    for (std::size_t page = 0; page < shown.pages.size(); ++page) {
-        ASSERT_FALSE(shown.pages[page].empty()) << page;
-        EXPECT_EQ(shown.pages[page].front(), tables[page].headers) << page;
-        EXPECT_EQ(std::vector(shown.pages[page].begin() + 1, shown.pages[page].end()), tables[page].rows) << page;
+    ASSERT_EQ(pages.size(), std::size(tables));
+    for (std::size_t page = 0; page < pages.size(); ++page) {
+        std::vector<std::vector<std::string>> table{tables[page].headers};
+        table.insert(table.end(), tables[page].rows.begin(), tables[page].rows.end());
+        EXPECT_EQ(pages[page], table) << page;
     }
-    EXPECT_EQ(shown.pages[0][1][0], "2025/06/09 21:00:00") << "newest first";
-    EXPECT_EQ(shown.pages[0][1][5], "1,111,111,101");
-    EXPECT_EQ(shown.pages[2].size(), 3u) << "2 and 3 June share a week";
-    EXPECT_TRUE(shown.columnsWhole);
-    EXPECT_TRUE(shown.exportEnabled);
-    host->shootHistory("history");
+    EXPECT_EQ(pages[0][1][0], "2025/06/09 21:00:00") << "newest first";
+    EXPECT_TRUE(whole);
+    EXPECT_TRUE(host->history().enabled("cmdExport"));
+    host->history().shoot("history");
 
     // Where the player chooses, the sessions as the core writes them; neither the history
     // file itself nor a folder that is not there takes it, and the player is told.
@@ -221,7 +198,7 @@ TEST_F(LiveWindowsTest, TheHistoryWindowListsTheSessionsNewestFirstExportsThemAn
         machine.events.clear();
         host->exportHistory(refused);
         ASSERT_EQ(machine.count("message "), 1u) << pathUtf8(refused);
-        EXPECT_NE(machine.events.back().find(named), std::string::npos) << machine.events.back();
+        EXPECT_HOLDS(machine.events.back(), named);
     }
     EXPECT_EQ(readAll(history), historyBytes) << "the history is never written by the window";
 
@@ -231,11 +208,11 @@ TEST_F(LiveWindowsTest, TheHistoryWindowListsTheSessionsNewestFirstExportsThemAn
     machine.events.clear();
     host->choose("menuHistory");
     ASSERT_EQ(machine.count("message "), 1u);
-    EXPECT_NE(machine.events.back().find(pathUtf8(history)), std::string::npos) << machine.events.back();
-    const MainWindowHost::HistoryShown empty = host->history();
-    for (const auto& page : empty.pages)
+    EXPECT_HOLDS(machine.events.back(), pathUtf8(history));
+    ASSERT_TRUE(host->history().isOpen());
+    for (const auto& page : host->historyPages(&whole))
         EXPECT_EQ(page.size(), 1u) << "the header alone";
-    EXPECT_FALSE(empty.exportEnabled);
+    EXPECT_FALSE(host->history().enabled("cmdExport"));
     EXPECT_EQ(readAll(history), damaged);
 }
 

@@ -7,6 +7,7 @@
 #include "support/GameScreen.h"
 #include "support/ReadFile.h"
 #include "support/TempFolder.h"
+#include "support/TextChecks.h"
 #include "view/GraphFrameView.h"
 #include "view/JokePopup.h"
 #include "view/MainMenu.h"
@@ -35,66 +36,40 @@ protected:
     std::unique_ptr<MainWindowHost> host = makeMainWindowHost(settings, log, machine);
 };
 
-TEST_F(MainWindowTest, MenusCarryTheirCaptionsAndRunWaitsForTheLoad)
+// Every menu item keeps the core's caption, Run the session's, through a relabelling after a
+// change of language too; Run waits for the load.
+TEST_F(MainWindowTest, MenusKeepTheirCaptionsAndFollowTheSessionFromTheLoadToTheClose)
 {
-    EXPECT_EQ(host->title(), "Tallivex  for MapleStory    Ver.2.20");
-    // Every item of the core's menu, as the core captions it.
-    for (int command = 0; command <= static_cast<int>(MenuCommand::Version); ++command) {
-        const MenuItem& item = menuItem(static_cast<MenuCommand>(command));
-        EXPECT_EQ(host->menuText(std::string(item.name)), item.text()) << item.name;
-    }
-    EXPECT_FALSE(host->menuEnabled("menuRun"));
-    EXPECT_FALSE(host->menuEnabled("menuStop"));
-    EXPECT_EQ(host->text("cmdTempStop"), "一時停止");
-}
-
-TEST_F(MainWindowTest, AutoStartRunsTheSessionUntilStopAndTheCloseEndsIt)
-{
+    const auto expectMenus = [&](const char* when, std::string_view run, bool runEnabled, bool stopEnabled) {
+        for (int command = 0; command <= static_cast<int>(MenuCommand::Version); ++command) {
+            const MenuItem& item = menuItem(static_cast<MenuCommand>(command));
+            EXPECT_EQ(host->menuText(std::string(item.name)), item.command == MenuCommand::Run ? run : item.text())
+                << when << " " << item.name;
+        }
+        EXPECT_EQ(std::pair(host->menuEnabled("menuRun"), host->menuEnabled("menuStop")),
+                  std::pair(runEnabled, stopEnabled)) << when;
+        EXPECT_EQ(host->window().text("cmdTempStop"), "一時停止") << when;
+    };
+    EXPECT_EQ(host->window().title(), "Tallivex  for MapleStory    Ver.2.20");
+    expectMenus("before the load", menuItem(MenuCommand::Run).text(), false, false);
     machine.screens = {gameCapture({"50", "1000", "0"})};
     host->load();
-    EXPECT_FALSE(host->menuEnabled("menuRun"));
-    EXPECT_EQ(host->menuText("menuRun"), "ロギング");
-    EXPECT_TRUE(host->menuEnabled("menuStop"));
     EXPECT_TRUE(host->logBox().starts_with(" 月日 時刻")) << host->logBox();
+    host->retranslate();
+    expectMenus("relabelled", "ロギング", false, true);
 
     host->meter().cycle().runCycle();
-    EXPECT_EQ(host->text("lblStartLv"), "50");
-    EXPECT_EQ(host->text("lblStartExpPS"), "0.14％");
-
+    EXPECT_EQ(host->window().text("lblStartLv"), "50");
+    EXPECT_EQ(host->window().text("lblStartExpPS"), "0.14％");
     host->choose("menuStop");
-    EXPECT_TRUE(host->menuEnabled("menuRun"));
-    EXPECT_EQ(host->menuText("menuRun"), "開始");
-    EXPECT_NE(host->logBox().find("    開始  Lv:  50"), std::string::npos) << host->logBox();
+    expectMenus("stopped", "開始", true, false);
+    EXPECT_HOLDS(host->logBox(), "    開始  Lv:  50");
     host->choose("menuOperatingInfo");
-    EXPECT_NE(debugLog().find("Click : Operating Information "), std::string::npos);
+    EXPECT_HOLDS(debugLog(), "Click : Operating Information ");
 
     host->close();
     EXPECT_TRUE(host->logBox().ends_with("        終了しています・・・\n")) << host->logBox();
-    EXPECT_NE(debugLog().find("Closing Program ･･･ "), std::string::npos);
-}
-
-// Relabelling after a change of language sets the captions again and keeps what the engine
-// set: the running session's run caption, the enabled states, working menus.
-TEST_F(MainWindowTest, RelabellingKeepsTheEngineStateOfTheMenus)
-{
-    machine.screens = {gameCapture({"50", "1000", "0"})};
-    host->load();
-    host->retranslate();
-    for (int command = 0; command <= static_cast<int>(MenuCommand::Version); ++command) {
-        const MenuItem& item = menuItem(static_cast<MenuCommand>(command));
-        if (item.command != MenuCommand::Run) {
-            EXPECT_EQ(host->menuText(std::string(item.name)), item.text()) << item.name;
-        }
-    }
-    EXPECT_EQ(host->menuText("menuRun"), "ロギング");
-    EXPECT_FALSE(host->menuEnabled("menuRun"));
-    EXPECT_TRUE(host->menuEnabled("menuStop"));
-    EXPECT_EQ(host->text("cmdTempStop"), "一時停止");
-    host->choose("menuOperatingInfo");
-    EXPECT_NE(debugLog().find("Click : Operating Information "), std::string::npos);
-    host->choose("menuStop");
-    EXPECT_EQ(host->menuText("menuRun"), "開始");
-    EXPECT_TRUE(host->menuEnabled("menuRun"));
+    EXPECT_HOLDS(debugLog(), "Closing Program ･･･ ");
 }
 
 TEST_F(MainWindowTest, GraphLabelClicksReachTheViewAndTheLog)
@@ -105,9 +80,8 @@ TEST_F(MainWindowTest, GraphLabelClicksReachTheViewAndTheLog)
     host->clickGraphLabel(GraphLabel::El0);
     EXPECT_EQ(host->meter().state().graphView.timeShift, settings.GraphTimeScale / 4);
     EXPECT_FLOAT_EQ(host->meter().state().graphView.zoom, 1.1f);
-    const std::string text = debugLog();
-    EXPECT_NE(text.find("Click : Graph Old View "), std::string::npos) << text;
-    EXPECT_EQ(text.find("Click : Window Refresh "), std::string::npos) << "a label click is the graph's";
+    EXPECT_HOLDS(debugLog(), "Click : Graph Old View ");
+    EXPECT_LACKS(debugLog(), "Click : Window Refresh ") << "a label click is the graph's";
 }
 
 // The version window's おまけ opens the popup; each kind of attempt in turn (the close box,
@@ -166,7 +140,7 @@ TEST_F(MainWindowTest, TheJokePopupFromTheVersionWindowLetsGoOnlyAfterItsScript)
         version.click("cmdOK");
         return true;
     });
-    host->play(std::move(steps), [&] { host->choose("menuVersion"); });
+    play(std::move(steps), [&] { host->choose("menuVersion"); });
     EXPECT_EQ(caption, JokePopup::kOpenCaption);
     EXPECT_TRUE(faults.empty()) << faults.front() << " (" << faults.size() << " in all)";
     EXPECT_TRUE(versionLeftOpen) << "the last attempt closes only the popup";
