@@ -22,7 +22,7 @@ protected:
         settings.StartDelay = 0;
     }
 
-    HWND window() const { return FindWindowW(nullptr, win32ui::wide(host->title()).c_str()); }
+    HWND window() const { return FindWindowW(nullptr, win32ui::wide(host->window().title()).c_str()); }
     HWND txtLog() const { return FindWindowExW(window(), nullptr, L"Edit", nullptr); } // its only edit control
 
     TempFolder temp;
@@ -39,7 +39,7 @@ TEST_F(FormMainWin32Test, SixMenusAndTheAccountsWidestTextsFitTheirLabelsAndTheL
     host->load();
     host->meter().cycle().runCycle();
     for (const char* name : {"lblStartTime", "lblStartLv", "lblStartExp", "lblStartExpPS", "lblStartMoney"})
-        EXPECT_TRUE(host->fits(name)) << name << " " << host->text(name);
+        EXPECT_TRUE(host->window().fits(name)) << name << " " << host->window().text(name);
     // The header has full-width characters; a record line of as many columns has none.
     const auto font = reinterpret_cast<HFONT>(SendMessageW(txtLog(), WM_GETFONT, 0, 0));
     EXPECT_EQ(win32ui::textWidth(font, kLogHeader, {}), win32ui::textWidth(font, std::string(72, '0'), {}));
