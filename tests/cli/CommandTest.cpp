@@ -48,23 +48,21 @@ protected:
         return run(cli::runReplay, extra);
     }
 
-    // Screens written as bitmaps: their paths. The game's glyphs ("" leaves a region blank),
-    // or the test font the built-in templates do not know.
-    std::string gameImage(const std::string& name, std::array<std::string, kRegionCount> numbers,
-                          ScreenMode mode = ScreenMode::FullScreen, std::uint32_t seed = 1)
+    // A screen written as a bitmap in the home folder: its path. The test font's glyphs are
+    // ones the built-in templates do not know.
+    std::string image(const std::string& name, const Frame& screen)
     {
-        EXPECT_TRUE(writeBitmap24(home / name, test::gameScreen(numbers, mode, seed)));
+        EXPECT_TRUE(writeBitmap24(home / name, screen));
         return pathUtf8(home / name);
     }
     std::string fontImage(const std::string& name, std::array<std::string, kRegionCount> texts, std::uint32_t seed = 1)
     {
-        EXPECT_TRUE(writeBitmap24(home / name, test::fontScreen(texts, seed)));
-        return pathUtf8(home / name);
+        return image(name, test::fontScreen(texts, seed));
     }
     void frame(const std::string& name, const std::string& level, const std::string& exp, const std::string& money)
     {
         std::filesystem::create_directories(frames);
-        ASSERT_TRUE(writeBitmap24(frames / name, test::gameScreen({level, exp, money})));
+        image("frames/" + name, test::gameScreen({level, exp, money}));
     }
 
     // A hand-edited file: LF endings, so a rewrite shows as CR LF.
@@ -143,20 +141,46 @@ TEST_F(CommandTest, ShowSaveAndDefaultsTreatAnEditedFileAsTheProgramWould)
     }
 }
 
-TEST_F(CommandTest, BadUsageAndAFailedWriteHaveTheirOwnExitCodes)
+// Arguments a command cannot use end in 1, homes and files it cannot use in 2; only config
+// prints the settings it holds, and nothing is saved.
+TEST_F(CommandTest, RefusedArgumentsAndHomesHaveTheirOwnExitCodes)
 {
-    EXPECT_EQ(run(cli::runConfig, {}), 1);
-    EXPECT_EQ(config({"show", "--maybe"}), 1);
-    EXPECT_TRUE(has(err.str(), "usage: tallivex-cli config"));
-    std::filesystem::create_directories(home / "TV2MConfig.ini.tmp" / "x");
-    EXPECT_EQ(config({"save"}), 2);
-    EXPECT_TRUE(has(err.str(), "[設定ファイル書き込み] 設定をファイルに保存できませんでした。"));
-
-    // A folder in the file's place: nothing can be read, backed up or written.
-    std::filesystem::remove_all(home / "TV2MConfig.ini.tmp");
-    std::filesystem::create_directories(home / "TV2MConfig.ini");
-    EXPECT_EQ(config({"show"}), 2);
-    EXPECT_TRUE(has(err.str(), "読込みできない設定ファイルです。")) << err.str();
+    frame("0.bmp", "1", "2", "3");
+    const std::string image = pathUtf8(frames / "0.bmp");
+    const std::string f = pathUtf8(frames);
+    const std::string h = pathUtf8(home);
+    const std::string s = pathUtf8(saves);
+    std::ofstream(home / "home.txt") << "not a folder";
+    const std::string file = pathUtf8(home / "home.txt");
+    const std::string notAFolder = "tallivex-cli: the home folder " + file + " is not a folder and cannot be made one\n";
+    std::filesystem::create_directories(home / "unwritable" / "TV2MConfig.ini.tmp" / "x");
+    std::filesystem::create_directories(home / "unreadable" / "TV2MConfig.ini"); // nothing to read, back up or write
+    struct Case { Command command; std::vector<std::string> args; int status; std::string said; bool printed = false; };
+    const Case cases[] = {
+        {cli::runConfig, {}, 1, "usage: tallivex-cli config"},
+        {cli::runConfig, {"--home", h, "show", "--maybe"}, 1, "usage: tallivex-cli config"},
+        {cli::runConfig, {"save", "--home", pathUtf8(home / "unwritable")}, 2,
+         "[設定ファイル書き込み] 設定をファイルに保存できませんでした。", true},
+        {cli::runConfig, {"show", "--home", pathUtf8(home / "unreadable")}, 2, "読込みできない設定ファイルです。", true},
+        {cli::runReplay, {f}, 1, "usage: tallivex-cli replay"},
+        {cli::runReplay, {f, "--save-folder", s, "--start"}, 1, "--start needs a value"},
+        {cli::runReplay, {f, "--save-folder", "x", "--start", "2024-02-30 10:00"}, 1, "not \"2024-02-30 10:00\""},
+        {cli::runReplay, {pathUtf8(home / "none"), "--save-folder", "x"}, 1, "cannot read the folder"},
+        {cli::runReplay, {f, "--save-folder", s, "--fast"}, 1, "unknown option --fast"},
+        {cli::runLearn, {"--home", h, image, "37", "-"}, 1, "usage: tallivex-cli learn"},
+        {cli::runLearn, {"--home", h, image, "3x", "-", "-"}, 2, "level 3x: not a number"},
+        {cli::runConfig, {"show", "--home", file}, 2, notAFolder},
+        {cli::runRecognize, {"--home", file, image}, 2, notAFolder},
+        {cli::runReplay, {f, "--save-folder", s, "--home", file}, 2, notAFolder},
+        {cli::runLearn, {"--home", file, image, "50", "1234", "777"}, 2, notAFolder},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.args));
+        EXPECT_EQ(run(c.command, c.args), c.status);
+        EXPECT_HOLDS(err.str(), c.said);
+        EXPECT_EQ(out.str().empty(), !c.printed);
+    }
+    EXPECT_FALSE(std::filesystem::exists(saves));
 }
 
 // Settings no screen can have, read by the commands that use a home's configuration: the
@@ -164,7 +188,7 @@ TEST_F(CommandTest, BadUsageAndAFailedWriteHaveTheirOwnExitCodes)
 // recognize nor replay crashes, hangs or reads a number that is not on the screen.
 TEST_F(CommandTest, ImpossibleSettingsNeitherCrashNorMisreadTheCommands)
 {
-    const std::string image = gameImage("shot.bmp", {"50", "1234", "777"});
+    const std::string image = this->image("shot.bmp", test::gameScreen({"50", "1234", "777"}));
     frame("0.bmp", "50", "1234", "777");
     frame("400.bmp", "50", "1234", "777");
     constexpr const char* kRead = "\"level\":50,\"exp\":1234,\"money\":777";
@@ -205,28 +229,6 @@ TEST_F(CommandTest, ImpossibleSettingsNeitherCrashNorMisreadTheCommands)
     }
 }
 
-// A home that is a file cannot hold a configuration: every command says so and stops.
-TEST_F(CommandTest, AHomeThatIsAFileIsRefusedByEveryCommand)
-{
-    std::ofstream(home / "home.txt") << "not a folder";
-    const std::string file = pathUtf8(home / "home.txt");
-    const std::string image = gameImage("0.bmp", {"50", "1234", "777"});
-    const std::pair<Command, std::vector<std::string>> commands[] = {
-        {cli::runConfig, {"show", "--home", file}},
-        {cli::runRecognize, {"--home", file, image}},
-        {cli::runReplay, {pathUtf8(home), "--save-folder", pathUtf8(saves), "--home", file}},
-        {cli::runLearn, {"--home", file, image, "50", "1234", "777"}},
-    };
-    for (const auto& [command, args] : commands) {
-        SCOPED_TRACE(args[0]);
-        EXPECT_EQ(run(command, args), 2);
-        EXPECT_TRUE(err.str().starts_with("tallivex-cli: the home folder ")) << err.str();
-        EXPECT_TRUE(err.str().ends_with("home.txt is not a folder and cannot be made one\n")) << err.str();
-        EXPECT_EQ(out.str(), "");
-    }
-    EXPECT_FALSE(std::filesystem::exists(saves));
-}
-
 TEST_F(CommandTest, AFewScreensTeachAnUnknownFontThatRecognizeThenReads)
 {
     const std::array<std::string, kRegionCount> taught[] = {
@@ -247,18 +249,25 @@ TEST_F(CommandTest, AFewScreensTeachAnUnknownFontThatRecognizeThenReads)
               "{\"file\":\"" + test::jsonPath(utf8Path(unseen)) + "\",\"level\":185,\"exp\":7301264,\"money\":6543210}\n");
 }
 
-TEST_F(CommandTest, SkippedRegionsKeepTheirTemplatesAndReportWhatIsMissing)
+// A screen that contradicts another saves nothing; teaching the level alone keeps the
+// other regions' templates and says which of its digits are still missing.
+TEST_F(CommandTest, ARefusedImageSavesNothingAndSkippedRegionsKeepTheirTemplates)
 {
     const std::string before = (inHome(cli::runLearn, {fontImage("a.bmp", {"", "", ""}), "-", "-", "-"}), configFile());
-    ASSERT_EQ(inHome(cli::runLearn, {fontImage("b.bmp", {"37", "", ""}), "37", "-", "-",
-                                     fontImage("c.bmp", {"773", "", ""}, 2), "773", "-", "-"}),
-              0)
-        << err.str();
-    const std::string printed = out.str();
-    EXPECT_HOLDS(printed,
-                 "\"region\":\"level\",\"images\":2,\"mode\":\"exact\",\"width\":6,\"threshold\":188," "\"thresholdProposed\":false,\"learnt\":\"37\",\"missing\":\"01245689\"");
-    EXPECT_HOLDS(printed,
-                 "{\"region\":\"exp\",\"images\":0,\"mode\":\"exact\",\"width\":5,\"threshold\":133," "\"thresholdProposed\":false,\"learnt\":\"\",\"missing\":\"\"");
+    const std::string good = fontImage("good.bmp", {"37", "", ""});
+    const std::string wrong = fontImage("wrong.bmp", {"73", "", ""}, 2);
+    EXPECT_EQ(inHome(cli::runLearn, {good, "37", "-", "-", wrong, "37", "-", "-"}), 2);
+    EXPECT_HOLDS(err.str(), wrong + ": level 37: the digit 3 differs from the one learnt before");
+    EXPECT_HOLDS(err.str(), "nothing was saved");
+    EXPECT_EQ(out.str(), "");
+    EXPECT_EQ(configFile(), before);
+
+    const std::string more = fontImage("c.bmp", {"773", "", ""}, 2);
+    ASSERT_EQ(inHome(cli::runLearn, {good, "37", "-", "-", more, "773", "-", "-"}), 0) << err.str();
+    EXPECT_HOLDS(out.str(), "\"region\":\"level\",\"images\":2,\"mode\":\"exact\",\"width\":6,\"threshold\":188,"
+                            "\"thresholdProposed\":false,\"learnt\":\"37\",\"missing\":\"01245689\"");
+    EXPECT_HOLDS(out.str(), "{\"region\":\"exp\",\"images\":0,\"mode\":\"exact\",\"width\":5,\"threshold\":133,"
+                            "\"thresholdProposed\":false,\"learnt\":\"\",\"missing\":\"\"");
     // Lines 21 to 33 hold the level's settings, 34 to 59 those of the experience and money.
     const auto lines = [](const std::string& text, std::ptrdiff_t first, std::ptrdiff_t last) {
         const std::vector<std::string> all = test::splitLines(text);
@@ -293,44 +302,21 @@ TEST_F(CommandTest, ScreensTaughtOneACallAddUpAndLoadAsSaved)
     EXPECT_HOLDS(printed, "\"level\":-1,\"exp\":3,");
 }
 
-TEST_F(CommandTest, ARefusedImageSavesNothing)
+TEST_F(CommandTest, RecognizeReadsTheWindowModesRegionsAndTracesOnStandardError)
 {
-    const std::string before = (inHome(cli::runLearn, {fontImage("a.bmp", {"", "", ""}), "-", "-", "-"}), configFile());
-    const std::string good = fontImage("good.bmp", {"37", "", ""});
-    const std::string wrong = fontImage("wrong.bmp", {"73", "", ""}, 2);
-    EXPECT_EQ(inHome(cli::runLearn, {good, "37", "-", "-", wrong, "37", "-", "-"}), 2);
-    EXPECT_HOLDS(err.str(), wrong + ": level 37: the digit 3 differs from the one learnt before");
-    EXPECT_HOLDS(err.str(), "nothing was saved");
-    EXPECT_EQ(out.str(), "");
-    EXPECT_EQ(configFile(), before);
-
-    EXPECT_EQ(inHome(cli::runLearn, {good, "37", "-"}), 1);
-    EXPECT_EQ(inHome(cli::runLearn, {good, "3x", "-", "-"}), 2);
-    EXPECT_HOLDS(err.str(), "level 3x: not a number");
-}
-
-TEST_F(CommandTest, RecognizeInWindowModeReadsTheShiftedRegions)
-{
-    const auto image = gameImage("w.bmp", {"42", "777", "31"}, ScreenMode::Window);
-    EXPECT_EQ(run(cli::runRecognize, {"--window-mode", image}), 0);
+    const auto shot = image("w.bmp", test::gameScreen({"42", "777", "31"}, ScreenMode::Window));
+    EXPECT_EQ(run(cli::runRecognize, {"--window-mode", "--trace", shot}), 0);
     EXPECT_HOLDS(out.str(), "\"level\":42,\"exp\":777,\"money\":31");
-    EXPECT_EQ(run(cli::runRecognize, {image}), 0);
+    EXPECT_HOLDS(err.str(), "category0 変換データ : ");
+    EXPECT_HOLDS(err.str(), "4 認識:\n2 認識:\n 認識:デリミタ");
+    EXPECT_EQ(run(cli::runRecognize, {shot}), 0);
     EXPECT_HOLDS(out.str(), "\"level\":-1,\"exp\":-1,\"money\":-1");
-}
-
-TEST_F(CommandTest, RecognizesTraceGoesToStandardError)
-{
-    const auto image = gameImage("t.bmp", {"5", "12", "3"});
-    EXPECT_EQ(run(cli::runRecognize, {"--trace", image}), 0);
-    const std::string trace = err.str();
-    EXPECT_HOLDS(trace, "category0 変換データ : ");
-    EXPECT_HOLDS(trace, "1 認識:\n2 認識:\n 認識:デリミタ");
 }
 
 // Each image that cannot be read is named with its result; the others are still read.
 TEST_F(CommandTest, RecognizeNamesUnreadableImagesAndStillReadsTheRest)
 {
-    const auto good = gameImage("good.bmp", {"9", "9", "9"});
+    const auto good = image("good.bmp", test::gameScreen({"9", "9", "9"}));
     std::ofstream(home / "broken.bmp", std::ios::binary) << "PK\x03\x04";
     const std::vector<std::uint8_t> whole = encodeBitmap24(test::gameScreen({"9", "9", "9"}));
     std::ofstream(home / "short.bmp", std::ios::binary).write(reinterpret_cast<const char*>(whole.data()), 3000);
@@ -351,28 +337,21 @@ TEST_F(CommandTest, RecognizeNamesUnreadableImagesAndStillReadsTheRest)
         << out.str();
 }
 
+// The home is made with its configuration and log where there was none.
 TEST_F(CommandTest, ReplayWritesTheRecordFileAndTheLogBox)
 {
     frame("10.bmp", "137", "1000", "5000");
     frame("0370.bmp", "137", "4600", "5000"); // leading zeros allowed
     frame("730.bmp", "138", "100", "5800");
     frame("notes.txt.bmp", "1", "1", "1");    // not named by a second: ignored
-    ASSERT_EQ(replay({"--per-session", "--money-scan"}), 0) << err.str();
+    const auto made = home / "new" / "home";
+    ASSERT_EQ(replay({"--per-session", "--money-scan", "--home", pathUtf8(made)}), 0) << err.str();
 
     EXPECT_EQ(test::readAll(saves / "log" / utf8Path("給与明細202401312350.txt")),
               test::testData("cli/replay-record.txt"));
     EXPECT_EQ(out.str(), test::testData("cli/replay-log-box.txt"));
-}
-
-TEST_F(CommandTest, ReplayRefusesBadArguments)
-{
-    frame("0.bmp", "1", "2", "3");
-    EXPECT_EQ(run(cli::runReplay, {pathUtf8(frames)}), 1);
-    EXPECT_EQ(replay({"--start"}), 1);
-    EXPECT_EQ(run(cli::runReplay, {pathUtf8(frames), "--save-folder", "x", "--start", "2024-02-30 10:00"}), 1);
-    EXPECT_EQ(run(cli::runReplay, {pathUtf8(home / "none"), "--save-folder", "x"}), 1);
-    EXPECT_EQ(replay({"--fast"}), 1);
-    EXPECT_HOLDS(err.str(), "unknown option --fast");
+    EXPECT_TRUE(std::filesystem::exists(made / "TV2MConfig.ini"));
+    EXPECT_TRUE(std::filesystem::exists(made / "debug.txt"));
 }
 
 // Frames that are no image, a folder or an image cut short: each is named, is a failed
@@ -409,17 +388,6 @@ TEST_F(CommandTest, ARecordFileThatCannotBeWrittenIsReportedNotFatal)
     EXPECT_NE(first, std::string::npos) << err.str();
     EXPECT_EQ(err.str().find(told, first + 1), std::string::npos) << err.str();
     EXPECT_HOLDS(out.str(), "02/01 00:02  137");
-}
-
-TEST_F(CommandTest, AHomeNotYetMadeIsMadeWithItsConfigurationAndLog)
-{
-    frame("10.bmp", "137", "1000", "5000");
-    frame("370.bmp", "137", "4600", "5000");
-    const auto made = home / "new" / "home";
-    EXPECT_EQ(replay({"--home", pathUtf8(made)}), 0) << err.str();
-    EXPECT_TRUE(std::filesystem::exists(made / "TV2MConfig.ini"));
-    EXPECT_TRUE(std::filesystem::exists(made / "debug.txt"));
-    EXPECT_HOLDS(out.str(), "01/31 23:56  137") << out.str() << err.str();
 }
 
 } // namespace
