@@ -15,11 +15,7 @@
 
 #include <array>
 #include <climits>
-#include <optional>
-#include <ostream>
-#include <string>
-#include <utility>
-#include <vector>
+#include <tuple>
 
 namespace tvx {
 
@@ -46,6 +42,17 @@ std::vector<std::string> rateEs(const clsGraphBuffer& buffer)
     return out;
 }
 
+// The newest entry's RateE and RateM|its averages|the maxima of E, M, AveE and AveM|the
+// windows AveNum and MaxNum.
+std::string summary(const clsGraphBuffer& b)
+{
+    const clsGraphFormat n = b.Value(0);
+    return n.RateE().toString() + " " + n.RateM().toString() + "|" + n.RateAveE().toString() + " " +
+           n.RateAveM().toString() + "|" + b.MaxValueRateE().toString() + " " + b.MaxValueRateM().toString() + " " +
+           b.MaxValueRateAveE().toString() + " " + b.MaxValueRateAveM().toString() + "|" +
+           std::to_string(b.AveNum()) + " " + std::to_string(b.MaxNum());
+}
+
 class GraphBufferTest : public ::testing::Test {
 protected:
     void add(double rateE, double rateM, std::int32_t aveNum = 1, std::int32_t maxNum = 1, double time = 0.0)
@@ -57,60 +64,40 @@ protected:
     clsGraphBuffer buffer{clock};
 };
 
-// The newest entry's averages over AveNum entries and the maxima over the newest MaxNum;
-// both windows are cut to the buffer's 512 entries.
-TEST_F(GraphBufferTest, AveragesAndMaximaOverTheNewestWindows)
+// Rates are clamped to the graph's range; the newest entry's averages are over AveNum
+// entries and the maxima over the newest MaxNum; both windows are cut to the 512 entries.
+TEST(GraphBuffer, ClampsRatesAndAveragesAndMaximaOverTheNewestWindows)
 {
     struct Case {
         const char* name;
         std::vector<std::pair<double, double>> added; // (RateE, RateM), oldest first
         std::int32_t aveNum;
         std::int32_t maxNum;
-        std::array<const char*, 2> ave;               // RateAveE, RateAveM
-        std::array<const char*, 4> max;               // E, M, AveE, AveM
+        const char* summary;
     };
     const Case cases[] = {
-        {"no-value entry left out of the count", {{600, 5}, {-1, 5}, {300, 5}}, 3, 1, {"450", "5"}, {"300", "5", "450", "5"}},
-        {"empty entries count as zeros", {{100, 100}, {200, 200}}, 5, 1, {"60", "60"}, {"200", "200", "60", "60"}},
-        {"all money no-value", {{10, -1}, {20, -1}}, 2, 1, {"15", "0"}, {"20", "0", "15", "0"}},
-        {"series are counted independently", {{-1, 8}, {4, -1}}, 2, 1, {"4", "8"}, {"4", "0", "4", "8"}},
-        {"windows of 0 give 0", {{5, 5}}, 0, 0, {"0", "0"}, {"0", "0", "0", "0"}},
-        {"negative rates count but are no maximum", {{-3, -7}, {1, 1}}, 2, 1, {"-1", "-3"}, {"1", "1", "0", "0"}},
-        {"rounded to four decimals", {{2, 1}, {0, 0}, {0, 0}}, 3, 1, {"0.6667", "0.3333"}, {"0", "0", "0.6667", "0.3333"}},
-        {"clamped rates are averaged", {{5000000, -5000000}}, 1, 1, {"2147483", "-2147483"}, {"2147483", "0", "2147483", "0"}},
-        {"fields peak in different entries", {{10, 1}, {3, 50}}, 1, 2, {"3", "50"}, {"10", "50", "10", "50"}},
-        {"averages are maxed on their own", {{0, 0}, {100, 40}, {0, 0}}, 2, 1, {"50", "20"}, {"0", "0", "50", "20"}},
-        {"only negatives", {{-5, -2}, {-1, -3}}, 2, 2, {"-5", "-2.5"}, {"0", "0", "0", "0"}},
-        {"older entries outside MaxNum are ignored", {{100, 100}, {1, 3}, {2, 4}}, 1, 2, {"2", "4"}, {"2", "4", "2", "4"}},
-        {"windows beyond the length", {{256, 512}, {256, 512}}, 1000, 1000, {"1", "2"}, {"256", "512", "1", "2"}},
+        {"no-value entry left out of the count", {{600, 5}, {-1, 5}, {300, 5}}, 3, 1, "300 5|450 5|300 5 450 5|3 1"},
+        {"empty entries count as zeros", {{100, 100}, {200, 200}}, 5, 1, "200 200|60 60|200 200 60 60|5 1"},
+        {"all money no-value", {{10, -1}, {20, -1}}, 2, 1, "20 -1|15 0|20 0 15 0|2 1"},
+        {"series are counted independently", {{-1, 8}, {4, -1}}, 2, 1, "4 -1|4 8|4 0 4 8|2 1"},
+        {"windows of 0 give 0", {{5, 5}}, 0, 0, "5 5|0 0|0 0 0 0|0 0"},
+        {"negative rates count but are no maximum", {{-3, -7}, {1, 1}}, 2, 1, "1 1|-1 -3|1 1 0 0|2 1"},
+        {"rounded to four decimals", {{2, 1}, {0, 0}, {0, 0}}, 3, 1, "0 0|0.6667 0.3333|0 0 0.6667 0.3333|3 1"},
+        {"clamped", {{5000000, -5000000}}, 1, 1, "2147483 -2147483|2147483 -2147483|2147483 0 2147483 0|1 1"},
+        {"at the edges", {{2147483.0001, -2147483}}, 1, 1, "2147483 -2147483|2147483 -2147483|2147483 0 2147483 0|1 1"},
+        {"kept within the range", {{-1, 123.4567}}, 1, 1, "-1 123.4567|0 123.4567|0 123.4567 0 123.4567|1 1"},
+        {"fields peak in different entries", {{10, 1}, {3, 50}}, 1, 2, "3 50|3 50|10 50 10 50|1 2"},
+        {"averages are maxed on their own", {{0, 0}, {100, 40}, {0, 0}}, 2, 1, "0 0|50 20|0 0 50 20|2 1"},
+        {"only negatives", {{-5, -2}, {-1, -3}}, 2, 2, "-1 -3|-5 -2.5|0 0 0 0|2 2"},
+        {"older entries outside MaxNum are ignored", {{100, 100}, {1, 3}, {2, 4}}, 1, 2, "2 4|2 4|2 4 2 4|1 2"},
+        {"windows beyond the length", {{256, 512}, {256, 512}}, 1000, 1000, "256 512|1 2|256 512 1 2|512 512"},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        test::FakeClock caseClock;
-        clsGraphBuffer b(caseClock);
+        test::FakeClock clock;
+        clsGraphBuffer b(clock);
         for (const auto& [rateE, rateM] : c.added)
             b.AddGraphData(money(rateE), money(rateM), c.aveNum, c.maxNum);
-        EXPECT_EQ(b.Value(0).RateAveE().toString(), c.ave[0]);
-        EXPECT_EQ(b.Value(0).RateAveM().toString(), c.ave[1]);
-        EXPECT_EQ(b.MaxValueRateE().toString(), c.max[0]);
-        EXPECT_EQ(b.MaxValueRateM().toString(), c.max[1]);
-        EXPECT_EQ(b.MaxValueRateAveE().toString(), c.max[2]);
-        EXPECT_EQ(b.MaxValueRateAveM().toString(), c.max[3]);
-        EXPECT_EQ(std::make_pair(b.AveNum(), b.MaxNum()), std::make_pair(std::min(c.aveNum, 512), std::min(c.maxNum, 512)));
-    }
-}
-
-TEST_F(GraphBufferTest, RatesAreClampedToTheGraphRange)
-{
-    const std::pair<double, const char*> cases[] = {
-        {5000000, "2147483"}, {-5000000, "-2147483"}, {2147483.0001, "2147483"},
-        {-2147483, "-2147483"}, {-1, "-1"}, {123.4567, "123.4567"},
-    };
-    for (const auto& [rate, stored] : cases) {
-        SCOPED_TRACE(rate);
-        add(rate, rate);
-        EXPECT_EQ(buffer.Value(0).RateE().toString(), stored);
-        EXPECT_EQ(buffer.Value(0).RateM().toString(), stored);
+        EXPECT_EQ(summary(b), c.summary) << c.name;
     }
 }
 
@@ -133,28 +120,19 @@ TEST_F(GraphBufferTest, MaxValueTimeIsTheLatestTimeRoundedHalfToEven)
     EXPECT_DOUBLE_EQ(buffer.Value(0).Time(), toOleDate(LocalDateTime{2024, 3, 15, 18, 30, 0}));
 }
 
-TEST_F(GraphBufferTest, ValueOutsideTheBufferFails)
-{
-    add(42, 7);
-    EXPECT_EQ(buffer.Value(0).RateE().toString(), "42");
-    EXPECT_EQ(buffer.Value(511), clsGraphFormat());
-    for (std::int32_t index : {-1, 512, INT_MIN, INT_MAX}) {
-        SCOPED_TRACE(index);
-        test::expectError(ErrorNumber::SubscriptOutOfRange, [&] { (void)buffer.Value(index); });
-    }
-}
-
+// Entries outside the buffer fail, whatever the index.
 TEST_F(GraphBufferTest, BufferSizeTrimsAndExtendsAtTheOldestEnd)
 {
     for (int i = 1; i <= 3; ++i)
         add(i, i);
+    EXPECT_EQ(buffer.Value(511), clsGraphFormat());
+    for (std::int32_t index : {-1, 512, INT_MIN, INT_MAX})
+        test::expectError(ErrorNumber::SubscriptOutOfRange, [&] { (void)buffer.Value(index); });
 
     buffer.setBufferSize(2);
     EXPECT_EQ(rateEs(buffer), (std::vector<std::string>{"3", "2"}));
-
     buffer.setBufferSize(4);
     EXPECT_EQ(rateEs(buffer), (std::vector<std::string>{"3", "2", "fresh", "fresh"}));
-
     test::expectError(ErrorNumber::SubscriptOutOfRange, [&] { buffer.setBufferSize(0); });
     EXPECT_EQ(buffer.BufferSize(), 4);
     buffer.setBufferSize(70000);
@@ -393,35 +371,26 @@ TEST(GraphFrameLayout, AFrameTooSmallKeepsThePictureAndLaysOutTheRest)
     EXPECT_EQ(layout.scaleLeftM, 510);
 }
 
+// The client's width and height, the outer width and height written back (twips) when it
+// snapped back, the graph frame shown and its size, the log box's width.
 TEST(FormResizeLayout, SnapsBackToTheMinimumSizes)
 {
-    const struct {
-        std::int32_t width, height;
-        bool graph;
-        std::int32_t clientWidth, clientHeight;
-        std::optional<std::int32_t> outerWidth, outerHeight;
-        std::int32_t frameWidth, frameHeight;
-    } cases[] = {
-        {700, 290, true, 710, 300, 10650, 5190, 220, 294},
-        {800, 400, true, 800, 400, std::nullopt, std::nullopt, 310, 394},
-        {710, 300, true, 710, 300, std::nullopt, std::nullopt, 220, 294},
-        {500, 600, false, 488, 600, 7320, std::nullopt, 0, 0},
-        {300, 200, false, 488, 300, 7320, 5190, 0, 0},
-        {488, 700, false, 488, 700, std::nullopt, std::nullopt, 0, 0},
+    using Twips = std::optional<std::int32_t>;
+    using Layout = std::tuple<std::int32_t, std::int32_t, Twips, Twips, bool, std::int32_t, std::int32_t, std::int32_t>;
+    const struct { std::int32_t width, height; bool graph; Layout layout; } cases[] = {
+        {700, 290, true, {710, 300, 10650, 5190, true, 220, 294, 465}},
+        {800, 400, true, {800, 400, std::nullopt, std::nullopt, true, 310, 394, 465}},
+        {710, 300, true, {710, 300, std::nullopt, std::nullopt, true, 220, 294, 465}},
+        {500, 600, false, {488, 600, 7320, std::nullopt, false, 0, 0, 465}},
+        {300, 200, false, {488, 300, 7320, 5190, false, 0, 0, 465}},
+        {488, 700, false, {488, 700, std::nullopt, std::nullopt, false, 0, 0, 465}},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.width << " x " << c.height << (c.graph ? " graph" : ""));
-        const FormResizeLayout layout = formResizeLayout(c.width, c.height, c.graph);
-        EXPECT_EQ(layout.clientWidth, c.clientWidth);
-        EXPECT_EQ(layout.clientHeight, c.clientHeight);
-        EXPECT_EQ(layout.outerWidthTwips, c.outerWidth);
-        EXPECT_EQ(layout.outerHeightTwips, c.outerHeight);
-        EXPECT_EQ(layout.frmGraphVisible, c.graph);
-        if (c.graph) {
-            EXPECT_EQ(layout.frmGraphWidth, c.frameWidth);
-            EXPECT_EQ(layout.frmGraphHeight, c.frameHeight);
-        }
-        EXPECT_EQ(layout.txtLogWidth, 465);
+        const FormResizeLayout l = formResizeLayout(c.width, c.height, c.graph);
+        EXPECT_EQ(Layout(l.clientWidth, l.clientHeight, l.outerWidthTwips, l.outerHeightTwips, l.frmGraphVisible,
+                         l.frmGraphWidth, l.frmGraphHeight, l.txtLogWidth),
+                  c.layout)
+            << c.width << " x " << c.height;
     }
 }
 
