@@ -237,7 +237,8 @@ TEST_F(CommandTest, RefusedArgumentsAndHomesHaveTheirOwnExitCodes)
     const std::string s = pathUtf8(saves);
     std::ofstream(home / "home.txt") << "not a folder";
     const std::string file = pathUtf8(home / "home.txt");
-    const std::string notAFolder = "tallivex-cli: the home folder " + file + " is not a folder and cannot be made one\n";
+    const std::string notAFolder =
+        "tallivex-cli: the home folder " + file + " is not a folder and cannot be made one\n";
     std::filesystem::create_directories(home / "unwritable" / "TV2MConfig.ini.tmp" / "x");
     std::filesystem::create_directories(home / "unreadable" / "TV2MConfig.ini"); // nothing to read, back up or write
     struct Case { Command command; std::vector<std::string> args; int status; std::string said; bool printed = false; };
