@@ -85,17 +85,12 @@ TEST(ExpTableTest, CumulativeWithinOneToTwoHundred)
         ASSERT_LT(ExpTable(level), ExpTable(level + 1)) << level;
 }
 
+// Bit 0 of a case: the level was read, bit 1 the experience, bit 2 the money.
 TEST(FailureTextTest, NamesEveryFailedValue)
 {
-    const Currency bad = c(-1);
-    const Currency good = c(5);
-    EXPECT_EQ(failureText(-1, bad, bad), "全部 NG");
-    EXPECT_EQ(failureText(3, bad, bad), "ExpとMoney NG");
-    EXPECT_EQ(failureText(-1, good, bad), "LvとMoney NG");
-    EXPECT_EQ(failureText(3, good, bad), "Money NG");
-    EXPECT_EQ(failureText(-1, bad, good), "LvとExp NG");
-    EXPECT_EQ(failureText(3, bad, good), "Exp NG");
-    EXPECT_EQ(failureText(-1, good, good), "Lv NG");
+    const char* texts[] = {"全部 NG", "ExpとMoney NG", "LvとMoney NG", "Money NG", "LvとExp NG", "Exp NG", "Lv NG"};
+    for (int read = 0; read < 7; ++read)
+        EXPECT_EQ(failureText(read & 1 ? 3 : -1, c(read & 2 ? 5 : -1), c(read & 4 ? 5 : -1)), texts[read]) << read;
 }
 
 class RecordFileTest : public testing::Test {
@@ -170,29 +165,26 @@ TEST_F(RecordFileTest, PlacesTheFileSystemRefusesAreTrappedErrors)
     EXPECT_NE(numberOf(RecordFile::kAppend), 0);
 }
 
-TEST(TimeLeftTest, HoursToTheTarget)
+TEST(TimeLeftTest, AsksTargetAndRateForTheHoursToTheTargetAndStopsOnCancel)
 {
     const Currency reached = ExpTable(120);
     EXPECT_EQ(timeLeftLine(120, reached, 121, 500), "\r\n  Lv121まで、あと 29,716 Kexp、59.43時間です\r\n");
     // At or below what is reached; a rate of 0 counts as 0.1 k/h.
     EXPECT_EQ(timeLeftLine(120, reached + Currency::fromInt(2000), 120, 0),
               "\r\n  Lv120まで、かつて -2 Kexp、-20.00時間です\r\n");
-}
 
-TEST(TimeLeftTest, AsksTargetAndRateAndStopsOnCancel)
-{
     test::FakeMachine machine;
     DebugLog log({}, machine.clock);
     LogBox box;
     machine.numbers = {121, 500};
-    menuTimeLeft_Click(120, ExpTable(120), Currency::fromInt(42), machine, box, log);
+    menuTimeLeft_Click(120, reached, Currency::fromInt(42), machine, box, log);
     ASSERT_EQ(machine.count("ask あと何時間？"), 2u);
     EXPECT_EQ(machine.events[0], "ask あと何時間？ | 目標Lvを入力してください  (現在:120) | 1 200 121.000000 1");
     EXPECT_EQ(machine.events[1], "ask あと何時間？ | 時給Exp(k)を入力してください | 0.1 100000 42.000000 500");
     EXPECT_HOLDS(box.text(), "59.43時間です");
 
     box.clear();
-    menuTimeLeft_Click(120, ExpTable(120), Currency{}, machine, box, log); // cancelled
+    menuTimeLeft_Click(120, reached, Currency{}, machine, box, log); // cancelled
     menuTimeLeft_Click(199, ExpTable(199), Currency{}, machine, box, log);
     EXPECT_EQ(box.text(), "\r\nLv200到達まであとひとつ。がんばって！\r\n");
 }
