@@ -103,10 +103,8 @@ TEST(GraphBuffer, ClampsRatesAndAveragesAndMaximaOverTheNewestWindows)
 
 TEST_F(GraphBufferTest, MaxValueTimeIsTheLatestTimeRoundedHalfToEven)
 {
-    const std::pair<double, std::int32_t> cases[] = {
-        {45000.5, 45000}, {45001.5, 45002}, {45000.25, 45000}, {45000.75, 45001},
-    };
-    for (const auto& [time, day] : cases) {
+    for (const auto& [time, day] :
+         {std::pair{45000.5, 45000}, {45001.5, 45002}, {45000.25, 45000}, {45000.75, 45001}}) {
         SCOPED_TRACE(time);
         add(1, 1, 1, 1, time);
         EXPECT_EQ(buffer.MaxValueTime(), day);
@@ -143,12 +141,7 @@ TEST_F(GraphBufferTest, BufferSizeTrimsAndExtendsAtTheOldestEnd)
 
 TEST_F(GraphBufferTest, DataShiftMovesTheHistory)
 {
-    struct Case {
-        std::int32_t count;
-        std::int32_t direction;
-        std::vector<std::string> after; // newest first
-    };
-    const Case cases[] = {
+    const struct { std::int32_t count, direction; std::vector<std::string> after; } cases[] = { // after: newest first
         {3, clsGraphBuffer::kTowardsPresent, {"2", "1", "fresh", "fresh", "fresh"}},
         {2, clsGraphBuffer::kTowardsPast, {"fresh", "fresh", "5", "4", "3"}},
         {9, clsGraphBuffer::kTowardsPast, {"fresh", "fresh", "fresh", "fresh", "fresh"}},
@@ -157,7 +150,7 @@ TEST_F(GraphBufferTest, DataShiftMovesTheHistory)
         {-1, clsGraphBuffer::kTowardsPast, {"5", "4", "3", "2", "1"}},
         {3, 2, {"5", "4", "3", "2", "1"}},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << "count " << c.count << " direction " << c.direction);
         test::FakeClock caseClock;
         clsGraphBuffer b(caseClock);
@@ -222,7 +215,7 @@ TEST(GraphScaleTexts, TimeAxisTitleGivesMinutesPerGridDivision)
     EXPECT_EQ(texts.lblGraph_El[0], "    10") << "the other steps still run";
 }
 
-TEST(GraphZoom, ClicksStepByATenthWithinTheLimits)
+TEST(GraphView, ZoomClicksStepByATenthAndShiftsByAQuarterWithinTheLimits)
 {
     float zoom = 1.0f;
     for (int i = 0; i < 9; ++i)
@@ -241,10 +234,8 @@ TEST(GraphZoom, ClicksStepByATenthWithinTheLimits)
     EXPECT_GT(down[6], 0.29f) << "the seventh click is still above the limit";
     EXPECT_EQ(down[7], 0.2f) << "the eighth lands just below 0.2 and is set to it";
     EXPECT_EQ(down[8], 0.2f);
-}
 
-TEST(GraphShift, ClicksMoveAQuarterOfTheVisibleEntries)
-{
+    // A shift moves a quarter of the visible entries.
     std::int32_t shift = 0;
     std::vector<std::int32_t> past;
     for (int i = 0; i < 32; ++i)
@@ -396,7 +387,7 @@ TEST(FormResizeLayout, SnapsBackToTheMinimumSizes)
 
 TEST(GraphLayout, TwipsToPixelsRoundsToTheNearestPixel)
 {
-    for (const auto& [twips, pixels] : std::array<std::pair<int, int>, 6>{{{0, 0}, {7, 0}, {8, 1}, {570, 38}, {-7, 0}, {-8, -1}}})
+    for (const auto& [twips, pixels] : {std::pair{0, 0}, {7, 0}, {8, 1}, {570, 38}, {-7, 0}, {-8, -1}})
         EXPECT_EQ(twipsToPixels(twips), pixels) << twips;
 }
 
