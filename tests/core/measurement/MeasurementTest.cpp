@@ -21,6 +21,7 @@
 
 #include <cmath>
 #include <fstream>
+#include <numeric>
 #include <set>
 
 namespace tvx {
@@ -197,21 +198,18 @@ TEST(RandomToolsTest, RangesAndSequences)
         seen.insert(RandomInt(rnd, 2, 1));
     EXPECT_EQ(seen, (std::set<int>{1, 2}));
 
-    const std::string text = RandomSequence(rnd, 128, 1, 10, 4);
-    EXPECT_TRUE(text.starts_with("  1 ～ 128 の範囲の乱数列は以下のとおりです\r\n    ")) << text;
-    std::multiset<int> numbers;
-    int lines = 0;
-    std::size_t start = text.find("\r\n") + 2;
-    for (std::size_t end; (end = text.find("\r\n", start)) != std::string::npos; start = end + 2, ++lines) {
-        const std::string line = text.substr(start, end - start);
-        ASSERT_LE(line.size(), 4u + 50u) << line;
-        for (std::size_t at = 4; at < line.size(); at += 5)
-            numbers.insert(std::stoi(line.substr(at, 5)));
+    const std::vector<std::string> lines = test::splitLines(RandomSequence(rnd, 128, 1, 10, 4));
+    ASSERT_EQ(lines.size(), 14u); // the title and thirteen lines of at most ten
+    EXPECT_EQ(lines[0], "  1 ～ 128 の範囲の乱数列は以下のとおりです");
+    std::vector<int> numbers;
+    for (std::size_t i = 1; i < lines.size(); ++i) {
+        ASSERT_TRUE(lines[i].starts_with("    ") && lines[i].size() <= 4u + 50u) << lines[i];
+        for (std::size_t at = 4; at < lines[i].size(); at += 5)
+            numbers.push_back(std::stoi(lines[i].substr(at, 5)));
     }
-    EXPECT_EQ(lines, 13);
-    std::multiset<int> all;
-    for (int n = 1; n <= 128; ++n)
-        all.insert(n);
+    std::sort(numbers.begin(), numbers.end());
+    std::vector<int> all(128);
+    std::iota(all.begin(), all.end(), 1);
     EXPECT_EQ(numbers, all);
 }
 
@@ -233,12 +231,7 @@ const LocalDateTime kNoon{2025, 6, 1, 12, 0, 0};
 // Suspended stretches are no active time, and the tick may wrap between readings.
 TEST(LiveTrackerTest, RatesAreOverActiveTimeOnly)
 {
-    struct Case {
-        const char* name;
-        std::uint32_t startTick;
-        std::uint32_t suspendAfterMs; // 0: never
-        std::uint32_t suspendedMs;
-    };
+    struct Case { const char* name; std::uint32_t startTick, suspendAfterMs, suspendedMs; }; // suspended after 0: never
     for (const Case& c : {Case{"plain", 5000, 0, 0}, Case{"suspended", 5000, 600'000, 1'800'000},
                           Case{"wrapping tick", 0xFFFF0000u, 600'000, 60'000}}) {
         SCOPED_TRACE(c.name);
