@@ -193,13 +193,7 @@ TEST_F(CommandTest, ShowSaveAndDefaultsTreatAnEditedFileAsTheProgramWould)
     shapes.Shapes = {GlyphShape{1, 2, 3, {1, 2, 3}}};
     const char* taught =
         "{\"Mode\":\"shapes\",\"EndGap\":3,\"Tolerance\":40,\"Pitch\":0,\"Separator\":\"\",\"Shapes\":\"1:2x3:123\"}";
-    struct Case {
-        std::vector<std::string> args;
-        const char* interval;
-        const char* target;
-        bool rewritten;
-        bool shapes;
-    };
+    struct Case { std::vector<std::string> args; const char* interval; const char* target; bool rewritten, shapes; };
     const Case cases[] = {
         {{"show", "--no"}, "\"CaptureInterval\":9,", "\"MapleStory\"", false, true},
         {{"show", "--yes"}, "\"CaptureInterval\":9,", "\"Other Game\"", true, true},

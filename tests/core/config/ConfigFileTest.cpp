@@ -238,13 +238,8 @@ TEST_F(ConfigFileTest, AnUnreadableFileIsBackedUpAndReplacedByTheDefaults)
 
 TEST_F(ConfigFileTest, TheLastLineMayChangeTheTarget)
 {
-    struct Case {
-        const char* name;
-        const char* lastLine;
-        std::vector<bool> answers; // given: the question is asked
-        const char* target;
-        bool rewritten;
-    };
+    // The last line; answers given: the question is asked.
+    struct Case { const char* name; const char* line; std::vector<bool> answers; const char* target; bool rewritten; };
     const Case cases[] = {
         {"accepted", "Other Game", {true}, "Other Game", true},
         {"refused", "Other Game", {false}, "MapleStory", false},
@@ -258,7 +253,7 @@ TEST_F(ConfigFileTest, TheLastLineMayChangeTheTarget)
         m_settings = defaults();
         m_settings.SearchWindowName = "MapleStory";
         Settings onDisk = m_settings;
-        onDisk.SearchWindowName = c.lastLine;
+        onDisk.SearchWindowName = c.line;
         // LF endings: a rewrite is seen as the file turning into CR LF. A hand's flags: a tab,
         // a word in any case, a number.
         std::string text = configFileText(onDisk);
