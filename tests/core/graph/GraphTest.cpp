@@ -217,29 +217,26 @@ TEST(GraphScaleTexts, TimeAxisTitleGivesMinutesPerGridDivision)
 
 TEST(GraphView, ZoomClicksStepByATenthAndShiftsByAQuarterWithinTheLimits)
 {
-    float zoom = 1.0f;
-    for (int i = 0; i < 9; ++i)
-        zoom = zoomIn(zoom);
-    EXPECT_GT(zoom, 1.89f);
-    EXPECT_LT(zoom, 2.0f);
-    zoom = zoomIn(zoom); // lands just above 2.0 and is cut
-    EXPECT_EQ(zoom, 2.0f);
-    EXPECT_EQ(zoomIn(zoom), 2.0f);
-
-    zoom = 1.0f;
-    std::vector<float> down;
-    for (int i = 0; i < 9; ++i)
-        down.push_back(zoom = zoomOut(zoom));
+    // The values after each of `count` clicks from `start`.
+    const auto clicks = [](auto step, auto start, int count) {
+        std::vector<decltype(start)> after;
+        for (int i = 0; i < count; ++i)
+            after.push_back(start = step(start));
+        return after;
+    };
+    const std::vector<float> up = clicks(zoomIn, 1.0f, 11);
+    EXPECT_GT(up[8], 1.89f);
+    EXPECT_LT(up[8], 2.0f);
+    EXPECT_EQ(up[9], 2.0f) << "the tenth lands just above 2.0 and is cut";
+    EXPECT_EQ(up[10], 2.0f);
+    const std::vector<float> down = clicks(zoomOut, 1.0f, 9);
     EXPECT_NEAR(down[4], 0.5f, 1e-6f);
     EXPECT_GT(down[6], 0.29f) << "the seventh click is still above the limit";
     EXPECT_EQ(down[7], 0.2f) << "the eighth lands just below 0.2 and is set to it";
     EXPECT_EQ(down[8], 0.2f);
 
     // A shift moves a quarter of the visible entries.
-    std::int32_t shift = 0;
-    std::vector<std::int32_t> past;
-    for (int i = 0; i < 32; ++i)
-        past.push_back(shift = shiftToPast(shift, 60, 512));
+    const auto past = clicks([](std::int32_t shift) { return shiftToPast(shift, 60, 512); }, std::int32_t{0}, 32);
     EXPECT_EQ(past[0], 15);
     EXPECT_EQ(past[29], 450);
     EXPECT_EQ(past[30], 451) << "60 + 465 would reach the end of the buffer";
