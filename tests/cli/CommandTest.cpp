@@ -31,12 +31,8 @@
 namespace tvx {
 namespace {
 
-struct Shown {
-    std::int64_t t;
-    std::int32_t level; // 0: not readable
-    std::int64_t exp;
-    std::optional<std::int64_t> money;
-};
+// A frame of the live session: its second and what it shows, level 0 when it cannot be read.
+struct Shown { std::int64_t t; std::int32_t level; std::int64_t exp; std::optional<std::int64_t> money; };
 
 std::int64_t total(const Shown& s) { return ExpTable(s.level).wholePart() + s.exp; }
 double position(const Shown& s)
@@ -44,12 +40,10 @@ double position(const Shown& s)
     const double span = (ExpTable(s.level + 1) - ExpTable(s.level)).toDouble();
     return s.level + static_cast<double>(s.exp) / span;
 }
+// gain x 3.6 / seconds, rounded toward minus infinity.
 std::int64_t floorRate(std::int64_t gain, std::int64_t seconds)
 {
-    // gain x 3.6 / seconds, rounded toward minus infinity.
-    const std::int64_t n = gain * 36;
-    const std::int64_t d = seconds * 10;
-    return n / d - ((n % d != 0 && (n < 0)) ? 1 : 0);
+    return static_cast<std::int64_t>(std::floor(static_cast<double>(gain * 36) / static_cast<double>(seconds * 10)));
 }
 
 // A three-hour session every five minutes: a level-up, twenty minutes of failed readings,
@@ -483,6 +477,7 @@ TEST_F(CommandTest, EveryLiveLineHoldsTheFiguresOfItsReading)
     ASSERT_EQ(replay({"--live", pathUtf8(live)}), 0) << err.str();
     std::istringstream lines(test::readAll(live));
 
+    const std::pair<std::string, std::int64_t> windows[] = {{"10", 10}, {"30", 30}, {"60", 60}, {"Session", 100000}};
     std::vector<std::size_t> character; // readings of the current character
     std::optional<std::int64_t> lastValid;
     std::int64_t lastGain = 0;
@@ -507,10 +502,8 @@ TEST_F(CommandTest, EveryLiveLineHoldsTheFiguresOfItsReading)
             lastValid = now.t;
             previousLevel = now.level;
         }
-        const char* names[] = {"10", "30", "60", "Session"};
-        const std::int64_t minutes[] = {10, 30, 60, 100000};
         std::optional<std::int64_t> exp30;
-        for (int w = 0; w < 4; ++w) {
+        for (const auto& [name, minutes] : windows) {
             std::optional<std::int64_t> exp, money;
             std::optional<double> level;
             if (valid) {
@@ -518,7 +511,7 @@ TEST_F(CommandTest, EveryLiveLineHoldsTheFiguresOfItsReading)
                 const Shown* moneyFrom = nullptr;
                 for (std::size_t j : character) {
                     const Shown& then = shown[j];
-                    if (then.t < now.t - minutes[w] * 60)
+                    if (then.t < now.t - minutes * 60)
                         continue;
                     from = from ? from : &then;
                     if (then.money && !moneyFrom)
@@ -531,10 +524,10 @@ TEST_F(CommandTest, EveryLiveLineHoldsTheFiguresOfItsReading)
                 if (now.money && moneyFrom->t < now.t)
                     money = floorRate(*now.money - *moneyFrom->money, now.t - moneyFrom->t);
             }
-            EXPECT_EQ(field(line, std::string("exp") + names[w]), figure(exp, 0)) << names[w];
-            EXPECT_EQ(field(line, std::string("level") + names[w]), figure(level, 2)) << names[w];
-            EXPECT_EQ(field(line, std::string("money") + names[w]), figure(money, 0)) << names[w];
-            if (w == 1)
+            EXPECT_EQ(field(line, "exp" + name), figure(exp, 0)) << name;
+            EXPECT_EQ(field(line, "level" + name), figure(level, 2)) << name;
+            EXPECT_EQ(field(line, "money" + name), figure(money, 0)) << name;
+            if (name == "30")
                 exp30 = exp;
         }
         std::optional<double> next;
