@@ -206,8 +206,8 @@ TEST_F(CommandTest, ShowSaveAndDefaultsTreatAnEditedFileAsTheProgramWould)
                                         "\"CompactShown\":false,\"UiLanguage\":\"\"}\n"))
             << out.str();
         EXPECT_EQ(has(err.str(), "でよろしいいですか？ -> いいえ\n"), c.args[1] == "--no") << err.str();
-        EXPECT_TRUE(has(out.str(), c.interval)) << out.str();
-        EXPECT_TRUE(has(out.str(), std::string("\"SearchWindowName\":") + c.target)) << out.str();
+        EXPECT_HOLDS(out.str(), c.interval);
+        EXPECT_HOLDS(out.str(), std::string("\"SearchWindowName\":") + c.target);
         EXPECT_EQ(has(out.str(), taught), c.shapes) << out.str();
         EXPECT_EQ(has(configFile(), "\r\n"), c.rewritten);
     }
@@ -291,13 +291,12 @@ TEST_F(CommandTest, ImpossibleSettingsNeitherCrashNorMisreadTheCommands)
                                                                 "--start", "2024-05-01 10:00", "--per-session"})
                                       : inHome(cli::runRecognize, {image});
             EXPECT_EQ(status, 0) << err.str();
-            EXPECT_TRUE(has(out.str(), replay ? c.replayed : c.json)) << out.str() << err.str();
+            EXPECT_HOLDS(out.str(), replay ? c.replayed : c.json) << err.str();
             EXPECT_EQ(has(err.str(), "読込みできない設定ファイルです。"), c.clamped == nullptr) << err.str();
             if (c.clamped) {
-                EXPECT_TRUE(has(err.str(), "[TV2MConfig.ini] Setting Out Of Range : " + std::string(c.clamped) + " \n"))
-                    << err.str();
+                EXPECT_HOLDS(err.str(), "[TV2MConfig.ini] Setting Out Of Range : " + std::string(c.clamped) + " \n");
             }
-            EXPECT_FALSE(has(err.str(), "Error Trap")) << err.str();
+            EXPECT_LACKS(err.str(), "Error Trap");
         }
     }
 }

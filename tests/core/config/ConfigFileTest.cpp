@@ -291,13 +291,13 @@ TEST_F(ConfigFileTest, TheOlderFileIsMigratedOnRequest)
         std::string bytes;
         std::vector<bool> answers;
         std::vector<std::string> kinds;
-        int interval;
+        bool takenOver;
     };
     const Case cases[] = {
-        {"taken over", m_codec->toCp932(oldBody), {true, false, true}, {"yesno", "yesno", "okcancel"}, 3},
-        {"declined", m_codec->toCp932(oldBody), {false, false, true}, {"yesno", "yesno", "okcancel"}, 6},
+        {"taken over", m_codec->toCp932(oldBody), {true, false, true}, {"yesno", "yesno", "okcancel"}, true},
+        {"declined", m_codec->toCp932(oldBody), {false, false, true}, {"yesno", "yesno", "okcancel"}, false},
         {"unreadable", m_codec->toCp932(firstLines(oldBody, 10)), {true, false, true},
-         {"yesno", "message", "yesno", "okcancel"}, 6},
+         {"yesno", "message", "yesno", "okcancel"}, false},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -309,9 +309,8 @@ TEST_F(ConfigFileTest, TheOlderFileIsMigratedOnRequest)
         run(ConfigFile::Load);
         EXPECT_EQ(m_prompter.kinds(), c.kinds);
         EXPECT_EQ(m_prompter.shown[0].text, "以前の設定ファイルが見つかりました。\r\n　　共通する設定を引き継ぎますか？");
-        EXPECT_EQ(m_settings.CaptureInterval, c.interval);
-        EXPECT_EQ(m_settings.Gesture, c.interval == 3);
-        EXPECT_EQ(m_settings.Lag, c.interval == 3 ? 10000 : 500);
+        EXPECT_EQ(std::tie(m_settings.CaptureInterval, m_settings.Gesture, m_settings.Lag),
+                  c.takenOver ? std::make_tuple(3, true, 10000) : std::make_tuple(6, false, 500));
         // Regions and recognition always start afresh, here in window mode.
         EXPECT_EQ(m_settings.CaptureRegion, defaultCaptureRegions(ScreenMode::Window));
         EXPECT_EQ(m_settings.BinaryThreshold, defaults().BinaryThreshold);
