@@ -308,18 +308,15 @@ TEST_F(GraphCurveTest, GapsAreBridgedAndAveragesDrawEveryEntry)
 TEST_F(GraphCurveTest, SeriesWithoutAScaleOrWithoutMoneyScanAreLeftOut)
 {
     fill({{50, 10}, {40, 20}, {30, 30}, {20, 40}, {10, 50}});
+    // The segments of RateE, RateAveE, RateM and RateAveM.
+    const auto sizes = [](const GraphCurves& c) {
+        return std::vector{c.rateE.size(), c.rateAveE.size(), c.rateM.size(), c.rateAveM.size()};
+    };
     input.moneyScan = false;
-    GraphCurves curves = plot();
-    EXPECT_TRUE(curves.rateM.empty());
-    EXPECT_TRUE(curves.rateAveM.empty());
-    EXPECT_EQ(curves.rateE.size(), 4u);
-
+    EXPECT_EQ(sizes(plot()), (std::vector<std::size_t>{4, 4, 0, 0}));
     input.moneyScan = true;
     input.maxE = Currency();
-    curves = plot();
-    EXPECT_TRUE(curves.rateE.empty());
-    EXPECT_TRUE(curves.rateAveE.empty());
-    EXPECT_EQ(curves.rateM.size(), 4u);
+    EXPECT_EQ(sizes(plot()), (std::vector<std::size_t>{0, 0, 4, 4}));
     EXPECT_EQ(trap.error(), ErrorNumber::DivisionByZero) << "a scale of 0 is a failed step, logged";
 }
 
