@@ -79,8 +79,7 @@ protected:
         return run(cli::runReplay, extra);
     }
 
-    // A screen written as a bitmap in the home folder: its path. The test font's glyphs are
-    // ones the built-in templates do not know.
+    // A screen written in the home folder: its path. The test font is unknown to the built-in templates.
     std::string image(const std::string& name, const Frame& screen)
     {
         EXPECT_TRUE(writeBitmap24(home / name, screen));

@@ -53,17 +53,6 @@ std::string summary(const clsGraphBuffer& b)
            std::to_string(b.AveNum()) + " " + std::to_string(b.MaxNum());
 }
 
-class GraphBufferTest : public ::testing::Test {
-protected:
-    void add(double rateE, double rateM, std::int32_t aveNum = 1, std::int32_t maxNum = 1, double time = 0.0)
-    {
-        buffer.AddGraphData(money(rateE), money(rateM), aveNum, maxNum, time);
-    }
-
-    test::FakeClock clock{LocalDateTime{2024, 3, 15, 18, 30, 0}};
-    clsGraphBuffer buffer{clock};
-};
-
 // The newest entry's averages are over AveNum entries and the maxima over the newest MaxNum,
 // both windows cut to the 512 entries.
 TEST(GraphBuffer, ClampsRatesAndAveragesAndMaximaOverTheNewestWindows)
@@ -94,28 +83,32 @@ TEST(GraphBuffer, ClampsRatesAndAveragesAndMaximaOverTheNewestWindows)
     }
 }
 
-TEST_F(GraphBufferTest, MaxValueTimeIsTheLatestTimeRoundedHalfToEven)
+TEST(GraphBuffer, MaxValueTimeIsTheLatestTimeRoundedHalfToEven)
 {
+    test::FakeClock clock{LocalDateTime{2024, 3, 15, 18, 30, 0}};
+    clsGraphBuffer buffer{clock};
     for (const auto& [time, day] :
          {std::pair{45000.5, 45000}, {45001.5, 45002}, {45000.25, 45000}, {45000.75, 45001}}) {
         SCOPED_TRACE(time);
-        add(1, 1, 1, 1, time);
+        buffer.AddGraphData(money(1), money(1), 1, 1, time);
         EXPECT_EQ(buffer.MaxValueTime(), day);
     }
 
-    add(1, 1, 1, 1, 45100.0);
-    add(1, 1, 1, 2, 45050.0);
+    buffer.AddGraphData(money(1), money(1), 1, 1, 45100.0);
+    buffer.AddGraphData(money(1), money(1), 1, 2, 45050.0);
     EXPECT_EQ(buffer.MaxValueTime(), 45100);
     // Time 0 takes the clock's present.
-    add(1, 1);
+    buffer.AddGraphData(money(1), money(1), 1, 1);
     EXPECT_DOUBLE_EQ(buffer.Value(0).Time(), toOleDate(LocalDateTime{2024, 3, 15, 18, 30, 0}));
 }
 
 // Entries outside the buffer fail, whatever the index.
-TEST_F(GraphBufferTest, BufferSizeTrimsAndExtendsAtTheOldestEnd)
+TEST(GraphBuffer, BufferSizeTrimsAndExtendsAtTheOldestEnd)
 {
+    test::FakeClock clock;
+    clsGraphBuffer buffer{clock};
     for (int i = 1; i <= 3; ++i)
-        add(i, i);
+        buffer.AddGraphData(money(i), money(i), 1, 1);
     EXPECT_EQ(buffer.Value(511), clsGraphFormat());
     for (std::int32_t index : {-1, 512, INT_MIN, INT_MAX})
         test::expectError(ErrorNumber::SubscriptOutOfRange, [&] { (void)buffer.Value(index); });
@@ -132,7 +125,7 @@ TEST_F(GraphBufferTest, BufferSizeTrimsAndExtendsAtTheOldestEnd)
     EXPECT_EQ(buffer.Value(65534), clsGraphFormat());
 }
 
-TEST_F(GraphBufferTest, DataShiftMovesTheHistory)
+TEST(GraphBuffer, DataShiftMovesTheHistory)
 {
     const struct { std::int32_t count, direction; std::vector<std::string> after; } cases[] = { // after: newest first
         {3, clsGraphBuffer::kTowardsPresent, {"2", "1", "fresh", "fresh", "fresh"}},
