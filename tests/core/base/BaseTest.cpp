@@ -124,7 +124,6 @@ TEST_F(LanguageTest, ALocaleOrTheConfigurationNamesTheLanguage)
     for (const Configured& c : {Configured{"", "ko_KR.UTF-8", "ko", Language::Korean},
                                 Configured{"", "C", "ja", Language::Japanese},
                                 Configured{"en", "ko_KR.UTF-8", "en", Language::English},
-                                Configured{"ja", "en_US", "ja", Language::Japanese},
                                 Configured{"xx", "en_US", "en", Language::English}}) {
         Settings settings;
         settings.UiLanguage = c.stored;

@@ -129,8 +129,7 @@ TEST_F(ConfigFileTest, AFreshInstallationWritesTheDefaultFileByteForByte)
     EXPECT_FALSE(std::filesystem::exists(m_home / "TV2MConfig.ini.tmp"));
 }
 
-// Every line of the file differs from the default's, so a field that is not read or not
-// written back changes the bytes.
+// Every line differs from the default's: a field not read or not written back changes the bytes.
 TEST_F(ConfigFileTest, EveryFieldSurvivesALoadAndASave)
 {
     const std::string text = test::withValue(test::testData("every-field.ini"), "folder", pathUtf8(m_home));
@@ -246,8 +245,7 @@ TEST_F(ConfigFileTest, TheLastLineMayChangeTheTarget)
         onDisk.SearchWindowName = c.line;
         // LF endings show a rewrite as CR LF; flags as a hand writes them: a tab, any case, a number.
         std::string text = configFileText(onDisk);
-        for (std::size_t at; (at = text.find("\r\n")) != std::string::npos;)
-            text.erase(at, 1);
+        std::erase(text, '\r');
         text.replace(text.find("   True ,"), 9, "\ttrue,");
         text.replace(text.find("  False ,"), 9, "0 ,");
         std::ofstream(file(), std::ios::binary) << m_codec->toCp932(text);

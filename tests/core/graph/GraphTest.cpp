@@ -42,8 +42,7 @@ std::vector<std::string> rateEs(const clsGraphBuffer& buffer)
     return out;
 }
 
-// The newest entry's RateE and RateM|its averages|the maxima of E, M, AveE and AveM|the
-// windows AveNum and MaxNum.
+// The newest entry's RateE RateM|averages|maxima of E, M, AveE, AveM|the windows AveNum MaxNum.
 std::string summary(const clsGraphBuffer& b)
 {
     const clsGraphFormat n = b.Value(0);
