@@ -1,5 +1,4 @@
-// The command line's commands: config, learn, recognize, replay and history, each through its
-// own arguments, images and home folder, with what it prints and the status it ends with.
+// The command line's commands, each with its arguments, images and home folder: what it prints, its status.
 #include "ConfigCommand.h"
 #include "HistoryCommand.h"
 #include "Json.h"
@@ -131,11 +130,7 @@ TEST_F(CommandTest, ShowSaveAndDefaultsTreatAnEditedFileAsTheProgramWould)
     Settings edited = defaultSettings(pathUtf8(home));
     edited.CaptureInterval = 9;
     edited.SearchWindowName = "Other Game";
-    RegionReading& shapes = edited.Reading[RegionExp];
-    shapes.Mode = ReadingMode::Shapes;
-    shapes.EndGap = 3;
-    shapes.Tolerance = 40;
-    shapes.Shapes = {GlyphShape{1, 2, 3, {1, 2, 3}}};
+    edited.Reading[RegionExp] = {ReadingMode::Shapes, 3, "", 0, 40, {GlyphShape{1, 2, 3, {1, 2, 3}}}};
     const char* taught =
         "{\"Mode\":\"shapes\",\"EndGap\":3,\"Tolerance\":40,\"Pitch\":0,\"Separator\":\"\",\"Shapes\":\"1:2x3:123\"}";
     struct Case { std::vector<std::string> args; const char* interval; const char* target; bool rewritten, shapes; };
@@ -174,7 +169,7 @@ TEST_F(CommandTest, RefusedArgumentsAndHomesHaveTheirOwnExitCodes)
     const std::string s = pathUtf8(saves);
     std::ofstream(home / "home.txt") << "not a folder";
     const std::string file = pathUtf8(home / "home.txt");
-    const std::string notAFolder = "tallivex-cli: the home folder " + file + " is not a folder and cannot be made one\n";
+    const std::string noHome = "tallivex-cli: the home folder " + file + " is not a folder and cannot be made one\n";
     std::filesystem::create_directories(home / "unwritable" / "TV2MConfig.ini.tmp" / "x");
     std::filesystem::create_directories(home / "unreadable" / "TV2MConfig.ini"); // nothing to read, back up or write
     struct Case { Command command; std::vector<std::string> args; int status; std::string said; bool printed = false; };
@@ -191,10 +186,10 @@ TEST_F(CommandTest, RefusedArgumentsAndHomesHaveTheirOwnExitCodes)
         {cli::runReplay, {f, "--save-folder", s, "--fast"}, 1, "unknown option --fast"},
         {cli::runLearn, {"--home", h, image, "37", "-"}, 1, "usage: tallivex-cli learn"},
         {cli::runLearn, {"--home", h, image, "3x", "-", "-"}, 2, "level 3x: not a number"},
-        {cli::runConfig, {"show", "--home", file}, 2, notAFolder},
-        {cli::runRecognize, {"--home", file, image}, 2, notAFolder},
-        {cli::runReplay, {f, "--save-folder", s, "--home", file}, 2, notAFolder},
-        {cli::runLearn, {"--home", file, image, "50", "1234", "777"}, 2, notAFolder},
+        {cli::runConfig, {"show", "--home", file}, 2, noHome},
+        {cli::runRecognize, {"--home", file, image}, 2, noHome},
+        {cli::runReplay, {f, "--save-folder", s, "--home", file}, 2, noHome},
+        {cli::runLearn, {"--home", file, image, "50", "1234", "777"}, 2, noHome},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.args));
@@ -220,21 +215,20 @@ TEST_F(CommandTest, ImpossibleSettingsNeitherCrashNorMisreadTheCommands)
         {"region 70000 wide", [](Settings& s) { s.CaptureRegion[0].SizeX = 70000; }, kRead, nullptr},
         // A clamped threshold reads nothing rather than overflowing, and says why.
         {"threshold 600000000", [](Settings& s) { s.BinaryThreshold[1] = 600000000; },
-         "\"level\":50,\"exp\":-1,\"money\":777", "BinaryThreshold(2) 600000000 -> 255", "10:06  認識失敗  Exp NG"},
+         "\"level\":50,\"exp\":-1,\"money\":777", "BinaryThreshold(2) 600000000 -> 255", "23:56  認識失敗  Exp NG"},
         // The level's digits are white: the brightest threshold still finds them.
         {"threshold 99999", [](Settings& s) { s.BinaryThreshold[0] = 99999; }, kRead, "BinaryThreshold(1) 99999 -> 255"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        for (const bool replay : {false, true}) {
+        for (const bool replaying : {false, true}) {
             Settings s = defaultSettings(pathUtf8(home));
             c.damage(s);
             writeConfigFile(s);
-            const int status = replay ? inHome(cli::runReplay, {pathUtf8(frames), "--save-folder", pathUtf8(saves),
-                                                                "--start", "2024-05-01 10:00", "--per-session"})
-                                      : inHome(cli::runRecognize, {image});
+            const int status = replaying ? replay({"--per-session", "--home", pathUtf8(home)})
+                                         : inHome(cli::runRecognize, {image});
             EXPECT_EQ(status, 0) << err.str();
-            EXPECT_HOLDS(out.str(), replay ? c.replayed : c.json) << err.str();
+            EXPECT_HOLDS(out.str(), replaying ? c.replayed : c.json) << err.str();
             EXPECT_EQ(has(err.str(), "読込みできない設定ファイルです。"), c.clamped == nullptr) << err.str();
             if (c.clamped) {
                 EXPECT_HOLDS(err.str(), "[TV2MConfig.ini] Setting Out Of Range : " + std::string(c.clamped) + " \n");

@@ -1,5 +1,4 @@
-// Basic types: money amounts that never wrap; the catalogue's PO reader, the texts put in, the
-// language a locale or a configuration names.
+// Basic types: money amounts that never wrap, the catalogue's PO reader and texts, the language.
 #include "base/Catalogue.h"
 #include "base/Currency.h"
 #include "base/Errors.h"

@@ -1,5 +1,4 @@
-// The configuration file: its bytes, how edited, damaged, older and unicode files are read,
-// the settings' ranges, the defaults and the templates' columns.
+// The configuration file: its bytes; edited, damaged, older and unicode files; ranges, defaults, templates.
 #include "config/ConfigFile.h"
 #include "config/PatternColumns.h"
 #include "config/SettingRanges.h"

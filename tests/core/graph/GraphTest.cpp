@@ -1,5 +1,4 @@
-// The graph: its buffer of rates, the scales and their labels, the curves and grid of the
-// picture, the frame's layout and the zoom and shift of the view.
+// The graph: its buffer of rates, the scales and labels, the curves, the frame's layout, zoom and shift.
 #include "graph/GraphLayout.h"
 #include "graph/GraphPlot.h"
 #include "graph/GraphScale.h"

@@ -1,5 +1,4 @@
-// The measurement's pieces: formats, rates, the experience table, failure texts, the record
-// file, the time-left and random tools, the log box, the live figures and the session history.
+// The measurement's pieces: formats, rates, records, the tools, the log box, live figures and history.
 #include "base/Errors.h"
 #include "measurement/ExpTable.h"
 #include "measurement/LiveFigures.h"
