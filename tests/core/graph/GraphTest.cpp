@@ -131,6 +131,7 @@ TEST(GraphBuffer, DataShiftMovesTheHistory)
         {9, clsGraphBuffer::kTowardsPast, {"fresh", "fresh", "fresh", "fresh", "fresh"}},
         {9, clsGraphBuffer::kTowardsPresent, {"fresh", "fresh", "fresh", "fresh", "fresh"}},
         {0, clsGraphBuffer::kTowardsPast, {"5", "4", "3", "2", "1"}},
+        {-1, clsGraphBuffer::kTowardsPast, {"5", "4", "3", "2", "1"}},
         {3, 2, {"5", "4", "3", "2", "1"}},
     };
     for (const auto& c : cases) {
@@ -195,7 +196,6 @@ TEST(GraphScaleTexts, TimeAxisTitleGivesMinutesPerGridDivision)
 
 TEST(GraphView, ZoomClicksStepByATenthAndShiftsByAQuarterWithinTheLimits)
 {
-    // The values after each of `count` clicks from `start`.
     const auto clicks = [](auto step, auto start, int count) {
         std::vector<decltype(start)> after;
         for (int i = 0; i < count; ++i)
@@ -211,7 +211,6 @@ TEST(GraphView, ZoomClicksStepByATenthAndShiftsByAQuarterWithinTheLimits)
     // A shift moves a quarter of the visible entries.
     const auto past = clicks([](std::int32_t shift) { return shiftToPast(shift, 60, 512); }, std::int32_t{0}, 31);
     EXPECT_EQ(past[0], 15);
-    EXPECT_EQ(past[29], 450);
     EXPECT_EQ(past[30], 451) << "60 + 465 would reach the end of the buffer";
 
     EXPECT_EQ(shiftToPresent(451, 60), 436);
@@ -278,7 +277,6 @@ TEST_F(GraphCurveTest, GapsAreBridgedAndAveragesDrawEveryEntry)
 TEST_F(GraphCurveTest, SeriesWithoutAScaleOrWithoutMoneyScanAreLeftOut)
 {
     fill({{50, 10}, {40, 20}, {30, 30}, {20, 40}, {10, 50}});
-    // The segments of RateE, RateAveE, RateM and RateAveM.
     const auto sizes = [](const GraphCurves& c) {
         return std::vector{c.rateE.size(), c.rateAveE.size(), c.rateM.size(), c.rateAveM.size()};
     };
