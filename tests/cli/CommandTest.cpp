@@ -291,7 +291,7 @@ TEST_F(CommandTest, ScreensTaughtOneACallAddUpAndLoadAsSaved)
         const std::string image = fontImage(std::to_string(i) + ".bmp", {calls[i][0], calls[i][1], ""}, i + 1);
         ASSERT_EQ(inHome(cli::runLearn, {image, calls[i][0], calls[i][1], "-"}), 0) << err.str();
         EXPECT_LACKS(out.str(), "\"replaced\":true") << "call " << i << ": " << out.str();
-        // Read back as the program loads it: no back-up, no defaults in its place.
+        // Read back as the program loads it: the defaults do not take its place.
         const std::string saved = configFile();
         EXPECT_EQ(inHome(cli::runRecognize, {image}), 0) << err.str();
         EXPECT_HOLDS(out.str(), "\"level\":" + calls[i][0] + ",\"exp\":" + calls[i][1]);

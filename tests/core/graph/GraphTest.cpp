@@ -51,8 +51,7 @@ std::string summary(const clsGraphBuffer& b)
            std::to_string(b.AveNum()) + " " + std::to_string(b.MaxNum());
 }
 
-// The newest entry's averages are over AveNum entries and the maxima over the newest MaxNum,
-// both windows cut to the 512 entries.
+// Averages over the newest AveNum entries, maxima over the newest MaxNum, both windows cut to 512.
 TEST(GraphBuffer, ClampsRatesAndAveragesAndMaximaOverTheNewestWindows)
 {
     // added: (RateE, RateM), oldest first.
