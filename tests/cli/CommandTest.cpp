@@ -20,22 +20,41 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <fstream>
+#include <iomanip>
+#include <optional>
+#include <regex>
 #include <sstream>
 
 namespace tvx {
 namespace {
 
-// A three-hour session every five minutes, as frames in the folder: a level-up, twenty minutes
-// of failed readings, a long idle stretch, money on some readings, a death, then another character.
-void writeSession(const std::filesystem::path& folder)
+// A frame of the live session: its second and what it shows, level 0 when it cannot be read.
+struct Shown { std::int64_t t; std::int32_t level; std::int64_t exp; std::optional<std::int64_t> money; };
+
+std::int64_t total(const Shown& s) { return ExpTable(s.level).wholePart() + s.exp; }
+double position(const Shown& s)
 {
-    std::filesystem::create_directories(folder);
+    const double span = (ExpTable(s.level + 1) - ExpTable(s.level)).toDouble();
+    return s.level + static_cast<double>(s.exp) / span;
+}
+// gain x 3.6 / seconds, rounded toward minus infinity.
+std::int64_t floorRate(std::int64_t gain, std::int64_t seconds)
+{
+    return static_cast<std::int64_t>(std::floor(static_cast<double>(gain * 36) / static_cast<double>(seconds * 10)));
+}
+
+// A three-hour session every five minutes: a level-up, twenty minutes of failed readings,
+// a long idle stretch, money on some readings, a death, then another character.
+std::vector<Shown> script()
+{
+    std::vector<Shown> frames;
     std::int32_t level = 100;
     std::int64_t exp = (ExpTable(101) - ExpTable(100)).wholePart() - 3'000'000;
     std::int64_t money = 50'000;
     for (int i = 0; i < 38; ++i) {
-        const std::uint32_t t = 30 + static_cast<std::uint32_t>(i) * 300;
+        const std::int64_t t = 30 + i * 300;
         if (i == 27)
             level = 150, exp = 5000; // another character
         const bool failed = i >= 9 && i <= 12;
@@ -49,11 +68,39 @@ void writeSession(const std::filesystem::path& folder)
             exp -= span, ++level;
         if (i == 24)
             exp = 0; // died: experience lost, level kept
-        const std::array<std::string, kRegionCount> shown = {
-            failed ? "" : std::to_string(level), std::to_string(exp), i % 3 == 0 ? "" : std::to_string(money)};
-        ASSERT_TRUE(writeBitmap24(folder / (std::to_string(t) + ".bmp"),
-                                  test::gameScreen(shown, ScreenMode::FullScreen, t, 560, 590)));
+        const std::optional<std::int64_t> shownMoney = i % 3 == 0 ? std::nullopt : std::optional(money);
+        frames.push_back({t, failed ? 0 : level, exp, shownMoney});
     }
+    return frames;
+}
+
+void writeFrames(const std::filesystem::path& folder, const std::vector<Shown>& shown)
+{
+    std::filesystem::create_directories(folder);
+    for (const Shown& s : shown) {
+        const std::string level = s.level > 0 ? std::to_string(s.level) : "";
+        const std::string money = s.money ? std::to_string(*s.money) : "";
+        ASSERT_TRUE(writeBitmap24(folder / (std::to_string(s.t) + ".bmp"),
+                                  test::gameScreen({level, std::to_string(s.exp), money}, ScreenMode::FullScreen,
+                                                   static_cast<std::uint32_t>(s.t), 560, 590)));
+    }
+}
+
+std::string field(const std::string& line, const std::string& name)
+{
+    const std::regex pattern("\"" + name + "\": (null|\"[A-Za-z]*\"|-?[0-9.]+)");
+    std::smatch match;
+    return std::regex_search(line, match, pattern) ? match[1].str() : "missing";
+}
+
+// A figure as the live file writes it: null, or fixed with `places` decimals.
+std::string figure(std::optional<double> value, int places)
+{
+    if (!value)
+        return "null";
+    std::ostringstream text;
+    text << std::fixed << std::setprecision(places) << *value;
+    return text.str() == "-0.00" ? "0.00" : text.str();
 }
 
 class CommandTest : public testing::Test {
@@ -391,14 +438,97 @@ TEST_F(CommandTest, ARecordFileThatCannotBeWrittenIsReportedNotFatal)
     EXPECT_HOLDS(out.str(), "02/01 00:02  137");
 }
 
-// replay --live: the figures of every reading, and one history row per character.
+// replay --live against figures worked out here from the frames alone.
 TEST_F(CommandTest, EveryLiveLineHoldsTheFiguresOfItsReading)
 {
-    writeSession(frames);
-    ASSERT_EQ(replay({"--live", pathUtf8(home / "live.jsonl")}), 0) << err.str();
-    EXPECT_EQ(test::readAll(home / "live.jsonl"), test::testData("cli/replay-live.jsonl", false));
+    const std::vector<Shown> shown = script();
+    writeFrames(frames, shown);
+    const std::filesystem::path live = home / "live.jsonl";
+    ASSERT_EQ(replay({"--live", pathUtf8(live)}), 0) << err.str();
+    std::istringstream lines(test::readAll(live));
+
+    const std::pair<std::string, std::int64_t> windows[] = {{"10", 10}, {"30", 30}, {"60", 60}, {"Session", 100000}};
+    std::vector<std::size_t> character; // readings of the current character
+    std::optional<std::int64_t> lastValid;
+    std::int64_t lastGain = 0;
+    std::int32_t previousLevel = 0;
+    int stalls = 0;
+    bool armed = true;
+    for (std::size_t n = 0; n < shown.size(); ++n) {
+        const Shown& now = shown[n];
+        std::string line;
+        ASSERT_TRUE(std::getline(lines, line)) << "no line for second " << now.t;
+        SCOPED_TRACE(line);
+        EXPECT_EQ(field(line, "t"), std::to_string(now.t));
+        const bool valid = now.level > 0;
+        if (valid) {
+            if (previousLevel != 0 && (now.level < previousLevel || now.level >= previousLevel + 4))
+                character.clear(), armed = true;
+            if (character.empty())
+                lastGain = now.t;
+            else if (total(now) > total(shown[character.back()]))
+                lastGain = now.t, armed = true;
+            character.push_back(n);
+            lastValid = now.t;
+            previousLevel = now.level;
+        }
+        std::optional<std::int64_t> exp30;
+        for (const auto& [name, minutes] : windows) {
+            std::optional<std::int64_t> exp, money;
+            std::optional<double> level;
+            if (valid) {
+                const Shown* from = nullptr;
+                const Shown* moneyFrom = nullptr;
+                for (std::size_t j : character) {
+                    const Shown& then = shown[j];
+                    if (then.t < now.t - minutes * 60)
+                        continue;
+                    from = from ? from : &then;
+                    if (then.money && !moneyFrom)
+                        moneyFrom = &then;
+                }
+                if (from->t < now.t) {
+                    exp = floorRate(total(now) - total(*from), now.t - from->t);
+                    level = std::round((position(now) - position(*from)) * 100 * 3600 / (now.t - from->t) * 100) / 100;
+                }
+                if (now.money && moneyFrom->t < now.t)
+                    money = floorRate(*now.money - *moneyFrom->money, now.t - moneyFrom->t);
+            }
+            EXPECT_EQ(field(line, "exp" + name), figure(exp, 0)) << name;
+            EXPECT_EQ(field(line, "level" + name), figure(level, 2)) << name;
+            EXPECT_EQ(field(line, "money" + name), figure(money, 0)) << name;
+            if (name == "30")
+                exp30 = exp;
+        }
+        std::optional<double> next;
+        if (valid && exp30 && *exp30 > 0) {
+            const double left = static_cast<double>(ExpTable(now.level + 1).wholePart() - total(now));
+            next = std::round(left * 60 / (*exp30 * 1000.0) * 10) / 10;
+        }
+        EXPECT_EQ(field(line, "nextLevelMinutes"), figure(next, 1));
+
+        std::string stall = "null";
+        if (now.t - lastValid.value_or(0) >= 15 * 60)
+            stall = "\"noReading\"";
+        else if (now.t - lastGain >= 15 * 60)
+            stall = "\"noGain\"";
+        if (stall != "null" && armed)
+            ++stalls, armed = false;
+        EXPECT_EQ(field(line, "stall"), stall);
+    }
+
+    // One history row per character, as the desktop program leaves them.
     ASSERT_EQ(run(cli::runHistory, {"--save-folder", pathUtf8(saves)}), 0) << err.str();
-    EXPECT_EQ(out.str(), test::testData("cli/replay-history.jsonl", false));
+    const std::string text = out.str();
+    ASSERT_EQ(std::count(text.begin(), text.end(), '\n'), 2) << text;
+    const std::string first = text.substr(0, text.find('\n'));
+    EXPECT_EQ(field(first, "startLevel"), "100");
+    EXPECT_EQ(field(first, "levelUps"), std::to_string(shown[26].level - 100));
+    EXPECT_EQ(field(first, "expGained"), std::to_string(total(shown[26]) - total(shown[0])));
+    EXPECT_HOLDS(first, "\"start\": \"2024/01/31 23:50:30\", \"end\": \"2024/02/01 02:00:30\"");
+    const std::string second = text.substr(first.size() + 1);
+    EXPECT_EQ(field(second, "startLevel"), "150");
+    EXPECT_EQ(field(first, "stalls") + "+" + field(second, "stalls"), std::to_string(stalls) + "+0");
 }
 
 } // namespace
