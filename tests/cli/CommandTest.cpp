@@ -1,6 +1,6 @@
-// The command line's commands: config, learn, recognize and replay, each through its own
-// arguments, images and home folder, with what it prints and the status it ends with.
+// The command line's commands, each with its arguments, images and home folder: what it prints, its status.
 #include "ConfigCommand.h"
+#include "HistoryCommand.h"
 #include "Json.h"
 #include "LearnCommand.h"
 #include "RecognizeCommand.h"
@@ -8,6 +8,7 @@
 
 #include "base/Utf8Path.h"
 #include "config/ConfigFile.h"
+#include "measurement/ExpTable.h"
 #include "recognition/CaptureFile.h"
 #include "support/BitmapFont.h"
 #include "support/GameScreen.h"
@@ -19,11 +20,88 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <fstream>
+#include <iomanip>
+#include <optional>
+#include <regex>
 #include <sstream>
 
 namespace tvx {
 namespace {
+
+// A frame of the live session: its second and what it shows, level 0 when it cannot be read.
+struct Shown { std::int64_t t; std::int32_t level; std::int64_t exp; std::optional<std::int64_t> money; };
+
+std::int64_t total(const Shown& s) { return ExpTable(s.level).wholePart() + s.exp; }
+double position(const Shown& s)
+{
+    const double span = (ExpTable(s.level + 1) - ExpTable(s.level)).toDouble();
+    return s.level + static_cast<double>(s.exp) / span;
+}
+// gain x 3.6 / seconds, rounded toward minus infinity.
+std::int64_t floorRate(std::int64_t gain, std::int64_t seconds)
+{
+    return static_cast<std::int64_t>(std::floor(static_cast<double>(gain * 36) / static_cast<double>(seconds * 10)));
+}
+
+// A three-hour session every five minutes: a level-up, twenty minutes of failed readings,
+// a long idle stretch, money on some readings, a death, then another character.
+std::vector<Shown> script()
+{
+    std::vector<Shown> frames;
+    std::int32_t level = 100;
+    std::int64_t exp = (ExpTable(101) - ExpTable(100)).wholePart() - 3'000'000;
+    std::int64_t money = 50'000;
+    for (int i = 0; i < 38; ++i) {
+        const std::int64_t t = 30 + i * 300;
+        if (i == 27)
+            level = 150, exp = 5000; // another character
+        const bool failed = i >= 9 && i <= 12;
+        const bool idle = i >= 16 && i <= 21;
+        if (!idle && !failed) {
+            exp += 1'000'000 + 37'777 * (i % 5);
+            money += 333 * (i % 3);
+        }
+        const std::int64_t span = (ExpTable(level + 1) - ExpTable(level)).wholePart();
+        if (exp >= span)
+            exp -= span, ++level;
+        if (i == 24)
+            exp = 0; // died: experience lost, level kept
+        const std::optional<std::int64_t> shownMoney = i % 3 == 0 ? std::nullopt : std::optional(money);
+        frames.push_back({t, failed ? 0 : level, exp, shownMoney});
+    }
+    return frames;
+}
+
+void writeFrames(const std::filesystem::path& folder, const std::vector<Shown>& shown)
+{
+    std::filesystem::create_directories(folder);
+    for (const Shown& s : shown) {
+        const std::string level = s.level > 0 ? std::to_string(s.level) : "";
+        const std::string money = s.money ? std::to_string(*s.money) : "";
+        ASSERT_TRUE(writeBitmap24(folder / (std::to_string(s.t) + ".bmp"),
+                                  test::gameScreen({level, std::to_string(s.exp), money}, ScreenMode::FullScreen,
+                                                   static_cast<std::uint32_t>(s.t), 560, 590)));
+    }
+}
+
+std::string field(const std::string& line, const std::string& name)
+{
+    const std::regex pattern("\"" + name + "\": (null|\"[A-Za-z]*\"|-?[0-9.]+)");
+    std::smatch match;
+    return std::regex_search(line, match, pattern) ? match[1].str() : "missing";
+}
+
+// A figure as the live file writes it: null, or fixed with `places` decimals.
+std::string figure(std::optional<double> value, int places)
+{
+    if (!value)
+        return "null";
+    std::ostringstream text;
+    text << std::fixed << std::setprecision(places) << *value;
+    return text.str() == "-0.00" ? "0.00" : text.str();
+}
 
 class CommandTest : public testing::Test {
 protected:
@@ -41,30 +119,26 @@ protected:
         args.insert(args.begin(), {"--home", pathUtf8(home)});
         return run(command, args);
     }
-    int config(const std::vector<std::string>& args) { return inHome(cli::runConfig, args); }
     int replay(std::vector<std::string> extra)
     {
         extra.insert(extra.begin(), {pathUtf8(frames), "--save-folder", pathUtf8(saves), "--start", "2024-01-31 23:50"});
         return run(cli::runReplay, extra);
     }
 
-    // Screens written as bitmaps: their paths. The game's glyphs ("" leaves a region blank),
-    // or the test font the built-in templates do not know.
-    std::string gameImage(const std::string& name, std::array<std::string, kRegionCount> numbers,
-                          ScreenMode mode = ScreenMode::FullScreen, std::uint32_t seed = 1)
+    // A screen written in the home folder: its path. The test font is unknown to the built-in templates.
+    std::string image(const std::string& name, const Frame& screen)
     {
-        EXPECT_TRUE(writeBitmap24(home / name, test::gameScreen(numbers, mode, seed)));
+        EXPECT_TRUE(writeBitmap24(home / name, screen));
         return pathUtf8(home / name);
     }
     std::string fontImage(const std::string& name, std::array<std::string, kRegionCount> texts, std::uint32_t seed = 1)
     {
-        EXPECT_TRUE(writeBitmap24(home / name, test::fontScreen(texts, seed)));
-        return pathUtf8(home / name);
+        return image(name, test::fontScreen(texts, seed));
     }
     void frame(const std::string& name, const std::string& level, const std::string& exp, const std::string& money)
     {
         std::filesystem::create_directories(frames);
-        ASSERT_TRUE(writeBitmap24(frames / name, test::gameScreen({level, exp, money})));
+        image("frames/" + name, test::gameScreen({level, exp, money}));
     }
 
     // A hand-edited file: LF endings, so a rewrite shows as CR LF.
@@ -85,8 +159,7 @@ protected:
     std::ostringstream err;
 };
 
-// Names the commands print (files, folders, templates, the window's title) may hold any
-// character: each comes out as a JSON string that a reader takes back unchanged.
+// Names the commands print may hold any character: each is a JSON string read back unchanged.
 TEST(JsonText, QuotesBackslashesAndControlCharactersAreEscaped)
 {
     const std::pair<std::string, std::string> cases[] = {
@@ -104,20 +177,10 @@ TEST_F(CommandTest, ShowSaveAndDefaultsTreatAnEditedFileAsTheProgramWould)
     Settings edited = defaultSettings(pathUtf8(home));
     edited.CaptureInterval = 9;
     edited.SearchWindowName = "Other Game";
-    RegionReading& shapes = edited.Reading[RegionExp];
-    shapes.Mode = ReadingMode::Shapes;
-    shapes.EndGap = 3;
-    shapes.Tolerance = 40;
-    shapes.Shapes = {GlyphShape{1, 2, 3, {1, 2, 3}}};
+    edited.Reading[RegionExp] = {ReadingMode::Shapes, 3, "", 0, 40, {GlyphShape{1, 2, 3, {1, 2, 3}}}};
     const char* taught =
         "{\"Mode\":\"shapes\",\"EndGap\":3,\"Tolerance\":40,\"Pitch\":0,\"Separator\":\"\",\"Shapes\":\"1:2x3:123\"}";
-    struct Case {
-        std::vector<std::string> args;
-        const char* interval;
-        const char* target;
-        bool rewritten;
-        bool shapes;
-    };
+    struct Case { std::vector<std::string> args; const char* interval; const char* target; bool rewritten, shapes; };
     const Case cases[] = {
         {{"show", "--no"}, "\"CaptureInterval\":9,", "\"MapleStory\"", false, true},
         {{"show", "--yes"}, "\"CaptureInterval\":9,", "\"Other Game\"", true, true},
@@ -127,104 +190,97 @@ TEST_F(CommandTest, ShowSaveAndDefaultsTreatAnEditedFileAsTheProgramWould)
     for (const Case& c : cases) {
         SCOPED_TRACE(c.args[0] + " " + c.args[1]);
         writeConfigFile(edited);
-        EXPECT_EQ(config(c.args), 0);
-        EXPECT_TRUE(out.str().starts_with("{\"CaptureRegion\":[{\"StartX\":35,\"StartY\":578,\"SizeX\":50,\"SizeY\":9},"))
-            << out.str();
+        EXPECT_EQ(inHome(cli::runConfig, c.args), 0);
         // Our settings after the sixty lines are shown too.
         EXPECT_TRUE(out.str().ends_with(",\"StallAlarm\":false,\"StallMinutes\":15,\"NextLevelWindow\":30,"
                                         "\"CompactX\":-32768,\"CompactY\":-32768,\"CompactOpacity\":90,"
                                         "\"CompactShown\":false,\"UiLanguage\":\"\"}\n"))
             << out.str();
         EXPECT_EQ(has(err.str(), "でよろしいいですか？ -> いいえ\n"), c.args[1] == "--no") << err.str();
-        EXPECT_TRUE(has(out.str(), c.interval)) << out.str();
-        EXPECT_TRUE(has(out.str(), std::string("\"SearchWindowName\":") + c.target)) << out.str();
+        EXPECT_HOLDS(out.str(), c.interval);
+        EXPECT_HOLDS(out.str(), std::string("\"SearchWindowName\":") + c.target);
         EXPECT_EQ(has(out.str(), taught), c.shapes) << out.str();
         EXPECT_EQ(has(configFile(), "\r\n"), c.rewritten);
     }
 }
 
-TEST_F(CommandTest, BadUsageAndAFailedWriteHaveTheirOwnExitCodes)
+// Unusable arguments end in 1, unusable homes and files in 2; only config prints its settings.
+TEST_F(CommandTest, RefusedArgumentsAndHomesHaveTheirOwnExitCodes)
 {
-    EXPECT_EQ(run(cli::runConfig, {}), 1);
-    EXPECT_EQ(config({"show", "--maybe"}), 1);
-    EXPECT_TRUE(has(err.str(), "usage: tallivex-cli config"));
-    std::filesystem::create_directories(home / "TV2MConfig.ini.tmp" / "x");
-    EXPECT_EQ(config({"save"}), 2);
-    EXPECT_TRUE(has(err.str(), "[設定ファイル書き込み] 設定をファイルに保存できませんでした。"));
-
-    // A folder in the file's place: nothing can be read, backed up or written.
-    std::filesystem::remove_all(home / "TV2MConfig.ini.tmp");
-    std::filesystem::create_directories(home / "TV2MConfig.ini");
-    EXPECT_EQ(config({"show"}), 2);
-    EXPECT_TRUE(has(err.str(), "読込みできない設定ファイルです。")) << err.str();
+    frame("0.bmp", "1", "2", "3");
+    const std::string image = pathUtf8(frames / "0.bmp");
+    const std::string f = pathUtf8(frames);
+    const std::string h = pathUtf8(home);
+    const std::string s = pathUtf8(saves);
+    std::ofstream(home / "home.txt") << "not a folder";
+    const std::string file = pathUtf8(home / "home.txt");
+    const std::string noHome = "tallivex-cli: the home folder " + file + " is not a folder and cannot be made one\n";
+    std::filesystem::create_directories(home / "unwritable" / "TV2MConfig.ini.tmp" / "x");
+    std::filesystem::create_directories(home / "unreadable" / "TV2MConfig.ini"); // nothing to read, back up or write
+    struct Case { Command command; std::vector<std::string> args; int status; std::string said; bool printed = false; };
+    const Case cases[] = {
+        {cli::runConfig, {}, 1, "usage: tallivex-cli config"},
+        {cli::runConfig, {"--home", h, "show", "--maybe"}, 1, "usage: tallivex-cli config"},
+        {cli::runConfig, {"save", "--home", pathUtf8(home / "unwritable")}, 2,
+         "[設定ファイル書き込み] 設定をファイルに保存できませんでした。", true},
+        {cli::runConfig, {"show", "--home", pathUtf8(home / "unreadable")}, 2, "読込みできない設定ファイルです。", true},
+        {cli::runReplay, {f}, 1, "usage: tallivex-cli replay"},
+        {cli::runReplay, {f, "--save-folder", s, "--start"}, 1, "--start needs a value"},
+        {cli::runReplay, {f, "--save-folder", "x", "--start", "2024-02-30 10:00"}, 1, "not \"2024-02-30 10:00\""},
+        {cli::runReplay, {pathUtf8(home / "none"), "--save-folder", "x"}, 1, "cannot read the folder"},
+        {cli::runReplay, {f, "--save-folder", s, "--fast"}, 1, "unknown option --fast"},
+        {cli::runLearn, {"--home", h, image, "37", "-"}, 1, "usage: tallivex-cli learn"},
+        {cli::runLearn, {"--home", h, image, "3x", "-", "-"}, 2, "level 3x: not a number"},
+        {cli::runConfig, {"show", "--home", file}, 2, noHome},
+        {cli::runRecognize, {"--home", file, image}, 2, noHome},
+        {cli::runReplay, {f, "--save-folder", s, "--home", file}, 2, noHome},
+        {cli::runLearn, {"--home", file, image, "50", "1234", "777"}, 2, noHome},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.args));
+        EXPECT_EQ(run(c.command, c.args), c.status);
+        EXPECT_HOLDS(err.str(), c.said);
+        EXPECT_EQ(out.str().empty(), !c.printed);
+    }
+    EXPECT_FALSE(std::filesystem::exists(saves));
 }
 
-// Settings no screen can have, read by the commands that use a home's configuration: the
-// file is replaced by the defaults, or the value clamped and said on stderr, and neither
-// recognize nor replay crashes, hangs or reads a number that is not on the screen.
+// Settings no screen can have: the file is replaced by the defaults, or the value clamped and
+// said on stderr; neither recognize nor replay crashes, hangs or reads what is not on the screen.
 TEST_F(CommandTest, ImpossibleSettingsNeitherCrashNorMisreadTheCommands)
 {
-    const std::string image = gameImage("shot.bmp", {"50", "1234", "777"});
+    const std::string image = this->image("shot.bmp", test::gameScreen({"50", "1234", "777"}));
     frame("0.bmp", "50", "1234", "777");
     frame("400.bmp", "50", "1234", "777");
     constexpr const char* kRead = "\"level\":50,\"exp\":1234,\"money\":777";
-    struct Case {
-        const char* name;
-        void (*damage)(Settings&);
-        const char* json;    // what recognize reads the image as
-        const char* clamped; // the stderr line of a clamped value, or null when the file is damaged
-        const char* replayed = "開始  Lv:  50"; // what replay's log box shows
-    };
+    // What recognize reads, the clamped value said on stderr (null: the file is damaged) and replay's log box.
+    struct Case { const char* name; void (*damage)(Settings&); const char* json, *clamped, *replayed = "開始  Lv:  50"; };
     const Case cases[] = {
         // Damaged: the defaults take over, and read the screen.
         {"region 70000 wide", [](Settings& s) { s.CaptureRegion[0].SizeX = 70000; }, kRead, nullptr},
         // A clamped threshold reads nothing rather than overflowing, and says why.
         {"threshold 600000000", [](Settings& s) { s.BinaryThreshold[1] = 600000000; },
-         "\"level\":50,\"exp\":-1,\"money\":777", "BinaryThreshold(2) 600000000 -> 255", "10:06  認識失敗  Exp NG"},
+         "\"level\":50,\"exp\":-1,\"money\":777", "BinaryThreshold(2) 600000000 -> 255", "23:56  認識失敗  Exp NG"},
         // The level's digits are white: the brightest threshold still finds them.
         {"threshold 99999", [](Settings& s) { s.BinaryThreshold[0] = 99999; }, kRead, "BinaryThreshold(1) 99999 -> 255"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        for (const bool replay : {false, true}) {
+        for (const bool replaying : {false, true}) {
             Settings s = defaultSettings(pathUtf8(home));
             c.damage(s);
             writeConfigFile(s);
-            const int status = replay ? inHome(cli::runReplay, {pathUtf8(frames), "--save-folder", pathUtf8(saves),
-                                                                "--start", "2024-05-01 10:00", "--per-session"})
-                                      : inHome(cli::runRecognize, {image});
+            const int status = replaying ? replay({"--per-session", "--home", pathUtf8(home)})
+                                         : inHome(cli::runRecognize, {image});
             EXPECT_EQ(status, 0) << err.str();
-            EXPECT_TRUE(has(out.str(), replay ? c.replayed : c.json)) << out.str() << err.str();
+            EXPECT_HOLDS(out.str(), replaying ? c.replayed : c.json) << err.str();
             EXPECT_EQ(has(err.str(), "読込みできない設定ファイルです。"), c.clamped == nullptr) << err.str();
             if (c.clamped) {
-                EXPECT_TRUE(has(err.str(), "[TV2MConfig.ini] Setting Out Of Range : " + std::string(c.clamped) + " \n"))
-                    << err.str();
+                EXPECT_HOLDS(err.str(), "[TV2MConfig.ini] Setting Out Of Range : " + std::string(c.clamped) + " \n");
             }
-            EXPECT_FALSE(has(err.str(), "Error Trap")) << err.str();
+            EXPECT_LACKS(err.str(), "Error Trap");
         }
     }
-}
-
-// A home that is a file cannot hold a configuration: every command says so and stops.
-TEST_F(CommandTest, AHomeThatIsAFileIsRefusedByEveryCommand)
-{
-    std::ofstream(home / "home.txt") << "not a folder";
-    const std::string file = pathUtf8(home / "home.txt");
-    const std::string image = gameImage("0.bmp", {"50", "1234", "777"});
-    const std::pair<Command, std::vector<std::string>> commands[] = {
-        {cli::runConfig, {"show", "--home", file}},
-        {cli::runRecognize, {"--home", file, image}},
-        {cli::runReplay, {pathUtf8(home), "--save-folder", pathUtf8(saves), "--home", file}},
-        {cli::runLearn, {"--home", file, image, "50", "1234", "777"}},
-    };
-    for (const auto& [command, args] : commands) {
-        SCOPED_TRACE(args[0]);
-        EXPECT_EQ(run(command, args), 2);
-        EXPECT_TRUE(err.str().starts_with("tallivex-cli: the home folder ")) << err.str();
-        EXPECT_TRUE(err.str().ends_with("home.txt is not a folder and cannot be made one\n")) << err.str();
-        EXPECT_EQ(out.str(), "");
-    }
-    EXPECT_FALSE(std::filesystem::exists(saves));
 }
 
 TEST_F(CommandTest, AFewScreensTeachAnUnknownFontThatRecognizeThenReads)
@@ -247,53 +303,8 @@ TEST_F(CommandTest, AFewScreensTeachAnUnknownFontThatRecognizeThenReads)
               "{\"file\":\"" + test::jsonPath(utf8Path(unseen)) + "\",\"level\":185,\"exp\":7301264,\"money\":6543210}\n");
 }
 
-TEST_F(CommandTest, SkippedRegionsKeepTheirTemplatesAndReportWhatIsMissing)
-{
-    const std::string before = (inHome(cli::runLearn, {fontImage("a.bmp", {"", "", ""}), "-", "-", "-"}), configFile());
-    ASSERT_EQ(inHome(cli::runLearn, {fontImage("b.bmp", {"37", "", ""}), "37", "-", "-",
-                                     fontImage("c.bmp", {"773", "", ""}, 2), "773", "-", "-"}),
-              0)
-        << err.str();
-    const std::string printed = out.str();
-    EXPECT_HOLDS(printed,
-                 "\"region\":\"level\",\"images\":2,\"mode\":\"exact\",\"width\":6,\"threshold\":188," "\"thresholdProposed\":false,\"learnt\":\"37\",\"missing\":\"01245689\"");
-    EXPECT_HOLDS(printed,
-                 "{\"region\":\"exp\",\"images\":0,\"mode\":\"exact\",\"width\":5,\"threshold\":133," "\"thresholdProposed\":false,\"learnt\":\"\",\"missing\":\"\"");
-    // Lines 21 to 33 hold the level's settings, 34 to 59 those of the experience and money.
-    const auto lines = [](const std::string& text, std::ptrdiff_t first, std::ptrdiff_t last) {
-        const std::vector<std::string> all = test::splitLines(text);
-        return std::vector<std::string>(all.begin() + first - 1, all.begin() + last);
-    };
-    EXPECT_EQ(lines(configFile(), 34, 59), lines(before, 34, 59));
-    EXPECT_NE(lines(configFile(), 21, 33), lines(before, 21, 33));
-}
-
-// One screen a call, as players teach: each call keeps what the ones before taught, the
-// file loads as saved after every call, and a digit not taught yet fails the reading.
-TEST_F(CommandTest, ScreensTaughtOneACallAddUpAndLoadAsSaved)
-{
-    const std::array<std::string, kRegionCount> calls[] = {{"72", "1430517", "-"}, {"3", "86", "-"}, {"194", "29", "-"}};
-    for (std::uint32_t i = 0; i < std::size(calls); ++i) {
-        const std::string image = fontImage(std::to_string(i) + ".bmp", {calls[i][0], calls[i][1], ""}, i + 1);
-        ASSERT_EQ(inHome(cli::runLearn, {image, calls[i][0], calls[i][1], "-"}), 0) << err.str();
-        EXPECT_LACKS(out.str(), "\"replaced\":true") << "call " << i << ": " << out.str();
-        // Read back as the program loads it: no back-up, no defaults in its place.
-        const std::string saved = configFile();
-        EXPECT_EQ(inHome(cli::runRecognize, {image}), 0) << err.str();
-        EXPECT_HOLDS(out.str(), "\"level\":" + calls[i][0] + ",\"exp\":" + calls[i][1]);
-        EXPECT_EQ(configFile(), saved);
-        EXPECT_FALSE(std::filesystem::exists(home / "TV2MConfigBack.ini"));
-    }
-    // Digits of all three calls together; 5 and 6 of the level were never shown.
-    EXPECT_EQ(inHome(cli::runRecognize,
-                     {fontImage("held.bmp", {"147", "9831", ""}, 7), fontImage("new.bmp", {"56", "3", ""}, 8)}),
-              0);
-    const std::string printed = out.str();
-    EXPECT_HOLDS(printed, "\"level\":147,\"exp\":9831");
-    EXPECT_HOLDS(printed, "\"level\":-1,\"exp\":3,");
-}
-
-TEST_F(CommandTest, ARefusedImageSavesNothing)
+// A contradicting screen saves nothing; teaching the level alone keeps the other regions' templates.
+TEST_F(CommandTest, ARefusedImageSavesNothingAndSkippedRegionsKeepTheirTemplates)
 {
     const std::string before = (inHome(cli::runLearn, {fontImage("a.bmp", {"", "", ""}), "-", "-", "-"}), configFile());
     const std::string good = fontImage("good.bmp", {"37", "", ""});
@@ -304,81 +315,95 @@ TEST_F(CommandTest, ARefusedImageSavesNothing)
     EXPECT_EQ(out.str(), "");
     EXPECT_EQ(configFile(), before);
 
-    EXPECT_EQ(inHome(cli::runLearn, {good, "37", "-"}), 1);
-    EXPECT_EQ(inHome(cli::runLearn, {good, "3x", "-", "-"}), 2);
-    EXPECT_HOLDS(err.str(), "level 3x: not a number");
+    const std::string more = fontImage("c.bmp", {"773", "", ""}, 2);
+    ASSERT_EQ(inHome(cli::runLearn, {good, "37", "-", "-", more, "773", "-", "-"}), 0) << err.str();
+    EXPECT_HOLDS(out.str(), "\"region\":\"level\",\"images\":2,\"mode\":\"exact\",\"width\":6,\"threshold\":188,"
+                            "\"thresholdProposed\":false,\"learnt\":\"37\",\"missing\":\"01245689\"");
+    EXPECT_HOLDS(out.str(), "{\"region\":\"exp\",\"images\":0,\"mode\":\"exact\",\"width\":5,\"threshold\":133,"
+                            "\"thresholdProposed\":false,\"learnt\":\"\",\"missing\":\"\"");
+    // Lines 21 to 33 hold the level's settings, 34 to 59 those of the experience and money.
+    const auto lines = [](const std::string& text, std::ptrdiff_t first, std::ptrdiff_t last) {
+        const std::vector<std::string> all = test::splitLines(text);
+        return std::vector<std::string>(all.begin() + first - 1, all.begin() + last);
+    };
+    EXPECT_EQ(lines(configFile(), 34, 59), lines(before, 34, 59));
+    EXPECT_NE(lines(configFile(), 21, 33), lines(before, 21, 33));
 }
 
-TEST_F(CommandTest, RecognizeInWindowModeReadsTheShiftedRegions)
+// One screen a call: the calls add up, the file loads as saved, an untaught digit fails the reading.
+TEST_F(CommandTest, ScreensTaughtOneACallAddUpAndLoadAsSaved)
 {
-    const auto image = gameImage("w.bmp", {"42", "777", "31"}, ScreenMode::Window);
-    EXPECT_EQ(run(cli::runRecognize, {"--window-mode", image}), 0);
+    const std::array<std::string, kRegionCount> calls[] = {{"72", "1430517", "-"}, {"3", "86", "-"}, {"194", "29", "-"}};
+    for (std::uint32_t i = 0; i < std::size(calls); ++i) {
+        const std::string image = fontImage(std::to_string(i) + ".bmp", {calls[i][0], calls[i][1], ""}, i + 1);
+        ASSERT_EQ(inHome(cli::runLearn, {image, calls[i][0], calls[i][1], "-"}), 0) << err.str();
+        EXPECT_LACKS(out.str(), "\"replaced\":true") << "call " << i << ": " << out.str();
+        // Read back as the program loads it: the defaults do not take its place.
+        const std::string saved = configFile();
+        EXPECT_EQ(inHome(cli::runRecognize, {image}), 0) << err.str();
+        EXPECT_HOLDS(out.str(), "\"level\":" + calls[i][0] + ",\"exp\":" + calls[i][1]);
+        EXPECT_EQ(configFile(), saved);
+    }
+    // Digits of all three calls together; 5 and 6 of the level were never shown.
+    EXPECT_EQ(inHome(cli::runRecognize,
+                     {fontImage("held.bmp", {"147", "9831", ""}, 7), fontImage("new.bmp", {"56", "3", ""}, 8)}),
+              0);
+    EXPECT_HOLDS(out.str(), "\"level\":147,\"exp\":9831");
+    EXPECT_HOLDS(out.str(), "\"level\":-1,\"exp\":3,");
+}
+
+TEST_F(CommandTest, RecognizeReadsTheWindowModesRegionsAndTracesOnStandardError)
+{
+    const auto shot = image("w.bmp", test::gameScreen({"42", "777", "31"}, ScreenMode::Window));
+    EXPECT_EQ(run(cli::runRecognize, {"--window-mode", "--trace", shot}), 0);
     EXPECT_HOLDS(out.str(), "\"level\":42,\"exp\":777,\"money\":31");
-    EXPECT_EQ(run(cli::runRecognize, {image}), 0);
+    EXPECT_HOLDS(err.str(), "category0 変換データ : ");
+    EXPECT_EQ(run(cli::runRecognize, {shot}), 0);
     EXPECT_HOLDS(out.str(), "\"level\":-1,\"exp\":-1,\"money\":-1");
-}
-
-TEST_F(CommandTest, RecognizesTraceGoesToStandardError)
-{
-    const auto image = gameImage("t.bmp", {"5", "12", "3"});
-    EXPECT_EQ(run(cli::runRecognize, {"--trace", image}), 0);
-    const std::string trace = err.str();
-    EXPECT_HOLDS(trace, "category0 変換データ : ");
-    EXPECT_HOLDS(trace, "1 認識:\n2 認識:\n 認識:デリミタ");
 }
 
 // Each image that cannot be read is named with its result; the others are still read.
 TEST_F(CommandTest, RecognizeNamesUnreadableImagesAndStillReadsTheRest)
 {
-    const auto good = gameImage("good.bmp", {"9", "9", "9"});
+    const auto good = image("good.bmp", test::gameScreen({"9", "9", "9"}));
     std::ofstream(home / "broken.bmp", std::ios::binary) << "PK\x03\x04";
-    const std::vector<std::uint8_t> whole = encodeBitmap24(test::gameScreen({"9", "9", "9"}));
-    std::ofstream(home / "short.bmp", std::ios::binary).write(reinterpret_cast<const char*>(whole.data()), 3000);
-    std::filesystem::create_directories(home / "folder.bmp");
     ASSERT_TRUE(writeBitmap24(home / "small.bmp", Frame(20, 20)));
     const auto path = [this](const char* name) { return pathUtf8(home / name); };
 
-    EXPECT_EQ(run(cli::runRecognize, {path("broken.bmp"), path("missing.bmp"), path("short.bmp"), path("folder.bmp"),
-                                      path("small.bmp"), good}),
-              2);
+    EXPECT_EQ(run(cli::runRecognize, {path("broken.bmp"), path("missing.bmp"), path("small.bmp"), good}), 2);
     const std::string cannot = ": cannot read the image (";
     for (const std::string& said :
          {path("broken.bmp") + cannot + "result -4", path("missing.bmp") + cannot + "result -5",
-          path("short.bmp") + cannot, path("folder.bmp") + cannot, path("small.bmp") + ": level region: error 9"})
+          path("small.bmp") + ": level region: error 9"})
         EXPECT_HOLDS(err.str(), said) << said << "\n" << err.str();
     EXPECT_TRUE(out.str().ends_with("{\"file\":\"" + test::jsonPath(utf8Path(good)) +
                                       "\",\"level\":9,\"exp\":9,\"money\":9}\n"))
         << out.str();
 }
 
+// The home is made with its configuration and log where there was none.
 TEST_F(CommandTest, ReplayWritesTheRecordFileAndTheLogBox)
 {
     frame("10.bmp", "137", "1000", "5000");
     frame("0370.bmp", "137", "4600", "5000"); // leading zeros allowed
     frame("730.bmp", "138", "100", "5800");
     frame("notes.txt.bmp", "1", "1", "1");    // not named by a second: ignored
-    ASSERT_EQ(replay({"--per-session", "--money-scan"}), 0) << err.str();
+    const auto made = home / "new" / "home";
+    ASSERT_EQ(replay({"--per-session", "--money-scan", "--home", pathUtf8(made)}), 0) << err.str();
 
     EXPECT_EQ(test::readAll(saves / "log" / utf8Path("給与明細202401312350.txt")),
               test::testData("cli/replay-record.txt"));
     EXPECT_EQ(out.str(), test::testData("cli/replay-log-box.txt"));
+    EXPECT_TRUE(std::filesystem::exists(made / "TV2MConfig.ini"));
+    EXPECT_TRUE(std::filesystem::exists(made / "debug.txt"));
 }
 
-TEST_F(CommandTest, ReplayRefusesBadArguments)
+// Unreadable frames are named and are failed readings; an unreadable history is named and left alone.
+TEST_F(CommandTest, FramesAndAHistoryThatCannotBeReadAreNamedAndTheSessionGoesOn)
 {
-    frame("0.bmp", "1", "2", "3");
-    EXPECT_EQ(run(cli::runReplay, {pathUtf8(frames)}), 1);
-    EXPECT_EQ(replay({"--start"}), 1);
-    EXPECT_EQ(run(cli::runReplay, {pathUtf8(frames), "--save-folder", "x", "--start", "2024-02-30 10:00"}), 1);
-    EXPECT_EQ(run(cli::runReplay, {pathUtf8(home / "none"), "--save-folder", "x"}), 1);
-    EXPECT_EQ(replay({"--fast"}), 1);
-    EXPECT_HOLDS(err.str(), "unknown option --fast");
-}
-
-// Frames that are no image, a folder or an image cut short: each is named, is a failed
-// reading, and the session goes on.
-TEST_F(CommandTest, FramesThatCannotBeReadAreNamedAndFailedReadings)
-{
+    const std::filesystem::path history = saves / "log" / utf8Path("セッション履歴.csv");
+    std::filesystem::create_directories(history.parent_path());
+    std::ofstream(history, std::ios::binary) << "not a history\r\n";
     frame("10.bmp", "137", "1000", "5000");
     std::filesystem::create_directories(frames / "180.bmp");
     std::ofstream(frames / "360.bmp") << "not an image";
@@ -394,6 +419,10 @@ TEST_F(CommandTest, FramesThatCannotBeReadAreNamedAndFailedReadings)
     const auto lines = test::splitLines(test::readAll(saves / "log" / utf8Path("給与明細202401312350.csv")));
     ASSERT_EQ(lines.size(), 2u) << out.str() << err.str();
     EXPECT_TRUE(lines[1].starts_with("02/01 00:02 ,  137  ,")) << lines[1];
+    EXPECT_HOLDS(err.str(), "セッション履歴");
+    EXPECT_EQ(test::readAll(history), "not a history\r\n");
+    EXPECT_EQ(run(cli::runHistory, {"--save-folder", pathUtf8(saves)}), 2);
+    EXPECT_HOLDS(err.str(), "line 1");
 }
 
 TEST_F(CommandTest, ARecordFileThatCannotBeWrittenIsReportedNotFatal)
@@ -405,21 +434,101 @@ TEST_F(CommandTest, ARecordFileThatCannotBeWrittenIsReportedNotFatal)
     EXPECT_EQ(replay({}), 2) << err.str() << out.str();
     // Said once, as the desktop program's message box would; the session goes on.
     const std::string told = "tallivex-cli replay: エラー: 時給記録ファイルに書き込めません。";
-    const std::size_t first = err.str().find(told);
-    EXPECT_NE(first, std::string::npos) << err.str();
-    EXPECT_EQ(err.str().find(told, first + 1), std::string::npos) << err.str();
+    EXPECT_EQ(test::countOf(err.str(), told), 1u) << err.str();
     EXPECT_HOLDS(out.str(), "02/01 00:02  137");
 }
 
-TEST_F(CommandTest, AHomeNotYetMadeIsMadeWithItsConfigurationAndLog)
+// replay --live against figures worked out here from the frames alone.
+TEST_F(CommandTest, EveryLiveLineHoldsTheFiguresOfItsReading)
 {
-    frame("10.bmp", "137", "1000", "5000");
-    frame("370.bmp", "137", "4600", "5000");
-    const auto made = home / "new" / "home";
-    EXPECT_EQ(replay({"--home", pathUtf8(made)}), 0) << err.str();
-    EXPECT_TRUE(std::filesystem::exists(made / "TV2MConfig.ini"));
-    EXPECT_TRUE(std::filesystem::exists(made / "debug.txt"));
-    EXPECT_HOLDS(out.str(), "01/31 23:56  137") << out.str() << err.str();
+    const std::vector<Shown> shown = script();
+    writeFrames(frames, shown);
+    const std::filesystem::path live = home / "live.jsonl";
+    ASSERT_EQ(replay({"--live", pathUtf8(live)}), 0) << err.str();
+    std::istringstream lines(test::readAll(live));
+
+    const std::pair<std::string, std::int64_t> windows[] = {{"10", 10}, {"30", 30}, {"60", 60}, {"Session", 100000}};
+    std::vector<std::size_t> character; // readings of the current character
+    std::optional<std::int64_t> lastValid;
+    std::int64_t lastGain = 0;
+    std::int32_t previousLevel = 0;
+    int stalls = 0;
+    bool armed = true;
+    for (std::size_t n = 0; n < shown.size(); ++n) {
+        const Shown& now = shown[n];
+        std::string line;
+        ASSERT_TRUE(std::getline(lines, line)) << "no line for second " << now.t;
+        SCOPED_TRACE(line);
+        EXPECT_EQ(field(line, "t"), std::to_string(now.t));
+        const bool valid = now.level > 0;
+        if (valid) {
+            if (previousLevel != 0 && (now.level < previousLevel || now.level >= previousLevel + 4))
+                character.clear(), armed = true;
+            if (character.empty())
+                lastGain = now.t;
+            else if (total(now) > total(shown[character.back()]))
+                lastGain = now.t, armed = true;
+            character.push_back(n);
+            lastValid = now.t;
+            previousLevel = now.level;
+        }
+        std::optional<std::int64_t> exp30;
+        for (const auto& [name, minutes] : windows) {
+            std::optional<std::int64_t> exp, money;
+            std::optional<double> level;
+            if (valid) {
+                const Shown* from = nullptr;
+                const Shown* moneyFrom = nullptr;
+                for (std::size_t j : character) {
+                    const Shown& then = shown[j];
+                    if (then.t < now.t - minutes * 60)
+                        continue;
+                    from = from ? from : &then;
+                    if (then.money && !moneyFrom)
+                        moneyFrom = &then;
+                }
+                if (from->t < now.t) {
+                    exp = floorRate(total(now) - total(*from), now.t - from->t);
+                    level = std::round((position(now) - position(*from)) * 100 * 3600 / (now.t - from->t) * 100) / 100;
+                }
+                if (now.money && moneyFrom->t < now.t)
+                    money = floorRate(*now.money - *moneyFrom->money, now.t - moneyFrom->t);
+            }
+            EXPECT_EQ(field(line, "exp" + name), figure(exp, 0)) << name;
+            EXPECT_EQ(field(line, "level" + name), figure(level, 2)) << name;
+            EXPECT_EQ(field(line, "money" + name), figure(money, 0)) << name;
+            if (name == "30")
+                exp30 = exp;
+        }
+        std::optional<double> next;
+        if (valid && exp30 && *exp30 > 0) {
+            const double left = static_cast<double>(ExpTable(now.level + 1).wholePart() - total(now));
+            next = std::round(left * 60 / (*exp30 * 1000.0) * 10) / 10;
+        }
+        EXPECT_EQ(field(line, "nextLevelMinutes"), figure(next, 1));
+
+        std::string stall = "null";
+        if (now.t - lastValid.value_or(0) >= 15 * 60)
+            stall = "\"noReading\"";
+        else if (now.t - lastGain >= 15 * 60)
+            stall = "\"noGain\"";
+        if (stall != "null" && armed)
+            ++stalls, armed = false;
+        EXPECT_EQ(field(line, "stall"), stall);
+    }
+
+    // One history row per character, as the desktop program leaves them.
+    ASSERT_EQ(run(cli::runHistory, {"--save-folder", pathUtf8(saves)}), 0) << err.str();
+    const std::string text = out.str();
+    ASSERT_EQ(std::count(text.begin(), text.end(), '\n'), 2) << text;
+    const std::string first = text.substr(0, text.find('\n'));
+    EXPECT_EQ(field(first, "startLevel"), "100");
+    EXPECT_EQ(field(first, "levelUps"), std::to_string(shown[26].level - 100));
+    EXPECT_EQ(field(first, "expGained"), std::to_string(total(shown[26]) - total(shown[0])));
+    EXPECT_HOLDS(first, "\"start\": \"2024/01/31 23:50:30\", \"end\": \"2024/02/01 02:00:30\"");
+    const std::string second = text.substr(first.size() + 1);
+    EXPECT_EQ(field(second, "startLevel"), "150");
+    EXPECT_EQ(field(first, "stalls") + "+" + field(second, "stalls"), std::to_string(stalls) + "+0");
 }
 
 } // namespace
