@@ -26,7 +26,7 @@ trap cleanup EXIT
 headless=0
 if [ -z "${DISPLAY:-}" ]; then
   echo "No display: running on a virtual screen (Xvfb :57)."
-  Xvfb :57 -screen 0 1760x1000x24 -nolisten tcp >/dev/null 2>&1 &
+  Xvfb :57 -screen 0 1760x1000x24 -nolisten tcp -noreset >/dev/null 2>&1 &
   pids+=($!)
   export DISPLAY=:57
   headless=1

@@ -50,9 +50,10 @@ export LC_ALL=C.UTF-8
 # A wine server left from an earlier run on this prefix would keep its old display.
 "$wineserver" -k 2>/dev/null || true
 
-# A free display number, chosen by Xvfb itself.
+# A free display number, chosen by Xvfb itself; -noreset, or the server starts over (dropping
+# whoever connects meanwhile) each time a test program closes the last connection.
 displayFile=$(mktemp)
-Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$displayFile" 2>/dev/null &
+Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp -noreset 3>"$displayFile" 2>/dev/null &
 xvfb=$!
 cleanup() {
   "$wineserver" -k 2>/dev/null || true

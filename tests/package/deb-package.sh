@@ -92,7 +92,7 @@ bin=$root/usr/bin
 find "$root" | sort >"$work/before"
 
 displayFile=$work/display
-Xvfb -displayfd 3 -screen 0 1760x1000x24 -nolisten tcp 3>"$displayFile" 2>/dev/null &
+Xvfb -displayfd 3 -screen 0 1760x1000x24 -nolisten tcp -noreset 3>"$displayFile" 2>/dev/null &
 pids+=($!)
 eventually 10 test -s "$displayFile" || fail "Xvfb did not start"
 export DISPLAY=":$(head -n1 "$displayFile")"
