@@ -107,16 +107,10 @@ public:
     std::string title() override { return m_window()->windowTitle().toStdString(); }
     std::string text(const std::string& name) override
     {
-        QWidget* widget = control(name);
-        if (const auto* label = qobject_cast<QLabel*>(widget))
-            return label->text().toStdString();
-        if (const auto* button = qobject_cast<QAbstractButton*>(widget))
-            return button->text().toStdString();
-        if (const auto* edit = qobject_cast<QLineEdit*>(widget))
-            return edit->text().toStdString();
-        if (const auto* combo = qobject_cast<QComboBox*>(widget))
-            return combo->currentText().toStdString();
-        return {};
+        // Labels, buttons and fields show "text", a list its current item.
+        const QWidget* widget = control(name);
+        const char* property = qobject_cast<const QComboBox*>(widget) ? "currentText" : "text";
+        return widget ? widget->property(property).toString().toStdString() : std::string();
     }
     bool enabled(const std::string& name) override { return control(name) && control(name)->isEnabled(); }
     // The window's own focus: offscreen, a window may stay inactive after a message box.
