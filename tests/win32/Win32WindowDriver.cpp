@@ -461,8 +461,12 @@ public:
                 // The header's caption first, then the rows' texts.
                 for (int row = -1; row < rows; ++row) {
                     wchar_t text[128] = {};
-                    HDITEMW item{.mask = HDI_TEXT, .pszText = text, .cchTextMax = 128};
-                    LVITEMW cell{.iSubItem = column, .pszText = text, .cchTextMax = 128};
+                    HDITEMW item{};
+                    LVITEMW cell{};
+                    item.mask = HDI_TEXT;
+                    item.pszText = cell.pszText = text;
+                    item.cchTextMax = cell.cchTextMax = 128;
+                    cell.iSubItem = column;
                     if (row < 0)
                         SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&item));
                     else
