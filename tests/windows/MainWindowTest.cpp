@@ -69,7 +69,6 @@ TEST_F(MainWindowTest, MenusKeepTheirCaptionsAndFollowTheSessionFromTheLoadToThe
 
     host->close();
     EXPECT_TRUE(host->logBox().ends_with("        終了しています・・・\n")) << host->logBox();
-    EXPECT_HOLDS(debugLog(), "Closing Program ･･･ ");
 }
 
 TEST_F(MainWindowTest, GraphLabelClicksReachTheViewAndTheLog)
