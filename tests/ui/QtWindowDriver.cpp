@@ -107,16 +107,10 @@ public:
     std::string title() override { return m_window()->windowTitle().toStdString(); }
     std::string text(const std::string& name) override
     {
-        QWidget* widget = control(name);
-        if (const auto* label = qobject_cast<QLabel*>(widget))
-            return label->text().toStdString();
-        if (const auto* button = qobject_cast<QAbstractButton*>(widget))
-            return button->text().toStdString();
-        if (const auto* edit = qobject_cast<QLineEdit*>(widget))
-            return edit->text().toStdString();
-        if (const auto* combo = qobject_cast<QComboBox*>(widget))
-            return combo->currentText().toStdString();
-        return {};
+        // Labels, buttons and fields show "text", a list its current item.
+        const QWidget* widget = control(name);
+        const char* property = qobject_cast<const QComboBox*>(widget) ? "currentText" : "text";
+        return widget ? widget->property(property).toString().toStdString() : std::string();
     }
     bool enabled(const std::string& name) override { return control(name) && control(name)->isEnabled(); }
     // The window's own focus: offscreen, a window may stay inactive after a message box.
@@ -314,16 +308,11 @@ public:
     {
         ui::FormCompact& form = *m_window.formCompact();
         CompactShown shown;
-        const auto add = [&](const QString& name) {
-            const auto* label = form.findChild<QLabel*>(name);
-            if (label != nullptr)
-                shown.texts.push_back(label->text().toStdString());
-            return label != nullptr;
-        };
-        add(QStringLiteral("lblState"));
-        add(QStringLiteral("lblLevel"));
-        for (int i = 0; add(QStringLiteral("lblCaption%1").arg(i)) && add(QStringLiteral("lblValue%1").arg(i)); ++i) {
-        }
+        QStringList names{QStringLiteral("lblState"), QStringLiteral("lblLevel")};
+        for (int i = 0; form.findChild<QLabel*>(QStringLiteral("lblCaption%1").arg(i)); ++i)
+            names << QStringLiteral("lblCaption%1").arg(i) << QStringLiteral("lblValue%1").arg(i);
+        for (const QString& name : names)
+            shown.texts.push_back(form.findChild<QLabel*>(name)->text().toStdString());
         const auto values = form.findChildren<QLabel*>(QRegularExpression(QStringLiteral("^lblValue")));
         shown.whole = std::all_of(values.begin(), values.end(), [&form](const QLabel* value) {
             return value->geometry().bottom() <= form.height() - kCompactMargin;
@@ -361,21 +350,19 @@ public:
     {
         std::vector<std::vector<std::vector<std::string>>> pages;
         *columnsWhole = true;
-        const auto row = [&](const QFontMetrics& font, const auto& cells, const QTableWidget* grid) {
-            std::vector<std::string> texts;
-            for (int c = 0; c < grid->columnCount(); ++c) {
-                texts.push_back(cells(c).toStdString());
-                *columnsWhole = *columnsWhole && font.horizontalAdvance(cells(c)) <= grid->columnWidth(c);
-            }
-            return texts;
-        };
         for (const char* name : {"grdSessions", "grdDays", "grdWeeks"}) {
             const auto* grid = m_window.findChild<QTableWidget*>(QLatin1String(name));
-            pages.push_back({row(grid->horizontalHeader()->fontMetrics(),
-                                 [grid](int c) { return grid->horizontalHeaderItem(c)->text(); }, grid)});
-            for (int r = 0; r < grid->rowCount(); ++r)
-                pages.back().push_back(
-                    row(grid->fontMetrics(), [grid, r](int c) { return grid->item(r, c)->text(); }, grid));
+            auto& table = pages.emplace_back();
+            // The header's captions first, then the rows' texts.
+            for (int r = -1; r < grid->rowCount(); ++r) {
+                const QFontMetrics font = r < 0 ? grid->horizontalHeader()->fontMetrics() : grid->fontMetrics();
+                auto& texts = table.emplace_back();
+                for (int c = 0; c < grid->columnCount(); ++c) {
+                    const QString text = (r < 0 ? grid->horizontalHeaderItem(c) : grid->item(r, c))->text();
+                    texts.push_back(text.toStdString());
+                    *columnsWhole = *columnsWhole && font.horizontalAdvance(text) <= grid->columnWidth(c);
+                }
+            }
         }
         return pages;
     }

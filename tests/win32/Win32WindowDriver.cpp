@@ -461,20 +461,16 @@ public:
                 // The header's caption first, then the rows' texts.
                 for (int row = -1; row < rows; ++row) {
                     wchar_t text[128] = {};
-                    if (row < 0) {
-                        HDITEMW item{};
-                        item.mask = HDI_TEXT;
-                        item.pszText = text;
-                        item.cchTextMax = 128;
-                        SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(column),
-                                     reinterpret_cast<LPARAM>(&item));
-                    } else {
-                        LVITEMW cell{};
-                        cell.iSubItem = column;
-                        cell.pszText = text;
-                        cell.cchTextMax = 128;
+                    HDITEMW item{};
+                    LVITEMW cell{};
+                    item.mask = HDI_TEXT;
+                    item.pszText = cell.pszText = text;
+                    item.cchTextMax = cell.cchTextMax = 128;
+                    cell.iSubItem = column;
+                    if (row < 0)
+                        SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&item));
+                    else
                         SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&cell));
-                    }
                     table[static_cast<std::size_t>(row + 1)].push_back(win32ui::utf8(text));
                     const auto needed = SendMessageW(list, LVM_GETSTRINGWIDTHW, 0, reinterpret_cast<LPARAM>(text));
                     *columnsWhole = *columnsWhole && width >= needed + 12;

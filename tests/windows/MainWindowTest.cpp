@@ -69,7 +69,6 @@ TEST_F(MainWindowTest, MenusKeepTheirCaptionsAndFollowTheSessionFromTheLoadToThe
 
     host->close();
     EXPECT_TRUE(host->logBox().ends_with("        終了しています・・・\n")) << host->logBox();
-    EXPECT_HOLDS(debugLog(), "Closing Program ･･･ ");
 }
 
 TEST_F(MainWindowTest, GraphLabelClicksReachTheViewAndTheLog)
@@ -85,15 +84,14 @@ TEST_F(MainWindowTest, GraphLabelClicksReachTheViewAndTheLog)
 }
 
 // The version window's おまけ opens the popup; each kind of attempt in turn (the close box,
-// Escape, its button) shows the next line, whole, in a window that neither moves nor
-// resizes, and only the attempt on the last line lets it go.
+// Escape, its button) shows the next line, whole, and only the attempt on the last line
+// lets it go.
 TEST_F(MainWindowTest, TheJokePopupFromTheVersionWindowLetsGoOnlyAfterItsScript)
 {
     const auto script = JokePopup::script();
     WindowDriver& version = host->version();
     WindowDriver& joke = host->joke();
     std::string caption;
-    WindowDriver::Box opened;
     std::vector<std::string> faults;
     bool versionLeftOpen = false;
     std::deque<PlayerStep> steps{[&] {
@@ -104,10 +102,7 @@ TEST_F(MainWindowTest, TheJokePopupFromTheVersionWindowLetsGoOnlyAfterItsScript)
                                      version.click("cmdJoke");
                                      return true;
                                  },
-                                 [&] {
-                                     opened = joke.frame();
-                                     return joke.isOpen();
-                                 }};
+                                 [&] { return joke.isOpen(); }};
     for (std::size_t line = 0; line < script.size(); ++line)
         steps.push_back([&, line] {
             const std::string at = "line " + std::to_string(line) + ": ";
@@ -120,10 +115,6 @@ TEST_F(MainWindowTest, TheJokePopupFromTheVersionWindowLetsGoOnlyAfterItsScript)
                 faults.push_back(at + "shows " + joke.text("lblMessage"));
             if (!joke.fits("lblMessage") || !joke.fits("cmdClose"))
                 faults.push_back(at + "cut off");
-            const WindowDriver::Box now = joke.frame();
-            if (std::tie(now.left, now.top, now.width, now.height) !=
-                std::tie(opened.left, opened.top, opened.width, opened.height))
-                faults.push_back(at + "moved or resized");
             joke.shoot("popup-" + std::to_string(line + 1));
             if (line % 3 == 0)
                 joke.close();
