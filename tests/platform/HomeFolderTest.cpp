@@ -12,28 +12,18 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Points the per-user data folder into the test's folder for as long as it lives.
-struct UserDataIn {
-#ifdef _WIN32
-    static constexpr const wchar_t* kName = L"LOCALAPPDATA";
-    static void set(const fs::path& value) { _wputenv_s(kName, value.c_str()); }
-    const fs::path old = _wgetenv(kName) != nullptr ? _wgetenv(kName) : L"";
-#else
-    static constexpr const char* kName = "XDG_DATA_HOME";
-    static void set(const fs::path& value) { setenv(kName, value.c_str(), 1); }
-    const fs::path old = std::getenv(kName) != nullptr ? std::getenv(kName) : "";
-#endif
-    explicit UserDataIn(const fs::path& folder) { set(folder); }
-    ~UserDataIn() { set(old); }
-};
-
 // Where the help documents and the home folder go: installed under a prefix (the Linux package), a build
 // tree or unpacked zip, a program folder nobody may write to, and an explicit --home.
 TEST(HomeFolderTest, FollowsHowTheProgramIsLaidOut)
 {
     test::TempFolder temp;
     const fs::path t = temp.path();
-    UserDataIn userData(t / "user data");
+    // The per-user data folder in the test's folder (ctest runs each test in a process of its own).
+#ifdef _WIN32
+    _wputenv_s(L"LOCALAPPDATA", (t / "user data").c_str());
+#else
+    setenv("XDG_DATA_HOME", (t / "user data").c_str(), 1);
+#endif
     for (const char* folder : {"usr/bin", "usr/share/tallivex", "build/src/app", "odd/bin", "odd/share"})
         fs::create_directories(t / folder);
     std::ofstream(t / "odd/share/tallivex") << "a file, not the data folder";

@@ -45,23 +45,22 @@ TEST(ReplayComparisonTest, BothSystemsWriteTheSameBytes)
         ASSERT_TRUE(writeBitmap24(framesFolder / name,
                                   test::gameScreen(numbers, ScreenMode::FullScreen, seed++, 800, 600)));
 
-    // Set i goes into linux/記録 i and windows/記録 i; wine shows the Linux root as drive Z:.
-    const auto folder = [&](bool windows, int set) {
-        return temp.path() / (windows ? "windows" : "linux") / utf8Path("記録 " + std::to_string(set));
-    };
+    // Wine shows the Linux root as drive Z:.
     const auto path = [](bool windows, const fs::path& p) {
         std::string text = pathUtf8(p);
-        if (windows)
-            std::replace(text.begin(), text.end(), '/', '\\');
+        std::replace(text.begin(), text.end(), '/', windows ? '\\' : '/');
         return windows ? "Z:" + text : text;
     };
     // Each option on and off at least once, and every naming of the record file.
     const std::vector<std::string> sets[] = {
         {}, {"--per-session"}, {"--csv", "--money-scan"}, {"--csv", "--per-session", "--money-scan"}};
+    // Set i goes into linux/記録 i and windows/記録 i.
     std::vector<test::Child> runs;
+    std::vector<fs::path> saves;
     for (std::size_t i = 0; i < std::size(sets); ++i)
         for (const bool windows : {false, true}) {
-            const fs::path save = folder(windows, static_cast<int>(i + 1));
+            const fs::path& save = saves.emplace_back(temp.path() / (windows ? "windows" : "linux") /
+                                                      utf8Path("記録 " + std::to_string(i + 1)));
             fs::create_directories(save);
             std::vector<std::string> args{TALLIVEX_LINUX_CLI};
             if (windows)
@@ -72,16 +71,14 @@ TEST(ReplayComparisonTest, BothSystemsWriteTheSameBytes)
             runs.emplace_back(args, pathUtf8(save / "stdout"), pathUtf8(save / "stderr"));
         }
 
-    for (std::size_t i = 0; i < std::size(sets); ++i) {
-        SCOPED_TRACE("set " + std::to_string(i + 1));
-        const fs::path onLinux = folder(false, static_cast<int>(i + 1));
-        const fs::path onWindows = folder(true, static_cast<int>(i + 1));
-        EXPECT_EQ(runs[2 * i].wait(), 0) << test::readAll(onLinux / "stderr");
-        EXPECT_EQ(runs[2 * i + 1].wait(), 0) << test::readAll(onWindows / "stderr");
+    for (std::size_t i = 0; i < runs.size(); i += 2) {
+        SCOPED_TRACE(pathUtf8(saves[i]));
+        EXPECT_EQ(runs[i].wait(), 0) << test::readAll(saves[i] / "stderr");
+        EXPECT_EQ(runs[i + 1].wait(), 0) << test::readAll(saves[i + 1] / "stderr");
         // Standard output and error, the record file and the session history beside it, alike.
-        const auto files = filesUnder(onLinux);
+        const auto files = filesUnder(saves[i]);
         EXPECT_EQ(files.size(), 4u);
-        EXPECT_EQ(filesUnder(onWindows), files);
+        EXPECT_EQ(filesUnder(saves[i + 1]), files);
     }
 }
 

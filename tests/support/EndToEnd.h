@@ -29,7 +29,6 @@ inline void writeSessionSettings(const std::filesystem::path& home, const std::f
     s.GestureTime = 1500;
     s.DoHLCheckExec = true;
     s.DoHLInterval = 300;
-    s.SaveFormat = ".png";
     s.UiLanguage = "ja"; // the log box is read in Japanese, whatever the machine speaks
     std::filesystem::create_directories(save);
     std::ofstream(home / "TV2MConfig.ini", std::ios::binary) << platform::makeTextCodec()->toCp932(configFileText(s));
