@@ -3,6 +3,7 @@
 #include "base/Utf8Path.h"
 #include "config/ConfigFile.h"
 #include "config/PatternColumns.h"
+#include "measurement/RecordFormat.h"
 #include "recognition/RegionLearner.h"
 #include "recognition/ScreenRecognizer.h"
 #include "recognition/ShapeReader.h"
@@ -144,17 +145,6 @@ struct DrawnFont {
     ReadingMode mode;      // what the learner should choose
 };
 
-std::string withSeparators(const std::string& digits)
-{
-    std::string out;
-    for (std::size_t i = 0; i < digits.size(); ++i) {
-        if (i > 0 && (digits.size() - i) % 3 == 0)
-            out += ',';
-        out += digits[i];
-    }
-    return out;
-}
-
 class DrawnScreens {
 public:
     DrawnScreens(const DrawnFont& font, std::uint32_t seed) : m_font(font), m_random(seed)
@@ -179,9 +169,9 @@ public:
         test::ScaledDrawing how = m_font.how;
         how.originX += 1 + 2 * phase(m_random);
         how.originY += 0.3;
-        std::string text = std::string(how.label) + (m_font.separators ? withSeparators(digits) : digits);
-        if (m_font.endMark)
-            text += "]";
+        // Grouped as the record file writes numbers: "12,345".
+        const std::string shown = m_font.separators ? formatNumber(Currency::fromInt(std::stoll(digits)), 0, false) : digits;
+        const std::string text = std::string(how.label) + shown + (m_font.endMark ? "]" : "");
         how.label = "";
         return {test::scaledScreen(m_rect, text, how), digits};
     }
