@@ -110,9 +110,7 @@ TEST(CaptureFile, LoadChecksThePathBeforeTheFile)
     CaptureBitmap bitmap;
     for (const auto& [path, result] : refused) {
         ASSERT_EQ(LoadCaptureBitmap(folder / "Capture.BMP", bitmap), CaptureLoadResult::Read);
-        EXPECT_EQ(std::tuple(bitmap.infoHeader.biWidth, bitmap.infoHeader.biHeight, bitmap.infoHeader.biBitCount,
-                             bitmap.stride),
-                  std::tuple(3, 2, 24, 12));
+        ASSERT_FALSE(bitmap.pixels.empty());
         EXPECT_EQ(LoadCaptureBitmap(path, bitmap), result) << path;
         EXPECT_TRUE(bitmap.pixels.empty()) << path;
         EXPECT_FALSE(describe(result).empty());

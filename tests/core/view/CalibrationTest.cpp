@@ -1,6 +1,5 @@
 // The calibration's core: regions picked on the zoomed screen, screens learnt with the numbers
 // the player types, and the settings changed only when confirmed.
-#include "ports/ScreenSource.h"
 #include "shell/DebugLog.h"
 #include "view/Calibration.h"
 #include "view/RegionPicker.h"
@@ -9,6 +8,7 @@
 #include "support/FakeClock.h"
 #include "support/GameScreen.h"
 #include "support/ReadFile.h"
+#include "support/ScriptedScreen.h"
 #include "support/TempFolder.h"
 #include "support/TextChecks.h"
 
@@ -87,21 +87,15 @@ TEST(CalibrationTest, RefusalsAreExplainedAndMovingARegionStartsItAnew)
     EXPECT_EQ(settings.PatternStrings, kDefaults.PatternStrings);
 }
 
-class OneScreen : public ScreenSource {
-public:
-    std::optional<CaptureBitmap> grab(std::span<const CaptureRegionRect>) override { return std::exchange(screen, {}); }
-    std::optional<CaptureBitmap> screen;
-};
-
 TEST(CalibrationTest, TheCommandsAreLoggedAndSayWhatHappened)
 {
     test::TempFolder home;
     test::FakeClock clock{LocalDateTime{2024, 3, 9, 7, 5, 2}};
     DebugLog log{home.path(), clock};
     Calibration calibration(kDefaults, &log);
-    OneScreen source;
+    test::ScriptedScreen source;
     EXPECT_EQ(calibration.beginCapture(), "10秒後に取り込みます。ゲームを前面に出してください…");
-    source.screen = toCaptureBitmap(test::fontScreen({"", "1234567", ""}));
+    source.screens = {test::fontCapture({"", "1234567", ""}, 1)};
     EXPECT_EQ(calibration.captureScreen(source), "取り込みました。数字を入力して「学習する」を押してください。");
     EXPECT_EQ(calibration.learnCommand(), "数字を入力してください。"); // nothing typed
     calibration.setTyped(RegionExp, "  1,234,567 "); // blanks around do not count
