@@ -154,6 +154,7 @@ TEST(RegionPickerTest, ADragSpansTheRectangleOfItsCornerPixelsAndANudgeStaysOnTh
         {763, 2035, 400, 2000, {100, 500, 91, 9}}, // left and up gives the same
         {400, 2000, 403, 2003, {100, 500, 1, 1}},  // a click is one pixel
         {400, 2000, 800, 2200, {100, 500, 101, 51}}, // taller than a column group: read by shape
+        {400, 2200, 800, 2000, {100, 500, 101, 51}}, // the same region again, dragged up
     };
     for (const Case& c : cases) {
         picker.press(c.fromX, c.fromY);
