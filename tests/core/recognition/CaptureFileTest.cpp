@@ -164,7 +164,6 @@ TEST(CaptureFile, TheWriterReusesThePictureItReplacesAndNeverDamagesTheOneInPlac
     const struct { const char* name; std::int32_t width, height, rowsWritten; Before before; } steps[] = {
         {"the first picture", 5, 4, 4, Before::Nothing},
         {"the second: the first becomes the spare", 5, 4, 4, Before::Nothing},
-        {"written over the spare", 5, 4, 4, Before::Nothing},
         {"a smaller screen over a larger spare", 2, 1, 1, Before::Nothing},
         {"a larger screen over a smaller spare", 7, 6, 6, Before::Nothing},
         {"dropped half way", 7, 6, 3, Before::Nothing},

@@ -151,7 +151,15 @@ public:
         m_rect = {10, 20, static_cast<std::int32_t>(std::ceil(62 * font.how.scale)) + 12, font.rows};
     }
 
-    const CaptureRegionRect& rect() const { return m_rect; }
+    // The region's settings: the number read by ink brighter than the background.
+    Settings settings() const
+    {
+        Settings s = defaultSettings("");
+        s.CaptureRegion[RegionExp] = m_rect;
+        s.BinaryThreshold[RegionExp] = 135;
+        s.BinaryMask[RegionExp] = -1;
+        return s;
+    }
 
     // A random number, or the one given, drawn at a random sub-pixel column: the UI places
     // numbers of other widths at other phases, on one baseline.
@@ -180,15 +188,6 @@ private:
     std::mt19937 m_random;
     CaptureRegionRect m_rect;
 };
-
-Settings regionSettings(const CaptureRegionRect& rect)
-{
-    Settings s = defaultSettings("");
-    s.CaptureRegion[RegionExp] = rect;
-    s.BinaryThreshold[RegionExp] = 135;
-    s.BinaryMask[RegionExp] = -1;
-    return s;
-}
 
 // Through the configuration file and back, as the program's next start reads it.
 Settings savedAndLoaded(Settings settings)
@@ -230,7 +229,7 @@ TEST_P(DrawnFontTest, FiveScreensTaughtReadFortyOthersRightOrNotAtAll)
 {
     const DrawnFont& font = GetParam();
     DrawnScreens screens(font, 7);
-    Settings settings = regionSettings(screens.rect());
+    Settings settings = screens.settings();
     RegionLearner learner(settings, RegionExp);
     for (const std::string number : {"3141592", "6535897", "9323846", "2643383", "2795028"}) {
         if (number == "2795028") {
@@ -270,7 +269,7 @@ TEST(RegionLearnerTest, AScaledUiTaughtOneScreenACallAddsUp)
 {
     const DrawnFont font{"Scaled25", {2.5, 0, 0, false, false, "", true}, 24, false, true, ReadingMode::Shapes};
     DrawnScreens screens(font, 11);
-    Settings settings = regionSettings(screens.rect());
+    Settings settings = screens.settings();
     std::vector<std::pair<CaptureBitmap, std::string>> taught;
     for (const char* number : {"3141592", "6535897", "9323846", "2643383", "2795028"}) {
         taught.push_back(screens.next(number));
