@@ -175,7 +175,8 @@ public:
         how.originX += 1 + 2 * phase(m_random);
         how.originY += 0.3;
         // Grouped as the record file writes numbers: "12,345".
-        const std::string shown = m_font.separators ? formatNumber(Currency::fromInt(std::stoll(digits)), 0, false) : digits;
+        const std::string shown =
+            m_font.separators ? formatNumber(Currency::fromInt(std::stoll(digits)), 0, false) : digits;
         const std::string text = std::string(how.label) + shown + (m_font.endMark ? "]" : "");
         how.label = "";
         return {test::scaledScreen(m_rect, text, how), digits};
