@@ -195,10 +195,12 @@ Settings savedAndLoaded(Settings settings)
     test::ScriptedPrompter prompter;
     const auto codec = platform::makeTextCodec();
     settings.SaveFolder = pathUtf8(home.path());
+    const Settings saved = settings;
     EXPECT_TRUE(ConfigFile(settings, home.path(), prompter, *codec).run(ConfigFile::Save));
     Settings loaded = defaultSettings(pathUtf8(home.path()));
     ConfigFile(loaded, home.path(), prompter, *codec).run(ConfigFile::Load);
     EXPECT_TRUE(prompter.shown.empty()) << prompter.shown.front().text;
+    EXPECT_EQ(loaded, saved);
     return loaded;
 }
 
@@ -272,6 +274,7 @@ TEST(RegionLearnerTest, AScaledUiTaughtOneScreenACallAddsUp)
         taught.push_back(screens.next(number));
         RegionLearner learner(settings, RegionExp);
         ASSERT_TRUE(learner.add(taught.back().first, taught.back().second).accepted()) << number;
+        EXPECT_FALSE(learner.replacedPrior()) << number;
         learner.applyTo(settings);
         settings = savedAndLoaded(settings);
         for (const auto& [image, digits] : taught)
