@@ -56,14 +56,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     } catch (const RuntimeError&) {
         // Pixel buffers larger than a screen are refused.
     }
-    // And the walk alone, on column text of any kind with any widths.
-    const std::string columns = in.ConsumeRandomLengthString(512);
-    try {
-        (void)RecognizeNumber(RegionLevel,
-                              RecognizerInput{columns, &settings.PatternStrings[0], in.ConsumeIntegral<std::int32_t>(),
-                                              in.ConsumeIntegral<std::int32_t>(), {}},
-                              true);
-    } catch (const RuntimeError&) {
-    }
     return 0;
 }

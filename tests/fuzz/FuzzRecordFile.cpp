@@ -13,9 +13,7 @@ namespace {
 // The name stays inside the scratch folder: no separators, no parent steps.
 std::string plainName(std::string name)
 {
-    std::replace(name.begin(), name.end(), '/', '_');
-    std::replace(name.begin(), name.end(), '\\', '_');
-    std::replace(name.begin(), name.end(), '\0', '_');
+    std::replace_if(name.begin(), name.end(), [](char c) { return c == '/' || c == '\\' || c == '\0'; }, '_');
     return name;
 }
 

@@ -128,8 +128,6 @@ TEST(RecognizeNumber, OutcomesFollowTheWalkRules)
         {"separator glyph is skipped", kExp[1] + "010001C0" + kExp[2] + kExp[3] + kExp[4] + delimiter + blank(1), -1,
          "1234", "1234"},
         {"leading blanks", blank(7) + kExp[9] + kExp[0] + delimiter + blank(1), -1, "90", "90"},
-        {"noise digit left of the number is kept", kExp[7] + blank(4) + kExp[5] + delimiter + blank(1), -1, "75",
-         "75"},
         // The walk never tries a glyph whose left column is SizeX - W.
         {"delimiter touching the right edge", kExp[1] + kExp[2] + delimiter, -1, "", ng},
         {"delimiter one column before the edge", kExp[1] + kExp[2] + delimiter + blank(1), -1, "12", "12"},

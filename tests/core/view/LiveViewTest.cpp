@@ -15,20 +15,19 @@ TEST(LiveViewTest, TheStateOfTheReadingsAtAGlance)
     struct Case {
         bool running, suspended, alarm;
         Stall stall;
-        std::uint64_t readings;
         bool latestValid;
         const char* expected;
     };
     // Stopped, waiting, reading, stalled without a gain and suspended are the windows' (LiveWindowsTest).
     for (const Case& c : {
-             Case{true, false, false, Stall::None, 4, false, "認識失敗"},
-             Case{true, false, false, Stall::NoReading, 4, true, "読み取り中"}, // the alarm is off
-             Case{true, false, true, Stall::NoReading, 4, false, "停滞：読み取れません"},
-             Case{true, true, true, Stall::NoGain, 4, true, "一時停止中"}, // suspended wins over a stall
+             Case{true, false, false, Stall::None, false, "認識失敗"},
+             Case{true, false, false, Stall::NoReading, true, "読み取り中"}, // the alarm is off
+             Case{true, false, true, Stall::NoReading, false, "停滞：読み取れません"},
+             Case{true, true, true, Stall::NoGain, true, "一時停止中"}, // suspended wins over a stall
          }) {
         LiveFigures f;
         f.stall = c.stall;
-        f.readings = c.readings;
+        f.readings = 4;
         f.latestValid = c.latestValid;
         EXPECT_EQ(liveView(f, {c.running, c.suspended, c.alarm, 30}).stateText, c.expected);
     }
