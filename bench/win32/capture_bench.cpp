@@ -69,7 +69,7 @@ int main(int argc, char** argv)
     const Settings settings = defaultSettings("");
     const Frame picture = test::gameScreen(kNumbers, ScreenMode::FullScreen, 7, 800, 600);
     test::PaintedWindow game(L"MapleStory", picture);
-    if (game.handle() == nullptr || !game.bringToFront()) {
+    if (!game.bringToFront()) {
         std::fprintf(stderr, "could not show the game window\n");
         return 1;
     }
@@ -81,19 +81,15 @@ int main(int argc, char** argv)
     bool ok = measure("direct, regions only", runs, recognizer, [&] { return screen->grab(settings.CaptureRegion); });
     ok = measure("direct, whole screen", runs, recognizer, [&] { return screen->grab({}); }) && ok;
 
-    test::emptyClipboard();
+    test::setClipboard();
     screen->pressPrintScreen();
     const bool keyWorks = test::pumpUntil([] { return IsClipboardFormatAvailable(CF_BITMAP) != FALSE; }, 1500);
     if (!keyWorks) {
         // The same picture Print Screen would give, as a screen-compatible bitmap.
         const auto whole = screen->grab({});
         const Frame shot = whole ? toFrame(*whole) : Frame();
-        const BITMAPINFO info = test::topDownInfo(shot);
-        const auto rows = test::paddedRows(shot);
-        HDC dc = GetDC(nullptr);
-        HBITMAP bitmap = CreateDIBitmap(dc, &info.bmiHeader, CBM_INIT, rows.data(), &info, DIB_RGB_COLORS);
-        ReleaseDC(nullptr, dc);
-        if (bitmap == nullptr || !test::putOnClipboard(bitmap)) {
+        HBITMAP bitmap = test::deviceBitmap(shot);
+        if (bitmap == nullptr || !test::setClipboard(CF_BITMAP, bitmap)) {
             std::fprintf(stderr, "could not fill the clipboard\n");
             return 1;
         }
@@ -103,7 +99,7 @@ int main(int argc, char** argv)
                  runs, recognizer,
                  [&] {
                      if (keyWorks)
-                         test::emptyClipboard();
+                         test::setClipboard();
                      screen->pressPrintScreen();
                      if (keyWorks) // wait for the system's copy, as the Lag wait would
                          test::pumpUntil([] { return IsClipboardFormatAvailable(CF_BITMAP) != FALSE; }, 1500);
@@ -112,6 +108,6 @@ int main(int argc, char** argv)
          ok;
     if (!keyWorks)
         std::printf("(*) Print Screen put nothing on the clipboard here (wine)\n");
-    test::emptyClipboard();
+    test::setClipboard();
     return ok ? 0 : 1;
 }
