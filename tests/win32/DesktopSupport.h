@@ -6,6 +6,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <deque>
 #include <functional>
 #include <random>
@@ -18,8 +19,9 @@ class WindowDriver;
 // The window of a Win32 window driver, or one of its controls.
 HWND handleOf(WindowDriver& window, const std::string& control = {});
 
-// Lets the thread's windows handle what is queued, for about `ms` milliseconds.
-inline void pumpMessages(DWORD ms)
+// Lets the thread's windows handle what is queued until `done` holds or `ms` have passed; returns `done()`.
+template <typename Condition>
+bool pumpUntil(Condition done, DWORD ms)
 {
     const ULONGLONG end = GetTickCount64() + ms;
     for (;;) {
@@ -29,20 +31,15 @@ inline void pumpMessages(DWORD ms)
             DispatchMessageW(&message);
         }
         const ULONGLONG now = GetTickCount64();
-        if (now >= end)
-            return;
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(end - now), QS_ALLINPUT);
+        if (done() || now >= end)
+            return done();
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(std::min(end - now, 20ull)), QS_ALLINPUT);
     }
 }
 
-// Pumps until `done` holds or `ms` have passed; returns `done()`.
-template <typename Condition>
-bool pumpUntil(Condition done, DWORD ms)
+inline void pumpMessages(DWORD ms)
 {
-    const ULONGLONG end = GetTickCount64() + ms;
-    while (!done() && GetTickCount64() < end)
-        pumpMessages(20);
-    return done();
+    pumpUntil([] { return false; }, ms);
 }
 
 // A 24-bit header for rows laid out as a CaptureBitmap's (bottom-up; top-down with a negative height).

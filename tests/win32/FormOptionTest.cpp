@@ -37,7 +37,6 @@ protected:
     }
 
     WindowDriver& options() { return desktop->options(); }
-    HWND window() { return handleOf(options()); }
 
     TempFolder temp;
     std::unique_ptr<Desktop> desktop = makeDesktop();
@@ -51,14 +50,14 @@ TEST_F(FormOptionWin32Test, AWindowTooSmallForAPageScrollsItAndKeepsItsButtonsIn
 {
     // Buttons in view, the regions page's last row out of view, scrolled in, and in view once grown.
     std::vector<bool> seen;
-    show({act([&] { SetWindowPos(window(), nullptr, 0, 0, 560, 400, SWP_NOMOVE | SWP_NOZORDER); }), act([&] {
+    show({act([&] { SetWindowPos(handleOf(options()), nullptr, 0, 0, 560, 400, SWP_NOMOVE | SWP_NOZORDER); }), act([&] {
               const HWND capture = handleOf(options(), "cmdCapture");
               const bool buttons = inView(handleOf(options(), "cmdClose")) && inView(handleOf(options(), "cmdSave"));
               seen = {buttons, !inView(capture)};
               SendMessageW(GetParent(capture), WM_VSCROLL, SB_BOTTOM, 0);
               seen.push_back(inView(capture));
               // Grown back, the page shows everything from its top again.
-              SetWindowPos(window(), nullptr, 0, 0, 1000, 760, SWP_NOMOVE | SWP_NOZORDER);
+              SetWindowPos(handleOf(options()), nullptr, 0, 0, 1000, 760, SWP_NOMOVE | SWP_NOZORDER);
               seen.push_back(inView(capture));
           })});
     EXPECT_EQ(seen, std::vector<bool>(4, true));
@@ -74,7 +73,7 @@ TEST_F(FormOptionWin32Test, EveryPageShowsAllItsControlsAsItOpens)
             options().choose("tabOption", tab);
             pumpMessages(400);
             HWND page = nullptr;
-            for (HWND c = GetWindow(window(), GW_CHILD); c; c = GetWindow(c, GW_HWNDNEXT))
+            for (HWND c = GetWindow(handleOf(options()), GW_CHILD); c; c = GetWindow(c, GW_HWNDNEXT))
                 if (c != handleOf(options(), "tabOption") && IsWindowVisible(c) && GetWindow(c, GW_CHILD))
                     page = c;
             SCOPED_TRACE("tab " + std::to_string(tab));

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
-#include <string>
 #include <thread>
 #include <tuple>
 

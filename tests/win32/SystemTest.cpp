@@ -83,8 +83,7 @@ TEST(Win32WaiterTest, ACloseEndsTheWaitsInProgressOnly)
 TEST(EnvironmentTest, WmiAnswersTheReportItems)
 {
     const EnvironmentFacts facts = platform::gatherEnvironment();
-    std::printf("%s", ReportEnvironment(facts, false).c_str()); // how its lines are made: ShellTest
-    // Only WMI knows these; the fallbacks leave them empty (the report printed above tells which).
+    // Only WMI knows these; the fallbacks leave them empty (how the report's lines are made: ShellTest).
     EXPECT_NE(facts.operatingSystem, "Windows");
     for (const std::string& item : {facts.operatingSystem, facts.version, facts.processor, facts.graphicAdapter,
                                     facts.manufacturer})
@@ -135,9 +134,7 @@ TEST(ConsoleTextTest, PiecesEndingInsideACharacterWaitForTheRest)
     struct Case { const char* text; std::size_t complete; };
     const Case cases[] = {
         {"", 0},
-        {"abc\r\n", 5},
         {"a\xE3", 1},                 // first byte of あ
-        {"a\xE3\x81\x82", 4},         // あ whole
         {"\xF0\x9F\x98", 0},          // three of a four-byte character
         {"\xF0\x9F\x98\x80", 4},      // whole
         {"\xEF\xBE\x99\xC3", 3},      // ﾙ, then the first byte of é
@@ -148,27 +145,20 @@ TEST(ConsoleTextTest, PiecesEndingInsideACharacterWaitForTheRest)
         EXPECT_EQ(platform::win32::completeUtf8Length(c.text), c.complete) << '"' << c.text << '"';
 }
 
-// A fresh screen buffer of this process's console, or null when no console can be had.
-HANDLE newConsoleBuffer()
+TEST(ConsoleTextTest, JapaneseShowsRightOnAConsoleOfAnotherCodePage)
 {
     const auto create = [] {
         return CreateConsoleScreenBuffer(GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                          CONSOLE_TEXTMODE_BUFFER, nullptr);
     };
-    HANDLE buffer = create();
-    if (buffer == INVALID_HANDLE_VALUE) {
+    HANDLE console = create();
+    if (console == INVALID_HANDLE_VALUE) {
         // Wine started from a terminal gives a console without buffers of its own.
         FreeConsole();
-        buffer = AllocConsole() ? create() : INVALID_HANDLE_VALUE;
+        console = AllocConsole() ? create() : INVALID_HANDLE_VALUE;
     }
     DWORD mode = 0;
-    return buffer != INVALID_HANDLE_VALUE && GetConsoleMode(buffer, &mode) ? buffer : nullptr;
-}
-
-TEST(ConsoleTextTest, JapaneseShowsRightOnAConsoleOfAnotherCodePage)
-{
-    const HANDLE console = newConsoleBuffer();
-    if (console == nullptr)
+    if (console == INVALID_HANDLE_VALUE || !GetConsoleMode(console, &mode))
         GTEST_SKIP() << "no console to write to: wine opens one only on a display";
     const HANDLE previous = GetStdHandle(STD_OUTPUT_HANDLE);
     const UINT codePage = GetConsoleOutputCP();
@@ -309,7 +299,6 @@ TEST_F(ImageEncoderTest, FilesAreCompleteWithTheirSignaturesAndPngIsLossless)
     // Wine 8's GDI+ drops the encoder parameters and always writes its default quality.
     if (bytes[1] == bytes[2] && test::runningUnderWine())
         GTEST_SKIP() << "Wine's GDI+ ignores the JPEG quality parameter";
-    EXPECT_TRUE(bytes[1] != bytes[2]);
     EXPECT_GT(bytes[2].size(), bytes[1].size());
     EXPECT_LT(error[2], error[1]);
 }
