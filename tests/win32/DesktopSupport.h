@@ -63,7 +63,7 @@ inline HBITMAP deviceBitmap(const Frame& picture)
 class PaintedWindow {
 public:
     PaintedWindow(const std::wstring& title, const Frame& picture, int x = 0, int y = 0)
-        : m_class(L"TallivexPainted" + std::to_wstring(++s_classes))
+        : m_class(L"TallivexPainted " + title) // titles differ between windows shown at once
     {
         const HBITMAP pattern = deviceBitmap(picture);
         win32ui::registerWindowClass(m_class.c_str(), &DefWindowProcW, CreatePatternBrush(pattern));
@@ -91,7 +91,6 @@ public:
     }
 
 private:
-    static inline int s_classes = 0;
     std::wstring m_class;
     HWND m_window = nullptr;
 };

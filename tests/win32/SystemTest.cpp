@@ -80,8 +80,11 @@ TEST(Win32WaiterTest, ACloseEndsTheWaitsInProgressOnly)
     EXPECT_GE(GetTickCount() - again, 150u) << "a wait begun after the close waits";
 }
 
-TEST(EnvironmentTest, WmiAnswersTheReportItems)
+TEST(EnvironmentTest, SystemLibrariesLoadAndWmiAnswersTheReportItems)
 {
+    for (const RequiredLibrary& library : platform::requiredLibraries())
+        EXPECT_TRUE(platform::canLoadLibrary(library.name)) << library.name;
+    EXPECT_FALSE(platform::canLoadLibrary("tallivex-no-such-library.dll"));
     const EnvironmentFacts facts = platform::gatherEnvironment();
     // Only WMI knows these; the fallbacks leave them empty (how the report's lines are made: ShellTest).
     EXPECT_NE(facts.operatingSystem, "Windows");
@@ -107,13 +110,6 @@ TEST(EnvironmentTest, WmiAnswersTheReportItems)
     EXPECT_NEAR(ratio, 1.0, 0.05);
     ASSERT_TRUE(facts.freePhysicalBytes.has_value());
     EXPECT_LE(*facts.freePhysicalBytes, *facts.totalPhysicalBytes);
-}
-
-TEST(EnvironmentTest, SystemLibrariesLoad)
-{
-    for (const RequiredLibrary& library : platform::requiredLibraries())
-        EXPECT_TRUE(platform::canLoadLibrary(library.name)) << library.name;
-    EXPECT_FALSE(platform::canLoadLibrary("tallivex-no-such-library.dll"));
 }
 
 // The argument ctest gives this program (tests/win32/CMakeLists.txt).
@@ -262,17 +258,16 @@ Frame scene()
     return frame;
 }
 
-class ImageEncoderTest : public testing::Test {
-protected:
-    test::TempFolder folder;
-    std::unique_ptr<ImageEncoder> encoder = platform::makeGdiplusImageEncoder();
-    Frame picture = scene();
-};
-
 // PNG (quality 0 here) is lossless; JPEG at 90 is closer to the picture and larger than at
-// 70. A Japanese name, as the player's folders have.
-TEST_F(ImageEncoderTest, FilesAreCompleteWithTheirSignaturesAndPngIsLossless)
+// 70. A Japanese name, as the player's folders have. A missing folder or an empty picture fails.
+TEST(ImageEncoderTest, FilesAreCompleteWithTheirSignaturesAndPngIsLossless)
 {
+    test::TempFolder folder;
+    const std::unique_ptr<ImageEncoder> encoder = platform::makeGdiplusImageEncoder();
+    const Frame picture = scene();
+    EXPECT_FALSE(encoder->writeJpeg(picture, folder.path() / "no" / "such.jpg", 90));
+    EXPECT_FALSE(encoder->writePng(Frame(), folder.path() / "empty.png"));
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "empty.png"));
     const struct { std::filesystem::path name; int quality; std::string head, tail; double within; } files[] = {
         {u8"給与明細.png", 0, std::string("\x89PNG\r\n\x1a\n", 8), "", 0},
         {"shot70.jpg", 70, "\xFF\xD8\xFF", "\xFF\xD9", 12},
@@ -301,13 +296,6 @@ TEST_F(ImageEncoderTest, FilesAreCompleteWithTheirSignaturesAndPngIsLossless)
         GTEST_SKIP() << "Wine's GDI+ ignores the JPEG quality parameter";
     EXPECT_GT(bytes[2].size(), bytes[1].size());
     EXPECT_LT(error[2], error[1]);
-}
-
-TEST_F(ImageEncoderTest, MissingFolderOrEmptyPictureFails)
-{
-    EXPECT_FALSE(encoder->writeJpeg(picture, folder.path() / "no" / "such.jpg", 90));
-    EXPECT_FALSE(encoder->writePng(Frame(), folder.path() / "empty.png"));
-    EXPECT_FALSE(std::filesystem::exists(folder.path() / "empty.png"));
 }
 
 } // namespace
