@@ -16,7 +16,6 @@ namespace tvx::test {
 
 class WindowDriver;
 
-// The window of a Win32 window driver, or one of its controls.
 HWND handleOf(WindowDriver& window, const std::string& control = {});
 
 // Lets the thread's windows handle what is queued until `done` holds or `ms` have passed; returns `done()`.
@@ -108,7 +107,6 @@ inline bool setClipboard(UINT format = 0, HANDLE data = nullptr)
     return clipboard.isOpen() && EmptyClipboard() && (data == nullptr || SetClipboardData(format, data) != nullptr);
 }
 
-// A picture of noise, distinct for each seed.
 inline Frame noiseFrame(std::int32_t width, std::int32_t height, std::uint32_t seed)
 {
     Frame frame(width, height);
@@ -204,7 +202,6 @@ inline HWND childWithId(HWND window, int id)
     return search.found;
 }
 
-// Types text into a control as the keyboard would deliver its characters.
 inline void typeInto(HWND control, const std::wstring& text)
 {
     for (const wchar_t c : text)

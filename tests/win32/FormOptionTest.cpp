@@ -15,7 +15,6 @@
 namespace tvx::test {
 namespace {
 
-// Whether a control lies wholly inside its parent's client area.
 bool inView(HWND control)
 {
     RECT inside{};
@@ -54,7 +53,6 @@ TEST(FormOptionWin32Test, EveryPageShowsAllItsControlsAsItOpensAndScrollsInAWind
                 EXPECT_TRUE(inView(c)) << "control " << GetDlgCtrlID(c) << " cut off";
             options.shoot("options-tab" + std::to_string(tab));
         }));
-    // Buttons in view, the regions page's last row out of view, scrolled in, and in view once grown.
     std::vector<bool> seen;
     steps.push_back(act([&] {
         options.choose("tabOption", 0);

@@ -232,7 +232,6 @@ TEST(RawInputMouseTest, InjectedClicksArriveWhileAnotherWindowHasTheFocus)
     EXPECT_EQ(seen, (std::vector<MouseButtonEvent>{kRightDown, kRightUp}));
 }
 
-// Decodes an image file with GDI+ into a frame; empty when it cannot.
 Frame decode(const std::filesystem::path& path)
 {
     Gdiplus::GdiplusStartupInput input;
