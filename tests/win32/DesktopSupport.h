@@ -44,9 +44,7 @@ inline void pumpMessages(DWORD ms)
 // A 24-bit header for rows laid out as a CaptureBitmap's (bottom-up; top-down with a negative height).
 inline BITMAPINFO dibInfo(std::int32_t width, std::int32_t height)
 {
-    BITMAPINFO info{};
-    info.bmiHeader = {sizeof info.bmiHeader, width, height, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
-    return info;
+    return {{sizeof(BITMAPINFOHEADER), width, height, 1, 24, BI_RGB, 0, 0, 0, 0, 0}, {}};
 }
 
 // A screen-compatible bitmap of the picture, as most programs put on the clipboard.
