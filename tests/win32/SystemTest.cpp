@@ -232,38 +232,22 @@ TEST(RawInputMouseTest, InjectedClicksArriveWhileAnotherWindowHasTheFocus)
     EXPECT_EQ(seen, (std::vector<MouseButtonEvent>{kRightDown, kRightUp}));
 }
 
-Frame decode(const std::filesystem::path& path)
-{
-    Gdiplus::GdiplusStartupInput input;
-    ULONG_PTR token = 0;
-    if (Gdiplus::GdiplusStartup(&token, &input, nullptr) != Gdiplus::Ok)
-        return {};
-    HBITMAP handle = nullptr;
-    Gdiplus::Bitmap(path.wstring().c_str()).GetHBITMAP(Gdiplus::Color(), &handle); // gone before the shutdown
-    Gdiplus::GdiplusShutdown(token);
-    const platform::win32::Bitmap owned(handle);
-    return test::frameOf(handle);
-}
-
-// Smooth areas with some detail, like a game screen, so JPEG quality shows.
-Frame scene()
-{
-    Frame frame(123, 77);
-    const Frame noise = test::noiseFrame(123, 77, 4);
-    for (int y = 0; y < 77; ++y)
-        for (int x = 0; x < 123; ++x)
-            frame.setPixel(x, y, static_cast<std::uint8_t>(x * 2), static_cast<std::uint8_t>(y * 3),
-                           static_cast<std::uint8_t>((x + y) % 40 < 20 ? 40 : 200 + noise.row(y)[x * 3] % 50));
-    return frame;
-}
-
 // PNG (quality 0 here) is lossless; JPEG at 90 is closer to the picture and larger than at
 // 70. A Japanese name, as the player's folders have. A missing folder or an empty picture fails.
 TEST(ImageEncoderTest, FilesAreCompleteWithTheirSignaturesAndPngIsLossless)
 {
     test::TempFolder folder;
     const std::unique_ptr<ImageEncoder> encoder = platform::makeGdiplusImageEncoder();
-    const Frame picture = scene();
+    // Smooth areas with some detail, like a game screen, so JPEG quality shows.
+    Frame picture(123, 77);
+    const Frame noise = test::noiseFrame(123, 77, 4);
+    for (int y = 0; y < 77; ++y)
+        for (int x = 0; x < 123; ++x)
+            picture.setPixel(x, y, static_cast<std::uint8_t>(x * 2), static_cast<std::uint8_t>(y * 3),
+                             static_cast<std::uint8_t>((x + y) % 40 < 20 ? 40 : 200 + noise.row(y)[x * 3] % 50));
+    Gdiplus::GdiplusStartupInput input;
+    ULONG_PTR token = 0;
+    ASSERT_EQ(Gdiplus::GdiplusStartup(&token, &input, nullptr), Gdiplus::Ok); // to read the files back
     EXPECT_FALSE(encoder->writeJpeg(picture, folder.path() / "no" / "such.jpg", 90));
     EXPECT_FALSE(encoder->writePng(Frame(), folder.path() / "empty.png"));
     EXPECT_FALSE(std::filesystem::exists(folder.path() / "empty.png"));
@@ -283,13 +267,17 @@ TEST(ImageEncoderTest, FilesAreCompleteWithTheirSignaturesAndPngIsLossless)
         bytes[i] = test::readAll(path);
         EXPECT_TRUE(bytes[i].starts_with(file.head));
         EXPECT_TRUE(bytes[i].ends_with(file.tail));
-        const Frame back = decode(path);
+        HBITMAP handle = nullptr;
+        Gdiplus::Bitmap(path.wstring().c_str()).GetHBITMAP(Gdiplus::Color(), &handle);
+        const platform::win32::Bitmap owned(handle);
+        const Frame back = test::frameOf(handle);
         ASSERT_EQ(std::pair(back.width(), back.height()), std::pair(picture.width(), picture.height()));
         error[i] = std::transform_reduce(back.bytes().begin(), back.bytes().end(), picture.bytes().begin(), 0.0,
                                          std::plus<>(), [](int a, int b) { return std::abs(a - b); }) /
                    static_cast<double>(back.bytes().size());
         EXPECT_LE(error[i], file.within);
     }
+    Gdiplus::GdiplusShutdown(token);
     // Wine 8's GDI+ drops the encoder parameters and always writes its default quality.
     if (bytes[1] == bytes[2] && test::runningUnderWine())
         GTEST_SKIP() << "Wine's GDI+ ignores the JPEG quality parameter";
