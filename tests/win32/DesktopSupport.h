@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Win32Ui.h"
 #include "recognition/CaptureFile.h"
 #include "win32/Win32Handles.h"
 
@@ -11,6 +10,7 @@
 #include <functional>
 #include <random>
 #include <string>
+#include <vector>
 
 namespace tvx::test {
 
@@ -56,6 +56,21 @@ inline HBITMAP deviceBitmap(const Frame& picture)
     return CreateDIBitmap(screen.get(), &info.bmiHeader, CBM_INIT, rows.pixels.data(), &info, DIB_RGB_COLORS);
 }
 
+// Top-down rows, four-byte aligned, and their header: what the capture bench hands to CreateDIBitmap.
+inline std::vector<std::uint8_t> paddedRows(const Frame& frame)
+{
+    CaptureBitmap rows = toCaptureBitmap(frame);
+    std::vector<std::uint8_t> topDown;
+    for (std::int32_t y = 0; y < frame.height(); ++y)
+        topDown.insert(topDown.end(), rows.screenRow(y), rows.screenRow(y) + rows.stride);
+    return topDown;
+}
+
+inline BITMAPINFO topDownInfo(const Frame& frame)
+{
+    return dibInfo(frame.width(), -frame.height());
+}
+
 // A borderless window showing a picture at a screen position: its own class's brush erases with it.
 class PaintedWindow {
 public:
@@ -63,7 +78,9 @@ public:
         : m_class(L"TallivexPainted " + title) // titles differ between windows shown at once
     {
         const HBITMAP pattern = deviceBitmap(picture);
-        win32ui::registerWindowClass(m_class.c_str(), &DefWindowProcW, CreatePatternBrush(pattern));
+        const WNDCLASSEXW windowClass{sizeof windowClass, 0, &DefWindowProcW, 0, 0, GetModuleHandleW(nullptr), nullptr,
+                                      nullptr, CreatePatternBrush(pattern), nullptr, m_class.c_str(), nullptr};
+        RegisterClassExW(&windowClass);
         DeleteObject(pattern);
         m_window = CreateWindowExW(0, m_class.c_str(), title.c_str(), WS_POPUP, x, y, picture.width(), picture.height(),
                                    nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
@@ -79,6 +96,8 @@ public:
     }
     PaintedWindow(const PaintedWindow&) = delete;
     PaintedWindow& operator=(const PaintedWindow&) = delete;
+
+    HWND handle() const { return m_window; }
 
     // True once the system reports it as the active window.
     bool bringToFront()
@@ -103,6 +122,16 @@ inline bool setClipboard(UINT format = 0, HANDLE data = nullptr)
 {
     const platform::win32::OpenedClipboard clipboard;
     return clipboard.isOpen() && EmptyClipboard() && (data == nullptr || SetClipboardData(format, data) != nullptr);
+}
+
+inline bool emptyClipboard()
+{
+    return setClipboard();
+}
+
+inline bool putOnClipboard(HBITMAP bitmap)
+{
+    return setClipboard(CF_BITMAP, bitmap);
 }
 
 inline Frame noiseFrame(std::int32_t width, std::int32_t height, std::uint32_t seed)
