@@ -1,25 +1,26 @@
 #pragma once
 
-#include "Win32Ui.h"
 #include "recognition/CaptureFile.h"
 #include "win32/Win32Handles.h"
 
 #include <windows.h>
 
+#include <algorithm>
 #include <deque>
 #include <functional>
 #include <random>
 #include <string>
+#include <vector>
 
 namespace tvx::test {
 
 class WindowDriver;
 
-// The window of a Win32 window driver, or one of its controls.
 HWND handleOf(WindowDriver& window, const std::string& control = {});
 
-// Lets the thread's windows handle what is queued, for about `ms` milliseconds.
-inline void pumpMessages(DWORD ms)
+// Lets the thread's windows handle what is queued until `done` holds or `ms` have passed; returns `done()`.
+template <typename Condition>
+bool pumpUntil(Condition done, DWORD ms)
 {
     const ULONGLONG end = GetTickCount64() + ms;
     for (;;) {
@@ -29,28 +30,21 @@ inline void pumpMessages(DWORD ms)
             DispatchMessageW(&message);
         }
         const ULONGLONG now = GetTickCount64();
-        if (now >= end)
-            return;
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(end - now), QS_ALLINPUT);
+        if (done() || now >= end)
+            return done();
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(std::min(end - now, 20ull)), QS_ALLINPUT);
     }
 }
 
-// Pumps until `done` holds or `ms` have passed; returns `done()`.
-template <typename Condition>
-bool pumpUntil(Condition done, DWORD ms)
+inline void pumpMessages(DWORD ms)
 {
-    const ULONGLONG end = GetTickCount64() + ms;
-    while (!done() && GetTickCount64() < end)
-        pumpMessages(20);
-    return done();
+    pumpUntil([] { return false; }, ms);
 }
 
 // A 24-bit header for rows laid out as a CaptureBitmap's (bottom-up; top-down with a negative height).
 inline BITMAPINFO dibInfo(std::int32_t width, std::int32_t height)
 {
-    BITMAPINFO info{};
-    info.bmiHeader = {sizeof info.bmiHeader, width, height, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
-    return info;
+    return {{sizeof(BITMAPINFOHEADER), width, height, 1, 24, BI_RGB, 0, 0, 0, 0, 0}, {}};
 }
 
 // A screen-compatible bitmap of the picture, as most programs put on the clipboard.
@@ -62,14 +56,31 @@ inline HBITMAP deviceBitmap(const Frame& picture)
     return CreateDIBitmap(screen.get(), &info.bmiHeader, CBM_INIT, rows.pixels.data(), &info, DIB_RGB_COLORS);
 }
 
+// Top-down rows, four-byte aligned, and their header: what the capture bench hands to CreateDIBitmap.
+inline std::vector<std::uint8_t> paddedRows(const Frame& frame)
+{
+    CaptureBitmap rows = toCaptureBitmap(frame);
+    std::vector<std::uint8_t> topDown;
+    for (std::int32_t y = 0; y < frame.height(); ++y)
+        topDown.insert(topDown.end(), rows.screenRow(y), rows.screenRow(y) + rows.stride);
+    return topDown;
+}
+
+inline BITMAPINFO topDownInfo(const Frame& frame)
+{
+    return dibInfo(frame.width(), -frame.height());
+}
+
 // A borderless window showing a picture at a screen position: its own class's brush erases with it.
 class PaintedWindow {
 public:
     PaintedWindow(const std::wstring& title, const Frame& picture, int x = 0, int y = 0)
-        : m_class(L"TallivexPainted" + std::to_wstring(++s_classes))
+        : m_class(L"TallivexPainted " + title) // titles differ between windows shown at once
     {
         const HBITMAP pattern = deviceBitmap(picture);
-        win32ui::registerWindowClass(m_class.c_str(), &DefWindowProcW, CreatePatternBrush(pattern));
+        const WNDCLASSEXW windowClass{sizeof windowClass, 0, &DefWindowProcW, 0, 0, GetModuleHandleW(nullptr), nullptr,
+                                      nullptr, CreatePatternBrush(pattern), nullptr, m_class.c_str(), nullptr};
+        RegisterClassExW(&windowClass);
         DeleteObject(pattern);
         m_window = CreateWindowExW(0, m_class.c_str(), title.c_str(), WS_POPUP, x, y, picture.width(), picture.height(),
                                    nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
@@ -86,6 +97,8 @@ public:
     PaintedWindow(const PaintedWindow&) = delete;
     PaintedWindow& operator=(const PaintedWindow&) = delete;
 
+    HWND handle() const { return m_window; }
+
     // True once the system reports it as the active window.
     bool bringToFront()
     {
@@ -94,7 +107,6 @@ public:
     }
 
 private:
-    static inline int s_classes = 0;
     std::wstring m_class;
     HWND m_window = nullptr;
 };
@@ -112,7 +124,16 @@ inline bool setClipboard(UINT format = 0, HANDLE data = nullptr)
     return clipboard.isOpen() && EmptyClipboard() && (data == nullptr || SetClipboardData(format, data) != nullptr);
 }
 
-// A picture of noise, distinct for each seed.
+inline bool emptyClipboard()
+{
+    return setClipboard();
+}
+
+inline bool putOnClipboard(HBITMAP bitmap)
+{
+    return setClipboard(CF_BITMAP, bitmap);
+}
+
 inline Frame noiseFrame(std::int32_t width, std::int32_t height, std::uint32_t seed)
 {
     Frame frame(width, height);
@@ -208,7 +229,6 @@ inline HWND childWithId(HWND window, int id)
     return search.found;
 }
 
-// Types text into a control as the keyboard would deliver its characters.
 inline void typeInto(HWND control, const std::wstring& text)
 {
     for (const wchar_t c : text)

@@ -12,8 +12,6 @@
 
 namespace {
 
-struct Placement { std::wstring program; int x = 0; int y = 0; int moved = 0; };
-
 std::wstring programOf(HWND window)
 {
     DWORD id = 0;
@@ -31,19 +29,15 @@ std::wstring programOf(HWND window)
 // beside the game; fails when it has none.
 int place(const std::string& program, const std::string& x, const std::string& y)
 {
-    Placement placement{tvx::platform::win32::wide(program), std::stoi(x), std::stoi(y)};
-    EnumWindows(
-        [](HWND window, LPARAM data) -> BOOL {
-            auto& to = *reinterpret_cast<Placement*>(data);
-            if (IsWindowVisible(window) && GetWindow(window, GW_OWNER) == nullptr &&
-                lstrcmpiW(programOf(window).c_str(), to.program.c_str()) == 0) {
-                SetWindowPos(window, nullptr, to.x, to.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-                ++to.moved;
-            }
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&placement));
-    return placement.moved > 0 ? 0 : 1;
+    int moved = 0;
+    for (HWND window = FindWindowExW(nullptr, nullptr, nullptr, nullptr); window != nullptr;
+         window = FindWindowExW(nullptr, window, nullptr, nullptr))
+        if (IsWindowVisible(window) && GetWindow(window, GW_OWNER) == nullptr &&
+            lstrcmpiW(programOf(window).c_str(), tvx::platform::win32::wide(program).c_str()) == 0) {
+            SetWindowPos(window, nullptr, std::stoi(x), std::stoi(y), 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+            ++moved;
+        }
+    return moved > 0 ? 0 : 1;
 }
 
 int check(const std::string& home, const std::string& stateFile, const std::string& minimum)

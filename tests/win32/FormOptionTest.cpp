@@ -15,7 +15,6 @@
 namespace tvx::test {
 namespace {
 
-// Whether a control lies wholly inside its parent's client area.
 bool inView(HWND control)
 {
     RECT inside{};
@@ -27,64 +26,50 @@ bool inView(HWND control)
            inside.bottom <= client.bottom;
 }
 
-class FormOptionWin32Test : public testing::Test {
-protected:
-    void show(std::deque<PlayerStep> steps)
-    {
-        steps.push_front([this] { return options().isOpen(); });
-        steps.push_back(act([this] { options().close(); }));
-        desktop->play(std::move(steps), [&] { desktop->showOptions(config, &capture, {}); });
-    }
-
-    WindowDriver& options() { return desktop->options(); }
-    HWND window() { return handleOf(options()); }
-
+// Every page at the opening size: no scroll bar, every control wholly on the page (with TALLIVEX_SHOT_DIR set,
+// each leaves its picture). Then, in a window too small, the regions page scrolls and the buttons stay in view.
+TEST(FormOptionWin32Test, EveryPageShowsAllItsControlsAsItOpensAndScrollsInAWindowTooSmall)
+{
     TempFolder temp;
-    std::unique_ptr<Desktop> desktop = makeDesktop();
-    std::unique_ptr<TextCodec> codec = platform::makeTextCodec();
+    const std::unique_ptr<Desktop> desktop = makeDesktop();
+    const std::unique_ptr<TextCodec> codec = platform::makeTextCodec();
     Settings settings = defaultSettings(pathUtf8(temp.path()));
     ConfigFile config{settings, temp.path(), desktop->prompter(), *codec};
     const CaptureBitmap capture = gameCapture({"137", "12345", "9876543"});
-};
-
-TEST_F(FormOptionWin32Test, AWindowTooSmallForAPageScrollsItAndKeepsItsButtonsInView)
-{
-    // Buttons in view, the regions page's last row out of view, scrolled in, and in view once grown.
-    std::vector<bool> seen;
-    show({act([&] { SetWindowPos(window(), nullptr, 0, 0, 560, 400, SWP_NOMOVE | SWP_NOZORDER); }), act([&] {
-              const HWND capture = handleOf(options(), "cmdCapture");
-              const bool buttons = inView(handleOf(options(), "cmdClose")) && inView(handleOf(options(), "cmdSave"));
-              seen = {buttons, !inView(capture)};
-              SendMessageW(GetParent(capture), WM_VSCROLL, SB_BOTTOM, 0);
-              seen.push_back(inView(capture));
-              // Grown back, the page shows everything from its top again.
-              SetWindowPos(window(), nullptr, 0, 0, 1000, 760, SWP_NOMOVE | SWP_NOZORDER);
-              seen.push_back(inView(capture));
-          })});
-    EXPECT_EQ(seen, std::vector<bool>(4, true));
-}
-
-// Every page at the opening size: no scroll bar, every control wholly on the page. With
-// TALLIVEX_SHOT_DIR set, each leaves its picture.
-TEST_F(FormOptionWin32Test, EveryPageShowsAllItsControlsAsItOpens)
-{
-    std::deque<PlayerStep> steps;
+    WindowDriver& options = desktop->options();
+    std::deque<PlayerStep> steps{[&] { return options.isOpen(); }};
     for (int tab = 0; tab < kOptionTabCount; ++tab)
-        steps.push_back(act([this, tab] {
-            options().choose("tabOption", tab);
+        steps.push_back(act([&options, tab] {
+            options.choose("tabOption", tab);
             pumpMessages(400);
             HWND page = nullptr;
-            for (HWND c = GetWindow(window(), GW_CHILD); c; c = GetWindow(c, GW_HWNDNEXT))
-                if (c != handleOf(options(), "tabOption") && IsWindowVisible(c) && GetWindow(c, GW_CHILD))
+            for (HWND c = GetWindow(handleOf(options), GW_CHILD); c; c = GetWindow(c, GW_HWNDNEXT))
+                if (c != handleOf(options, "tabOption") && IsWindowVisible(c) && GetWindow(c, GW_CHILD))
                     page = c;
             SCOPED_TRACE("tab " + std::to_string(tab));
             ASSERT_NE(page, nullptr) << "no page shown";
             EXPECT_EQ(GetWindowLongPtrW(page, GWL_STYLE) & (WS_VSCROLL | WS_HSCROLL), 0) << "scroll bars";
             for (HWND c = GetWindow(page, GW_CHILD); c; c = GetWindow(c, GW_HWNDNEXT))
                 EXPECT_TRUE(inView(c)) << "control " << GetDlgCtrlID(c) << " cut off";
-            options().shoot("options-tab" + std::to_string(tab));
+            options.shoot("options-tab" + std::to_string(tab));
         }));
-    show(std::move(steps));
+    std::vector<bool> seen;
+    steps.push_back(act([&] {
+        options.choose("tabOption", 0);
+        SetWindowPos(handleOf(options), nullptr, 0, 0, 560, 400, SWP_NOMOVE | SWP_NOZORDER);
+    }));
+    steps.push_back(act([&] {
+        const HWND lastRow = handleOf(options, "cmdCapture");
+        seen = {inView(handleOf(options, "cmdClose")) && inView(handleOf(options, "cmdSave")), !inView(lastRow)};
+        SendMessageW(GetParent(lastRow), WM_VSCROLL, SB_BOTTOM, 0);
+        seen.push_back(inView(lastRow));
+        // Grown back, the page shows everything from its top again.
+        SetWindowPos(handleOf(options), nullptr, 0, 0, 1000, 760, SWP_NOMOVE | SWP_NOZORDER);
+        seen.push_back(inView(lastRow));
+        options.close();
+    }));
+    desktop->play(std::move(steps), [&] { desktop->showOptions(config, &capture, {}); });
+    EXPECT_EQ(seen, std::vector<bool>(4, true));
 }
 
 } // namespace
