@@ -56,21 +56,6 @@ inline HBITMAP deviceBitmap(const Frame& picture)
     return CreateDIBitmap(screen.get(), &info.bmiHeader, CBM_INIT, rows.pixels.data(), &info, DIB_RGB_COLORS);
 }
 
-// Top-down rows, four-byte aligned, and their header: what the capture bench hands to CreateDIBitmap.
-inline std::vector<std::uint8_t> paddedRows(const Frame& frame)
-{
-    CaptureBitmap rows = toCaptureBitmap(frame);
-    std::vector<std::uint8_t> topDown;
-    for (std::int32_t y = 0; y < frame.height(); ++y)
-        topDown.insert(topDown.end(), rows.screenRow(y), rows.screenRow(y) + rows.stride);
-    return topDown;
-}
-
-inline BITMAPINFO topDownInfo(const Frame& frame)
-{
-    return dibInfo(frame.width(), -frame.height());
-}
-
 // A borderless window showing a picture at a screen position: its own class's brush erases with it.
 class PaintedWindow {
 public:
@@ -97,8 +82,6 @@ public:
     PaintedWindow(const PaintedWindow&) = delete;
     PaintedWindow& operator=(const PaintedWindow&) = delete;
 
-    HWND handle() const { return m_window; }
-
     // True once the system reports it as the active window.
     bool bringToFront()
     {
@@ -122,16 +105,6 @@ inline bool setClipboard(UINT format = 0, HANDLE data = nullptr)
 {
     const platform::win32::OpenedClipboard clipboard;
     return clipboard.isOpen() && EmptyClipboard() && (data == nullptr || SetClipboardData(format, data) != nullptr);
-}
-
-inline bool emptyClipboard()
-{
-    return setClipboard();
-}
-
-inline bool putOnClipboard(HBITMAP bitmap)
-{
-    return setClipboard(CF_BITMAP, bitmap);
 }
 
 inline Frame noiseFrame(std::int32_t width, std::int32_t height, std::uint32_t seed)
