@@ -42,12 +42,6 @@ TEST(GestureMatcher, PatternsChordsPausesAndTheTextKept)
         {"the double chord", {{0, "LdRdLuRuLdRdLuRu"}}, Gesture::PrintScreen, ""},
         {"the double chord, released in any order", {{0, "LdRdRuLuRuLuLdRd"}}, Gesture::PrintScreen, ""},
         {"only pressed and released is no chord", {{0, "LdRdLuRuLdLuLdLu"}}, Gesture::None, "LdRdLuRuLdLuLdLu"},
-        {"suspend", {{0, "LRLL"}}, Gesture::Suspend, ""},
-        {"resume", {{0, "LRLR"}}, Gesture::Resume, ""},
-        {"money scan on", {{0, "LRRL"}}, Gesture::MoneyScanOn, ""},
-        {"money scan off", {{0, "LRRR"}}, Gesture::MoneyScanOff, ""},
-        {"watch off", {{0, "RLLR"}}, Gesture::WatchOff, ""},
-        {"cycle reset", {{0, "RRRR"}}, Gesture::CycleReset, ""},
         {"the earlier row wins", {{0, "LRRRR"}}, Gesture::MoneyScanOff, ""}, // holds L R R R and R R R R
         {"the tick wraps", {{0xFFFFFF00u, "R"}, {0xFFFFFF64u, "R"}, {0xFFFFFFC8u, "R"}, {44, "R"}}, Gesture::CycleReset,
          ""},
