@@ -49,13 +49,10 @@ TEST(DebugLogTest, EachStartRenewsTheLogKeepsOneBackUpAndTheUnloadReportFollows)
     EXPECT_EQ(test::readAll(log.backupPath()), "2009/04/01 13:05:09 Starting Program  first\r\n"
                                          "2009/04/01 13:05:09 Suspend Mode On \r\n");
 
-    // The report written at the unload: no blank line; 2,048,000 bytes are 2,000 kB, a small
-    // fraction of the 8 GB total.
+    // The report written at the unload: no blank line; 2,048,000 bytes are 2,000 kB, 0% of 8 GB.
     WriteOperatingInformation(fullFacts(), log);
     const std::string text = test::readAll(log.path());
     EXPECT_LACKS(text, "\r\n\r\n");
-    EXPECT_HOLDS(text, " OperatingInformation\r\n");
-    EXPECT_HOLDS(text, "　　Available Physical Memory");
     EXPECT_HOLDS(text, "2,000 kByte  0%\r\n");
 
     EXPECT_THROW(DebugLog(home.path() / "no" / "such" / "folder", clock).WriteDebugLog("x"), RuntimeError);
@@ -118,15 +115,14 @@ TEST(IsTempFolderTest, EitherFolderInsideTheOther)
 {
     const char* temp = "C:\\Users\\mei\\AppData\\Local\\Temp\\";
     const char* shortTemp = "C:\\Users\\MEI~1\\AppData\\Local\\Temp\\";
-    struct Case { const char* program; bool refused; };
-    const Case cases[] = {
+    const struct { const char* program; bool refused; } cases[] = {
         {"C:\\Users\\mei\\AppData\\Local\\Temp\\", true},
         {"c:\\users\\mei\\appdata\\local\\temp\\Temp1_tv.zip\\tv", true}, // case ignored
         {"C:\\USERS\\MEI~1\\APPDATA\\LOCAL\\TEMP\\x", true},            // the short form
         {"C:\\Users", true},                                            // a parent of the temporary folder
         {"D:\\Games\\Tallivex", false},
     };
-    for (const Case& k : cases)
+    for (const auto& k : cases)
         EXPECT_EQ(IsTempFolder(k.program, temp, shortTemp), k.refused) << k.program;
     EXPECT_FALSE(IsTempFolder("/opt/tallivex", "", ""));
 }
