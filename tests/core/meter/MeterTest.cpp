@@ -497,6 +497,8 @@ TEST_F(MeterTest, EveryEntryPointTrapsWhatItCallsAndTheSessionGoesOn)
     const struct { const char* line; bool onProbe; Thrower thrower; std::function<void(Meter&)> command; } cases[] = {
         {"Error Trap : timCaptureInterval_Timer : CODE9  Subscript out of range", true,
          [] { throw std::out_of_range("index"); }, [](Meter& m) { m.cycle().timCaptureInterval_Timer(); }},
+        {"Error Trap : timDoHLInterval_Timer : CODE7  Out of memory", true, [] { throw std::bad_alloc(); },
+         [](Meter& m) { m.watch().timDoHLInterval_Timer(); }},
         {"Error Trap : MouseGesture : CODE75  Path/File access error", true,
          [] { throw std::filesystem::filesystem_error("exists", std::make_error_code(std::errc::filename_too_long)); },
          [](Meter& m) { m.runGesture(Gesture::CycleReset); }},
@@ -641,6 +643,16 @@ TEST_F(MeterTest, DebugModeShowsTheDebugAreaAndItsCommandsWork)
 
     meter().cycle().cmdRecognize_Click();
     EXPECT_EQ(meter().session().CurrentLv, 10);
+
+    machine.windows = {GameWindowState::Missing, GameWindowState::Front};
+    meter().cycle().runCycle(); // no session to stop, but the trace says the game went
+    EXPECT_HOLDS(debugText(), "Lost MapleStory Then Capture Stop ");
+
+    // A session's readings after its first are traced as shown.
+    meter().menuRun_Click();
+    tick("10", "150");
+    EXPECT_HOLDS(debugText(), "Useally Measure Data Display Complete ");
+    meter().menuStop_Click();
 
     meter().setDebugMode(false);
     const std::size_t captions = machine.count("caption 0 認識中…");
