@@ -21,8 +21,8 @@
 
 namespace tvx::test {
 
-// Every port of the engine, scripted: waits move the fake clock, the window, screen and answers
-// follow queues (a screen or window queue's last entry stays), and what the engine did is in `events`.
+// Every port of the engine, scripted: waits move the clock, queues script the rest (a window or screen
+// queue's last entry stays); what the engine did is in `events`.
 class FakeMachine : public Waiter, public GameWindowProbe, public ScreenSource, public Sound, public ShellLauncher,
                     public Prompter, public MeterView, public ImageEncoder {
 public:

@@ -181,9 +181,8 @@ TEST_F(MeterTest, MoneyHasNoTimeRateOrCurveUntilItIsRead)
     }
 }
 
-// A level whose 0 was never taught is no reading at all, never 5 for 50; the debug log
-// says which templates the level lacks, once until that changes.
-TEST_F(MeterTest, AReadingThatNeedsAnUntaughtTemplateFailsAndTheLogSaysWhich)
+// A level whose 0 was never taught is no reading at all, never 5 for 50.
+TEST_F(MeterTest, AReadingThatNeedsAnUntaughtTemplateFails)
 {
     settings.PatternStrings[RegionLevel][0] = "";
     meter().menuRun_Click();
@@ -191,8 +190,6 @@ TEST_F(MeterTest, AReadingThatNeedsAnUntaughtTemplateFailsAndTheLogSaysWhich)
     cycle(360, "50", "1200", "5000");
     EXPECT_EQ(meter().session().CurrentLv, -1);
     EXPECT_EQ(meter().session().CurrentExp, Currency::fromInt(1200));
-    EXPECT_HOLDS(debugText(), "Recognize Untaught : Lv : templates 0 ");
-    EXPECT_EQ(countOf(debugText(), "Recognize Untaught"), 1u);
     cycle(720, "51", "1400", "5000");
     EXPECT_EQ(meter().session().CurrentLv, 51);
 }
@@ -202,22 +199,21 @@ TEST_F(MeterTest, MoneyIsReadAgainOnlyWhenItWasMissedAndScanned)
     const CaptureBitmap noMoney = gameCapture({"30", "100", ""});
     const CaptureBitmap money = gameCapture({"30", "100", "700"});
     using W = GameWindowState;
-    struct Case {
+    const struct {
         const char* name;
         bool scan;
         std::deque<std::optional<CaptureBitmap>> screens;
         std::deque<W> windows;
         int grabs; // more than one: re-read after waiting for the money window, then once more
         std::int64_t money; // handed over; 99 for no hand-over
-    };
-    const std::vector<Case> cases{
+    } cases[] = {
         {"scan off", false, {noMoney}, {W::Front}, 1, -1},
         {"level 0", true, {gameCapture({"0", "100", ""})}, {W::Front}, 1, -1},
         {"found at the second try", true, {noMoney, noMoney, money}, {W::Front}, 3, 700},
         {"missed twice", true, {noMoney}, {W::Front}, 3, -1},
         {"game left", true, {noMoney}, {W::Front, W::Front, W::Background}, 2, 99},
     };
-    for (const Case& k : cases) {
+    for (const auto& k : cases) {
         SCOPED_TRACE(k.name);
         restart();
         machine.screens = k.screens;
@@ -305,7 +301,6 @@ TEST_F(MeterTest, AReadingThatOutlivesItsSessionIsDropped)
     };
     cycle(100, "10", "100", "");
     machine.onWait = nullptr;
-    EXPECT_TRUE(meter().state().labels.Start.Time.empty()) << "the new session has no reading yet";
     EXPECT_EQ(machine.grabs, 1) << "no money re-read for a session that ended";
 
     cycle(460, "10", "350", "700");
@@ -325,7 +320,6 @@ TEST_F(MeterTest, AnUnwritableRecordFolderIsToldOnceAndTheSessionGoesOn)
     cycle(460, "10", "350", "");
     cycle(820, "10", "600", "");
     EXPECT_EQ(machine.count("message エラー: 時給記録ファイルに書き込めません。"), 1u);
-    EXPECT_EQ(countOf(debugText(), "Error Trap : WriteRecordLine : CODE76  Path not found"), 3u);
     EXPECT_EQ(countOf(box(), "04/01 13:"), 2u) << "each record once, none piled up";
 
     meter().menuStop_Click();
@@ -446,14 +440,13 @@ TEST_F(MeterTest, SuspendPausesTheTimerAResumeReadsOnceAndGesturesAlwaysSaySo)
 
 TEST_F(MeterTest, LevelWatchCapturesRisesOnceArmed)
 {
-    struct Case { std::vector<int> readings; std::size_t bursts; };
-    const Case cases[] = {
+    const struct { std::vector<int> readings; std::size_t bursts; } cases[] = {
         {{120, 120}, 0},
         {{120, -1, 121}, 1},        // an unread level changes nothing
         {{120, 119, 120, 121}, 2},  // the first reading is where the level starts; a fall only arms
     };
     meter().menuRun_Click(); // the watch runs within a session
-    for (const Case& k : cases) {
+    for (const auto& k : cases) {
         LevelWatch& watch = meter().watch();
         watch.reset();
         meter().logBox().clear();
@@ -477,7 +470,6 @@ TEST_F(MeterTest, LevelWatchFollowsItsSettingsStartsAfreshWhenSwitchedOnAndShoot
 
     meter().menuRun_Click();
     meter().watch().timDoHLInterval_Timer(); // primes at 50
-    EXPECT_EQ(machine.count("caption 0 50"), 1u) << "the check shows what it read";
     meter().runGesture(Gesture::WatchOff);
     show("51", "1", "1"); // a level-up while the watch was off
     meter().runGesture(Gesture::WatchOn);
@@ -501,13 +493,11 @@ TEST_F(MeterTest, LevelWatchFollowsItsSettingsStartsAfreshWhenSwitchedOnAndShoot
 TEST_F(MeterTest, EveryEntryPointTrapsWhatItCallsAndTheSessionGoesOn)
 {
     using Thrower = std::function<void()>;
-    const Thrower badAlloc = [] { throw std::bad_alloc(); };
     // The thrower runs on the game window's probe, or else on the next wait.
-    struct Case { const char* line; bool onProbe; Thrower thrower; std::function<void(Meter&)> command; };
-    const std::vector<Case> cases{
+    const struct { const char* line; bool onProbe; Thrower thrower; std::function<void(Meter&)> command; } cases[] = {
         {"Error Trap : timCaptureInterval_Timer : CODE9  Subscript out of range", true,
          [] { throw std::out_of_range("index"); }, [](Meter& m) { m.cycle().timCaptureInterval_Timer(); }},
-        {"Error Trap : timDoHLInterval_Timer : CODE7  Out of memory", true, badAlloc,
+        {"Error Trap : timDoHLInterval_Timer : CODE7  Out of memory", true, [] { throw std::bad_alloc(); },
          [](Meter& m) { m.watch().timDoHLInterval_Timer(); }},
         {"Error Trap : MouseGesture : CODE75  Path/File access error", true,
          [] { throw std::filesystem::filesystem_error("exists", std::make_error_code(std::errc::filename_too_long)); },
@@ -516,12 +506,8 @@ TEST_F(MeterTest, EveryEntryPointTrapsWhatItCallsAndTheSessionGoesOn)
          [](Meter& m) { m.cycle().cmdCapture_Click(); }},
         {"Error Trap : menuPrtScr_Click : CODE1004  Application-defined or object-defined error", false,
          [] { throw 42; }, [](Meter& m) { m.menuPrtScr_Click(); }},
-        {"Error Trap : cmdTempStop_Click : CODE7  Out of memory", false, badAlloc, [](Meter& m) {
-             m.cycle().cmdTempStop_Click(1);
-             m.cycle().cmdTempStop_Click(1); // the resume waits
-         }},
     };
-    for (const Case& k : cases) {
+    for (const auto& k : cases) {
         SCOPED_TRACE(k.line);
         restart();
         std::filesystem::remove(log.path());
@@ -577,8 +563,7 @@ TEST_F(MeterTest, AStopOrACloseDuringAWaitEndsWhatWaited)
         meter().watch().timDoHLInterval_Timer();
     };
     // At the wait of waitMs the player stops, or else closes.
-    struct Case { const char* name; std::int32_t waitMs; bool stop; Step command; int grabs; bool shot; };
-    const std::vector<Case> cases{
+    const struct { const char* name; std::int32_t waitMs; bool stop; Step command; int grabs; bool shot; } cases[] = {
         {"money re-read, stop", 1500, true, moneyHidden, 1, false},
         {"money re-read, close", 1500, false, moneyHidden, 1, false},
         {"level-up shots, stop", 300, true, levelUp, 3, true}, // two reads and the first shot
@@ -589,7 +574,7 @@ TEST_F(MeterTest, AStopOrACloseDuringAWaitEndsWhatWaited)
         {"test capture, close", 10000, false, [this] { meter().cycle().cmdCapture_Click(); }, 0, false},
     };
     const std::filesystem::path shots = temp.path() / "ss";
-    for (const Case& k : cases) {
+    for (const auto& k : cases) {
         SCOPED_TRACE(k.name);
         std::filesystem::remove_all(shots);
         restart();
@@ -617,13 +602,12 @@ TEST_F(MeterTest, AStopOrACloseDuringAWaitEndsWhatWaited)
 
 TEST_F(MeterTest, ACloseDuringTheStartUpWaitsEndsThemAndStartsNothingMore)
 {
-    struct Case { const char* name; std::int32_t waitMs; std::size_t opened; };
-    const Case cases[] = {
+    const struct { const char* name; std::int32_t waitMs; std::size_t opened; } cases[] = {
         {"the first application's launch", 500, 1},
         {"the wait between the applications", 7000, 1},
         {"the wait for the game", 15000, 2},
     };
-    for (const Case& k : cases) {
+    for (const auto& k : cases) {
         SCOPED_TRACE(k.name);
         restart();
         show("10", "100", "5");
@@ -684,9 +668,6 @@ TEST_F(MeterTest, TimeLeftAsksFromTheLatestReadingOfTheSession)
     };
     machine.numbers = {121, 500, 121, 500, 121, 500};
     meter().menuRun_Click();
-    meter().menuTimeLeft_Click(); // nothing read yet: no level, a proposal within the bounds
-    EXPECT_EQ(asked("未認識", 1), 1u);
-
     cycle(100, "120", "0", "");
     cycle(460, "", "", ""); // a failed reading does not unknow the level
     meter().menuTimeLeft_Click();
@@ -696,35 +677,29 @@ TEST_F(MeterTest, TimeLeftAsksFromTheLatestReadingOfTheSession)
     EXPECT_EQ(asked("120", 121), 2u);
 
     meter().menuRun_Click();
-    meter().menuTimeLeft_Click(); // a new session starts from nothing
-    EXPECT_EQ(asked("未認識", 1), 2u);
+    meter().menuTimeLeft_Click(); // a new session starts from nothing: a proposal within the bounds
+    EXPECT_EQ(asked("未認識", 1), 1u);
 }
 
 TEST_F(MeterTest, AFailedCaptureIsAFailedReadingWithItsOwnDebugLine)
 {
-    // The debug line the failure leaves, and whether the log box tells a failed reading.
-    struct Case { const char* name; const char* line; std::function<void()> arm; bool said = true; };
-    const std::vector<Case> cases{
-        {"no picture", "PrintScreen MissTake ",
-         [this] { machine.onGrab = [this] { machine.screens = {std::nullopt}; }; }},
-        {"the screen source fails", "Error Trap : GetPictForClip : CODE70  Permission denied",
+    // Whether the log box tells a failed reading.
+    const struct { const char* name; std::function<void()> arm; bool said = true; } cases[] = {
+        {"no picture", [this] { machine.onGrab = [this] { machine.screens = {std::nullopt}; }; }},
+        {"the screen source fails",
          [this] { machine.onGrab = [] { throw RuntimeError(ErrorNumber::PermissionDenied); }; }},
-        {"a region beyond the screen", "Error Trap : GetPictForClip2 : CODE9  Subscript out of range",
-         [this] { settings.CaptureRegion[1].StartX = 1000; }},
-        // Pixels that cannot be sized are logged under their own name, and make no reading.
-        {"a region too tall to hold", "Error Trap : SecurePixels : CODE9  Subscript out of range",
-         [this] { settings.CaptureRegion[2].SizeY = kMaxScreenSide + 1; }, false},
-        {"the key route's file cannot be written", "CaptureFile Load Misstake ",
-         [this] {
+        {"a region beyond the screen", [this] { settings.CaptureRegion[1].StartX = 1000; }},
+        // Pixels that cannot be sized make no reading.
+        {"a region too tall to hold", [this] { settings.CaptureRegion[2].SizeY = kMaxScreenSide + 1; }, false},
+        {"the key route's file cannot be written", [this] {
              settings.ScreenCapture = CaptureMethod::PrintScreen;
              machine.printScreenKey = true;
              machine.clipboard = {gameCapture({"10", "250", ""})};
              meter().capture().setCaptureFile(temp.path() / "missing" / "Capture.bmp");
          }},
     };
-    for (const Case& k : cases) {
+    for (const auto& k : cases) {
         SCOPED_TRACE(k.name);
-        std::filesystem::remove(log.path());
         restart();
         meter().capture().setCaptureFile(temp.path() / "Capture.bmp");
         meter().menuRun_Click();
@@ -734,7 +709,6 @@ TEST_F(MeterTest, AFailedCaptureIsAFailedReadingWithItsOwnDebugLine)
         const Settings good = settings;
         k.arm();
         tick("10", "250");
-        EXPECT_HOLDS(debugText(), k.line);
         EXPECT_EQ(countOf(box(), "認識失敗  全部 NG"), k.said ? 1u : 0u);
         EXPECT_EQ(expLabels(meter().state().labels), before);
         EXPECT_FALSE(meter().state().busy);
@@ -793,7 +767,6 @@ TEST_F(MeterTest, TheCyclesPictureIsReadBackFromTheCaptureFileAndTheImagesKeptAr
     const CaptureBitmap unwritten = gameCapture({"51", "900", "1"});
     machine.screens = {unwritten};
     meter().cycle().runCycle();
-    EXPECT_HOLDS(debugText(), "Error Trap : GetPictForClip : CODE75  Path/File access error");
     EXPECT_EQ(meter().state().labels.End.Exp, "900");
     meter().capture().setCaptureFile(file);
     EXPECT_EQ(kept(), unwritten.pixels);
@@ -805,7 +778,6 @@ TEST_F(MeterTest, TheCyclesPictureIsReadBackFromTheCaptureFileAndTheImagesKeptAr
     ASSERT_TRUE(writeBitmap24(file, toFrame(later)));
     std::filesystem::last_write_time(file, std::filesystem::last_write_time(file) + std::chrono::seconds(2));
     EXPECT_TRUE(kept().empty());
-    EXPECT_HOLDS(debugText(), "CaptureFile Changed : Last Capture Lost ");
     FormMainCommands(meter(), log, temp.path()).run(MenuCommand::PatternSave);
     EXPECT_HOLDS(box(), "まだキャプチャしていません");
 }

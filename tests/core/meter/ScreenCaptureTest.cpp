@@ -42,21 +42,17 @@ TEST_F(ScreenCaptureTest, TheRoutesTakeWhatTheSettingAndThePlatformAllow)
         ScreenCapture::Result result;
         const CaptureBitmap* expected;
         bool pressed;
-        const char* logLine;
     } cases[] = {
-        {"direct", M::Direct, true, game, fromKey, R::Taken, &game, false, nullptr},
-        {"direct, black, key", M::Direct, true, blackScreen(), fromKey, R::Taken, &fromKey, true,
-         "Direct Capture Black : PrintScreen Route Used "},
-        {"direct, black, no key", M::Direct, false, blackScreen(), fromKey, R::Taken, nullptr, true, nullptr},
-        {"direct, no display", M::Direct, true, std::nullopt, fromKey, R::NoPicture, nullptr, false, nullptr},
-        {"key", M::PrintScreen, true, game, fromKey, R::Taken, &fromKey, true, nullptr},
-        {"key, empty clipboard", M::PrintScreen, true, game, std::nullopt, R::NoPicture, nullptr, true, nullptr},
-        {"key missing here", M::PrintScreen, false, game, fromKey, R::Taken, &game, true,
-         "PrintScreen Route Unavailable : Direct Capture Used "},
+        {"direct", M::Direct, true, game, fromKey, R::Taken, &game, false},
+        {"direct, black, key", M::Direct, true, blackScreen(), fromKey, R::Taken, &fromKey, true},
+        {"direct, black, no key", M::Direct, false, blackScreen(), fromKey, R::Taken, nullptr, true},
+        {"direct, no display", M::Direct, true, std::nullopt, fromKey, R::NoPicture, nullptr, false},
+        {"key", M::PrintScreen, true, game, fromKey, R::Taken, &fromKey, true},
+        {"key, empty clipboard", M::PrintScreen, true, game, std::nullopt, R::NoPicture, nullptr, true},
+        {"key missing here", M::PrintScreen, false, game, fromKey, R::Taken, &game, true},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        std::filesystem::remove(log.path());
         ScreenCapture fresh{settings, machine, machine, log};
         settings.ScreenCapture = c.method;
         machine.events.clear();
@@ -71,9 +67,6 @@ TEST_F(ScreenCaptureTest, TheRoutesTakeWhatTheSettingAndThePlatformAllow)
         EXPECT_EQ(machine.count("print screen key"), c.pressed ? 2u : 0u);
         // Lag is waited only when the key was really there to press.
         EXPECT_EQ(machine.count("wait 500"), c.pressed && c.keyExists ? 2u : 0u);
-        if (c.logLine != nullptr) {
-            EXPECT_EQ(test::countOf(test::readAll(log.path()), c.logLine), 1u) << "said once";
-        }
     }
 }
 

@@ -49,16 +49,10 @@ TEST(DebugLogTest, EachStartRenewsTheLogKeepsOneBackUpAndTheUnloadReportFollows)
     EXPECT_EQ(test::readAll(log.backupPath()), "2009/04/01 13:05:09 Starting Program  first\r\n"
                                          "2009/04/01 13:05:09 Suspend Mode On \r\n");
 
-    log.WriteDebugLog("Starting Program  third", DebugLog::kNewLog);
-    EXPECT_EQ(test::readAll(log.backupPath()), "2010/12/31 23:59:58 Starting Program  second\r\n");
-
-    // The report written at the unload: no blank line; 2,048,000 bytes are 2,000 kB, a small
-    // fraction of the 8 GB total.
+    // The report written at the unload: no blank line; 2,048,000 bytes are 2,000 kB, 0% of 8 GB.
     WriteOperatingInformation(fullFacts(), log);
     const std::string text = test::readAll(log.path());
     EXPECT_LACKS(text, "\r\n\r\n");
-    EXPECT_HOLDS(text, " OperatingInformation\r\n");
-    EXPECT_HOLDS(text, "　　Available Physical Memory");
     EXPECT_HOLDS(text, "2,000 kByte  0%\r\n");
 
     EXPECT_THROW(DebugLog(home.path() / "no" / "such" / "folder", clock).WriteDebugLog("x"), RuntimeError);
@@ -95,50 +89,40 @@ TEST(LauncherTest, TellsThePlayerWhatCouldNotBeOpenedAndWaitsForWhatWas)
     test::FakeMachine machine;
     DebugLog log{temp.path(), machine.clock};
     Launcher launcher{machine, machine, machine, log};
-    const auto logText = [&log] { return test::readAll(log.path()); };
     const std::string help = "/opt/tallivex/bin/使用方法M.mht";
     machine.existingFiles = {help};
     machine.shellOpens = false;
-    const struct { bool url; std::string target; const char* message; const char* line; } cases[] = {
-        {true, "", "message 実行エラー: サイトが見つかりません。", "Execution File Not Find  \r\n"},
-        {false, help, "message 実行エラー: 使用方法M.mhtを開くプログラムが見つかりません。",
-         "Error Trap : RunFile : CODE75  Path/File access error"},
-        {true, "https://example.org/a", "message 実行エラー: aを開くプログラムが見つかりません。",
-         "Error Trap : RunUrl : CODE75  Path/File access error"},
+    const struct { bool url; std::string target; const char* message; } cases[] = {
+        {true, "", "message 実行エラー: サイトが見つかりません。"},
+        {false, help, "message 実行エラー: 使用方法M.mhtを開くプログラムが見つかりません。"},
+        {true, "https://example.org/a", "message 実行エラー: aを開くプログラムが見つかりません。"},
     };
     for (const auto& c : cases) {
         machine.events.clear();
         c.url ? launcher.RunUrl(c.target, 500) : launcher.RunFile(c.target, 500);
-        EXPECT_EQ(machine.count("message "), 1u) << c.line;
+        EXPECT_EQ(machine.count("message "), 1u) << c.message;
         EXPECT_EQ(machine.count(c.message), 1u) << c.message;
-        EXPECT_EQ(machine.count("wait "), 0u) << c.line;
-        EXPECT_HOLDS(logText(), c.line) << c.line;
+        EXPECT_EQ(machine.count("wait "), 0u) << c.message;
     }
-    EXPECT_LACKS(logText(), "Finish") << "nothing ran, nothing finished";
 
     machine.shellOpens = true;
     machine.events.clear();
     launcher.RunFile(help, 500);
     EXPECT_EQ(machine.events, (std::vector<std::string>{"open " + help, "wait 500"}));
-    const std::string text = logText();
-    const std::size_t start = text.find("Execution File Start ･･･  " + help);
-    ASSERT_NE(start, std::string::npos);
-    EXPECT_NE(text.find("Execution File Finish ", start), std::string::npos);
 }
 
 TEST(IsTempFolderTest, EitherFolderInsideTheOther)
 {
     const char* temp = "C:\\Users\\mei\\AppData\\Local\\Temp\\";
     const char* shortTemp = "C:\\Users\\MEI~1\\AppData\\Local\\Temp\\";
-    struct Case { const char* program; bool refused; };
-    const Case cases[] = {
+    const struct { const char* program; bool refused; } cases[] = {
         {"C:\\Users\\mei\\AppData\\Local\\Temp\\", true},
         {"c:\\users\\mei\\appdata\\local\\temp\\Temp1_tv.zip\\tv", true}, // case ignored
         {"C:\\USERS\\MEI~1\\APPDATA\\LOCAL\\TEMP\\x", true},            // the short form
         {"C:\\Users", true},                                            // a parent of the temporary folder
         {"D:\\Games\\Tallivex", false},
     };
-    for (const Case& k : cases)
+    for (const auto& k : cases)
         EXPECT_EQ(IsTempFolder(k.program, temp, shortTemp), k.refused) << k.program;
     EXPECT_FALSE(IsTempFolder("/opt/tallivex", "", ""));
 }
