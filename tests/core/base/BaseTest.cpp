@@ -25,7 +25,6 @@ TEST(Currency, ParsesDecimalTextExactly)
         EXPECT_EQ(parsed ? std::optional(parsed->raw()) : std::nullopt, c.raw) << c.text;
     }
     EXPECT_THROW(Currency::parse("922337203685478"), RuntimeError);
-    EXPECT_THROW(Currency::parse("99999999999999999999"), RuntimeError);
 }
 
 TEST(Currency, StoredDivisionsRoundHalfToEvenAndIntRoundsDown)
@@ -101,7 +100,6 @@ TEST_F(LanguageTest, TextsArePutInByNumberInTheCurrentLanguage)
     for (Language language : kLanguages) {
         setLanguage(language);
         EXPECT_EQ(tr(untranslated), untranslated);
-        EXPECT_EQ(trFormat(untranslated, {}), untranslated);
         EXPECT_STREQ(tr(NC_("どこか", "どの言語にも無い文")), untranslated) << "shown without its context";
         EXPECT_EQ(tr(static_cast<const char*>(nullptr)), nullptr);
     }

@@ -130,7 +130,6 @@ TEST(GraphBuffer, DataShiftMovesTheHistory)
         {9, clsGraphBuffer::kTowardsPast, {"fresh", "fresh", "fresh", "fresh", "fresh"}},
         {9, clsGraphBuffer::kTowardsPresent, {"fresh", "fresh", "fresh", "fresh", "fresh"}},
         {0, clsGraphBuffer::kTowardsPast, {"5", "4", "3", "2", "1"}},
-        {-1, clsGraphBuffer::kTowardsPast, {"5", "4", "3", "2", "1"}},
         {3, 2, {"5", "4", "3", "2", "1"}},
     };
     for (const auto& c : cases) {
@@ -204,7 +203,6 @@ TEST(GraphView, ZoomClicksStepByATenthAndShiftsByAQuarterWithinTheLimits)
     const std::vector<float> up = clicks(zoomIn, 1.0f, 10);
     EXPECT_EQ(up[9], 2.0f) << "the tenth lands just above 2.0 and is cut";
     const std::vector<float> down = clicks(zoomOut, 1.0f, 8);
-    EXPECT_NEAR(down[4], 0.5f, 1e-6f);
     EXPECT_EQ(down[7], 0.2f) << "the eighth lands just below 0.2 and is set to it";
 
     // A shift moves a quarter of the visible entries.
