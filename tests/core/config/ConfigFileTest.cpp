@@ -223,7 +223,6 @@ TEST_F(ConfigFileTest, TheLastLineMayChangeTheTarget)
         {"accepted", "Other Game", {true}, "Other Game", true},
         {"refused", "Other Game", {false}, "MapleStory", false},
         {"four double-width characters", "ゲーム名", {}, "MapleStory", true},
-        {"too short to ask", "Game", {}, "MapleStory", true},
         {"the same", "MapleStory", {}, "MapleStory", false},
     };
     for (const Case& c : cases) {
