@@ -193,6 +193,7 @@ TEST_F(ConfigFileTest, AnUnreadableFileIsBackedUpAndReplacedByTheDefaults)
     std::ofstream(m_home / "TV2MConfigBack.ini.copy", std::ios::binary) << "left by a copy that was cut short";
     const Case cases[] = {
         {"cut after line 20", m_codec->toCp932(firstLines(good, 20)), "CODE62  Input past end of file"},
+        {"empty", "", "CODE62  Input past end of file"},
         {"word for a number", m_codec->toCp932(replaceLine(6, "  six ,   x")), "CODE13  Type mismatch"},
         {"too large", m_codec->toCp932(replaceLine(11, " 99999999999 , x")), "CODE6  Overflow"},
         {"unknown flag", m_codec->toCp932(replaceLine(5, " Maybe , x")), "CODE13  Type mismatch"},

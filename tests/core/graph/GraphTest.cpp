@@ -130,6 +130,7 @@ TEST(GraphBuffer, DataShiftMovesTheHistory)
         {9, clsGraphBuffer::kTowardsPast, {"fresh", "fresh", "fresh", "fresh", "fresh"}},
         {9, clsGraphBuffer::kTowardsPresent, {"fresh", "fresh", "fresh", "fresh", "fresh"}},
         {0, clsGraphBuffer::kTowardsPast, {"5", "4", "3", "2", "1"}},
+        {-1, clsGraphBuffer::kTowardsPast, {"5", "4", "3", "2", "1"}},
         {3, 2, {"5", "4", "3", "2", "1"}},
     };
     for (const auto& c : cases) {
