@@ -25,6 +25,7 @@ TEST(Currency, ParsesDecimalTextExactly)
         EXPECT_EQ(parsed ? std::optional(parsed->raw()) : std::nullopt, c.raw) << c.text;
     }
     EXPECT_THROW(Currency::parse("922337203685478"), RuntimeError);
+    EXPECT_THROW(Currency::parse("99999999999999999999"), RuntimeError);
 }
 
 TEST(Currency, StoredDivisionsRoundHalfToEvenAndIntRoundsDown)
