@@ -220,8 +220,7 @@ const LocalDateTime kNoon{2025, 6, 1, 12, 0, 0};
 TEST(LiveTrackerTest, RatesAreOverActiveTimeOnly)
 {
     struct Case { const char* name; std::uint32_t startTick, suspendAfterMs, suspendedMs; }; // suspended after 0: never
-    for (const Case& c : {Case{"plain", 5000, 0, 0}, Case{"suspended", 5000, 600'000, 1'800'000},
-                          Case{"wrapping tick", 0xFFFF0000u, 600'000, 60'000}}) {
+    for (const Case& c : {Case{"plain", 5000, 0, 0}, Case{"wrapping tick", 0xFFFF0000u, 600'000, 1'800'000}}) {
         SCOPED_TRACE(c.name);
         LiveTracker live;
         live.start(c.startTick);
