@@ -93,6 +93,8 @@ TEST(TemplateLearnerTest, LayoutsAreKeptOnlyWhenTheImagesReadBack)
     // Found where the font put it: from column 3 of the region (2 + region index 1).
     EXPECT_EQ(learner.layout(3).digitColumns, (std::vector<std::int32_t>{3, 9, 15, 21, 27}));
     EXPECT_TRUE(learner.replacedPrior()); // the built-in templates are five columns wide
+    for (std::size_t i = 0; i < learner.imageCount(); ++i)
+        EXPECT_EQ(learner.readBack(i).digits, learner.number(i));
 
     // Templates taught before at the same width stay while the screens agree with them,
     // and all give way, unseen ones emptied, once a screen shows one of them otherwise.

@@ -189,8 +189,11 @@ TEST_F(GraphFrameViewTest, WideScalesKeepSixExperienceCharactersAndEveryMoneyDig
 
 TEST_F(GraphFrameViewTest, ClicksFindTheirLabelOrThePicture)
 {
-    // The time labels are clicked through the Qt frame (GraphFrameTest).
     view.GraphFrameDisplay();
+    clickOn(GraphLabel::Tl1);
+    clickOn(GraphLabel::Tl1);
+    clickOn(GraphLabel::Tl0);
+    EXPECT_EQ(graphView.timeShift, 5);
     clickOn(GraphLabel::El0);
     clickOn(GraphLabel::Ml0);
     clickOn(GraphLabel::El1); // inner scale labels and the title do nothing
