@@ -82,11 +82,18 @@ public:
     PaintedWindow(const PaintedWindow&) = delete;
     PaintedWindow& operator=(const PaintedWindow&) = delete;
 
-    // True once the system reports it as the active window.
+    // True once the system reports it as the active window. Asked again while waiting: another
+    // program's window that goes away meanwhile hands the activation on, maybe past this one.
     bool bringToFront()
     {
-        SetForegroundWindow(m_window);
-        return pumpUntil([this] { return GetForegroundWindow() == m_window; }, 2000);
+        return pumpUntil(
+            [this] {
+                if (GetForegroundWindow() == m_window)
+                    return true;
+                SetForegroundWindow(m_window);
+                return false;
+            },
+            3000);
     }
 
 private:
