@@ -89,10 +89,10 @@ public:
     virtual Frame picture(const std::string& control) = 0;
     virtual Box frame() = 0;
     virtual void close() = 0;
-    // Whether a label's or a button's text fits it as the window draws it.
-    virtual bool fits(const std::string& control) = 0;
-    // The texts of the shown controls (list items and tabs too) that do not fit them as drawn.
-    virtual std::vector<std::string> clipped() = 0;
+    // The texts of the shown controls (list items and tabs too) that do not fit them as drawn: of one
+    // control, or of all for "".
+    virtual std::vector<std::string> clipped(const std::string& control = {}) = 0;
+    bool fits(const std::string& control) { return clipped(control).empty(); }
 
     // With TALLIVEX_SHOT_DIR set, the window's picture as NAME.bmp there (for the README).
     void shoot(const std::string& name)

@@ -48,8 +48,8 @@
 namespace tvx::test {
 namespace {
 
-// The texts of a window's shown controls that do not fit them.
-std::vector<std::string> clippedTexts(QWidget* window)
+// The texts of a window's shown controls (or of `only`) that do not fit them.
+std::vector<std::string> clippedTexts(QWidget* window, const QWidget* only = nullptr)
 {
     std::vector<std::string> clipped;
     if (window == nullptr)
@@ -63,7 +63,7 @@ std::vector<std::string> clippedTexts(QWidget* window)
         return w->fontMetrics().horizontalAdvance(text.remove(QLatin1Char('&')));
     };
     for (QWidget* w : window->findChildren<QWidget*>()) {
-        if (!w->isVisibleTo(window) || w->width() <= 0)
+        if (!w->isVisibleTo(window) || w->width() <= 0 || (only != nullptr && w != only))
             continue;
         // A control pushed past the window's edge is cut off whatever its own size.
         const QPoint end = w->mapTo(window, QPoint(w->width(), w->height()));
@@ -173,19 +173,10 @@ public:
     }
     Box frame() override { return boxOf(m_window()->frameGeometry()); }
     void close() override { QMetaObject::invokeMethod(m_window(), "close", Qt::QueuedConnection); }
-    // A label that does not wrap must fit on one line.
-    bool fits(const std::string& name) override
+    std::vector<std::string> clipped(const std::string& name) override
     {
-        const QWidget* widget = control(name);
-        if (const auto* label = qobject_cast<const QLabel*>(widget)) {
-            const QRect room = label->contentsRect();
-            const QRect needed = label->fontMetrics().boundingRect(room, label->wordWrap() ? Qt::TextWordWrap : 0,
-                                                                   label->text());
-            return needed.height() <= room.height() && needed.width() <= room.width();
-        }
-        return widget->sizeHint().width() <= widget->width();
+        return clippedTexts(m_window(), name.empty() ? nullptr : control(name));
     }
-    std::vector<std::string> clipped() override { return clippedTexts(m_window()); }
 
 private:
     static Qt::Key code(Key key)

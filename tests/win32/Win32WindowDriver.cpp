@@ -53,8 +53,8 @@ bool isClass(HWND window, const wchar_t* kind)
     return lstrcmpiW(name, kind) == 0;
 }
 
-// The texts of a window's shown child controls that do not fit them as they draw them.
-std::vector<std::string> clippedTexts(HWND window)
+// The texts of a window's shown child controls (or of `only`) that do not fit them as they draw them.
+std::vector<std::string> clippedTexts(HWND window, HWND only = nullptr)
 {
     std::vector<std::string> clipped;
     if (window == nullptr)
@@ -69,7 +69,7 @@ std::vector<std::string> clippedTexts(HWND window)
         return TRUE;
     }, reinterpret_cast<LPARAM>(&children));
     for (HWND child : children) {
-        if (!IsWindowVisible(child))
+        if (!IsWindowVisible(child) || (only != nullptr && child != only))
             continue;
         RECT client{};
         GetClientRect(child, &client);
@@ -206,19 +206,10 @@ public:
         return screenPicture(name.empty() ? m_window() : control(name));
     }
     Box frame() override { return boxOf(m_window()); }
-    std::vector<std::string> clipped() override { return clippedTexts(m_window()); }
     void close() override { PostMessageW(m_window(), WM_CLOSE, 0, 0); }
-    // Drawn as the control draws it: a button on one line with its margins, a label wrapped.
-    bool fits(const std::string& name) override
+    std::vector<std::string> clipped(const std::string& name) override
     {
-        const HWND shown = control(name);
-        const bool button = isClass(shown, L"Button");
-        const int padding = button ? 8 : 0;
-        RECT room{};
-        GetClientRect(shown, &room);
-        const RECT needed = measure(shown, textOf(shown), DT_NOPREFIX | (button ? DT_SINGLELINE : DT_WORDBREAK),
-                                    RECT{0, 0, room.right - padding, 0});
-        return needed.right <= room.right - padding && needed.bottom <= room.bottom;
+        return clippedTexts(m_window(), name.empty() ? nullptr : control(name));
     }
 
     HWND window() { return m_window(); }
