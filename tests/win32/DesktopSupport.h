@@ -215,14 +215,6 @@ inline void typeInto(HWND control, const std::wstring& text)
         SendMessageW(control, WM_CHAR, c, 1);
 }
 
-// A key press as posted to the focused window, through the dialog's own loop.
-inline void pressKey(WPARAM key)
-{
-    const HWND target = GetFocus();
-    PostMessageW(target, WM_KEYDOWN, key, 1);
-    PostMessageW(target, WM_KEYUP, key, 0xC0000001);
-}
-
 // The picture of a bitmap that is selected into no DC.
 inline Frame frameOf(HBITMAP bitmap)
 {

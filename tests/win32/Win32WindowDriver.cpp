@@ -168,7 +168,15 @@ public:
         typeInto(control(name), win32ui::wide(text));
     }
     void setText(const std::string& name, const std::string& text) override { win32ui::setText(control(name), text); }
-    void press(Key key) override { pressKey(virtualKey(key)); }
+    // Posted to the focused control through the window's own loop; to the window itself while
+    // another program's window has the focus.
+    void press(Key key) override
+    {
+        const HWND focus = GetFocus();
+        const HWND target = focus != nullptr && IsChild(m_window(), focus) ? focus : m_window();
+        PostMessageW(target, WM_KEYDOWN, virtualKey(key), 1);
+        PostMessageW(target, WM_KEYUP, virtualKey(key), 0xC0000001);
+    }
     void key(const std::string& name, Key key) override
     {
         SendMessageW(control(name), WM_KEYDOWN, virtualKey(key), 1);
