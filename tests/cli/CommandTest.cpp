@@ -332,7 +332,7 @@ TEST_F(CommandTest, ScreensTaughtOneACallAddUpAndLoadAsSaved)
     EXPECT_HOLDS(out.str(), "\"level\":-1,\"exp\":3,");
 }
 
-TEST_F(CommandTest, RecognizeReadsTheWindowModesRegionsAndTracesOnStandardError)
+TEST_F(CommandTest, RecognizeReadsTheWindowModeTracesAndNamesTheImagesItCannotRead)
 {
     const auto shot = image("w.bmp", test::gameScreen({"42", "777", "31"}, ScreenMode::Window));
     EXPECT_EQ(run(cli::runRecognize, {"--window-mode", "--trace", shot}), 0);
@@ -340,11 +340,8 @@ TEST_F(CommandTest, RecognizeReadsTheWindowModesRegionsAndTracesOnStandardError)
     EXPECT_HOLDS(err.str(), "category0 変換データ : ");
     EXPECT_EQ(run(cli::runRecognize, {shot}), 0);
     EXPECT_HOLDS(out.str(), "\"level\":-1,\"exp\":-1,\"money\":-1");
-}
 
-// Each image that cannot be read is named with its result; the others are still read.
-TEST_F(CommandTest, RecognizeNamesUnreadableImagesAndStillReadsTheRest)
-{
+    // Each image that cannot be read is named with its result; the others are still read.
     const auto good = image("good.bmp", test::gameScreen({"9", "9", "9"}));
     std::ofstream(home / "broken.bmp", std::ios::binary) << "PK\x03\x04";
     ASSERT_TRUE(writeBitmap24(home / "small.bmp", Frame(20, 20)));

@@ -368,6 +368,7 @@ TEST_F(MeterTest, TheTimerRunsACycleOnlyWhenItIsTimeCycleSkipHoldsItAndAGameBehi
         meter().cycle().runCycle();
     EXPECT_EQ(machine.grabs, 1) << "no picture of a game behind another window";
     EXPECT_EQ(meter().session().NextCaptureTime, addSeconds(machine.clock.now(), 15));
+    EXPECT_EQ(meter().cycle().missCount(), 480);
     meter().state().graph->AddGraphData(Currency::fromInt(9), Currency::fromInt(9), 1, 1);
     meter().cycle().runCycle(); // the 481st adds a zero point
     EXPECT_EQ(meter().state().graph->Value(0).RateE(), Currency{});
@@ -429,27 +430,7 @@ TEST_F(MeterTest, SuspendPausesTheTimerAResumeReadsOnceAndGesturesAlwaysSaySo)
     EXPECT_TRUE(std::filesystem::exists(temp.path() / "ss" / "PrtScr_20090401130503.bmp"));
 }
 
-TEST_F(MeterTest, LevelWatchCapturesRisesOnceArmed)
-{
-    const struct { std::vector<int> readings; std::size_t bursts; } cases[] = {
-        {{120, 120}, 0},
-        {{120, -1, 121}, 1},        // an unread level changes nothing
-        {{120, 119, 120, 121}, 2},  // the first reading is where the level starts; a fall only arms
-    };
-    meter().menuRun_Click(); // the watch runs within a session
-    for (const auto& k : cases) {
-        LevelWatch& watch = meter().watch();
-        watch.reset();
-        meter().logBox().clear();
-        for (int reading : k.readings) {
-            watch.DoHLReading = Currency::fromInt(reading);
-            watch.CaptureLevelChange();
-        }
-        EXPECT_EQ(countOf(box(), "LvUP or Dead 検出"), k.bursts) << k.readings.size();
-    }
-}
-
-TEST_F(MeterTest, LevelWatchFollowsItsSettingsStartsAfreshWhenSwitchedOnAndShootsFourTimes)
+TEST_F(MeterTest, LevelWatchFollowsItsSettingsStartsAfreshWhenSwitchedOnAndCapturesRisesOnceArmed)
 {
     show("50", "1", "1");
     settings.DoHLCheckExec = true;
@@ -471,6 +452,22 @@ TEST_F(MeterTest, LevelWatchFollowsItsSettingsStartsAfreshWhenSwitchedOnAndShoot
     EXPECT_HOLDS(box(), "LvUP or Dead 検出") << "the next rise is captured";
     EXPECT_TRUE(std::filesystem::exists(temp.path() / "ss" / "LvUP_20090401130500_a.jpg"));
     EXPECT_EQ(machine.count("jpeg 70"), 4u);
+
+    const struct { std::vector<int> readings; std::size_t bursts; } cases[] = {
+        {{120, 120}, 0},
+        {{120, -1, 121}, 1},        // an unread level changes nothing
+        {{120, 119, 120, 121}, 2},  // the first reading is where the level starts; a fall only arms
+    };
+    for (const auto& k : cases) {
+        LevelWatch& watch = meter().watch();
+        watch.reset();
+        meter().logBox().clear();
+        for (int reading : k.readings) {
+            watch.DoHLReading = Currency::fromInt(reading);
+            watch.CaptureLevelChange();
+        }
+        EXPECT_EQ(countOf(box(), "LvUP or Dead 検出"), k.bursts) << k.readings.size();
+    }
 
     machine.windows = {GameWindowState::Background};
     const int grabs = machine.grabs;
@@ -514,6 +511,12 @@ TEST_F(MeterTest, EveryEntryPointTrapsWhatItCallsAndTheSessionGoesOn)
         EXPECT_FALSE(meter().state().busy);
         EXPECT_TRUE(meter().state().controls.testButtonsEnabled);
     }
+
+    // A trap whose line cannot be written still holds the error.
+    DebugLog nowhere(temp.path() / "no" / "folder", machine.clock);
+    EXPECT_NO_THROW(nowhere.writeErrorTrap("Main", ErrorNumber::Overflow));
+    EXPECT_FALSE(trapErrors(nowhere, "Main", [] { throw std::overflow_error("x"); }));
+    EXPECT_TRUE(trapErrors(nowhere, "Main", [] {}));
 }
 
 TEST_F(MeterTest, StopEndsTheSessionEvenWhenItsSummaryFails)
@@ -528,33 +531,31 @@ TEST_F(MeterTest, StopEndsTheSessionEvenWhenItsSummaryFails)
     EXPECT_HOLDS(debugText(), "Error Trap : menuStop_Click : CODE7  Out of memory");
 }
 
-TEST_F(MeterTest, ATrapThatCannotWriteItsLineStillHoldsTheError)
-{
-    DebugLog nowhere(temp.path() / "no" / "folder", machine.clock);
-    EXPECT_NO_THROW(nowhere.writeErrorTrap("Main", ErrorNumber::Overflow));
-    EXPECT_FALSE(trapErrors(nowhere, "Main", [] { throw std::overflow_error("x"); }));
-    EXPECT_TRUE(trapErrors(nowhere, "Main", [] {}));
-}
-
 TEST_F(MeterTest, AStopOrACloseDuringAWaitEndsWhatWaited)
 {
+    using Step = std::function<void()>;
+    const Step moneyHidden = [this] {
+        settings.MoneyScan = true;
+        show("10", "100", "");
+        meter().cycle().runCycle();
+    };
+    const Step suspendAndResume = [this] {
+        meter().cycle().cmdTempStop_Click(3);
+        meter().cycle().cmdTempStop_Click(3);
+    };
+    const Step levelUp = [this] {
+        meter().watch().timDoHLInterval_Timer(); // where the level starts
+        show("11", "100", "");
+        meter().watch().timDoHLInterval_Timer();
+    };
     // At the wait of waitMs the player stops, or else closes.
-    const struct { const char* name; std::int32_t waitMs; bool stop; std::function<void()> command; int grabs;
-                   bool shot; } cases[] = {
-        {"money re-read, stop", 1500, true, [this] {
-             settings.MoneyScan = true;
-             show("10", "100", "");
-             meter().cycle().runCycle();
-         }, 1, false},
-        {"level-up shots, close", 300, false, [this] {
-             meter().watch().timDoHLInterval_Timer(); // where the level starts
-             show("11", "100", "");
-             meter().watch().timDoHLInterval_Timer();
-         }, 3, true}, // two reads and the first shot
-        {"resume, stop", 3000, true, [this] {
-             meter().cycle().cmdTempStop_Click(3);
-             meter().cycle().cmdTempStop_Click(3);
-         }, 0, false},
+    const struct { const char* name; std::int32_t waitMs; bool stop; Step command; int grabs; bool shot; } cases[] = {
+        {"money re-read, stop", 1500, true, moneyHidden, 1, false},
+        {"money re-read, close", 1500, false, moneyHidden, 1, false},
+        {"level-up shots, stop", 300, true, levelUp, 3, true}, // two reads and the first shot
+        {"level-up shots, close", 300, false, levelUp, 3, true},
+        {"resume, stop", 3000, true, suspendAndResume, 0, false},
+        {"resume, close", 3000, false, suspendAndResume, 0, false},
         {"print screen, close", 10000, false, [this] { meter().menuPrtScr_Click(); }, 0, false},
         {"test capture, close", 10000, false, [this] { meter().cycle().cmdCapture_Click(); }, 0, false},
     };
