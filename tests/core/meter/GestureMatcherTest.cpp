@@ -36,8 +36,7 @@ TEST(GestureMatcher, PatternsChordsPausesAndTheTextKept)
         {"the double chord, released in any order", {{0, "LdRdRuLuRuLuLdRd"}}, Gesture::PrintScreen, ""},
         {"only pressed and released is no chord", {{0, "LdRdLuRuLdLuLdLu"}}, Gesture::None, "LdRdLuRuLdLuLdLu"},
         {"the earlier row wins", {{0, "LRRRR"}}, Gesture::MoneyScanOff, ""}, // holds L R R R and R R R R
-        {"the tick wraps", {{0xFFFFFF00u, "R"}, {0xFFFFFF64u, "R"}, {0xFFFFFFC8u, "R"}, {44, "R"}}, Gesture::CycleReset,
-         ""},
+        {"wrapping", {{0xFFFFFF00u, "R"}, {0xFFFFFF64u, "R"}, {0xFFFFFFC8u, "R"}, {44, "R"}}, Gesture::CycleReset, ""},
         {"GestureTime 0 never continues", {{0, "LR"}, {0, "LL"}}, Gesture::None, "LdLuLdLu", 0},
     };
     for (const auto& c : cases) {

@@ -302,7 +302,7 @@ TEST_F(MeterTest, AReadingThatOutlivesItsSessionIsDropped)
     EXPECT_EQ(countOf(box(), " 経過: "), 1u) << "one summary, of the first session";
 }
 
-TEST_F(MeterTest, AnUnwritableRecordFolderIsToldOnceAndTheSessionGoesOn)
+TEST_F(MeterTest, AnUnwritableRecordFolderAndAMissingGameAreToldOnceASessionAndTheSessionGoesOn)
 {
     const auto blocker = temp.path() / "blocked";
     std::ofstream(blocker) << "a file where the folder should be";
@@ -318,10 +318,9 @@ TEST_F(MeterTest, AnUnwritableRecordFolderIsToldOnceAndTheSessionGoesOn)
     meter().menuRun_Click();
     cycle(1180, "10", "700", "");
     EXPECT_EQ(machine.count("message エラー: 時給記録ファイルに書き込めません。"), 2u) << "told again next session";
-}
 
-TEST_F(MeterTest, AMissingGameIsToldOnceASessionAndANewSessionStartsFromNothing)
-{
+    // A missing game is told once a session too, and a new session starts from nothing.
+    restart();
     settings.MoneyScan = true;
     meter().menuRun_Click();
     cycle(100, "10", "100", "5000");
@@ -478,7 +477,7 @@ TEST_F(MeterTest, LevelWatchFollowsItsSettingsStartsAfreshWhenSwitchedOnAndCaptu
     EXPECT_FALSE(meter().state().controls.doHLTimerEnabled);
 }
 
-TEST_F(MeterTest, EveryEntryPointTrapsWhatItCallsAndTheSessionGoesOn)
+TEST_F(MeterTest, EveryEntryPointTrapsWhatItCallsAndTheSessionGoesOnOrEnds)
 {
     using Thrower = std::function<void()>;
     // The thrower runs on the game window's probe, or else on the next wait.
@@ -517,13 +516,11 @@ TEST_F(MeterTest, EveryEntryPointTrapsWhatItCallsAndTheSessionGoesOn)
     EXPECT_NO_THROW(nowhere.writeErrorTrap("Main", ErrorNumber::Overflow));
     EXPECT_FALSE(trapErrors(nowhere, "Main", [] { throw std::overflow_error("x"); }));
     EXPECT_TRUE(trapErrors(nowhere, "Main", [] {}));
-}
 
-TEST_F(MeterTest, StopEndsTheSessionEvenWhenItsSummaryFails)
-{
+    // Stop ends the session even when the log box's window fails to show its summary.
+    restart();
     meter().menuRun_Click();
     meter().session().CurrentLv = 10;
-    // The log box's window fails to show the summary.
     meter().logBox().setListener([](std::string_view) { throw std::bad_alloc(); });
     meter().menuStop_Click();
     EXPECT_FALSE(meter().session().running());
@@ -531,7 +528,7 @@ TEST_F(MeterTest, StopEndsTheSessionEvenWhenItsSummaryFails)
     EXPECT_HOLDS(debugText(), "Error Trap : menuStop_Click : CODE7  Out of memory");
 }
 
-TEST_F(MeterTest, AStopOrACloseDuringAWaitEndsWhatWaited)
+TEST_F(MeterTest, AStopOrACloseDuringAWaitEndsWhatWaitedAndStartsNothingMore)
 {
     using Step = std::function<void()>;
     const Step moneyHidden = [this] {
@@ -584,16 +581,14 @@ TEST_F(MeterTest, AStopOrACloseDuringAWaitEndsWhatWaited)
         EXPECT_LACKS(m.logBox().text(), "LvUP or Dead 検出");
         EXPECT_FALSE(m.state().controls.captureTimerEnabled);
     }
-}
 
-TEST_F(MeterTest, ACloseDuringTheStartUpWaitsEndsThemAndStartsNothingMore)
-{
-    const struct { const char* name; std::int32_t waitMs; std::size_t opened; } cases[] = {
+    // A close during the start-up's waits ends them and starts nothing more.
+    const struct { const char* name; std::int32_t waitMs; std::size_t opened; } startUps[] = {
         {"the first application's launch", 500, 1},
         {"the wait between the applications", 7000, 1},
         {"the wait for the game", 15000, 2},
     };
-    for (const auto& k : cases) {
+    for (const auto& k : startUps) {
         SCOPED_TRACE(k.name);
         restart();
         show("10", "100", "5");
