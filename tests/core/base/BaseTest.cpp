@@ -84,7 +84,8 @@ TEST(PoReader, TakesTranslatedEntriesOnlyAndStopsAtALineItCannotRead)
 
     struct Bad { const char* text; const char* line; };
     for (const Bad& bad : {Bad{"msgid \"閉じ\nmsgstr \"x\"\n", "line 4 "}, Bad{"msgid \"a\"\nmsgstr \"b\\q\"\n", "line 5 "},
-                           Bad{"msgid \"a\" x\n", "line 4 "}, Bad{"garbage\n", "line 4 "}}) {
+                           Bad{"msgid \"a\" x\n", "line 4 "}, Bad{"garbage\n", "line 4 "},
+                           Bad{"msgid \"a\\\"\n", "line 4 "}}) {
         error.clear();
         const Catalogue partial = parsePo("msgid \"前\"\nmsgstr \"before\"\n\n" + std::string(bad.text), &error);
         EXPECT_EQ(partial, (Catalogue{{"前", "before"}})) << bad.text;
