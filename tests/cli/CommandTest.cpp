@@ -197,7 +197,6 @@ TEST_F(CommandTest, RefusedArgumentsAndHomesHaveTheirOwnExitCodes)
     frame("0.bmp", "1", "2", "3");
     const std::string image = pathUtf8(frames / "0.bmp");
     const std::string f = pathUtf8(frames);
-    const std::string h = pathUtf8(home);
     const std::string s = pathUtf8(saves);
     std::ofstream(home / "home.txt") << "not a folder";
     const std::string file = pathUtf8(home / "home.txt");
@@ -207,7 +206,7 @@ TEST_F(CommandTest, RefusedArgumentsAndHomesHaveTheirOwnExitCodes)
     struct Case { Command command; std::vector<std::string> args; int status; std::string said; bool printed = false; };
     const Case cases[] = {
         {cli::runConfig, {}, 1, "usage: tallivex-cli config"},
-        {cli::runConfig, {"--home", h, "show", "--maybe"}, 1, "usage: tallivex-cli config"},
+        {cli::runConfig, {"--home", pathUtf8(home), "show", "--maybe"}, 1, "usage: tallivex-cli config"},
         {cli::runConfig, {"save", "--home", pathUtf8(home / "unwritable")}, 2,
          "[設定ファイル書き込み] 設定をファイルに保存できませんでした。", true},
         {cli::runConfig, {"show", "--home", pathUtf8(home / "unreadable")}, 2, "読込みできない設定ファイルです。", true},
@@ -216,8 +215,8 @@ TEST_F(CommandTest, RefusedArgumentsAndHomesHaveTheirOwnExitCodes)
         {cli::runReplay, {f, "--save-folder", "x", "--start", "2024-02-30 10:00"}, 1, "not \"2024-02-30 10:00\""},
         {cli::runReplay, {pathUtf8(home / "none"), "--save-folder", "x"}, 1, "cannot read the folder"},
         {cli::runReplay, {f, "--save-folder", s, "--fast"}, 1, "unknown option --fast"},
-        {cli::runLearn, {"--home", h, image, "37", "-"}, 1, "usage: tallivex-cli learn"},
-        {cli::runLearn, {"--home", h, image, "3x", "-", "-"}, 2, "level 3x: not a number"},
+        {cli::runLearn, {"--home", pathUtf8(home), image, "37", "-"}, 1, "usage: tallivex-cli learn"},
+        {cli::runLearn, {"--home", pathUtf8(home), image, "3x", "-", "-"}, 2, "level 3x: not a number"},
         {cli::runConfig, {"show", "--home", file}, 2, noHome},
         {cli::runRecognize, {"--home", file, image}, 2, noHome},
         {cli::runReplay, {f, "--save-folder", s, "--home", file}, 2, noHome},
