@@ -74,18 +74,6 @@ std::vector<Shown> script()
     return frames;
 }
 
-void writeFrames(const std::filesystem::path& folder, const std::vector<Shown>& shown)
-{
-    std::filesystem::create_directories(folder);
-    for (const Shown& s : shown) {
-        const std::string level = s.level > 0 ? std::to_string(s.level) : "";
-        const std::string money = s.money ? std::to_string(*s.money) : "";
-        ASSERT_TRUE(writeBitmap24(folder / (std::to_string(s.t) + ".bmp"),
-                                  test::gameScreen({level, std::to_string(s.exp), money}, ScreenMode::FullScreen,
-                                                   static_cast<std::uint32_t>(s.t), 560, 590)));
-    }
-}
-
 std::string field(const std::string& line, const std::string& name)
 {
     const std::regex pattern("\"" + name + "\": (null|\"[A-Za-z]*\"|-?[0-9.]+)");
@@ -149,7 +137,6 @@ protected:
         std::ofstream(home / "TV2MConfig.ini", std::ios::binary) << text;
     }
     std::string configFile() const { return test::readAll(home / "TV2MConfig.ini"); }
-    static bool has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
     test::TempFolder temp;
     const std::filesystem::path& home = temp.path();
@@ -196,11 +183,11 @@ TEST_F(CommandTest, ShowSaveAndDefaultsTreatAnEditedFileAsTheProgramWould)
                                         "\"CompactX\":-32768,\"CompactY\":-32768,\"CompactOpacity\":90,"
                                         "\"CompactShown\":false,\"UiLanguage\":\"\"}\n"))
             << out.str();
-        EXPECT_EQ(has(err.str(), "でよろしいいですか？ -> いいえ\n"), c.args[1] == "--no") << err.str();
+        EXPECT_EQ(test::countOf(err.str(), "でよろしいいですか？ -> いいえ\n") > 0, c.args[1] == "--no") << err.str();
         EXPECT_HOLDS(out.str(), c.interval);
         EXPECT_HOLDS(out.str(), std::string("\"SearchWindowName\":") + c.target);
-        EXPECT_EQ(has(out.str(), taught), c.shapes) << out.str();
-        EXPECT_EQ(has(configFile(), "\r\n"), c.rewritten);
+        EXPECT_EQ(test::countOf(out.str(), taught), c.shapes ? 1u : 0u) << out.str();
+        EXPECT_EQ(test::countOf(configFile(), "\r\n") > 0, c.rewritten);
     }
 }
 
@@ -210,7 +197,6 @@ TEST_F(CommandTest, RefusedArgumentsAndHomesHaveTheirOwnExitCodes)
     frame("0.bmp", "1", "2", "3");
     const std::string image = pathUtf8(frames / "0.bmp");
     const std::string f = pathUtf8(frames);
-    const std::string h = pathUtf8(home);
     const std::string s = pathUtf8(saves);
     std::ofstream(home / "home.txt") << "not a folder";
     const std::string file = pathUtf8(home / "home.txt");
@@ -220,7 +206,7 @@ TEST_F(CommandTest, RefusedArgumentsAndHomesHaveTheirOwnExitCodes)
     struct Case { Command command; std::vector<std::string> args; int status; std::string said; bool printed = false; };
     const Case cases[] = {
         {cli::runConfig, {}, 1, "usage: tallivex-cli config"},
-        {cli::runConfig, {"--home", h, "show", "--maybe"}, 1, "usage: tallivex-cli config"},
+        {cli::runConfig, {"--home", pathUtf8(home), "show", "--maybe"}, 1, "usage: tallivex-cli config"},
         {cli::runConfig, {"save", "--home", pathUtf8(home / "unwritable")}, 2,
          "[設定ファイル書き込み] 設定をファイルに保存できませんでした。", true},
         {cli::runConfig, {"show", "--home", pathUtf8(home / "unreadable")}, 2, "読込みできない設定ファイルです。", true},
@@ -229,8 +215,8 @@ TEST_F(CommandTest, RefusedArgumentsAndHomesHaveTheirOwnExitCodes)
         {cli::runReplay, {f, "--save-folder", "x", "--start", "2024-02-30 10:00"}, 1, "not \"2024-02-30 10:00\""},
         {cli::runReplay, {pathUtf8(home / "none"), "--save-folder", "x"}, 1, "cannot read the folder"},
         {cli::runReplay, {f, "--save-folder", s, "--fast"}, 1, "unknown option --fast"},
-        {cli::runLearn, {"--home", h, image, "37", "-"}, 1, "usage: tallivex-cli learn"},
-        {cli::runLearn, {"--home", h, image, "3x", "-", "-"}, 2, "level 3x: not a number"},
+        {cli::runLearn, {"--home", pathUtf8(home), image, "37", "-"}, 1, "usage: tallivex-cli learn"},
+        {cli::runLearn, {"--home", pathUtf8(home), image, "3x", "-", "-"}, 2, "level 3x: not a number"},
         {cli::runConfig, {"show", "--home", file}, 2, noHome},
         {cli::runRecognize, {"--home", file, image}, 2, noHome},
         {cli::runReplay, {f, "--save-folder", s, "--home", file}, 2, noHome},
@@ -261,8 +247,6 @@ TEST_F(CommandTest, ImpossibleSettingsNeitherCrashNorMisreadTheCommands)
         // A clamped threshold reads nothing rather than overflowing, and says why.
         {"threshold 600000000", [](Settings& s) { s.BinaryThreshold[1] = 600000000; },
          "\"level\":50,\"exp\":-1,\"money\":777", "BinaryThreshold(2) 600000000 -> 255", "23:56  認識失敗  Exp NG"},
-        // The level's digits are white: the brightest threshold still finds them.
-        {"threshold 99999", [](Settings& s) { s.BinaryThreshold[0] = 99999; }, kRead, "BinaryThreshold(1) 99999 -> 255"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -274,7 +258,7 @@ TEST_F(CommandTest, ImpossibleSettingsNeitherCrashNorMisreadTheCommands)
                                          : inHome(cli::runRecognize, {image});
             EXPECT_EQ(status, 0) << err.str();
             EXPECT_HOLDS(out.str(), replaying ? c.replayed : c.json) << err.str();
-            EXPECT_EQ(has(err.str(), "読込みできない設定ファイルです。"), c.clamped == nullptr) << err.str();
+            EXPECT_EQ(test::countOf(err.str(), "読込みできない設定ファイルです。"), c.clamped ? 0u : 1u) << err.str();
             if (c.clamped) {
                 EXPECT_HOLDS(err.str(), "[TV2MConfig.ini] Setting Out Of Range : " + std::string(c.clamped) + " \n");
             }
@@ -320,12 +304,9 @@ TEST_F(CommandTest, ARefusedImageSavesNothingAndSkippedRegionsKeepTheirTemplates
     EXPECT_HOLDS(out.str(), "\"region\":\"level\",\"images\":2,\"mode\":\"exact\",\"width\":6,\"threshold\":188,"
                             "\"thresholdProposed\":false,\"learnt\":\"37\",\"missing\":\"01245689\"");
     // Lines 21 to 33 hold the level's settings, 34 to 59 those of the experience and money.
-    const auto lines = [](const std::string& text, std::ptrdiff_t first, std::ptrdiff_t last) {
-        const std::vector<std::string> all = test::splitLines(text);
-        return std::vector<std::string>(all.begin() + first - 1, all.begin() + last);
-    };
-    EXPECT_EQ(lines(configFile(), 34, 59), lines(before, 34, 59));
-    EXPECT_NE(lines(configFile(), 21, 33), lines(before, 21, 33));
+    const std::vector<std::string> now = test::splitLines(configFile()), was = test::splitLines(before);
+    EXPECT_EQ(std::vector(now.begin() + 33, now.begin() + 59), std::vector(was.begin() + 33, was.begin() + 59));
+    EXPECT_NE(std::vector(now.begin() + 20, now.begin() + 33), std::vector(was.begin() + 20, was.begin() + 33));
 }
 
 // One screen a call: the calls add up, the file loads as saved, an untaught digit fails the reading.
@@ -350,7 +331,7 @@ TEST_F(CommandTest, ScreensTaughtOneACallAddUpAndLoadAsSaved)
     EXPECT_HOLDS(out.str(), "\"level\":-1,\"exp\":3,");
 }
 
-TEST_F(CommandTest, RecognizeReadsTheWindowModesRegionsAndTracesOnStandardError)
+TEST_F(CommandTest, RecognizeReadsTheWindowModeTracesAndNamesTheImagesItCannotRead)
 {
     const auto shot = image("w.bmp", test::gameScreen({"42", "777", "31"}, ScreenMode::Window));
     EXPECT_EQ(run(cli::runRecognize, {"--window-mode", "--trace", shot}), 0);
@@ -358,11 +339,8 @@ TEST_F(CommandTest, RecognizeReadsTheWindowModesRegionsAndTracesOnStandardError)
     EXPECT_HOLDS(err.str(), "category0 変換データ : ");
     EXPECT_EQ(run(cli::runRecognize, {shot}), 0);
     EXPECT_HOLDS(out.str(), "\"level\":-1,\"exp\":-1,\"money\":-1");
-}
 
-// Each image that cannot be read is named with its result; the others are still read.
-TEST_F(CommandTest, RecognizeNamesUnreadableImagesAndStillReadsTheRest)
-{
+    // Each image that cannot be read is named with its result; the others are still read.
     const auto good = image("good.bmp", test::gameScreen({"9", "9", "9"}));
     std::ofstream(home / "broken.bmp", std::ios::binary) << "PK\x03\x04";
     ASSERT_TRUE(writeBitmap24(home / "small.bmp", Frame(20, 20)));
@@ -405,12 +383,9 @@ TEST_F(CommandTest, FramesAndAHistoryThatCannotBeReadAreNamedAndTheSessionGoesOn
     frame("10.bmp", "137", "1000", "5000");
     std::filesystem::create_directories(frames / "180.bmp");
     std::ofstream(frames / "360.bmp") << "not an image";
-    const std::vector<std::uint8_t> whole = encodeBitmap24(test::gameScreen({"137", "2000", "5000"}));
-    std::ofstream(frames / "540.bmp", std::ios::binary)
-        .write(reinterpret_cast<const char*>(whole.data()), static_cast<std::streamsize>(whole.size() / 2));
     frame("720.bmp", "137", "4600", "5000");
     EXPECT_EQ(replay({"--per-session", "--csv"}), 2);
-    for (const char* name : {"180.bmp", "360.bmp", "540.bmp"})
+    for (const char* name : {"180.bmp", "360.bmp"})
         EXPECT_HOLDS(err.str(), pathUtf8(frames / name) + ": cannot read the image (");
     EXPECT_HOLDS(out.str(), "01/31 23:56  認識失敗  全部 NG\r\n");
     // The frame at 720 s makes the only record.
@@ -440,7 +415,14 @@ TEST_F(CommandTest, ARecordFileThatCannotBeWrittenIsReportedNotFatal)
 TEST_F(CommandTest, EveryLiveLineHoldsTheFiguresOfItsReading)
 {
     const std::vector<Shown> shown = script();
-    writeFrames(frames, shown);
+    std::filesystem::create_directories(frames);
+    for (const Shown& s : shown) {
+        const std::string level = s.level > 0 ? std::to_string(s.level) : "";
+        const std::string money = s.money ? std::to_string(*s.money) : "";
+        ASSERT_TRUE(writeBitmap24(frames / (std::to_string(s.t) + ".bmp"),
+                                  test::gameScreen({level, std::to_string(s.exp), money}, ScreenMode::FullScreen,
+                                                   static_cast<std::uint32_t>(s.t), 560, 590)));
+    }
     const std::filesystem::path live = home / "live.jsonl";
     ASSERT_EQ(replay({"--live", pathUtf8(live)}), 0) << err.str();
     std::istringstream lines(test::readAll(live));

@@ -120,7 +120,6 @@ TEST_F(LanguageTest, ALocaleOrTheConfigurationNamesTheLanguage)
 
     struct Configured { const char* stored; const char* locale; const char* kept; Language current; };
     for (const Configured& c : {Configured{"", "ko_KR.UTF-8", "ko", Language::Korean},
-                                Configured{"", "C", "ja", Language::Japanese},
                                 Configured{"en", "ko_KR.UTF-8", "en", Language::English},
                                 Configured{"xx", "en_US", "en", Language::English}}) {
         Settings settings;

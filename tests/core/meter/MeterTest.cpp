@@ -140,11 +140,8 @@ TEST_F(MeterTest, WholeSessionMakesTheRecordsOfEveryCase)
     };
     EXPECT_EQ(records(), expected);
 
-    const std::string text = box();
-    EXPECT_TRUE(text.starts_with(std::string(kLogHeader) + "\r\n\r\n   10        3,447         5,000 \r\n")) << text;
-    EXPECT_HOLDS(text, "\r\n04/01 13:18   10          250   6.0         2 \r\n");
-    EXPECT_HOLDS(text, "\r\nキャラクタチェンジ検出\r\n" + std::string(kLogHeader) + "\r\n");
-    EXPECT_HOLDS(text, "    増加  Lv:   0    Exp:           20");
+    EXPECT_HOLDS(box(), "\r\nキャラクタチェンジ検出\r\n" + std::string(kLogHeader) + "\r\n");
+    EXPECT_HOLDS(box(), "    増加  Lv:   0    Exp:           20");
 }
 
 TEST_F(MeterTest, MoneyHasNoTimeRateOrCurveUntilItIsRead)
@@ -199,14 +196,9 @@ TEST_F(MeterTest, MoneyIsReadAgainOnlyWhenItWasMissedAndScanned)
     const CaptureBitmap noMoney = gameCapture({"30", "100", ""});
     const CaptureBitmap money = gameCapture({"30", "100", "700"});
     using W = GameWindowState;
-    const struct {
-        const char* name;
-        bool scan;
-        std::deque<std::optional<CaptureBitmap>> screens;
-        std::deque<W> windows;
-        int grabs; // more than one: re-read after waiting for the money window, then once more
-        std::int64_t money; // handed over; 99 for no hand-over
-    } cases[] = {
+    // grabs more than one: re-read after waiting for the money window, then once more; money 99: no hand-over.
+    const struct { const char* name; bool scan; std::deque<std::optional<CaptureBitmap>> screens; std::deque<W> windows;
+                   int grabs; std::int64_t money; } cases[] = {
         {"scan off", false, {noMoney}, {W::Front}, 1, -1},
         {"level 0", true, {gameCapture({"0", "100", ""})}, {W::Front}, 1, -1},
         {"found at the second try", true, {noMoney, noMoney, money}, {W::Front}, 3, 700},
@@ -310,7 +302,7 @@ TEST_F(MeterTest, AReadingThatOutlivesItsSessionIsDropped)
     EXPECT_EQ(countOf(box(), " 経過: "), 1u) << "one summary, of the first session";
 }
 
-TEST_F(MeterTest, AnUnwritableRecordFolderIsToldOnceAndTheSessionGoesOn)
+TEST_F(MeterTest, AnUnwritableRecordFolderAndAMissingGameAreToldOnceASessionAndTheSessionGoesOn)
 {
     const auto blocker = temp.path() / "blocked";
     std::ofstream(blocker) << "a file where the folder should be";
@@ -326,10 +318,9 @@ TEST_F(MeterTest, AnUnwritableRecordFolderIsToldOnceAndTheSessionGoesOn)
     meter().menuRun_Click();
     cycle(1180, "10", "700", "");
     EXPECT_EQ(machine.count("message エラー: 時給記録ファイルに書き込めません。"), 2u) << "told again next session";
-}
 
-TEST_F(MeterTest, AMissingGameIsToldOnceASessionAndANewSessionStartsFromNothing)
-{
+    // A missing game is told once a session too, and a new session starts from nothing.
+    restart();
     settings.MoneyScan = true;
     meter().menuRun_Click();
     cycle(100, "10", "100", "5000");
@@ -438,27 +429,7 @@ TEST_F(MeterTest, SuspendPausesTheTimerAResumeReadsOnceAndGesturesAlwaysSaySo)
     EXPECT_TRUE(std::filesystem::exists(temp.path() / "ss" / "PrtScr_20090401130503.bmp"));
 }
 
-TEST_F(MeterTest, LevelWatchCapturesRisesOnceArmed)
-{
-    const struct { std::vector<int> readings; std::size_t bursts; } cases[] = {
-        {{120, 120}, 0},
-        {{120, -1, 121}, 1},        // an unread level changes nothing
-        {{120, 119, 120, 121}, 2},  // the first reading is where the level starts; a fall only arms
-    };
-    meter().menuRun_Click(); // the watch runs within a session
-    for (const auto& k : cases) {
-        LevelWatch& watch = meter().watch();
-        watch.reset();
-        meter().logBox().clear();
-        for (int reading : k.readings) {
-            watch.DoHLReading = Currency::fromInt(reading);
-            watch.CaptureLevelChange();
-        }
-        EXPECT_EQ(countOf(box(), "LvUP or Dead 検出"), k.bursts) << k.readings.size();
-    }
-}
-
-TEST_F(MeterTest, LevelWatchFollowsItsSettingsStartsAfreshWhenSwitchedOnAndShootsFourTimes)
+TEST_F(MeterTest, LevelWatchFollowsItsSettingsStartsAfreshWhenSwitchedOnAndCapturesRisesOnceArmed)
 {
     show("50", "1", "1");
     settings.DoHLCheckExec = true;
@@ -481,6 +452,22 @@ TEST_F(MeterTest, LevelWatchFollowsItsSettingsStartsAfreshWhenSwitchedOnAndShoot
     EXPECT_TRUE(std::filesystem::exists(temp.path() / "ss" / "LvUP_20090401130500_a.jpg"));
     EXPECT_EQ(machine.count("jpeg 70"), 4u);
 
+    const struct { std::vector<int> readings; std::size_t bursts; } cases[] = {
+        {{120, 120}, 0},
+        {{120, -1, 121}, 1},        // an unread level changes nothing
+        {{120, 119, 120, 121}, 2},  // the first reading is where the level starts; a fall only arms
+    };
+    for (const auto& k : cases) {
+        LevelWatch& watch = meter().watch();
+        watch.reset();
+        meter().logBox().clear();
+        for (int reading : k.readings) {
+            watch.DoHLReading = Currency::fromInt(reading);
+            watch.CaptureLevelChange();
+        }
+        EXPECT_EQ(countOf(box(), "LvUP or Dead 検出"), k.bursts) << k.readings.size();
+    }
+
     machine.windows = {GameWindowState::Background};
     const int grabs = machine.grabs;
     meter().watch().timDoHLInterval_Timer();
@@ -490,7 +477,7 @@ TEST_F(MeterTest, LevelWatchFollowsItsSettingsStartsAfreshWhenSwitchedOnAndShoot
     EXPECT_FALSE(meter().state().controls.doHLTimerEnabled);
 }
 
-TEST_F(MeterTest, EveryEntryPointTrapsWhatItCallsAndTheSessionGoesOn)
+TEST_F(MeterTest, EveryEntryPointTrapsWhatItCallsAndTheSessionGoesOnOrEnds)
 {
     using Thrower = std::function<void()>;
     // The thrower runs on the game window's probe, or else on the next wait.
@@ -523,13 +510,17 @@ TEST_F(MeterTest, EveryEntryPointTrapsWhatItCallsAndTheSessionGoesOn)
         EXPECT_FALSE(meter().state().busy);
         EXPECT_TRUE(meter().state().controls.testButtonsEnabled);
     }
-}
 
-TEST_F(MeterTest, StopEndsTheSessionEvenWhenItsSummaryFails)
-{
+    // A trap whose line cannot be written still holds the error.
+    DebugLog nowhere(temp.path() / "no" / "folder", machine.clock);
+    EXPECT_NO_THROW(nowhere.writeErrorTrap("Main", ErrorNumber::Overflow));
+    EXPECT_FALSE(trapErrors(nowhere, "Main", [] { throw std::overflow_error("x"); }));
+    EXPECT_TRUE(trapErrors(nowhere, "Main", [] {}));
+
+    // Stop ends the session even when the log box's window fails to show its summary.
+    restart();
     meter().menuRun_Click();
     meter().session().CurrentLv = 10;
-    // The log box's window fails to show the summary.
     meter().logBox().setListener([](std::string_view) { throw std::bad_alloc(); });
     meter().menuStop_Click();
     EXPECT_FALSE(meter().session().running());
@@ -537,15 +528,7 @@ TEST_F(MeterTest, StopEndsTheSessionEvenWhenItsSummaryFails)
     EXPECT_HOLDS(debugText(), "Error Trap : menuStop_Click : CODE7  Out of memory");
 }
 
-TEST_F(MeterTest, ATrapThatCannotWriteItsLineStillHoldsTheError)
-{
-    DebugLog nowhere(temp.path() / "no" / "folder", machine.clock);
-    EXPECT_NO_THROW(nowhere.writeErrorTrap("Main", ErrorNumber::Overflow));
-    EXPECT_FALSE(trapErrors(nowhere, "Main", [] { throw std::overflow_error("x"); }));
-    EXPECT_TRUE(trapErrors(nowhere, "Main", [] {}));
-}
-
-TEST_F(MeterTest, AStopOrACloseDuringAWaitEndsWhatWaited)
+TEST_F(MeterTest, AStopOrACloseDuringAWaitEndsWhatWaitedAndStartsNothingMore)
 {
     using Step = std::function<void()>;
     const Step moneyHidden = [this] {
@@ -598,16 +581,14 @@ TEST_F(MeterTest, AStopOrACloseDuringAWaitEndsWhatWaited)
         EXPECT_LACKS(m.logBox().text(), "LvUP or Dead 検出");
         EXPECT_FALSE(m.state().controls.captureTimerEnabled);
     }
-}
 
-TEST_F(MeterTest, ACloseDuringTheStartUpWaitsEndsThemAndStartsNothingMore)
-{
-    const struct { const char* name; std::int32_t waitMs; std::size_t opened; } cases[] = {
+    // A close during the start-up's waits ends them and starts nothing more.
+    const struct { const char* name; std::int32_t waitMs; std::size_t opened; } startUps[] = {
         {"the first application's launch", 500, 1},
         {"the wait between the applications", 7000, 1},
         {"the wait for the game", 15000, 2},
     };
-    for (const auto& k : cases) {
+    for (const auto& k : startUps) {
         SCOPED_TRACE(k.name);
         restart();
         show("10", "100", "5");

@@ -12,11 +12,6 @@
 namespace tvx {
 namespace {
 
-CaptureBitmap blackScreen()
-{
-    return toCaptureBitmap(Frame(1024, 768));
-}
-
 class ScreenCaptureTest : public testing::Test {
 protected:
     ScreenCaptureTest() { settings.Lag = 500; }
@@ -26,26 +21,20 @@ protected:
     test::FakeMachine machine;
     DebugLog log{home.path(), machine.clock};
     const CaptureBitmap game = test::gameCapture({"137", "4,567,890", "123,456"});
+    const CaptureBitmap fromKey = test::gameCapture({"1", "2", "3"}, ScreenMode::FullScreen, 7);
+    const CaptureBitmap black = toCaptureBitmap(Frame(1024, 768));
 };
 
 TEST_F(ScreenCaptureTest, TheRoutesTakeWhatTheSettingAndThePlatformAllow)
 {
-    const CaptureBitmap fromKey = test::gameCapture({"1", "2", "3"}, ScreenMode::FullScreen, 7);
     using M = CaptureMethod;
     using R = ScreenCapture::Result;
-    const struct {
-        const char* name;
-        CaptureMethod method;
-        bool keyExists;
-        std::optional<CaptureBitmap> direct;
-        std::optional<CaptureBitmap> clipboard;
-        ScreenCapture::Result result;
-        const CaptureBitmap* expected;
-        bool pressed;
-    } cases[] = {
+    using Picture = std::optional<CaptureBitmap>;
+    const struct { const char* name; M method; bool keyExists; Picture direct, clipboard; R result;
+                   const CaptureBitmap* expected; bool pressed; } cases[] = {
         {"direct", M::Direct, true, game, fromKey, R::Taken, &game, false},
-        {"direct, black, key", M::Direct, true, blackScreen(), fromKey, R::Taken, &fromKey, true},
-        {"direct, black, no key", M::Direct, false, blackScreen(), fromKey, R::Taken, nullptr, true},
+        {"direct, black, key", M::Direct, true, black, fromKey, R::Taken, &fromKey, true},
+        {"direct, black, no key", M::Direct, false, black, fromKey, R::Taken, nullptr, true},
         {"direct, no display", M::Direct, true, std::nullopt, fromKey, R::NoPicture, nullptr, false},
         {"key", M::PrintScreen, true, game, fromKey, R::Taken, &fromKey, true},
         {"key, empty clipboard", M::PrintScreen, true, game, std::nullopt, R::NoPicture, nullptr, true},
@@ -72,25 +61,19 @@ TEST_F(ScreenCaptureTest, TheRoutesTakeWhatTheSettingAndThePlatformAllow)
 
 TEST_F(ScreenCaptureTest, AReadingWritesTheWholeScreenToTheFileAndReadsTheRegionsOfTheSameMoment)
 {
-    const CaptureBitmap fromKey = test::gameCapture({"1", "2", "3"}, ScreenMode::FullScreen, 7);
     const CaptureBitmap narrow = toCaptureBitmap(test::gameScreen({"9", "8", "7"}, ScreenMode::FullScreen, 3, 1023, 700));
     const std::filesystem::path file = home.path() / "Capture.bmp";
-    const struct {
-        const char* name;
-        std::int32_t bandRows; // 0: the source offers no bands
-        std::filesystem::path captureFile;
-        CaptureBitmap screen;
-        bool keyExists;
-        const CaptureBitmap* expected; // the whole screen kept, and in the file when there is one
-        bool wholeImage;               // the image is that whole screen, not the regions only
-    } cases[] = {
+    // bandRows 0: the source offers no bands; expected: the whole screen kept, and in the file when there is one;
+    // wholeImage: the image is that whole screen, not the regions only.
+    const struct { const char* name; std::int32_t bandRows; std::filesystem::path captureFile; CaptureBitmap screen;
+                   bool keyExists; const CaptureBitmap* expected; bool wholeImage; } cases[] = {
         {"bands", 7, file, game, false, &game, false},
         {"bands of one row, padded rows", 1, file, narrow, false, &narrow, false},
         {"no bands", 0, file, game, false, &game, true},
         {"no capture file", 7, {}, game, false, &game, true},
         {"a capture file that cannot be written", 7, home.path() / "missing" / "Capture.bmp", game, false, &game, true},
-        {"black, the key route", 7, file, blackScreen(), true, &fromKey, true},
-        {"black, no key route", 7, file, blackScreen(), false, nullptr, false},
+        {"black, the key route", 7, file, black, true, &fromKey, true},
+        {"black, no key route", 7, file, black, false, nullptr, false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -126,12 +109,10 @@ TEST(ScreenCaptureBlack, OnlyTheWantedRectanglesCount)
     frame.row(40)[3 * 90] = 1; // one dark-blue pixel at (90, 40), outside the first rectangle
     const CaptureBitmap image = toCaptureBitmap(frame);
     const CaptureRegionRect left{0, 0, 50, 50};
-    const CaptureRegionRect right{80, 35, 20, 10};
-    const CaptureRegionRect outside{200, 200, 10, 10};
     EXPECT_TRUE(isAllBlack(image, std::vector{left}));
-    EXPECT_FALSE(isAllBlack(image, std::vector{left, right}));
+    EXPECT_FALSE(isAllBlack(image, std::vector{left, CaptureRegionRect{80, 35, 20, 10}}));
     EXPECT_FALSE(isAllBlack(image, {}));
-    EXPECT_FALSE(isAllBlack(image, std::vector{outside})) << "nothing seen is not black";
+    EXPECT_FALSE(isAllBlack(image, std::vector{CaptureRegionRect{200, 200, 10, 10}})) << "nothing seen is not black";
     EXPECT_TRUE(isAllBlack(toCaptureBitmap(Frame(4, 4)), {}));
 }
 
