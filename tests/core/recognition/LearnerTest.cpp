@@ -43,7 +43,7 @@ std::string readWith(const Settings& settings, const CaptureBitmap& image)
     return recognizer.recognize(RegionExp).digits;
 }
 
-TEST(TemplateLearnerTest, ImagesThatDoNotFitAreRefusedAndChangeNothing)
+TEST(TemplateLearnerTest, ImagesThatDoNotFitAreRefusedAndChangeNothingAndTypedNumbersMayCarrySeparators)
 {
     TemplateLearner learner(kDefaults, RegionExp);
     ASSERT_TRUE(learner.add(fontImage("1161"), "1161").accepted());
@@ -76,9 +76,17 @@ TEST(TemplateLearnerTest, ImagesThatDoNotFitAreRefusedAndChangeNothing)
 
     TemplateLearner outside(kDefaults, RegionExp);
     EXPECT_EQ(outside.add(toCaptureBitmap(Frame(300, 200)), "5").refusal, LearnRefusal::OutsideImage);
+
+    // Typed numbers may carry separators.
+    const std::pair<const char*, std::optional<std::string>> typed[] = {
+        {"1,234,567", "1234567"}, {"12 345", "12345"}, {"007", "007"}, {"", std::nullopt},
+        {"-", std::nullopt},      {"12a", std::nullopt}, {"１２", std::nullopt}, {"12345678901234567890", std::nullopt},
+    };
+    for (const auto& [text, digits] : typed)
+        EXPECT_EQ(numberDigits(text), digits) << text;
 }
 
-TEST(TemplateLearnerTest, LayoutsAreKeptOnlyWhenTheImagesReadBack)
+TEST(TemplateLearnerTest, LayoutsAreKeptOnlyWhenTheImagesReadBackEvenOverNoise)
 {
     TemplateLearner learner(kDefaults, RegionExp);
     // Three different digits alone fit several widths and phases; more images settle them.
@@ -110,29 +118,16 @@ TEST(TemplateLearnerTest, LayoutsAreKeptOnlyWhenTheImagesReadBack)
     EXPECT_TRUE(contradicted.replacedPrior());
     EXPECT_EQ(contradicted.patterns()[7], "");
     EXPECT_EQ(contradicted.patterns()[1], encodePatternColumns(test::fontGlyph('1')));
-}
 
-TEST(TemplateLearnerTest, AWideRegionOverNoiseStillFindsTheNumber)
-{
-    // The region runs on far past the number, over a noisy screen that binarises to ink
+    // A region running on far past the number, over a noisy screen that binarises to ink
     // almost everywhere: a great many layouts have ink in every cell.
     Settings wide = kDefaults;
     wide.CaptureRegion[RegionExp].SizeX = 200;
     Frame frame = test::fontScreen({"", "", ""});
     test::paintFontText(frame, {463, 570, 40, 9}, RegionExp, 2, "4096]");
-    TemplateLearner learner(wide, RegionExp);
-    ASSERT_TRUE(learner.add(toCaptureBitmap(frame), "4096").accepted());
-    EXPECT_EQ(learner.readBack(0).digits, "4096");
-}
-
-TEST(TemplateLearnerTest, TypedNumbersMayCarrySeparators)
-{
-    const std::pair<const char*, std::optional<std::string>> cases[] = {
-        {"1,234,567", "1234567"}, {"12 345", "12345"}, {"007", "007"}, {"", std::nullopt},
-        {"-", std::nullopt},      {"12a", std::nullopt}, {"１２", std::nullopt}, {"12345678901234567890", std::nullopt},
-    };
-    for (const auto& [text, digits] : cases)
-        EXPECT_EQ(numberDigits(text), digits) << text;
+    TemplateLearner overNoise(wide, RegionExp);
+    ASSERT_TRUE(overNoise.add(toCaptureBitmap(frame), "4096").accepted());
+    EXPECT_EQ(overNoise.readBack(0).digits, "4096");
 }
 
 struct DrawnFont {

@@ -38,7 +38,7 @@ struct Region {
     }
 };
 
-TEST(BinarizeRegion, MaskingModesDecideWhichLevelsAreInk)
+TEST(BinarizeRegion, MaskingModesDecideWhichLevelsAreInkAndOddSizesAreRefused)
 {
     struct Case { std::int32_t threshold, mask, level; bool ink; };
     const std::vector<Case> cases = {
@@ -58,10 +58,8 @@ TEST(BinarizeRegion, MaskingModesDecideWhichLevelsAreInk)
         Region region(1, 1, c.level);
         EXPECT_EQ(region.binarize(c.threshold, c.mask), c.ink ? "0001" : "0000");
     }
-}
 
-TEST(BinarizeRegion, EmptyOversizedAndTallerThanThirtyOneBits)
-{
+    // Empty, oversized and taller than thirty-one bits.
     Region tall(1, 32, 0);
     tall.levels.at(0, 0, 30) = 1020;
     EXPECT_EQ(tall.binarize(133, -1), "0000");
@@ -175,7 +173,7 @@ struct CaptionLog : CaptionSink {
     }
 };
 
-TEST(RecognizeNumber, TraceAndProgressCaptionsFollowEveryStep)
+TEST(RecognizeNumber, TraceAndProgressCaptionsFollowEveryStepAndImpossibleArgumentsThrow)
 {
     CaptionLog recorder;
     const std::string columns = kExp[4] + blank(2) + kExp[2] + kExp[10] + blank(1);
@@ -192,17 +190,13 @@ TEST(RecognizeNumber, TraceAndProgressCaptionsFollowEveryStep)
         EXPECT_EQ(RecognizeNumber(RegionExp, input, true).trace.back(), last);
     }
     EXPECT_EQ(joinTrace({"a", "b", "c"}), "a\r\nb\r\nc");
-}
 
-TEST(RecognizeNumber, RejectsImpossibleArguments)
-{
-    const std::string columns = kExp[1] + kExp[10] + blank(1);
-    EXPECT_THROW(RecognizeNumber(3, RecognizerInput{columns, &kExp, 5, 11, {}}), RuntimeError);
-    EXPECT_THROW(RecognizeNumber(RegionExp, RecognizerInput{columns, &kExp, -1, 11, {}}), RuntimeError);
-    // An empty template with a zero glyph width would match forever.
+    // Impossible arguments; an empty template with a zero glyph width would match forever.
+    EXPECT_THROW(RecognizeNumber(3, RecognizerInput{columns, &kExp, 5, width, {}}), RuntimeError);
+    EXPECT_THROW(RecognizeNumber(RegionExp, RecognizerInput{columns, &kExp, -1, width, {}}), RuntimeError);
     PatternSet patterns = kExp;
     patterns[0] = "";
-    EXPECT_THROW(RecognizeNumber(RegionExp, RecognizerInput{columns, &patterns, 0, 11, {}}), RuntimeError);
+    EXPECT_THROW(RecognizeNumber(RegionExp, RecognizerInput{columns, &patterns, 0, width, {}}), RuntimeError);
 }
 
 TEST(RecognizeNumber, TheWalkEndsWithTheColumnDataHoweverWideTheRegionClaimsToBe)
