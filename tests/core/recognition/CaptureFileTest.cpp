@@ -89,12 +89,10 @@ TEST(CaptureFile, LoadChecksThePathBeforeTheFile)
     Frame frame(3, 2);
     ASSERT_TRUE(writeBitmap24(folder / "Capture.BMP", frame));
     const std::vector<std::uint8_t> whole = encodeBitmap24(frame);
-    {
-        std::ofstream(folder / "Capture.png", std::ios::binary) << "not a bitmap";
-        std::ofstream(folder / "fake.bmp", std::ios::binary) << "GIF89a";
-        std::ofstream(folder / "short.bmp", std::ios::binary)
-            .write(reinterpret_cast<const char*>(whole.data()), static_cast<std::streamsize>(whole.size() - 1));
-    }
+    std::ofstream(folder / "Capture.png", std::ios::binary) << "not a bitmap";
+    std::ofstream(folder / "fake.bmp", std::ios::binary) << "GIF89a";
+    std::ofstream(folder / "short.bmp", std::ios::binary)
+        .write(reinterpret_cast<const char*>(whole.data()), static_cast<std::streamsize>(whole.size() - 1));
     std::filesystem::create_directory(folder / "folder.bmp");
 
     // One bitmap for all, as a caller reading a folder of images keeps it: each refusal comes

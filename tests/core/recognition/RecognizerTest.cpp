@@ -102,17 +102,9 @@ TEST(BinarizeRegion, PaintedDigitsBinariseBackToTheirColumns)
 // the reading fails and says which templates are not whole, where the walk would drop the digit.
 TEST(RecognizeNumber, OutcomesFollowTheWalkRules)
 {
-    struct Case {
-        const char* name;
-        std::string columns;
-        std::int32_t regionWidth; // -1: as wide as the columns
-        std::string digits;
-        std::string caption;
-        std::string untaught = "";
-        int changed = -1; // the template replaced by `to`
-        std::string to = "";
-        std::string separator = "";
-    };
+    // regionWidth -1: as wide as the columns; `changed`: the template replaced by `to`.
+    struct Case { const char* name; std::string columns; std::int32_t regionWidth; std::string digits, caption,
+                  untaught = ""; int changed = -1; std::string to = "", separator = ""; };
     const std::string delimiter = kExp[10];
     const std::string comma = "01800000";
     const std::string ng = "認識NG";

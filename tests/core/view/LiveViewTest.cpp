@@ -12,12 +12,7 @@ namespace {
 
 TEST(LiveViewTest, TheStateOfTheReadingsAtAGlance)
 {
-    struct Case {
-        bool running, suspended, alarm;
-        Stall stall;
-        bool latestValid;
-        const char* expected;
-    };
+    struct Case { bool running, suspended, alarm; Stall stall; bool latestValid; const char* expected; };
     // Stopped, waiting, reading, stalled without a gain and suspended are the windows' (LiveWindowsTest).
     for (const Case& c : {
              Case{true, false, false, Stall::None, false, "認識失敗"},
