@@ -14,8 +14,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <fstream>
-#include <limits>
 
 namespace tvx {
 namespace {
@@ -299,8 +299,6 @@ TEST_F(ConfigFileTest, UnicodeFilesAreReadAndAMissingRecordFolderFallsBackToTheP
 
 TEST_F(ConfigFileTest, EveryRangedSettingKeepsItsBoundsAndFollowsItsRuleBeyondThem)
 {
-    constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
-    constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
     for (const SettingRange& range : settingRanges()) {
         for (std::size_t i = 0; i < range.count; ++i) {
             const std::string name = settingName(range, i);
@@ -308,10 +306,9 @@ TEST_F(ConfigFileTest, EveryRangedSettingKeepsItsBoundsAndFollowsItsRuleBeyondTh
                 return [&range, i, value](Settings& s) {
                     range.field(s, i) = value;
                     // Templates that fit a glyph width, so that a width can be tried on its own.
-                    if (range.name.starts_with("ReferenceSize(#).Width")) {
+                    if (range.name.starts_with("ReferenceSize(#).Width"))
                         for (std::string& pattern : s.PatternStrings[i])
                             pattern.assign(4 * static_cast<std::size_t>(std::clamp(value, 0, 100)), '0');
-                    }
                 };
             };
             for (const std::int32_t inside : {range.low, range.high}) {
@@ -319,8 +316,8 @@ TEST_F(ConfigFileTest, EveryRangedSettingKeepsItsBoundsAndFollowsItsRuleBeyondTh
                 EXPECT_EQ(range.field(m_settings, i), inside) << name;
             }
             for (const std::int64_t wide : {std::int64_t{range.low} - 1, std::int64_t{range.high} + 1,
-                                            std::int64_t{kMin}, std::int64_t{kMax}}) {
-                if (wide < kMin || wide > kMax || (wide >= range.low && wide <= range.high))
+                                            std::int64_t{INT32_MIN}, std::int64_t{INT32_MAX}}) {
+                if (wide < INT32_MIN || wide > INT32_MAX || (wide >= range.low && wide <= range.high))
                     continue;
                 const auto outside = static_cast<std::int32_t>(wide);
                 SCOPED_TRACE(name + " = " + std::to_string(outside));
