@@ -71,11 +71,9 @@ TEST(TemplateLearnerTest, ImagesThatDoNotFitAreRefusedAndChangeNothingAndTypedNu
     EXPECT_EQ(std::tuple(otherFont.refusal, otherFont.glyph, otherFont.imageWidth),
               std::tuple(LearnRefusal::Contradiction, -1, 5));
 
+    EXPECT_EQ(learner.add(toCaptureBitmap(Frame(300, 200)), "5").refusal, LearnRefusal::OutsideImage);
     EXPECT_EQ(learner.imageCount(), 2u);
     EXPECT_EQ(learner.patterns(), before);
-
-    TemplateLearner outside(kDefaults, RegionExp);
-    EXPECT_EQ(outside.add(toCaptureBitmap(Frame(300, 200)), "5").refusal, LearnRefusal::OutsideImage);
 
     // Typed numbers may carry separators.
     const std::pair<const char*, std::optional<std::string>> typed[] = {
@@ -209,10 +207,8 @@ int readForty(DrawnScreens& screens, const Settings& settings)
     for (int i = 0; i < 40; ++i) {
         auto [image, digits] = screens.next();
         const std::string read = readWith(settings, image);
+        EXPECT_TRUE(read == digits || read.empty()) << "screen " << i << " shows " << digits << ", read " << read;
         right += read == digits ? 1 : 0;
-        if (read != digits) {
-            EXPECT_EQ(read, "") << "screen " << i << " shows " << digits;
-        }
     }
     return right;
 }

@@ -66,10 +66,9 @@ TEST(BinarizeRegion, MaskingModesDecideWhichLevelsAreInkAndOddSizesAreRefused)
     tall.levels.at(0, 0, 31) = 1020;
     test::expectError(ErrorNumber::Overflow, [&] { tall.binarize(133, -1); });
 
-    std::string columns = "stale";
-    BinarizeRegion(tall.levels, 0, {0, 0, 0, 5}, 133, -1, columns);
-    EXPECT_EQ(columns, "");
-    EXPECT_THROW(BinarizeRegion(tall.levels, 0, {0, 0, 5, 2}, 133, -1, columns), RuntimeError);
+    EXPECT_EQ(Region(0, 5, 0).binarize(133, -1), "");
+    tall.rect = {0, 0, 5, 2}; // wider than its pixels
+    EXPECT_THROW(tall.binarize(133, -1), RuntimeError);
 }
 
 // The experience region's built-in templates: digits 0 to 9, then the delimiter (10).

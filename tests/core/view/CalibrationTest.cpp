@@ -100,8 +100,7 @@ TEST(CalibrationTest, TheCommandsAreLoggedAndSayWhatHappened)
     calibration.setTyped(RegionExp, "  1,234,567 "); // blanks around do not count
     EXPECT_EQ(calibration.view(RegionExp).typed, "1,234,567");
     EXPECT_EQ(calibration.learnCommand(), "");
-    const std::string text = calibration.view(RegionExp).text;
-    EXPECT_HOLDS(text, "\n読み返し： 1234567 → 1234567　未学習： 089");
+    EXPECT_HOLDS(calibration.view(RegionExp).text, "\n読み返し： 1234567 → 1234567　未学習： 089");
 
     Settings settings = kDefaults;
     calibration.applyCommand(settings);
