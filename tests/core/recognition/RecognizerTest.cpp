@@ -38,7 +38,7 @@ struct Region {
     }
 };
 
-TEST(BinarizeRegion, MaskingModesDecideWhichLevelsAreInk)
+TEST(BinarizeRegion, MaskingModesDecideWhichLevelsAreInkAndOddSizesAreRefused)
 {
     struct Case { std::int32_t threshold, mask, level; bool ink; };
     const std::vector<Case> cases = {
@@ -58,20 +58,17 @@ TEST(BinarizeRegion, MaskingModesDecideWhichLevelsAreInk)
         Region region(1, 1, c.level);
         EXPECT_EQ(region.binarize(c.threshold, c.mask), c.ink ? "0001" : "0000");
     }
-}
 
-TEST(BinarizeRegion, EmptyOversizedAndTallerThanThirtyOneBits)
-{
+    // Empty, oversized and taller than thirty-one bits.
     Region tall(1, 32, 0);
     tall.levels.at(0, 0, 30) = 1020;
     EXPECT_EQ(tall.binarize(133, -1), "0000");
     tall.levels.at(0, 0, 31) = 1020;
     test::expectError(ErrorNumber::Overflow, [&] { tall.binarize(133, -1); });
 
-    std::string columns = "stale";
-    BinarizeRegion(tall.levels, 0, {0, 0, 0, 5}, 133, -1, columns);
-    EXPECT_EQ(columns, "");
-    EXPECT_THROW(BinarizeRegion(tall.levels, 0, {0, 0, 5, 2}, 133, -1, columns), RuntimeError);
+    EXPECT_EQ(Region(0, 5, 0).binarize(133, -1), "");
+    tall.rect = {0, 0, 5, 2}; // wider than its pixels
+    EXPECT_THROW(tall.binarize(133, -1), RuntimeError);
 }
 
 // The experience region's built-in templates: digits 0 to 9, then the delimiter (10).
@@ -104,17 +101,9 @@ TEST(BinarizeRegion, PaintedDigitsBinariseBackToTheirColumns)
 // the reading fails and says which templates are not whole, where the walk would drop the digit.
 TEST(RecognizeNumber, OutcomesFollowTheWalkRules)
 {
-    struct Case {
-        const char* name;
-        std::string columns;
-        std::int32_t regionWidth; // -1: as wide as the columns
-        std::string digits;
-        std::string caption;
-        std::string untaught = "";
-        int changed = -1; // the template replaced by `to`
-        std::string to = "";
-        std::string separator = "";
-    };
+    // regionWidth -1: as wide as the columns; `changed`: the template replaced by `to`.
+    struct Case { const char* name; std::string columns; std::int32_t regionWidth; std::string digits, caption,
+                  untaught = ""; int changed = -1; std::string to = "", separator = ""; };
     const std::string delimiter = kExp[10];
     const std::string comma = "01800000";
     const std::string ng = "認識NG";
@@ -175,7 +164,7 @@ struct CaptionLog : CaptionSink {
     }
 };
 
-TEST(RecognizeNumber, TraceAndProgressCaptionsFollowEveryStep)
+TEST(RecognizeNumber, TraceAndProgressCaptionsFollowEveryStepAndImpossibleArgumentsThrow)
 {
     CaptionLog recorder;
     const std::string columns = kExp[4] + blank(2) + kExp[2] + kExp[10] + blank(1);
@@ -192,17 +181,13 @@ TEST(RecognizeNumber, TraceAndProgressCaptionsFollowEveryStep)
         EXPECT_EQ(RecognizeNumber(RegionExp, input, true).trace.back(), last);
     }
     EXPECT_EQ(joinTrace({"a", "b", "c"}), "a\r\nb\r\nc");
-}
 
-TEST(RecognizeNumber, RejectsImpossibleArguments)
-{
-    const std::string columns = kExp[1] + kExp[10] + blank(1);
-    EXPECT_THROW(RecognizeNumber(3, RecognizerInput{columns, &kExp, 5, 11, {}}), RuntimeError);
-    EXPECT_THROW(RecognizeNumber(RegionExp, RecognizerInput{columns, &kExp, -1, 11, {}}), RuntimeError);
-    // An empty template with a zero glyph width would match forever.
+    // Impossible arguments; an empty template with a zero glyph width would match forever.
+    EXPECT_THROW(RecognizeNumber(3, RecognizerInput{columns, &kExp, 5, width, {}}), RuntimeError);
+    EXPECT_THROW(RecognizeNumber(RegionExp, RecognizerInput{columns, &kExp, -1, width, {}}), RuntimeError);
     PatternSet patterns = kExp;
     patterns[0] = "";
-    EXPECT_THROW(RecognizeNumber(RegionExp, RecognizerInput{columns, &patterns, 0, 11, {}}), RuntimeError);
+    EXPECT_THROW(RecognizeNumber(RegionExp, RecognizerInput{columns, &patterns, 0, width, {}}), RuntimeError);
 }
 
 TEST(RecognizeNumber, TheWalkEndsWithTheColumnDataHoweverWideTheRegionClaimsToBe)

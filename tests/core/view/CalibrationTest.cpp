@@ -100,34 +100,25 @@ TEST(CalibrationTest, TheCommandsAreLoggedAndSayWhatHappened)
     calibration.setTyped(RegionExp, "  1,234,567 "); // blanks around do not count
     EXPECT_EQ(calibration.view(RegionExp).typed, "1,234,567");
     EXPECT_EQ(calibration.learnCommand(), "");
-    const std::string text = calibration.view(RegionExp).text;
-    EXPECT_HOLDS(text, "\n読み返し： 1234567 → 1234567　未学習： 089");
+    EXPECT_HOLDS(calibration.view(RegionExp).text, "\n読み返し： 1234567 → 1234567　未学習： 089");
 
     Settings settings = kDefaults;
     calibration.applyCommand(settings);
     EXPECT_EQ(settings.ReferenceSize[RegionExp].Width, calibration.view(RegionExp).width);
     EXPECT_NE(settings.PatternStrings[RegionExp][1], kDefaults.PatternStrings[RegionExp][1]);
     EXPECT_HOLDS(test::readAll(log.path()), "Click : Calibration Capture ");
-}
 
-TEST(CalibrationTest, TheNumberFieldsTakeDigitsSeparatorsAndTheSkippingDash)
-{
+    // The number fields take digits, separators and the skipping dash.
     for (const char32_t c : {U'0', U'5', U'9', U',', U' ', U'-'})
         EXPECT_TRUE(Calibration::acceptsNumberCharacter(c)) << static_cast<std::uint32_t>(c);
     for (const char32_t c : {U'a', U'.', U'+', U'\u3000', U'\uFF11', U'\t'})
         EXPECT_FALSE(Calibration::acceptsNumberCharacter(c)) << static_cast<std::uint32_t>(c);
 }
 
-RegionPicker pickerOnGameScreen()
+TEST(RegionPickerTest, PicturePointsMapToScreenPixelsAtEveryZoomAndADragSpansItsCornerPixels)
 {
     RegionPicker picker(defaultSettings(""));
     picker.setScreen(test::gameCapture({"137", "4567890", "1234567890"}));
-    return picker;
-}
-
-TEST(RegionPickerTest, PicturePointsMapToScreenPixelsAtEveryZoom)
-{
-    RegionPicker picker = pickerOnGameScreen();
     struct Case { std::int32_t zoomAsked, zoom, x, y, pixelX, pixelY; };
     const Case cases[] = {
         {1, 1, 10, 20, 10, 20},    {2, 2, 21, 41, 10, 20}, {3, 2, 21, 41, 10, 20},
@@ -137,25 +128,21 @@ TEST(RegionPickerTest, PicturePointsMapToScreenPixelsAtEveryZoom)
         picker.setZoom(c.zoomAsked);
         EXPECT_EQ(picker.zoom(), c.zoom) << c.zoomAsked;
         const ScreenPoint p = picker.screenPixel(c.x, c.y);
-        EXPECT_EQ(p.x, c.pixelX) << c.zoomAsked << " " << c.x;
-        EXPECT_EQ(p.y, c.pixelY) << c.zoomAsked << " " << c.y;
+        EXPECT_EQ(std::pair(p.x, p.y), std::pair(c.pixelX, c.pixelY)) << c.zoomAsked << " " << c.x << "," << c.y;
     }
-}
 
-TEST(RegionPickerTest, ADragSpansTheRectangleOfItsCornerPixelsAndANudgeStaysOnTheScreen)
-{
-    RegionPicker picker = pickerOnGameScreen();
+    // A drag spans the rectangle of its corner pixels.
     picker.setZoom(4);
     picker.selectRegion(RegionExp);
-    struct Case { std::int32_t fromX, fromY, toX, toY; CaptureRegionRect rect; };
-    const Case cases[] = {
+    struct Drag { std::int32_t fromX, fromY, toX, toY; CaptureRegionRect rect; };
+    const Drag drags[] = {
         {400, 2000, 763, 2035, {100, 500, 91, 9}}, // right and down; both corners included
         {763, 2035, 400, 2000, {100, 500, 91, 9}}, // left and up gives the same
         {400, 2000, 403, 2003, {100, 500, 1, 1}},  // a click is one pixel
         {400, 2000, 800, 2200, {100, 500, 101, 51}}, // taller than a column group: read by shape
         {400, 2200, 800, 2000, {100, 500, 101, 51}}, // the same region again, dragged up
     };
-    for (const Case& c : cases) {
+    for (const Drag& c : drags) {
         picker.press(c.fromX, c.fromY);
         picker.drag((c.fromX + c.toX) / 2, (c.fromY + c.toY) / 2);
         EXPECT_TRUE(picker.dragging());

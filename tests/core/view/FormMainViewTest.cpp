@@ -57,7 +57,7 @@ protected:
     FormMainCommands commands{meter, log, temp.path()};
 };
 
-TEST_F(FormMainCommandsTest, EachCommandLogsAndSaysWhatTheWindowDoes)
+TEST_F(FormMainCommandsTest, EachCommandLogsAndSaysWhatTheWindowDoesClosingMarksTheStateAndDocumentsOpen)
 {
     // The rest are the meter's alone; each click is logged as its own line.
     const std::map<MenuCommand, WindowAction> actions = {
@@ -76,17 +76,18 @@ TEST_F(FormMainCommandsTest, EachCommandLogsAndSaysWhatTheWindowDoes)
     EXPECT_EQ(machine.count("message 実行エラー: 使用方法M.mhtファイルが見つかりません。"), 1u);
     EXPECT_HOLDS(meter.logBox().text(), "まだキャプチャしていません\r\n");
     EXPECT_LACKS(logText(), "Error Trap");
-}
-
-TEST_F(FormMainCommandsTest, HelpDocumentsOpenFromTheirFolder)
-{
+    // A document that is there opens from the folder given, with no message beyond the three missing above.
     commands.setDocumentFolder(temp.path() / "docs");
-    // The other two documents are named where they are missing (EachCommandLogsAndSaysWhatTheWindowDoes).
     const std::string path = pathUtf8(temp.path() / "docs" / utf8Path("とりあえず始めよう.mht"));
     machine.existingFiles = {path};
     EXPECT_EQ(commands.run(MenuCommand::Quick), WindowAction::None);
     EXPECT_EQ(machine.count("open " + path), 1u);
-    EXPECT_EQ(machine.count("message "), 0u);
+    EXPECT_EQ(machine.count("message "), 3u);
+
+    commands.closing(); // the log box's last line and the debug log's are the windows' (MainWindowTest)
+    EXPECT_TRUE(meter.state().closing);
+    const auto timerMs = &FormMainCommands::captureTimerMs;
+    EXPECT_EQ((std::array{timerMs(0), timerMs(3), timerMs(60)}), (std::array{10000, 1501, 10000}));
 }
 
 TEST(FormMainLanguage, HelpDocumentsAndRelabellingFollowTheLanguage)
@@ -117,14 +118,6 @@ TEST(FormMainLanguage, HelpDocumentsAndRelabellingFollowTheLanguage)
     settings.UiLanguage = "ja";
     EXPECT_TRUE(followLanguageSetting(settings, Language::English));
     EXPECT_EQ(currentLanguage(), Language::Japanese);
-}
-
-TEST_F(FormMainCommandsTest, ClosingMarksTheStateAndTheTimerFollowsTheInterval)
-{
-    commands.closing(); // the log box's last line and the debug log's are the windows' (MainWindowTest)
-    EXPECT_TRUE(meter.state().closing);
-    const auto timerMs = &FormMainCommands::captureTimerMs;
-    EXPECT_EQ((std::array{timerMs(0), timerMs(3), timerMs(60)}), (std::array{10000, 1501, 10000}));
 }
 
 // Five pixels a byte: wide enough to tell the labels apart, easy to reckon.
@@ -165,7 +158,7 @@ protected:
     int changes = 0;
 };
 
-TEST_F(GraphFrameViewTest, LaysOutTheGridAndLabelsWithTheirTipsAndAlignment)
+TEST_F(GraphFrameViewTest, LaysOutTheGridAndLabelsAndClicksFindTheirLabelOrThePicture)
 {
     view.GraphFrameDisplay();
     EXPECT_EQ(view.grid().linGraphX[4].x1, 399);
@@ -174,22 +167,6 @@ TEST_F(GraphFrameViewTest, LaysOutTheGridAndLabelsWithTheirTipsAndAlignment)
     EXPECT_EQ(view.label(GraphLabel::El0).align, TextAlign::Right);
     EXPECT_GT(changes, 0);
     EXPECT_TRUE(logText().empty()) << logText();
-}
-
-TEST_F(GraphFrameViewTest, WideScalesKeepSixExperienceCharactersAndEveryMoneyDigit)
-{
-    for (int i = 0; i < 4; ++i)
-        buffer.AddGraphData(Currency::fromDouble(150000.0), Currency::fromDouble(150000.0), 3, settings.GraphTimeScale);
-    view.GraphFrameDisplay();
-    // The experience column keeps six characters; the money column is not cut.
-    EXPECT_EQ(view.label(GraphLabel::El0).text, "00,000");
-    EXPECT_EQ(view.label(GraphLabel::Ml0).text, "100,000");
-    EXPECT_GT(view.label(GraphLabel::Ml0).rect.width, GraphFrameView::kScaleLabelWidth);
-}
-
-TEST_F(GraphFrameViewTest, ClicksFindTheirLabelOrThePicture)
-{
-    view.GraphFrameDisplay();
     clickOn(GraphLabel::Tl1);
     clickOn(GraphLabel::Tl1);
     clickOn(GraphLabel::Tl0);
@@ -206,7 +183,7 @@ TEST_F(GraphFrameViewTest, ClicksFindTheirLabelOrThePicture)
     EXPECT_EQ(test::countOf(logText(), "Click : Graph Refresh "), 1u) << logText();
 }
 
-TEST_F(GraphFrameViewTest, CurvesFollowTheBufferUnlessBothMenusAreEnabled)
+TEST_F(GraphFrameViewTest, ScalesFollowTheBufferUnlessBothMenusAreEnabled)
 {
     for (const auto& [e, m] : {std::pair{120.0, -1.0}, {300.0, 40.0}, {250.0, 55.0}, {80.0, -1.0}})
         buffer.AddGraphData(Currency::fromDouble(e), Currency::fromDouble(m), 3, settings.GraphTimeScale);
@@ -217,6 +194,14 @@ TEST_F(GraphFrameViewTest, CurvesFollowTheBufferUnlessBothMenusAreEnabled)
     controls.stopEnabled = true;
     view.GraphDataDisplay(0, 0.2f);
     EXPECT_EQ(view.label(GraphLabel::El0).text, "   400");
+
+    // Wide scales: the experience column keeps six characters; the money column is not cut.
+    controls.stopEnabled = false;
+    buffer.AddGraphData(Currency::fromDouble(150000.0), Currency::fromDouble(150000.0), 3, settings.GraphTimeScale);
+    view.GraphFrameDisplay();
+    EXPECT_EQ(view.label(GraphLabel::El0).text, "00,000");
+    EXPECT_EQ(view.label(GraphLabel::Ml0).text, "100,000");
+    EXPECT_GT(view.label(GraphLabel::Ml0).rect.width, GraphFrameView::kScaleLabelWidth);
 }
 
 TEST(GraphFrameViewBlank, WithoutSettingsItNeitherDrawsNorLogs)

@@ -12,12 +12,7 @@ namespace {
 
 TEST(LiveViewTest, TheStateOfTheReadingsAtAGlance)
 {
-    struct Case {
-        bool running, suspended, alarm;
-        Stall stall;
-        bool latestValid;
-        const char* expected;
-    };
+    struct Case { bool running, suspended, alarm; Stall stall; bool latestValid; const char* expected; };
     // Stopped, waiting, reading, stalled without a gain and suspended are the windows' (LiveWindowsTest).
     for (const Case& c : {
              Case{true, false, false, Stall::None, false, "認識失敗"},
@@ -76,8 +71,7 @@ TEST(HistoryViewTest, SessionsNewestFirstAndTotalsPerDayAndWeek)
               (std::vector<std::string>{"2025/06/04", "1", "10.0", "100,000", "600", "", "", "1", "0"}));
     const HistoryTable weeks = historyWeeks(rows);
     ASSERT_EQ(weeks.rows.size(), 2u);
-    EXPECT_EQ(weeks.rows[0][0], "2025/06/02");
-    EXPECT_EQ(weeks.rows[1][0], "2025/05/26");
+    EXPECT_EQ(std::tie(weeks.rows[0][0], weeks.rows[1][0]), std::tuple("2025/06/02", "2025/05/26"));
 
     const std::string csv = historyCsv(rows);
     EXPECT_EQ(csv.substr(0, 3), "\xEF\xBB\xBF");

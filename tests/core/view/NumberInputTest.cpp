@@ -7,13 +7,6 @@ namespace {
 
 using Warning = NumberInput::Warning;
 
-NumberInput opened(const char* a, const char* b, double proposed = 0, const char* step = "1", const char* title = "")
-{
-    NumberInput input;
-    input.open(a, b, proposed, step, "値を入力してください", title);
-    return input;
-}
-
 TEST(NumberInputTest, ConfirmationChecksCharactersThenTheLimits)
 {
     const Warning invalid{"無効文字が含まれています。", "入力チェック", false};
@@ -26,17 +19,19 @@ TEST(NumberInputTest, ConfirmationChecksCharactersThenTheLimits)
         {"", below, 19999},          {"-", below, 19999},
     };
     for (const Case& c : cases) {
-        NumberInput input = opened("1200", "5", 100);
+        NumberInput input;
+        input.open("1200", "5", 100, "1", "値を入力してください", "");
         input.setText(c.text);
         EXPECT_EQ(input.confirm(), c.warning) << c.text;
         EXPECT_EQ(std::pair(input.done(), input.result()), std::pair(!c.warning, c.result)) << c.text;
     }
-    NumberInput input = opened("0", "10", 1);
+    NumberInput input;
+    input.open("0", "10", 1, "1", "値を入力してください", "");
     input.setText("1x");
     EXPECT_EQ(std::tuple(input.decrement(), input.text()), std::tuple(invalid, "1x")) << "as 決定 and the other button do";
 }
 
-TEST(NumberInputTest, TheKeyFilterAndWhatEnterDoesWhereTheFocusIs)
+TEST(NumberInputTest, KeyFilterEnterNumericValueAndTheTextualCharacterCheck)
 {
     using Key = NumberInput::Key;
     // Digits, E, minus, letters, commas and plus as typed into the window: NumberDialogTest.
@@ -49,10 +44,7 @@ TEST(NumberInputTest, TheKeyFilterAndWhatEnterDoesWhereTheFocusIs)
 
     // Enter in the field, on 決定 and on キャンセル is played through the windows (NumberDialogTest).
     EXPECT_EQ(NumberInput::enterAction(NumberInput::Focus::StepButton), NumberInput::EnterAction::FocusEnter);
-}
 
-TEST(NumberInputTest, NumericValueAndTheTextualCharacterCheck)
-{
     const std::pair<const char*, double> values[] = {
         {"1E3", 1000}, {" 1 2 ", 12}, {"12abc", 12}, {"", 0},     {"-", 0},      {"-.5", -0.5},
         {"1.2.3", 1.2}, {"e5", 0},    {"+7", 7},     {"3e", 3},   {"2E-1", 0.2}, {"1e400", 0},
