@@ -95,10 +95,7 @@ TEST_P(LanguagesTest, TheMainWindowAndTheCompactWindowFitWithASessionRunning)
 }
 
 INSTANTIATE_TEST_SUITE_P(Translated, LanguagesTest, testing::ValuesIn(kLanguages),
-                         [](const testing::TestParamInfo<Language>& info) {
-                             return std::string(info.param == Language::Japanese ? "Japanese"
-                                                : info.param == Language::English ? "English" : "Korean");
-                         });
+                         [](const testing::TestParamInfo<Language>& info) { return languageCode(info.param); });
 
 } // namespace
 } // namespace tvx::test
