@@ -37,7 +37,6 @@ protected:
         frame.setDebugLog(&log);
     }
 
-    void click(GraphLabel which) { QTest::mouseClick(frame.label(which), Qt::LeftButton); }
     std::string logText() const { return test::readAll(log.path()); }
 
     test::FakeClock clock;
@@ -82,7 +81,7 @@ TEST_F(GraphFrameTest, PaintsCurvesOfASmallHistoryAndTrapsWhatFails)
 
     // A time scale longer than the buffer reads past it; the frame too small for a picture.
     settings.GraphTimeScale = 600;
-    click(GraphLabel::Tl1);
+    QTest::mouseClick(frame.label(GraphLabel::Tl1), Qt::LeftButton);
     EXPECT_EQ(view.timeShift, -89);
     frame.resize(60, 20);
     frame.GraphFrameDisplay();

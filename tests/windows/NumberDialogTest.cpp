@@ -10,8 +10,6 @@ namespace {
 using Key = WindowDriver::Key;
 using Button = Desktop::Button;
 
-constexpr double kCancelled = 19999;
-
 class NumberDialogTest : public testing::Test {
 protected:
     WindowDriver& dialog() { return host->numberDialog(); }
@@ -164,7 +162,7 @@ TEST_F(NumberDialogTest, CancelCloseEscapeAndEnterOnCancelAnswerTheSentinel)
                   leave(dialog());
                   return true;
               }}),
-                  kCancelled);
+                  Prompter::kCancelled);
         EXPECT_FALSE(dialog().isOpen());
     }
 }
