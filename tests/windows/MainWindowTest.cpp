@@ -27,17 +27,6 @@
 namespace tvx::test {
 namespace {
 
-// The texts the compact window draws for a view, in its order.
-std::vector<std::string> compactTexts(const LiveView& view)
-{
-    std::vector<std::string> texts{view.stateText, view.levelText};
-    for (const LiveLine& line : view.compact) {
-        texts.push_back(line.caption);
-        texts.push_back(line.value);
-    }
-    return texts;
-}
-
 class MainWindowTest : public testing::Test {
 protected:
     MainWindowTest()
@@ -189,10 +178,14 @@ TEST_F(LiveWindowsTest, TheLiveLinesAndTheCompactWindowDrawTheLiveViewWholeAndFo
         EXPECT_EQ(window.text("lblLiveRates"), view.rates) << when;
         EXPECT_EQ(window.text("lblLiveOutlook"), view.outlook) << when;
         EXPECT_TRUE(window.fits("lblLiveRates") && window.fits("lblLiveOutlook")) << when;
+        // The compact window draws the view's texts in order, whole, over the game without taking the focus.
+        std::vector<std::string> texts{view.stateText, view.levelText};
+        for (const LiveLine& line : view.compact) {
+            texts.push_back(line.caption);
+            texts.push_back(line.value);
+        }
         const MainWindowHost::CompactShown compact = host->compactShown();
-        // Whole, and over the game without taking the focus.
-        const auto expected = std::tuple(compactTexts(view), true, true);
-        EXPECT_EQ(std::tuple(compact.texts, compact.whole, compact.overGame), expected) << when;
+        EXPECT_EQ(std::tuple(compact.texts, compact.whole, compact.overGame), std::tuple(texts, true, true)) << when;
         return view;
     };
     EXPECT_EQ(expectShown("waiting").stateText, "待機中");
