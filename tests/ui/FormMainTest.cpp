@@ -1,9 +1,17 @@
+// What only the Qt front end has: the program's start, the main window's own parts, its graph frame and the
+// compact window's painting; what both front ends share is in tests/windows.
+#include "AppStart.h"
 #include "FormCompact.h"
 #include "FormDirectX.h"
 #include "FormMain.h"
 #include "GraphFrame.h"
+#include "GraphPicture.h"
+#include "StartGuard.h"
 #include "base/Utf8Path.h"
 
+#include "config/ConfigFile.h"
+#include "graph/GraphLayout.h"
+#include "graph/clsGraphBuffer.h"
 #include "meter/Meter.h"
 #include "view/LiveView.h"
 #include "shell/DebugLog.h"
@@ -13,9 +21,7 @@
 #include "support/ScriptedPrompter.h"
 #include "support/TempFolder.h"
 #include "support/TextChecks.h"
-
-#include "config/ConfigFile.h"
-#include "graph/GraphLayout.h"
+#include "support/WindowDriver.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -27,13 +33,87 @@
 #include <QApplication>
 #include <QDialog>
 #include <QEnterEvent>
+#include <QImage>
 #include <QToolButton>
 #include <QTest>
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 namespace tvx {
 namespace {
+
+TEST(StartGuard, RefusesASecondInstanceAndTheTemporaryFolder)
+{
+    test::TempFolder home;
+    test::TempFolder other;
+    test::ScriptedPrompter prompter;
+    const std::pair<std::string, std::string> noTemp{"", ""};
+
+    auto first = app::guardStart(home.path(), home.path(), noTemp, prompter);
+    ASSERT_TRUE(first);
+    EXPECT_FALSE(app::guardStart(home.path(), home.path(), noTemp, prompter));
+    ASSERT_EQ(prompter.shown.size(), 1u);
+    EXPECT_EQ(prompter.shown[0].text, "既にプログラムは起動しています。");
+    EXPECT_EQ(prompter.shown[0].title, "起動エラー");
+    EXPECT_TRUE(app::guardStart(other.path(), other.path(), noTemp, prompter)) << "another home is another meter";
+    first.reset();
+    EXPECT_TRUE(app::guardStart(home.path(), home.path(), noTemp, prompter)) << "free again once the first ended";
+
+    prompter.shown.clear();
+    const std::string temp = pathUtf8(home.path().parent_path());
+    EXPECT_FALSE(app::guardStart(home.path(), home.path() / "Tallivex", {temp, ""}, prompter));
+    ASSERT_EQ(prompter.shown.size(), 1u);
+    EXPECT_EQ(prompter.shown[0].text.substr(0, prompter.shown[0].text.find("\r\n")), "テンポラリフォルダでは実行できません。");
+}
+
+TEST(StartUp, TheDebugLogTellsTheRunInOrder)
+{
+    test::TempFolder home;
+    test::TempFolder program;
+    test::FakeMachine machine;
+    test::ScriptedPrompter prompter;
+    test::MarkingCodec codec;
+    Settings settings = defaultSettings(pathUtf8(home.path()));
+    settings.SaveFolder = pathUtf8(home.path());
+    DebugLog log(home.path(), machine.clock);
+    ConfigFile config(settings, home.path(), prompter, codec, &log);
+    const app::LibraryCheck check{{{"present.so", "x"}, {"missing.so", "warning"}},
+                                  [](const std::string& name) { return name == "present.so"; }};
+    prompter.answers = {true, true}; // a first start: full screen, confirmed
+    app::startUp(log, programTitle("MapleStory"), program.path(), check, prompter, config, "ja_JP.UTF-8");
+    settings.StartDelay = 0;
+    {
+        const auto host = test::makeMainWindowHost(settings, log, machine);
+        host->load();
+        host->close();
+    }
+    machine.events.clear();
+    app::unload(log, EnvironmentFacts{}, machine);
+
+    const std::string text = test::readAll(log.path());
+    const std::string lines[] = {
+        "Starting Program  Tallivex  for MapleStory    Ver.2.20\r\n",
+        "Execute Folder : " + pathUtf8(program.path()) + "\r\n",
+        "System File of missing.so is Not Find ",
+        "Result of System File Check : A missing item ",
+        "Reading ConfigFile ･･･ End ",
+        "Log AutoStart ･･･ ",
+        "Program StartUp Complete ",
+        "Closing Program ･･･ ",
+        "End of the Program ",
+        "OperatingInformation",
+    };
+    std::size_t at = 0;
+    for (const std::string& line : lines) {
+        const std::size_t found = text.find(line, at);
+        ASSERT_NE(found, std::string::npos) << line << "\n" << text;
+        at = found;
+    }
+    EXPECT_LACKS(text, "System File of present.so");
+    EXPECT_EQ(machine.events, std::vector<std::string>{"wait 500"}) << "half a second of events before the end";
+}
 
 // Button events as a test script gives them; start can be made to fail.
 class ScriptedMouse : public MouseButtonSource {
@@ -53,10 +133,8 @@ public:
         ++stops;
         handler = nullptr;
     }
-    void click(MouseButton button) { handler({{button, true}, {button, false}}); }
 };
 
-// What only the Qt main window has; the rest is tests/windows/MainWindowTest.cpp.
 class FormMainTest : public testing::Test {
 protected:
     FormMainTest()
@@ -76,12 +154,6 @@ protected:
         window.resize(900, 560);
         QTest::qWait(20);
     }
-
-    QString labelText(const char* name) const
-    {
-        return window.findChild<QLabel*>(QString::fromLatin1(name))->text();
-    }
-    std::string debugText() const { return test::readAll(log.path()); }
 
     test::TempFolder temp;
     test::FakeMachine machine;
@@ -128,8 +200,8 @@ TEST_F(FormMainTest, TheOptionsSwitchDebugModeTheLevelWatchAndTheGraphAtOnce)
     machine.screens = {test::gameCapture({"50", "1000", "0"})};
     meter.cycle().GetPictForClip(-1);
     window.findChild<QPushButton*>(QStringLiteral("cmdRecognize"))->click();
-    EXPECT_TRUE(labelText("lblElapse").endsWith(QStringLiteral("秒")));
-    EXPECT_EQ(labelText("lblCapture0"), QStringLiteral("50"));
+    EXPECT_TRUE(window.findChild<QLabel*>(QStringLiteral("lblElapse"))->text().endsWith(QStringLiteral("秒")));
+    EXPECT_EQ(window.findChild<QLabel*>(QStringLiteral("lblCapture0"))->text(), QStringLiteral("50"));
     box("chkDebugMode")->click();
     EXPECT_FALSE(frmDebug->isVisible());
 
@@ -155,9 +227,9 @@ TEST_F(FormMainTest, ABackgroundClickRefreshesTheWindow)
     loadAndShow();
     auto* frmGraph = window.findChild<ui::GraphFrame*>();
     QTest::mouseClick(frmGraph, Qt::LeftButton, {}, QPoint(frmGraph->width() - 2, 2));
-    EXPECT_LACKS(debugText(), "Click : Window Refresh ") << "the graph's own";
+    EXPECT_LACKS(test::readAll(log.path()), "Click : Window Refresh ") << "the graph's own";
     QTest::mouseClick(window.centralWidget(), Qt::LeftButton, {}, QPoint(4, window.centralWidget()->height() - 3));
-    EXPECT_HOLDS(debugText(), "Click : Window Refresh ");
+    EXPECT_HOLDS(test::readAll(log.path()), "Click : Window Refresh ");
     window.close();
 }
 
@@ -217,7 +289,7 @@ TEST_F(FormMainTest, GesturesLoadWithTheWindowAndReachTheMeterUntilTheClose)
     ASSERT_TRUE(window.formDirectX() && window.formDirectX()->loaded());
 
     for (MouseButton b : {MouseButton::Right, MouseButton::Left, MouseButton::Left, MouseButton::Left})
-        mouse.click(b);
+        mouse.handler({{b, true}, {b, false}});
     EXPECT_TRUE(settings.DoHLCheckExec);
     EXPECT_HOLDS(meter.logBox().text(), "マウスジェスチャ：自動撮影 監視開始");
 
@@ -275,6 +347,74 @@ TEST(FormCompactQtTest, TheMarkTakesTheStatesColourAndTheCloseCrossReddensUnderT
     QEvent leave(QEvent::Leave);
     QApplication::sendEvent(close, &leave);
     EXPECT_EQ(corner(), away);
+}
+
+// The graph frame draws what its GraphFrameView holds and passes clicks on to it; what the view decides is
+// tests/core/view/GraphFrameViewTest.cpp.
+class GraphFrameTest : public ::testing::Test {
+protected:
+    GraphFrameTest()
+    {
+        settings.MoneyScan = true;
+        controls.runEnabled = true;
+        frame.resize(476, 224);
+        frame.setGraphBuffer(&buffer);
+        frame.setGraphView(view);
+        frame.setSettings(settings);
+        frame.setMeterControls(&controls);
+        frame.setDebugLog(&log);
+    }
+
+    std::string logText() const { return test::readAll(log.path()); }
+
+    test::FakeClock clock;
+    test::TempFolder home;
+    DebugLog log{home.path(), clock};
+    clsGraphBuffer buffer{clock};
+    Settings settings;
+    GraphView view;
+    MeterControls controls;
+    ui::GraphFrame frame;
+};
+
+TEST_F(GraphFrameTest, EveryLabelShowsTheViewsTextAndAClickOnThePictureRefreshesIt)
+{
+    frame.GraphFrameDisplay();
+    EXPECT_EQ(logText(), "");
+    const PixelRect& picture = frame.view().picGraph();
+    EXPECT_EQ(frame.picGraph()->geometry(), QRect(picture.left, picture.top, picture.width, picture.height));
+    EXPECT_EQ(frame.picGraph()->grid().linGraphY[8].y1, 199);
+    for (const GraphLabelView& shown : frame.view().labels()) {
+        const auto* label = frame.findChild<QLabel*>(QString::fromUtf8(shown.name.data(), static_cast<int>(shown.name.size())));
+        ASSERT_NE(label, nullptr) << shown.name;
+        EXPECT_EQ(label->text().toStdString(), shown.text) << shown.name;
+        EXPECT_EQ(label->toolTip().toStdString(), shown.toolTip) << shown.name;
+    }
+
+    QTest::mouseClick(frame.picGraph(), Qt::LeftButton);
+    EXPECT_HOLDS(logText(), "Click : Graph Refresh ");
+    EXPECT_LACKS(logText(), "Error Trap");
+}
+
+TEST_F(GraphFrameTest, PaintsCurvesOfASmallHistoryAndTrapsWhatFails)
+{
+    for (const auto& [e, m] : {std::pair{120.0, -1.0}, {300.0, 40.0}, {250.0, 55.0}, {80.0, -1.0}})
+        buffer.AddGraphData(Currency::fromDouble(e), Currency::fromDouble(m), 3, settings.GraphTimeScale);
+    frame.GraphFrameDisplay();
+    EXPECT_FALSE(frame.picGraph()->curves().rateE.empty() || frame.picGraph()->curves().rateM.empty());
+    const QImage image = frame.picGraph()->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    const auto* pixels = reinterpret_cast<const QRgb*>(image.constBits());
+    const std::set<QRgb> drawn(pixels, pixels + image.width() * image.height());
+    EXPECT_TRUE(drawn.contains(qRgb(0, 0, 255)) && drawn.contains(qRgb(255, 0, 0))) << "blue and red curves";
+
+    // A time scale longer than the buffer reads past it; the frame too small for a picture.
+    settings.GraphTimeScale = 600;
+    QTest::mouseClick(frame.label(GraphLabel::Tl1), Qt::LeftButton);
+    EXPECT_EQ(view.timeShift, -89);
+    frame.resize(60, 20);
+    frame.GraphFrameDisplay();
+    EXPECT_HOLDS(logText(), "Error Trap : GraphDataDisplay 2 : CODE9  Subscript out of range");
+    EXPECT_HOLDS(logText(), "Error Trap : GraphFrameDisplay : CODE");
 }
 
 } // namespace

@@ -1,4 +1,5 @@
-// What only the Qt options window has; the rest is tests/windows/OptionsWindowTest.cpp.
+// What only the Qt number dialog and options window have; the rest is in tests/windows.
+#include "FormInputCheck.h"
 #include "FormOption.h"
 
 #include "TextCodecFactory.h"
@@ -7,7 +8,9 @@
 #include "support/GameScreen.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TempFolder.h"
+#include "support/WindowDriver.h"
 
+#include <QApplication>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
@@ -19,6 +22,34 @@
 
 namespace tvx::ui {
 namespace {
+
+// Every question reuses one dialog; Qt tells the keypad's Enter from Return, and it must
+// press the focused button too.
+TEST(QtPrompterNumber, AsksThroughOneReusedDialogAndTheKeypadEnterPressesTheFocusedButton)
+{
+    const std::unique_ptr<test::Desktop> desktop = test::makeDesktop();
+    test::WindowDriver& dialog = desktop->numberDialog();
+    std::vector<const QWidget*> seen;
+    for (const bool keypad : {true, false}) {
+        double answer = 0;
+        desktop->play({[&] {
+                           QWidget* shown = QApplication::activeModalWidget();
+                           if (!dialog.isOpen() || shown == nullptr)
+                               return false;
+                           seen.push_back(shown);
+                           dialog.setText("txtInput", "250");
+                           if (keypad)
+                               QTest::keyClick(shown->findChild<QWidget*>(QStringLiteral("cmdCancel")), Qt::Key_Enter);
+                           else
+                               dialog.click("cmdEnter");
+                           return true;
+                       }},
+                      [&] { answer = desktop->prompter().askNumber("1", "300", 10, "1", "prompt", "title"); });
+        EXPECT_EQ(answer, keypad ? FormInputCheck::kCancelled : 250);
+    }
+    ASSERT_EQ(seen.size(), 2u);
+    EXPECT_EQ(seen[0], seen[1]);
+}
 
 // The pictures of the last capture widen the regions page; shown, the window takes them in
 // and stays on the screen with its buttons, and no page scrolls.

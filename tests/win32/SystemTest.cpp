@@ -30,24 +30,21 @@
 namespace tvx {
 namespace {
 
-using platform::acquireSingleInstance;
-using platform::win32::mouseButtonEvents;
-
 TEST(SingleInstanceTest, AHomeIsTakenOnceHoweverSpelledAndFreeAgainWhenReleased)
 {
     test::TempFolder home;
-    auto first = acquireSingleInstance(home.path());
+    auto first = platform::acquireSingleInstance(home.path());
     ASSERT_NE(first, nullptr);
-    EXPECT_EQ(acquireSingleInstance(home.path()), nullptr);
+    EXPECT_EQ(platform::acquireSingleInstance(home.path()), nullptr);
     // The same folder spelled differently is still the same home.
     std::wstring upper = home.path().wstring();
     CharUpperW(upper.data());
     for (const auto& same : {std::filesystem::path(upper), home.path() / "", home.path() / "sub" / ".."})
-        EXPECT_EQ(acquireSingleInstance(same), nullptr);
+        EXPECT_EQ(platform::acquireSingleInstance(same), nullptr);
     // Another home is free, one with a Japanese name too.
-    EXPECT_NE(acquireSingleInstance(home.path() / std::filesystem::path(u8"メイプル")), nullptr);
+    EXPECT_NE(platform::acquireSingleInstance(home.path() / std::filesystem::path(u8"メイプル")), nullptr);
     first.reset();
-    EXPECT_NE(acquireSingleInstance(home.path()), nullptr);
+    EXPECT_NE(platform::acquireSingleInstance(home.path()), nullptr);
 }
 
 TEST(ShellLauncherTest, FileExistsTakesUtf8NamesAndOpeningAMissingFileIsRefused)
@@ -192,7 +189,7 @@ TEST(RawMouseFlagsTest, ButtonFlagsBecomeEventsLeftFirst)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.flags);
-        EXPECT_EQ(mouseButtonEvents(c.flags), c.events);
+        EXPECT_EQ(platform::win32::mouseButtonEvents(c.flags), c.events);
     }
 }
 

@@ -111,28 +111,26 @@ TEST_F(CalibrationWindowTest, DraggingOnTheZoomedScreenSetsTheRegionAndAMovedReg
     paintFontText(frame, {300, 100, 60, 9}, RegionExp, 2, "4096]");
     const CaptureBitmap shot = toCaptureBitmap(frame);
     bool captureEnabled = true;
-    std::string reading;
-    std::string learnt;
-    std::string moved;
+    std::map<std::string, std::string> seen;
     EXPECT_TRUE(show({act([&] {
                           captureEnabled = window().enabled("cmdCapture");
                           window().clickNow("optRegion1");
                           window().choose("cboZoom", 1); // 2 times
                           window().drag("picScreen", {2 * 300, 2 * 100}, {2 * 359 + 1, 2 * 108 + 1});
-                          reading = window().text("lblReading1");
+                          seen["reading"] = window().text("lblReading1");
                           window().setText("txtNumber1", "4096");
                           window().clickNow("cmdLearn");
-                          learnt = window().text("lblMessage1");
+                          seen["learnt"] = window().text("lblMessage1");
                           window().shoot("calibration");
                           window().key("picScreen", Key::Right);
-                          moved = window().text("lblMessage1");
+                          seen["moved"] = window().text("lblMessage1");
                           window().click("cmdApply");
                       })},
                      &shot, false));
     EXPECT_FALSE(captureEnabled);
-    EXPECT_EQ(reading, "読み取り： 認識できません"); // the built-in templates are wider
-    EXPECT_HOLDS(learnt, "4096 → 4096");
-    EXPECT_EQ(moved, "");
+    EXPECT_EQ(seen["reading"], "読み取り： 認識できません"); // the built-in templates are wider
+    EXPECT_HOLDS(seen["learnt"], "4096 → 4096");
+    EXPECT_EQ(seen["moved"], "");
     EXPECT_EQ(settings.CaptureRegion[RegionExp], (CaptureRegionRect{301, 100, 60, 9}));
     EXPECT_EQ(settings.ReferenceSize[RegionExp].Width, 5);
 }

@@ -30,14 +30,12 @@ protected:
     }
     void TearDown() override { setLanguage(Language::Japanese); }
 
-    std::string code() const { return languageCode(GetParam()); }
-
     // A step: nothing of the window is cut off; its picture kept as NAME-LANG.
     PlayerStep whole(WindowDriver& window, const std::string& name)
     {
         return act([this, &window, name] {
             EXPECT_EQ(window.clipped(), std::vector<std::string>{}) << name;
-            window.shoot(name + "-" + code());
+            window.shoot(name + "-" + languageCode(GetParam()));
         });
     }
 
@@ -49,7 +47,7 @@ protected:
     std::unique_ptr<Desktop> desktop = makeDesktop();
 };
 
-TEST_P(LanguagesTest, EveryPageOfTheOptionsAndTheNumberDialogFit)
+TEST_P(LanguagesTest, EveryPageOfTheOptionsTheNumberDialogAndTheCalibrationWindowFit)
 {
     ConfigFile config(settings, temp.path(), desktop->prompter(), *codec, &log, [] {});
     const CaptureBitmap screen = gameCapture({"58", "1234567", "90,210"});
@@ -66,11 +64,7 @@ TEST_P(LanguagesTest, EveryPageOfTheOptionsAndTheNumberDialogFit)
     steps.push_back([this] { return !desktop->numberDialog().isOpen(); });
     steps.push_back(act([&options] { options.close(); }));
     desktop->play(std::move(steps), [&] { desktop->showOptions(config, &screen, {}); });
-}
 
-TEST_P(LanguagesTest, TheCalibrationWindowFits)
-{
-    const CaptureBitmap screen = gameCapture({"58", "1234567", "90,210"});
     WindowDriver& window = desktop->calibration();
     desktop->play({[&] { return window.isOpen(); }, act([&] { window.choose("cboZoom", 1); }), whole(window, "calibration"),
                    act([&] { window.click("cmdCancel"); })},
@@ -95,10 +89,7 @@ TEST_P(LanguagesTest, TheMainWindowAndTheCompactWindowFitWithASessionRunning)
 }
 
 INSTANTIATE_TEST_SUITE_P(Translated, LanguagesTest, testing::ValuesIn(kLanguages),
-                         [](const testing::TestParamInfo<Language>& info) {
-                             return std::string(info.param == Language::Japanese ? "Japanese"
-                                                : info.param == Language::English ? "English" : "Korean");
-                         });
+                         [](const testing::TestParamInfo<Language>& info) { return languageCode(info.param); });
 
 } // namespace
 } // namespace tvx::test
