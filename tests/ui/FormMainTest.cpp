@@ -17,6 +17,7 @@
 #include "shell/DebugLog.h"
 #include "support/FakeMachine.h"
 #include "support/GameScreen.h"
+#include "support/GraphFrameParts.h"
 #include "support/ReadFile.h"
 #include "support/ScriptedPrompter.h"
 #include "support/TempFolder.h"
@@ -350,30 +351,15 @@ TEST(FormCompactQtTest, TheMarkTakesTheStatesColourAndTheCloseCrossReddensUnderT
 }
 
 // The graph frame draws what its GraphFrameView holds and passes clicks on to it; what the view decides is
-// tests/core/view/GraphFrameViewTest.cpp.
-class GraphFrameTest : public ::testing::Test {
+// GraphFrameViewTest's.
+class GraphFrameTest : public ::testing::Test, protected test::GraphFrameParts {
 protected:
     GraphFrameTest()
     {
-        settings.MoneyScan = true;
-        controls.runEnabled = true;
         frame.resize(476, 224);
-        frame.setGraphBuffer(&buffer);
-        frame.setGraphView(view);
-        frame.setSettings(settings);
-        frame.setMeterControls(&controls);
-        frame.setDebugLog(&log);
+        giveTo(frame);
     }
 
-    std::string logText() const { return test::readAll(log.path()); }
-
-    test::FakeClock clock;
-    test::TempFolder home;
-    DebugLog log{home.path(), clock};
-    clsGraphBuffer buffer{clock};
-    Settings settings;
-    GraphView view;
-    MeterControls controls;
     ui::GraphFrame frame;
 };
 
@@ -385,7 +371,7 @@ TEST_F(GraphFrameTest, EveryLabelShowsTheViewsTextAndAClickOnThePictureRefreshes
     EXPECT_EQ(frame.picGraph()->geometry(), QRect(picture.left, picture.top, picture.width, picture.height));
     EXPECT_EQ(frame.picGraph()->grid().linGraphY[8].y1, 199);
     for (const GraphLabelView& shown : frame.view().labels()) {
-        const auto* label = frame.findChild<QLabel*>(QString::fromUtf8(shown.name.data(), static_cast<int>(shown.name.size())));
+        const auto* label = frame.findChild<QLabel*>(QString::fromUtf8(QByteArrayView(shown.name)));
         ASSERT_NE(label, nullptr) << shown.name;
         EXPECT_EQ(label->text().toStdString(), shown.text) << shown.name;
         EXPECT_EQ(label->toolTip().toStdString(), shown.toolTip) << shown.name;
@@ -410,7 +396,7 @@ TEST_F(GraphFrameTest, PaintsCurvesOfASmallHistoryAndTrapsWhatFails)
     // A time scale longer than the buffer reads past it; the frame too small for a picture.
     settings.GraphTimeScale = 600;
     QTest::mouseClick(frame.label(GraphLabel::Tl1), Qt::LeftButton);
-    EXPECT_EQ(view.timeShift, -89);
+    EXPECT_EQ(graphView.timeShift, -89);
     frame.resize(60, 20);
     frame.GraphFrameDisplay();
     EXPECT_HOLDS(logText(), "Error Trap : GraphDataDisplay 2 : CODE9  Subscript out of range");

@@ -13,6 +13,7 @@
 #include "view/GraphFrameView.h"
 #include "support/FakeClock.h"
 #include "support/FakeMachine.h"
+#include "support/GraphFrameParts.h"
 #include "support/ReadFile.h"
 #include "support/TempFolder.h"
 #include "support/TextChecks.h"
@@ -126,17 +127,11 @@ std::int32_t measure(std::string_view text)
     return static_cast<std::int32_t>(text.size()) * 5;
 }
 
-class GraphFrameViewTest : public testing::Test {
+class GraphFrameViewTest : public testing::Test, protected test::GraphFrameParts {
 protected:
     GraphFrameViewTest()
     {
-        settings.MoneyScan = true;
-        controls.runEnabled = true;
-        view.setGraphBuffer(&buffer);
-        view.setGraphView(graphView);
-        view.setSettings(settings);
-        view.setMeterControls(&controls);
-        view.setDebugLog(&log);
+        giveTo(view);
         view.setChanged([this] { ++changes; });
         view.setFrameSize(476, 224);
     }
@@ -145,15 +140,6 @@ protected:
     void clickOn(GraphLabel which) { clickIn(view.label(which).rect); }
     void clickIn(const PixelRect& r) { view.clickAt(r.left + r.width / 2, r.top + r.height / 2); }
 
-    std::string logText() const { return test::readAll(log.path()); }
-
-    test::FakeClock clock;
-    test::TempFolder home;
-    DebugLog log{home.path(), clock};
-    clsGraphBuffer buffer{clock};
-    Settings settings;
-    GraphView graphView;
-    MeterControls controls;
     GraphFrameView view{measure};
     int changes = 0;
 };
