@@ -339,17 +339,14 @@ TEST_F(CommandTest, RecognizeReadsTheWindowModeTracesAndNamesTheImagesItCannotRe
     EXPECT_HOLDS(out.str(), "\"level\":-1,\"exp\":-1,\"money\":-1");
 
     // Each image that cannot be read is named with its result; the others are still read.
-    const auto good = image("good.bmp", test::gameScreen({"9", "9", "9"}));
+    const std::string good = image("good.bmp", test::gameScreen({"9", "9", "9"}));
+    const std::string small = image("small.bmp", Frame(20, 20));
+    const std::string broken = pathUtf8(home / "broken.bmp"), missing = pathUtf8(home / "missing.bmp");
     std::ofstream(home / "broken.bmp", std::ios::binary) << "PK\x03\x04";
-    ASSERT_TRUE(writeBitmap24(home / "small.bmp", Frame(20, 20)));
-    const auto path = [this](const char* name) { return pathUtf8(home / name); };
-
-    EXPECT_EQ(run(cli::runRecognize, {path("broken.bmp"), path("missing.bmp"), path("small.bmp"), good}), 2);
-    const std::string cannot = ": cannot read the image (";
-    for (const std::string& said :
-         {path("broken.bmp") + cannot + "result -4", path("missing.bmp") + cannot + "result -5",
-          path("small.bmp") + ": level region: error 9"})
-        EXPECT_HOLDS(err.str(), said) << said << "\n" << err.str();
+    EXPECT_EQ(run(cli::runRecognize, {broken, missing, small, good}), 2);
+    for (const std::string& said : {broken + ": cannot read the image (result -4",
+                                    missing + ": cannot read the image (result -5", small + ": level region: error 9"})
+        EXPECT_HOLDS(err.str(), said) << err.str();
     EXPECT_TRUE(out.str().ends_with("{\"file\":\"" + test::jsonPath(utf8Path(good)) +
                                       "\",\"level\":9,\"exp\":9,\"money\":9}\n"))
         << out.str();

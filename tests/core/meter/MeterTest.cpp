@@ -178,19 +178,6 @@ TEST_F(MeterTest, MoneyHasNoTimeRateOrCurveUntilItIsRead)
     }
 }
 
-// A level whose 0 was never taught is no reading at all, never 5 for 50.
-TEST_F(MeterTest, AReadingThatNeedsAnUntaughtTemplateFails)
-{
-    settings.PatternStrings[RegionLevel][0] = "";
-    meter().menuRun_Click();
-    cycle(0, "50", "1000", "5000");
-    cycle(360, "50", "1200", "5000");
-    EXPECT_EQ(meter().session().CurrentLv, -1);
-    EXPECT_EQ(meter().session().CurrentExp, Currency::fromInt(1200));
-    cycle(720, "51", "1400", "5000");
-    EXPECT_EQ(meter().session().CurrentLv, 51);
-}
-
 TEST_F(MeterTest, MoneyIsReadAgainOnlyWhenItWasMissedAndScanned)
 {
     const CaptureBitmap noMoney = gameCapture({"30", "100", ""});
@@ -307,39 +294,32 @@ TEST_F(MeterTest, AnUnwritableRecordFolderAndAMissingGameAreToldOnceASessionAndT
     const auto blocker = temp.path() / "blocked";
     std::ofstream(blocker) << "a file where the folder should be";
     settings.SaveFolder = pathUtf8(blocker);
-    meter().menuRun_Click();
-    cycle(100, "10", "100", "");
-    cycle(460, "10", "350", "");
-    cycle(820, "10", "600", "");
-    EXPECT_EQ(machine.count("message エラー: 時給記録ファイルに書き込めません。"), 1u);
-    EXPECT_EQ(countOf(box(), "04/01 13:"), 2u) << "each record once, none piled up";
-
-    meter().menuStop_Click();
-    meter().menuRun_Click();
-    cycle(1180, "10", "700", "");
-    EXPECT_EQ(machine.count("message エラー: 時給記録ファイルに書き込めません。"), 2u) << "told again next session";
-
-    // A missing game is told once a session too, and a new session starts from nothing.
-    restart();
     settings.MoneyScan = true;
+    const std::string unwritable = "message エラー: 時給記録ファイルに書き込めません。";
+    const std::string missing = "notice エラー: MapleStoryが起動していません";
     meter().menuRun_Click();
     cycle(100, "10", "100", "5000");
     cycle(460, "10", "350", "5900");
+    cycle(820, "10", "600", "5900");
+    EXPECT_EQ(countOf(box(), "04/01 13:"), 2u) << "each record once, none piled up";
     machine.windows = {GameWindowState::Missing};
     const int grabs = machine.grabs;
     meter().cycle().runCycle();
     meter().cycle().runCycle();
-    EXPECT_EQ(machine.count("notice エラー: MapleStoryが起動していません"), 1u);
     EXPECT_EQ(machine.grabs, grabs) << "nothing to take a picture of";
+    EXPECT_EQ(machine.count(unwritable), 1u);
+    EXPECT_EQ(machine.count(missing), 1u);
     meter().menuStop_Click();
     EXPECT_EQ(machine.count("notice hidden"), 1u) << "the notice goes with the session";
 
+    // Both are said again in the next session, which starts from nothing.
     meter().menuRun_Click();
     meter().cycle().runCycle();
-    EXPECT_EQ(machine.count("notice エラー: MapleStoryが起動していません"), 2u) << "said again in the new session";
+    EXPECT_EQ(machine.count(missing), 2u);
     machine.windows = {GameWindowState::Front};
-    cycle(900, "", "", "");
+    cycle(1180, "10", "700", "");
     EXPECT_EQ(machine.count("notice hidden"), 2u) << "the game is back";
+    EXPECT_EQ(machine.count(unwritable), 2u);
     meter().logBox().clear();
     meter().menuStop_Click();
     for (const char* before : {"5000", "5900", "3697"})
@@ -351,12 +331,11 @@ TEST_F(MeterTest, TheTimerRunsACycleOnlyWhenItIsTimeCycleSkipHoldsItAndAGameBehi
     show("50", "1", "1");
     meter().menuRun_Click();
     meter().cycle().timCaptureInterval_Timer();
-    EXPECT_EQ(machine.grabs, 0) << "not yet time";
     machine.clock.advanceMs(20000);
     meter().state().cycleSkip = true;
     meter().cycle().timCaptureInterval_Timer();
     meter().watch().timDoHLInterval_Timer();
-    EXPECT_EQ(machine.grabs, 0);
+    EXPECT_EQ(machine.grabs, 0) << "not yet time, then held";
     meter().state().cycleSkip = false;
     meter().cycle().timCaptureInterval_Timer();
     EXPECT_EQ(machine.grabs, 1) << "the held cycle runs at the next tick";
@@ -544,8 +523,11 @@ TEST_F(MeterTest, AStopOrACloseDuringAWaitEndsWhatWaitedAndStartsNothingMore)
     // At the wait of waitMs the player stops, or else closes.
     const struct { const char* name; std::int32_t waitMs; bool stop; Step command; int grabs; bool shot; } cases[] = {
         {"money re-read, stop", 1500, true, moneyHidden, 1, false},
+        {"money re-read, close", 1500, false, moneyHidden, 1, false},
         {"level-up shots, stop", 300, true, levelUp, 3, true}, // two reads and the first shot
+        {"level-up shots, close", 300, false, levelUp, 3, true},
         {"resume, stop", 3000, true, suspendAndResume, 0, false},
+        {"resume, close", 3000, false, suspendAndResume, 0, false},
         {"print screen, close", 10000, false, [this] { meter().menuPrtScr_Click(); }, 0, false},
         {"test capture, close", 10000, false, [this] { meter().cycle().cmdCapture_Click(); }, 0, false},
     };
@@ -657,14 +639,17 @@ TEST_F(MeterTest, TimeLeftAsksFromTheLatestReadingOfTheSession)
 
 TEST_F(MeterTest, AFailedCaptureIsAFailedReadingWithItsOwnDebugLine)
 {
-    // Whether the log box tells a failed reading.
-    const struct { const char* name; std::function<void()> arm; bool said = true; } cases[] = {
+    // Whether the log box tells a failed reading, and what failed.
+    const struct { const char* name; std::function<void()> arm; bool said = true;
+                   const char* failed = "全部 NG"; } cases[] = {
         {"no picture", [this] { machine.onGrab = [this] { machine.screens = {std::nullopt}; }; }},
         {"the screen source fails",
          [this] { machine.onGrab = [] { throw RuntimeError(ErrorNumber::PermissionDenied); }; }},
         {"a region beyond the screen", [this] { settings.CaptureRegion[1].StartX = 1000; }},
         // Pixels that cannot be sized make no reading.
         {"a region too tall to hold", [this] { settings.CaptureRegion[2].SizeY = kMaxScreenSide + 1; }, false},
+        // A level whose 0 was never taught is no reading at all, never 1 for 10.
+        {"a level digit never taught", [this] { settings.PatternStrings[RegionLevel][0] = ""; }, true, "LvとMoney NG"},
         {"the key route's file cannot be written", [this] {
              settings.ScreenCapture = CaptureMethod::PrintScreen;
              machine.printScreenKey = true;
@@ -683,7 +668,7 @@ TEST_F(MeterTest, AFailedCaptureIsAFailedReadingWithItsOwnDebugLine)
         const Settings good = settings;
         k.arm();
         tick("10", "250");
-        EXPECT_EQ(countOf(box(), "認識失敗  全部 NG"), k.said ? 1u : 0u);
+        EXPECT_EQ(countOf(box(), std::string("認識失敗  ") + k.failed), k.said ? 1u : 0u) << box();
         EXPECT_EQ(expLabels(meter().state().labels), before);
         EXPECT_FALSE(meter().state().busy);
 
