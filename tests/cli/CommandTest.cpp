@@ -464,9 +464,8 @@ TEST_F(CommandTest, EveryLiveLineHoldsTheFiguresOfItsReading)
                 if (now.money && moneyFrom->t < now.t)
                     money = floorRate(*now.money - *moneyFrom->money, now.t - moneyFrom->t);
             }
-            EXPECT_EQ(field(line, "exp" + name), figure(exp, 0)) << name;
-            EXPECT_EQ(field(line, "level" + name), figure(level, 2)) << name;
-            EXPECT_EQ(field(line, "money" + name), figure(money, 0)) << name;
+            EXPECT_EQ((std::array{field(line, "exp" + name), field(line, "level" + name), field(line, "money" + name)}),
+                      (std::array{figure(exp, 0), figure(level, 2), figure(money, 0)})) << name;
             if (name == "30")
                 exp30 = exp;
         }
