@@ -12,33 +12,28 @@
 namespace tvx {
 namespace {
 
-class ScreenCaptureTest : public testing::Test {
-protected:
-    ScreenCaptureTest() { settings.Lag = 500; }
-
+TEST(ScreenCaptureTest, TheRoutesTakeWhatTheSettingAndThePlatformAllowAndAReadingKeepsTheWholeScreen)
+{
     test::TempFolder home;
     Settings settings = defaultSettings("");
+    settings.Lag = 500;
     test::FakeMachine machine;
     DebugLog log{home.path(), machine.clock};
     const CaptureBitmap game = test::gameCapture({"137", "4,567,890", "123,456"});
     const CaptureBitmap fromKey = test::gameCapture({"1", "2", "3"}, ScreenMode::FullScreen, 7);
     const CaptureBitmap black = toCaptureBitmap(Frame(1024, 768));
-};
-
-TEST_F(ScreenCaptureTest, TheRoutesTakeWhatTheSettingAndThePlatformAllow)
-{
     using M = CaptureMethod;
     using R = ScreenCapture::Result;
     using Picture = std::optional<CaptureBitmap>;
     const struct { const char* name; M method; bool keyExists; Picture direct, clipboard; R result;
                    const CaptureBitmap* expected; bool pressed; } cases[] = {
+        {"key", M::PrintScreen, true, game, fromKey, R::Taken, &fromKey, true},
+        {"key, empty clipboard", M::PrintScreen, true, game, std::nullopt, R::NoPicture, nullptr, true},
+        {"key missing here", M::PrintScreen, false, game, fromKey, R::Taken, &game, true},
         {"direct", M::Direct, true, game, fromKey, R::Taken, &game, false},
         {"direct, black, key", M::Direct, true, black, fromKey, R::Taken, &fromKey, true},
         {"direct, black, no key", M::Direct, false, black, fromKey, R::Taken, nullptr, true},
         {"direct, no display", M::Direct, true, std::nullopt, fromKey, R::NoPicture, nullptr, false},
-        {"key", M::PrintScreen, true, game, fromKey, R::Taken, &fromKey, true},
-        {"key, empty clipboard", M::PrintScreen, true, game, std::nullopt, R::NoPicture, nullptr, true},
-        {"key missing here", M::PrintScreen, false, game, fromKey, R::Taken, &game, true},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -57,16 +52,14 @@ TEST_F(ScreenCaptureTest, TheRoutesTakeWhatTheSettingAndThePlatformAllow)
         // Lag is waited only when the key was really there to press.
         EXPECT_EQ(machine.count("wait 500"), c.pressed && c.keyExists ? 2u : 0u);
     }
-}
 
-TEST_F(ScreenCaptureTest, AReadingWritesTheWholeScreenToTheFileAndReadsTheRegionsOfTheSameMoment)
-{
+    // A reading (by the last route, direct) writes the whole screen to the file and reads the regions of the same moment.
     const CaptureBitmap narrow = toCaptureBitmap(test::gameScreen({"9", "8", "7"}, ScreenMode::FullScreen, 3, 1023, 700));
     const std::filesystem::path file = home.path() / "Capture.bmp";
     // bandRows 0: the source offers no bands; expected: the whole screen kept, and in the file when there is one;
     // wholeImage: the image is that whole screen, not the regions only.
     const struct { const char* name; std::int32_t bandRows; std::filesystem::path captureFile; CaptureBitmap screen;
-                   bool keyExists; const CaptureBitmap* expected; bool wholeImage; } cases[] = {
+                   bool keyExists; const CaptureBitmap* expected; bool wholeImage; } readings[] = {
         {"bands", 7, file, game, false, &game, false},
         {"bands of one row, padded rows", 1, file, narrow, false, &narrow, false},
         {"no bands", 0, file, game, false, &game, true},
@@ -75,7 +68,7 @@ TEST_F(ScreenCaptureTest, AReadingWritesTheWholeScreenToTheFileAndReadsTheRegion
         {"black, the key route", 7, file, black, true, &fromKey, true},
         {"black, no key route", 7, file, black, false, nullptr, false},
     };
-    for (const auto& c : cases) {
+    for (const auto& c : readings) {
         SCOPED_TRACE(c.name);
         std::filesystem::remove(file);
         machine.bandRows = c.bandRows;
