@@ -91,7 +91,7 @@ TEST(PoReader, TakesTranslatedEntriesOnlyAndStopsAtALineItCannotRead)
     }
 }
 
-TEST_F(LanguageTest, TextsArePutInByNumberInTheCurrentLanguage)
+TEST_F(LanguageTest, TextsArePutInByNumberInTheLanguageALocaleOrTheConfigurationNames)
 {
     EXPECT_EQ(trFormat("%2から%1へ%3", {"a", "b"}), "bからaへ%3");
     EXPECT_EQ(trFormat("100%の%1", {"x"}), "100%のx");
@@ -106,10 +106,7 @@ TEST_F(LanguageTest, TextsArePutInByNumberInTheCurrentLanguage)
     setLanguage(Language::English);
     EXPECT_EQ(menuItem(MenuCommand::End).text(), "Exit");
     EXPECT_STREQ(tr("終了"), "End");
-}
 
-TEST_F(LanguageTest, ALocaleOrTheConfigurationNamesTheLanguage)
-{
     struct Case { const char* locale; Language language; };
     for (const Case& c : {Case{"ja_JP.UTF-8", Language::Japanese}, Case{"KO_kr.eucKR", Language::Korean},
                           Case{"en_GB.UTF-8", Language::English}, Case{"de-DE", Language::English},
