@@ -365,11 +365,9 @@ TEST_F(CommandTest, ReplayWritesTheRecordFileAndTheLogBoxOrSaysOnceItCannotWrite
     EXPECT_EQ(test::readAll(saves / "log" / utf8Path("給与明細202401312350.txt")),
               test::testData("cli/replay-record.txt"));
     EXPECT_EQ(out.str(), test::testData("cli/replay-log-box.txt"));
-    EXPECT_TRUE(std::filesystem::exists(made / "TV2MConfig.ini"));
-    EXPECT_TRUE(std::filesystem::exists(made / "debug.txt"));
+    EXPECT_TRUE(std::filesystem::exists(made / "TV2MConfig.ini") && std::filesystem::exists(made / "debug.txt"));
 
-    // A record file that cannot be written is said once, as the desktop program's message box
-    // would, and the session goes on.
+    // An unwritable record file is said once, as the desktop program's message box would; the session goes on.
     std::filesystem::remove_all(saves);
     std::ofstream(saves) << "a file where the folder should be";
     EXPECT_EQ(replay({}), 2) << err.str() << out.str();

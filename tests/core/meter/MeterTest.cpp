@@ -348,8 +348,8 @@ TEST_F(MeterTest, TheTimerRunsACycleOnlyWhenItIsTimeCycleSkipHoldsItAndAGameBehi
         meter().cycle().runCycle();
     EXPECT_EQ(machine.grabs, 1) << "no picture of a game behind another window";
     EXPECT_EQ(meter().session().NextCaptureTime, addSeconds(machine.clock.now(), 15));
-    EXPECT_EQ(meter().cycle().missCount(), 480);
     meter().state().graph->AddGraphData(Currency::fromInt(9), Currency::fromInt(9), 1, 1);
+    EXPECT_EQ(meter().cycle().missCount(), 480);
     meter().cycle().runCycle(); // the 481st adds a zero point
     EXPECT_EQ(meter().state().graph->Value(0).RateE(), Currency{});
     EXPECT_EQ(meter().state().graph->Value(1).RateE(), Currency::fromInt(9));
@@ -484,8 +484,7 @@ TEST_F(MeterTest, EveryEntryPointTrapsWhatItCallsAndTheSessionGoesOnOrEnds)
             machine.onWait = [&k](std::int32_t) { k.thrower(); };
         EXPECT_NO_THROW(k.command(meter()));
         EXPECT_HOLDS(debugText(), k.line);
-        EXPECT_FALSE(meter().state().busy);
-        EXPECT_TRUE(meter().state().controls.testButtonsEnabled);
+        EXPECT_TRUE(!meter().state().busy && meter().state().controls.testButtonsEnabled) << "ready for more";
     }
 
     // A trap whose line cannot be written still holds the error.
@@ -753,8 +752,7 @@ TEST(ScreenCaptureTest, TheRoutesTakeWhatTheSettingAndThePlatformAllowAndAReadin
     const CaptureBitmap black = toCaptureBitmap(Frame(1024, 768));
     using M = CaptureMethod;
     using R = ScreenCapture::Result;
-    using Picture = std::optional<CaptureBitmap>;
-    const struct { const char* name; M method; bool keyExists; Picture direct, clipboard; R result;
+    const struct { const char* name; M method; bool keyExists; std::optional<CaptureBitmap> direct, clipboard; R result;
                    const CaptureBitmap* expected; bool pressed; } cases[] = {
         {"key", M::PrintScreen, true, game, fromKey, R::Taken, &fromKey, true},
         {"key, empty clipboard", M::PrintScreen, true, game, std::nullopt, R::NoPicture, nullptr, true},
@@ -782,7 +780,7 @@ TEST(ScreenCaptureTest, TheRoutesTakeWhatTheSettingAndThePlatformAllowAndAReadin
         EXPECT_EQ(machine.count("wait 500"), c.pressed && c.keyExists ? 2u : 0u);
     }
 
-    // A reading (by the last route, direct) writes the whole screen to the file and reads the regions of the same moment.
+    // A reading, by the last route (direct), writes the whole screen to the file and reads its regions of that moment.
     const CaptureBitmap narrow = toCaptureBitmap(test::gameScreen({"9", "8", "7"}, ScreenMode::FullScreen, 3, 1023, 700));
     const std::filesystem::path file = home.path() / "Capture.bmp";
     // bandRows 0: the source offers no bands; expected: the whole screen kept, and in the file when there is one;
