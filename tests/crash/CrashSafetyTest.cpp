@@ -1,5 +1,4 @@
-// The CLI killed at random moments while it writes: the record file and the configuration
-// must never be left torn, and no line once written may go.
+// The CLI killed at random moments while it writes: no record file or configuration torn, no written line gone.
 #include "support/GameScreen.h"
 #include "support/Processes.h"
 #include "support/ReadFile.h"

@@ -1,5 +1,5 @@
-// The engine over the fake machine: records, log box and graph; failed and missing readings, stops and
-// closes during waits, error traps, the debug switch, the level watch, gestures and the images kept.
+// The engine over the fake machine: records, log box and graph; failed and missing readings, stops and closes
+// during waits, error traps, the debug switch, the level watch, gestures, capture routes and the images kept.
 #include "config/SettingRanges.h"
 #include "meter/Meter.h"
 #include "shell/DebugLog.h"
@@ -10,6 +10,7 @@
 #include "support/TempFolder.h"
 #include "support/TextChecks.h"
 #include "view/FormMainCommands.h"
+#include "view/RegionPreview.h"
 
 #include <gtest/gtest.h>
 
@@ -178,19 +179,6 @@ TEST_F(MeterTest, MoneyHasNoTimeRateOrCurveUntilItIsRead)
     }
 }
 
-// A level whose 0 was never taught is no reading at all, never 5 for 50.
-TEST_F(MeterTest, AReadingThatNeedsAnUntaughtTemplateFails)
-{
-    settings.PatternStrings[RegionLevel][0] = "";
-    meter().menuRun_Click();
-    cycle(0, "50", "1000", "5000");
-    cycle(360, "50", "1200", "5000");
-    EXPECT_EQ(meter().session().CurrentLv, -1);
-    EXPECT_EQ(meter().session().CurrentExp, Currency::fromInt(1200));
-    cycle(720, "51", "1400", "5000");
-    EXPECT_EQ(meter().session().CurrentLv, 51);
-}
-
 TEST_F(MeterTest, MoneyIsReadAgainOnlyWhenItWasMissedAndScanned)
 {
     const CaptureBitmap noMoney = gameCapture({"30", "100", ""});
@@ -307,39 +295,33 @@ TEST_F(MeterTest, AnUnwritableRecordFolderAndAMissingGameAreToldOnceASessionAndT
     const auto blocker = temp.path() / "blocked";
     std::ofstream(blocker) << "a file where the folder should be";
     settings.SaveFolder = pathUtf8(blocker);
-    meter().menuRun_Click();
-    cycle(100, "10", "100", "");
-    cycle(460, "10", "350", "");
-    cycle(820, "10", "600", "");
-    EXPECT_EQ(machine.count("message エラー: 時給記録ファイルに書き込めません。"), 1u);
-    EXPECT_EQ(countOf(box(), "04/01 13:"), 2u) << "each record once, none piled up";
-
-    meter().menuStop_Click();
-    meter().menuRun_Click();
-    cycle(1180, "10", "700", "");
-    EXPECT_EQ(machine.count("message エラー: 時給記録ファイルに書き込めません。"), 2u) << "told again next session";
-
-    // A missing game is told once a session too, and a new session starts from nothing.
-    restart();
     settings.MoneyScan = true;
+    const std::string unwritable = "message エラー: 時給記録ファイルに書き込めません。";
+    const std::string missing = "notice エラー: MapleStoryが起動していません";
     meter().menuRun_Click();
     cycle(100, "10", "100", "5000");
     cycle(460, "10", "350", "5900");
+    cycle(820, "10", "600", "5900");
+    EXPECT_EQ(countOf(box(), "04/01 13:"), 2u) << "each record once, none piled up";
     machine.windows = {GameWindowState::Missing};
     const int grabs = machine.grabs;
     meter().cycle().runCycle();
     meter().cycle().runCycle();
-    EXPECT_EQ(machine.count("notice エラー: MapleStoryが起動していません"), 1u);
     EXPECT_EQ(machine.grabs, grabs) << "nothing to take a picture of";
+    EXPECT_EQ(machine.count(unwritable), 1u);
+    EXPECT_EQ(machine.count(missing), 1u);
     meter().menuStop_Click();
     EXPECT_EQ(machine.count("notice hidden"), 1u) << "the notice goes with the session";
 
+    // Both are said again in the next session, which starts from nothing.
     meter().menuRun_Click();
     meter().cycle().runCycle();
-    EXPECT_EQ(machine.count("notice エラー: MapleStoryが起動していません"), 2u) << "said again in the new session";
+    EXPECT_EQ(machine.count(missing), 2u);
     machine.windows = {GameWindowState::Front};
-    cycle(900, "", "", "");
+    cycle(1180, "", "", ""); // nothing read: no money re-read either
     EXPECT_EQ(machine.count("notice hidden"), 2u) << "the game is back";
+    cycle(1540, "10", "700", "");
+    EXPECT_EQ(machine.count(unwritable), 2u);
     meter().logBox().clear();
     meter().menuStop_Click();
     for (const char* before : {"5000", "5900", "3697"})
@@ -351,12 +333,11 @@ TEST_F(MeterTest, TheTimerRunsACycleOnlyWhenItIsTimeCycleSkipHoldsItAndAGameBehi
     show("50", "1", "1");
     meter().menuRun_Click();
     meter().cycle().timCaptureInterval_Timer();
-    EXPECT_EQ(machine.grabs, 0) << "not yet time";
     machine.clock.advanceMs(20000);
     meter().state().cycleSkip = true;
     meter().cycle().timCaptureInterval_Timer();
     meter().watch().timDoHLInterval_Timer();
-    EXPECT_EQ(machine.grabs, 0);
+    EXPECT_EQ(machine.grabs, 0) << "not yet time, then held";
     meter().state().cycleSkip = false;
     meter().cycle().timCaptureInterval_Timer();
     EXPECT_EQ(machine.grabs, 1) << "the held cycle runs at the next tick";
@@ -367,8 +348,8 @@ TEST_F(MeterTest, TheTimerRunsACycleOnlyWhenItIsTimeCycleSkipHoldsItAndAGameBehi
         meter().cycle().runCycle();
     EXPECT_EQ(machine.grabs, 1) << "no picture of a game behind another window";
     EXPECT_EQ(meter().session().NextCaptureTime, addSeconds(machine.clock.now(), 15));
-    EXPECT_EQ(meter().cycle().missCount(), 480);
     meter().state().graph->AddGraphData(Currency::fromInt(9), Currency::fromInt(9), 1, 1);
+    EXPECT_EQ(meter().cycle().missCount(), 480);
     meter().cycle().runCycle(); // the 481st adds a zero point
     EXPECT_EQ(meter().state().graph->Value(0).RateE(), Currency{});
     EXPECT_EQ(meter().state().graph->Value(1).RateE(), Currency::fromInt(9));
@@ -408,15 +389,11 @@ TEST_F(MeterTest, SuspendPausesTheTimerAResumeReadsOnceAndGesturesAlwaysSaySo)
     EXPECT_FALSE(meter().session().Suspended);
 
     gesture(Gesture::MoneyScanOn);
-    EXPECT_TRUE(settings.MoneyScan);
-    EXPECT_EQ(gesture(Gesture::MoneyScanOff), "マウスジェスチャ：メル時給測定停止\r\n");
-    EXPECT_FALSE(settings.MoneyScan);
-
     gesture(Gesture::WatchOn);
-    EXPECT_TRUE(meter().state().controls.doHLTimerEnabled);
+    EXPECT_TRUE(settings.MoneyScan && meter().state().controls.doHLTimerEnabled);
+    EXPECT_EQ(gesture(Gesture::MoneyScanOff), "マウスジェスチャ：メル時給測定停止\r\n");
     gesture(Gesture::WatchOff);
-    EXPECT_FALSE(meter().state().controls.doHLTimerEnabled);
-    EXPECT_FALSE(settings.DoHLCheckExec);
+    EXPECT_FALSE(settings.MoneyScan || settings.DoHLCheckExec || meter().state().controls.doHLTimerEnabled);
 
     gesture(Gesture::CycleReset);
     EXPECT_EQ(machine.grabs, 3);
@@ -507,8 +484,7 @@ TEST_F(MeterTest, EveryEntryPointTrapsWhatItCallsAndTheSessionGoesOnOrEnds)
             machine.onWait = [&k](std::int32_t) { k.thrower(); };
         EXPECT_NO_THROW(k.command(meter()));
         EXPECT_HOLDS(debugText(), k.line);
-        EXPECT_FALSE(meter().state().busy);
-        EXPECT_TRUE(meter().state().controls.testButtonsEnabled);
+        EXPECT_TRUE(!meter().state().busy && meter().state().controls.testButtonsEnabled) << "ready for more";
     }
 
     // A trap whose line cannot be written still holds the error.
@@ -623,8 +599,6 @@ TEST_F(MeterTest, DebugModeShowsTheDebugAreaAndItsCommandsWork)
     EXPECT_EQ(std::count(machine.events.begin(), machine.events.end(), "caption 1 100"), 1);
 
     meter().cycle().cmdRecognize_Click();
-    EXPECT_EQ(meter().session().CurrentLv, 10);
-
     machine.windows = {GameWindowState::Missing, GameWindowState::Front};
     meter().cycle().runCycle(); // no session to stop, but the trace says the game went
     EXPECT_HOLDS(debugText(), "Lost MapleStory Then Capture Stop ");
@@ -652,10 +626,9 @@ TEST_F(MeterTest, TimeLeftAsksFromTheLatestReadingOfTheSession)
     cycle(100, "120", "0", "");
     cycle(460, "", "", ""); // a failed reading does not unknow the level
     meter().menuTimeLeft_Click();
-    EXPECT_EQ(asked("120", 121), 1u);
     meter().menuStop_Click();
     meter().menuTimeLeft_Click(); // after the Stop the tools still know it
-    EXPECT_EQ(asked("120", 121), 2u);
+    EXPECT_EQ(asked("120", 121), 2u) << "both times";
 
     meter().menuRun_Click();
     meter().menuTimeLeft_Click(); // a new session starts from nothing: a proposal within the bounds
@@ -664,14 +637,17 @@ TEST_F(MeterTest, TimeLeftAsksFromTheLatestReadingOfTheSession)
 
 TEST_F(MeterTest, AFailedCaptureIsAFailedReadingWithItsOwnDebugLine)
 {
-    // Whether the log box tells a failed reading.
-    const struct { const char* name; std::function<void()> arm; bool said = true; } cases[] = {
+    // Whether the log box tells a failed reading, and what failed.
+    const struct { const char* name; std::function<void()> arm; bool said = true;
+                   const char* failed = "全部 NG"; } cases[] = {
         {"no picture", [this] { machine.onGrab = [this] { machine.screens = {std::nullopt}; }; }},
         {"the screen source fails",
          [this] { machine.onGrab = [] { throw RuntimeError(ErrorNumber::PermissionDenied); }; }},
         {"a region beyond the screen", [this] { settings.CaptureRegion[1].StartX = 1000; }},
         // Pixels that cannot be sized make no reading.
         {"a region too tall to hold", [this] { settings.CaptureRegion[2].SizeY = kMaxScreenSide + 1; }, false},
+        // A level whose 0 was never taught is no reading at all, never 1 for 10.
+        {"a level digit never taught", [this] { settings.PatternStrings[RegionLevel][0] = ""; }, true, "LvとMoney NG"},
         {"the key route's file cannot be written", [this] {
              settings.ScreenCapture = CaptureMethod::PrintScreen;
              machine.printScreenKey = true;
@@ -690,7 +666,7 @@ TEST_F(MeterTest, AFailedCaptureIsAFailedReadingWithItsOwnDebugLine)
         const Settings good = settings;
         k.arm();
         tick("10", "250");
-        EXPECT_EQ(countOf(box(), "認識失敗  全部 NG"), k.said ? 1u : 0u);
+        EXPECT_EQ(countOf(box(), std::string("認識失敗  ") + k.failed), k.said ? 1u : 0u) << box();
         EXPECT_EQ(expLabels(meter().state().labels), before);
         EXPECT_FALSE(meter().state().busy);
 
@@ -761,6 +737,144 @@ TEST_F(MeterTest, TheCyclesPictureIsReadBackFromTheCaptureFileAndTheImagesKeptAr
     EXPECT_TRUE(kept().empty());
     FormMainCommands(meter(), log, temp.path()).run(MenuCommand::PatternSave);
     EXPECT_HOLDS(box(), "まだキャプチャしていません");
+}
+
+
+TEST(ScreenCaptureTest, TheRoutesTakeWhatTheSettingAndThePlatformAllowAndAReadingKeepsTheWholeScreen)
+{
+    test::TempFolder home;
+    Settings settings = defaultSettings("");
+    settings.Lag = 500;
+    test::FakeMachine machine;
+    DebugLog log{home.path(), machine.clock};
+    const CaptureBitmap game = test::gameCapture({"137", "4,567,890", "123,456"});
+    const CaptureBitmap fromKey = test::gameCapture({"1", "2", "3"}, ScreenMode::FullScreen, 7);
+    const CaptureBitmap black = toCaptureBitmap(Frame(1024, 768));
+    using M = CaptureMethod;
+    using R = ScreenCapture::Result;
+    const struct { const char* name; M method; bool keyExists; std::optional<CaptureBitmap> direct, clipboard; R result;
+                   const CaptureBitmap* expected; bool pressed; } cases[] = {
+        {"key", M::PrintScreen, true, game, fromKey, R::Taken, &fromKey, true},
+        {"key, empty clipboard", M::PrintScreen, true, game, std::nullopt, R::NoPicture, nullptr, true},
+        {"key missing here", M::PrintScreen, false, game, fromKey, R::Taken, &game, true},
+        {"direct", M::Direct, true, game, fromKey, R::Taken, &game, false},
+        {"direct, black, key", M::Direct, true, black, fromKey, R::Taken, &fromKey, true},
+        {"direct, black, no key", M::Direct, false, black, fromKey, R::Taken, nullptr, true},
+        {"direct, no display", M::Direct, true, std::nullopt, fromKey, R::NoPicture, nullptr, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        ScreenCapture fresh{settings, machine, machine, log};
+        settings.ScreenCapture = c.method;
+        machine.events.clear();
+        machine.printScreenKey = c.keyExists;
+        machine.screens = {c.direct};
+        machine.clipboard = {c.clipboard};
+        for (int twice = 0; twice < 2; ++twice) {
+            std::optional<CaptureBitmap> image;
+            EXPECT_EQ(fresh.take(settings.CaptureRegion, image), c.result);
+            EXPECT_TRUE(c.expected == nullptr || (image && image->pixels == c.expected->pixels));
+        }
+        EXPECT_EQ(machine.count("print screen key"), c.pressed ? 2u : 0u);
+        // Lag is waited only when the key was really there to press.
+        EXPECT_EQ(machine.count("wait 500"), c.pressed && c.keyExists ? 2u : 0u);
+    }
+
+    // A reading, by the last route (direct), writes the whole screen to the file and reads its regions of that moment.
+    const CaptureBitmap narrow = toCaptureBitmap(test::gameScreen({"9", "8", "7"}, ScreenMode::FullScreen, 3, 1023, 700));
+    const std::filesystem::path file = home.path() / "Capture.bmp";
+    // bandRows 0: the source offers no bands; expected: the whole screen kept, and in the file when there is one;
+    // wholeImage: the image is that whole screen, not the regions only.
+    const struct { const char* name; std::int32_t bandRows; std::filesystem::path captureFile; CaptureBitmap screen;
+                   bool keyExists; const CaptureBitmap* expected; bool wholeImage; } readings[] = {
+        {"bands", 7, file, game, false, &game, false},
+        {"bands of one row, padded rows", 1, file, narrow, false, &narrow, false},
+        {"no bands", 0, file, game, false, &game, true},
+        {"no capture file", 7, {}, game, false, &game, true},
+        {"a capture file that cannot be written", 7, home.path() / "missing" / "Capture.bmp", game, false, &game, true},
+        {"black, the key route", 7, file, black, true, &fromKey, true},
+        {"black, no key route", 7, file, black, false, nullptr, false},
+    };
+    for (const auto& c : readings) {
+        SCOPED_TRACE(c.name);
+        std::filesystem::remove(file);
+        machine.bandRows = c.bandRows;
+        machine.printScreenKey = c.keyExists;
+        machine.screens = {c.screen};
+        machine.clipboard = {fromKey};
+        ScreenCapture fresh{settings, machine, machine, log};
+        fresh.setCaptureFile(c.captureFile);
+        std::optional<CaptureBitmap> image;
+        ASSERT_EQ(fresh.takeReading(settings.CaptureRegion, image), ScreenCapture::Result::Taken);
+        ASSERT_TRUE(image);
+        const CaptureBitmap& whole = c.expected != nullptr ? *c.expected : c.screen;
+        for (const CaptureRegionRect& rect : settings.CaptureRegion)
+            EXPECT_EQ(regionPixels(*image, rect), regionPixels(whole, rect));
+        EXPECT_EQ(image->pixels.size() == whole.pixels.size(), c.wholeImage);
+        EXPECT_TRUE(!c.wholeImage || image->pixels == whole.pixels);
+        const std::optional<CaptureBitmap> kept = fresh.kept();
+        EXPECT_TRUE(kept && kept->pixels == whole.pixels);
+        if (c.captureFile == file) {
+            const std::vector<std::uint8_t> bytes = encodeBitmap24(toFrame(whole));
+            EXPECT_EQ(test::readAll(file), std::string(bytes.begin(), bytes.end()));
+        }
+        for (const char* left : {".tmp", ".rows.tmp"})
+            EXPECT_FALSE(std::filesystem::exists(file.string() + left));
+    }
+}
+
+TEST(ScreenCaptureBlack, OnlyTheWantedRectanglesCount)
+{
+    Frame frame(100, 50);
+    frame.row(40)[3 * 90] = 1; // one dark-blue pixel at (90, 40), outside the first rectangle
+    const CaptureBitmap image = toCaptureBitmap(frame);
+    const CaptureRegionRect left{0, 0, 50, 50};
+    EXPECT_TRUE(isAllBlack(image, std::vector{left}));
+    EXPECT_FALSE(isAllBlack(image, std::vector{left, CaptureRegionRect{80, 35, 20, 10}}));
+    EXPECT_FALSE(isAllBlack(image, {}));
+    EXPECT_FALSE(isAllBlack(image, std::vector{CaptureRegionRect{200, 200, 10, 10}})) << "nothing seen is not black";
+    EXPECT_TRUE(isAllBlack(toCaptureBitmap(Frame(4, 4)), {}));
+}
+
+// "LdRu" -> those events; a letter without d or u is a click: "LR" is LdLuRdRu.
+std::vector<MouseButtonEvent> buttonEvents(std::string_view letters)
+{
+    std::vector<MouseButtonEvent> result;
+    for (std::size_t i = 0; i < letters.size(); ++i) {
+        const MouseButton button = letters[i] == 'L' ? MouseButton::Left : MouseButton::Right;
+        const char next = i + 1 < letters.size() ? letters[i + 1] : ' ';
+        if (next == 'd' || next == 'u')
+            result.push_back({button, letters[++i] == 'd'});
+        else
+            result.insert(result.end(), {{button, true}, {button, false}});
+    }
+    return result;
+}
+
+// Batches of events fed at their tick: what the last batch made, and the text left.
+TEST(GestureMatcher, PatternsChordsPausesAndTheTextKept)
+{
+    struct Feed { std::uint32_t atMs; const char* letters; };
+    const struct { const char* name; std::vector<Feed> feeds; Gesture last; const char* text;
+                   std::uint32_t gestureTime = 500; } cases[] = {
+        {"the last ten events are kept", {{0, "LLLL"}, {100, "LLLLLL"}}, Gesture::None, "LdLuLdLuLdLuLdLuLdLu"},
+        // A pause of GestureTime or more starts over: L R, pause, L L is nothing.
+        {"a pause", {{0, "L"}, {100, "R"}, {700, "L"}, {800, "L"}}, Gesture::None, "LdLuLdLu"},
+        {"under eight events, then none: text kept", {{0, "LdRdLuRuLdRd"}, {10, ""}}, Gesture::None, "LdRdLuRuLdRd"},
+        {"the double chord, released in any order", {{0, "LdRdRuLuRuLuLdRd"}}, Gesture::PrintScreen, ""},
+        {"only pressed and released is no chord", {{0, "LdRdLuRuLdLuLdLu"}}, Gesture::None, "LdRdLuRuLdLuLdLu"},
+        {"the earlier row wins", {{0, "LRRRR"}}, Gesture::MoneyScanOff, ""}, // holds L R R R and R R R R
+        {"wrapping", {{0xFFFFFF00u, "R"}, {0xFFFFFF64u, "R"}, {0xFFFFFFC8u, "R"}, {44, "R"}}, Gesture::CycleReset, ""},
+        {"GestureTime 0 never continues", {{0, "LR"}, {0, "LL"}}, Gesture::None, "LdLuLdLu", 0},
+    };
+    for (const auto& c : cases) {
+        GestureMatcher matcher;
+        Gesture last = Gesture::None;
+        for (const Feed& feed : c.feeds)
+            last = matcher.feed(buttonEvents(feed.letters), feed.atMs, c.gestureTime);
+        EXPECT_EQ(last, c.last) << c.name;
+        EXPECT_EQ(matcher.text(), c.text) << c.name;
+    }
 }
 
 } // namespace
