@@ -179,8 +179,6 @@ TEST_F(OptionsEditorTest, DebugSwitchReachesTheMeterAndOtherEditsAreUnsavedUntil
     EXPECT_TRUE(editor.runConfigFile(m_config, ConfigFile::Save));
     EXPECT_FALSE(editor.hasUnsavedEdits());
     m_settings.CompactX = 300;
-    m_settings.CompactOpacity = 60;
-    m_settings.CompactShown = true;
     EXPECT_FALSE(editor.hasUnsavedEdits()) << "the compact window saves its own place";
 
     ASSERT_TRUE(editor.answer(number("cmdLag"), 700));
