@@ -2,7 +2,6 @@
 // with its templates.
 #include "base/Errors.h"
 #include "recognition/Binarize.h"
-#include "recognition/GlyphPainter.h"
 #include "recognition/Recognizer.h"
 #include "support/ExpectError.h"
 
@@ -79,24 +78,6 @@ std::string blank(int columns)
     return std::string(4 * static_cast<std::size_t>(columns), '0');
 }
 
-// Digits painted from column -1 over the background, in a region taller than a column group and
-// narrower than the digits: columns off either edge are left out, rows below the group stay background.
-TEST(BinarizeRegion, PaintedDigitsBinariseBackToTheirColumns)
-{
-    const Settings defaults = defaultSettings("");
-    const CaptureRegionRect rect{3, 4, 8, 18};
-    Frame frame(40, 30);
-    paintRegionBackground(frame, rect, defaultInkColors(RegionExp));
-    const std::string digits = numberColumns(kExp, "90", false);
-    paintColumns(frame, rect, -1, digits, defaultInkColors(RegionExp));
-    PixelLevels levels;
-    levels.SecurePixels({rect, rect, rect});
-    FillPixelLevels(levels, RegionExp, rect, toCaptureBitmap(frame));
-    std::string columns;
-    BinarizeRegion(levels, RegionExp, rect, defaults.BinaryThreshold[RegionExp], defaults.BinaryMask[RegionExp], columns);
-    EXPECT_EQ(columns, digits.substr(4, 4 * 8));
-}
-
 // A set with a template missing, cut or mistyped cannot tell a digit it lacks from a gap:
 // the reading fails and says which templates are not whole, where the walk would drop the digit.
 TEST(RecognizeNumber, OutcomesFollowTheWalkRules)
@@ -108,7 +89,6 @@ TEST(RecognizeNumber, OutcomesFollowTheWalkRules)
     const std::string comma = "01800000";
     const std::string ng = "認識NG";
     const std::vector<Case> cases = {
-        {"adjacent digits then delimiter", kExp[1] + kExp[2] + delimiter + blank(5), -1, "12", "12"},
         {"no delimiter up to the edge", kExp[1] + kExp[2] + blank(20), -1, "", ng},
         {"no digit anywhere", delimiter + blank(12), -1, "", "NotFind"},
         {"empty column string", "", 0, "", "NotFind"},
@@ -174,13 +154,6 @@ TEST(RecognizeNumber, TraceAndProgressCaptionsFollowEveryStepAndImpossibleArgume
     EXPECT_EQ(result.trace,
               (std::vector<std::string>{"category1 変換データ : " + columns, "4 認識:", "2 認識:", " 認識:デリミタ"}));
     EXPECT_EQ(recorder.captions, (std::vector<std::string>{"認識中…", "4認識中…", "4認識中…", "4認識中…", "42認識中…"}));
-
-    for (const auto& [ending, last] : {std::pair{blank(10), "category1 数値が見つかりませんでした"},
-                                       std::pair{kExp[4] + blank(6), " デリミタ未検出 "}}) {
-        const RecognizerInput input{ending, &kExp, 5, static_cast<std::int32_t>(ending.size() / 4), {}};
-        EXPECT_EQ(RecognizeNumber(RegionExp, input, true).trace.back(), last);
-    }
-    EXPECT_EQ(joinTrace({"a", "b", "c"}), "a\r\nb\r\nc");
 
     // Impossible arguments; an empty template with a zero glyph width would match forever.
     EXPECT_THROW(RecognizeNumber(3, RecognizerInput{columns, &kExp, 5, width, {}}), RuntimeError);

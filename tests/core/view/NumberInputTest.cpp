@@ -25,6 +25,10 @@ TEST(NumberInputTest, ConfirmationChecksCharactersThenTheLimits)
         EXPECT_EQ(input.confirm(), c.warning) << c.text;
         EXPECT_EQ(std::pair(input.done(), input.result()), std::pair(!c.warning, c.result)) << c.text;
     }
+    NumberInput input;
+    input.open("0", "10", 1, "1", "値を入力してください", "");
+    input.setText("1x");
+    EXPECT_EQ(std::tuple(input.decrement(), input.text()), std::tuple(invalid, "1x")) << "as 決定 and the other button do";
 }
 
 TEST(NumberInputTest, KeyFilterEnterNumericValueAndTheTextualCharacterCheck)
