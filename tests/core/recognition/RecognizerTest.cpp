@@ -2,6 +2,7 @@
 // with its templates.
 #include "base/Errors.h"
 #include "recognition/Binarize.h"
+#include "recognition/GlyphPainter.h"
 #include "recognition/Recognizer.h"
 #include "support/ExpectError.h"
 
@@ -76,6 +77,24 @@ const PatternSet& kExp = defaultPatternStrings()[RegionExp];
 std::string blank(int columns)
 {
     return std::string(4 * static_cast<std::size_t>(columns), '0');
+}
+
+// Digits painted from column -1 over the background, in a region taller than a column group and
+// narrower than the digits: columns off either edge are left out, rows below the group stay background.
+TEST(BinarizeRegion, PaintedDigitsBinariseBackToTheirColumns)
+{
+    const Settings defaults = defaultSettings("");
+    const CaptureRegionRect rect{3, 4, 8, 18};
+    Frame frame(40, 30);
+    paintRegionBackground(frame, rect, defaultInkColors(RegionExp));
+    const std::string digits = numberColumns(kExp, "90", false);
+    paintColumns(frame, rect, -1, digits, defaultInkColors(RegionExp));
+    PixelLevels levels;
+    levels.SecurePixels({rect, rect, rect});
+    FillPixelLevels(levels, RegionExp, rect, toCaptureBitmap(frame));
+    std::string columns;
+    BinarizeRegion(levels, RegionExp, rect, defaults.BinaryThreshold[RegionExp], defaults.BinaryMask[RegionExp], columns);
+    EXPECT_EQ(columns, digits.substr(4, 4 * 8));
 }
 
 // A set with a template missing, cut or mistyped cannot tell a digit it lacks from a gap:

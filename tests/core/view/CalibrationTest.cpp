@@ -34,11 +34,13 @@ void learnScreens(Calibration& calibration, const std::vector<std::array<std::st
 TEST(CalibrationTest, LearnsFromScreensAndKeepsTheResultUntilConfirmed)
 {
     Calibration calibration(kDefaults);
+    EXPECT_FALSE(calibration.learn()); // no screen yet
     EXPECT_FALSE(calibration.hasChanges());
     learnScreens(calibration, {{"58", "1234567", ""}, {"147", "8890123", ""}, {"203", "4455667", ""}});
 
     // The text is made of the message, the readings back and the digits missing.
     const CalibrationRegionView exp = calibration.view(RegionExp);
+    EXPECT_FALSE(calibration.picker().preview(RegionExp).read); // the built-in templates cannot
     EXPECT_EQ(exp.text, "学習しました（文字幅 6 列）\n読み方： 完全一致、しきい値 133\n"
                         "読み返し： 1234567 → 1234567、8890123 → 8890123、4455667 → 4455667　全数字を学習済み");
     const CalibrationRegionView money = calibration.view(RegionMoney);
@@ -131,6 +133,7 @@ TEST(RegionPickerTest, PicturePointsMapToScreenPixelsAtEveryZoomAndADragSpansIts
         {763, 2035, 400, 2000, {100, 500, 91, 9}}, // left and up; both corners included
         {400, 2000, 403, 2003, {100, 500, 1, 1}},  // a click is one pixel
         {400, 2000, 800, 2200, {100, 500, 101, 51}}, // taller than a column group: read by shape
+        {400, 2200, 800, 2000, {100, 500, 101, 51}}, // the same region again, dragged up
     };
     for (const Drag& c : drags) {
         picker.press(c.fromX, c.fromY);

@@ -45,11 +45,22 @@ TEST(OptionFieldsTest, EveryFieldIsNamedOnceReadsItsOwnSettingAndAcceptsItsDefau
         for (const NumberField& other : numberFields())
             seen += other.value(s, other.region) == 123456;
         EXPECT_EQ(seen, 1) << f.name;
+        EXPECT_FALSE(f.prompt.empty()) << f.name;
     }
-    for (const FlagField& f : flagFields())
+    for (const FlagField& f : flagFields()) {
         EXPECT_TRUE(names.insert(f.name).second) << f.name;
-    for (const TextField& f : textFields())
+        if (!f.value)
+            continue; // the debug switch, tested with the editor
+        Settings s = defaults;
+        f.value(s) = !f.value(s);
+        EXPECT_NE(s, defaults) << f.name;
+    }
+    for (const TextField& f : textFields()) {
         EXPECT_TRUE(names.insert(f.name).second) << f.name;
+        Settings s = defaults;
+        f.value(s) = "changed";
+        EXPECT_NE(s, defaults) << f.name;
+    }
 }
 
 class OptionsEditorTest : public testing::Test {
