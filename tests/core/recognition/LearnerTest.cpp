@@ -57,6 +57,8 @@ TEST(TemplateLearnerTest, LayoutsAreKeptOnlyWhenTheImagesReadBackAndImagesThatDo
     // Found where the font put it: from column 3 of the region (2 + region index 1).
     EXPECT_EQ(learner.layout(3).digitColumns, (std::vector<std::int32_t>{3, 9, 15, 21, 27}));
     EXPECT_TRUE(learner.replacedPrior()); // the built-in templates are five columns wide
+    for (std::size_t i = 0; i < learner.imageCount(); ++i)
+        EXPECT_EQ(learner.readBack(i).digits, learner.number(i));
 
     // Images that do not fit are refused and change nothing.
     const PatternSet before = learner.patterns();
