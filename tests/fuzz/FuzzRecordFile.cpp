@@ -8,20 +8,14 @@
 #include <algorithm>
 #include <fstream>
 
-namespace {
-
-// The name stays inside the scratch folder: no separators, no parent steps.
-std::string plainName(std::string name)
-{
-    std::replace_if(name.begin(), name.end(), [](char c) { return c == '/' || c == '\\' || c == '\0'; }, '_');
-    return name;
-}
-
-} // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     using namespace tvx;
+    // The name stays inside the scratch folder: no separators, no parent steps.
+    const auto plainName = [](std::string name) {
+        std::replace_if(name.begin(), name.end(), [](char c) { return c == '/' || c == '\\' || c == '\0'; }, '_');
+        return name;
+    };
     static const std::unique_ptr<TextCodec> codec = platform::makeTextCodec();
     FuzzedDataProvider in(data, size);
     Settings settings = defaultSettings(fuzz::scratchFolder().string());

@@ -3,6 +3,7 @@
 #include "base/Errors.h"
 #include "ports/Prompter.h"
 #include "recognition/ScreenRecognizer.h"
+#include "../support/TempFolder.h"
 
 #include <fuzzer/FuzzedDataProvider.h>
 
@@ -11,24 +12,14 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
-#include <unistd.h>
 
 namespace tvx::fuzz {
 
 // A folder of this process's own for targets that touch files, removed at exit.
 inline const std::filesystem::path& scratchFolder()
 {
-    static const std::filesystem::path folder = [] {
-        std::string pattern = (std::filesystem::temp_directory_path() / "tallivex-fuzz-XXXXXX").string();
-        if (mkdtemp(pattern.data()) == nullptr)
-            std::abort();
-        std::atexit([] {
-            std::error_code ec;
-            std::filesystem::remove_all(scratchFolder(), ec);
-        });
-        return std::filesystem::path(pattern);
-    }();
-    return folder;
+    static const test::TempFolder folder;
+    return folder.path();
 }
 
 // Answers every question with yes and OK, and ignores messages.

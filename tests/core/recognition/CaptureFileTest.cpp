@@ -86,7 +86,6 @@ TEST(CaptureFile, LoadChecksThePathBeforeTheFile)
     ASSERT_TRUE(writeBitmap24(folder / "Capture.BMP", frame));
     const std::vector<std::uint8_t> whole = encodeBitmap24(frame);
     std::ofstream(folder / "Capture.png", std::ios::binary) << "not a bitmap";
-    std::ofstream(folder / "fake.bmp", std::ios::binary) << "GIF89a";
     std::ofstream(folder / "short.bmp", std::ios::binary)
         .write(reinterpret_cast<const char*>(whole.data()), static_cast<std::streamsize>(whole.size() - 1));
     std::filesystem::create_directory(folder / "folder.bmp");
@@ -96,8 +95,6 @@ TEST(CaptureFile, LoadChecksThePathBeforeTheFile)
     const std::pair<std::filesystem::path, CaptureLoadResult> refused[] = {
         {"", CaptureLoadResult::EmptyPath},
         {folder / "Capture.png", CaptureLoadResult::NotBmpName},
-        {folder / "missing.bmp", CaptureLoadResult::CannotOpen},
-        {folder / "fake.bmp", CaptureLoadResult::NotBitmapType},
         {folder / "folder.bmp", CaptureLoadResult::NotAFile},
         {folder / "short.bmp", CaptureLoadResult::Truncated},
     };
