@@ -23,8 +23,7 @@
 namespace tvx::ui {
 namespace {
 
-// Every question reuses one dialog; Qt tells the keypad's Enter from Return, and it must
-// press the focused button too.
+// Every question reuses one dialog; Qt tells the keypad's Enter from Return, and it must press the focused button.
 TEST(QtPrompterNumber, AsksThroughOneReusedDialogAndTheKeypadEnterPressesTheFocusedButton)
 {
     const std::unique_ptr<test::Desktop> desktop = test::makeDesktop();

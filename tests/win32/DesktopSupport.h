@@ -137,8 +137,6 @@ public:
         KillTimer(nullptr, m_timer);
         s_current = nullptr;
     }
-    DialogScript(const DialogScript&) = delete;
-    DialogScript& operator=(const DialogScript&) = delete;
 
     bool finished() const { return m_steps.empty(); }
     bool timedOut() const { return m_timedOut; }
@@ -175,44 +173,23 @@ inline std::wstring textOf(HWND window)
     return text;
 }
 
-// The texts of a window's static children, joined by new lines (a message box's text).
-inline std::wstring staticTexts(HWND window)
+// A window's children and theirs, in order (the controls on its pages too).
+inline std::vector<HWND> childrenOf(HWND window)
 {
-    std::wstring all;
-    EnumChildWindows(
-        window,
-        [](HWND child, LPARAM into) -> BOOL {
-            wchar_t name[32] = {};
-            GetClassNameW(child, name, 32);
-            if (lstrcmpiW(name, L"Static") == 0 && GetWindowTextLengthW(child) > 0)
-                *reinterpret_cast<std::wstring*>(into) += textOf(child) + L"\n";
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&all));
-    return all;
+    std::vector<HWND> children;
+    EnumChildWindows(window, [](HWND child, LPARAM list) {
+        reinterpret_cast<std::vector<HWND>*>(list)->push_back(child);
+        return TRUE;
+    }, reinterpret_cast<LPARAM>(&children));
+    return children;
 }
 
-// The first control with this identifier anywhere under the window (on its pages too).
 inline HWND childWithId(HWND window, int id)
 {
-    struct Search { int id; HWND found; } search{id, nullptr};
-    EnumChildWindows(
-        window,
-        [](HWND child, LPARAM into) -> BOOL {
-            auto* s = reinterpret_cast<Search*>(into);
-            if (GetDlgCtrlID(child) != s->id)
-                return TRUE;
-            s->found = child;
-            return FALSE;
-        },
-        reinterpret_cast<LPARAM>(&search));
-    return search.found;
-}
-
-inline void typeInto(HWND control, const std::wstring& text)
-{
-    for (const wchar_t c : text)
-        SendMessageW(control, WM_CHAR, c, 1);
+    for (HWND child : childrenOf(window))
+        if (GetDlgCtrlID(child) == id)
+            return child;
+    return nullptr;
 }
 
 // The picture of a bitmap that is selected into no DC.

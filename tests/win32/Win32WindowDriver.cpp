@@ -63,12 +63,7 @@ std::vector<std::string> clippedTexts(HWND window, HWND only = nullptr)
         if (!text.empty() && needed > room)
             clipped.push_back(win32ui::utf8(text) + " (" + std::to_string(needed) + " > " + std::to_string(room) + ")");
     };
-    std::vector<HWND> children;
-    EnumChildWindows(window, [](HWND child, LPARAM list) {
-        reinterpret_cast<std::vector<HWND>*>(list)->push_back(child);
-        return TRUE;
-    }, reinterpret_cast<LPARAM>(&children));
-    for (HWND child : children) {
+    for (HWND child : childrenOf(window)) {
         if (!IsWindowVisible(child) || (only != nullptr && child != only))
             continue;
         RECT client{};
@@ -165,7 +160,8 @@ public:
     void clickNow(const std::string& name) override { SendMessageW(control(name), BM_CLICK, 0, 0); }
     void type(const std::string& name, const std::string& text) override
     {
-        typeInto(control(name), win32ui::wide(text));
+        for (const wchar_t c : win32ui::wide(text))
+            SendMessageW(control(name), WM_CHAR, c, 1);
     }
     void setText(const std::string& name, const std::string& text) override { win32ui::setText(control(name), text); }
     // Posted to the focused control through the window's own loop; to the window itself while
@@ -258,21 +254,15 @@ private:
 // The visible window of this thread that `holds`.
 HWND threadWindow(const std::function<bool(HWND)>& holds)
 {
-    struct Search {
-        const std::function<bool(HWND)>& holds;
-        HWND found;
-    } search{holds, nullptr};
-    EnumThreadWindows(
-        GetCurrentThreadId(),
-        [](HWND window, LPARAM into) -> BOOL {
-            auto* s = reinterpret_cast<Search*>(into);
-            if (!IsWindowVisible(window) || !s->holds(window))
-                return TRUE;
-            s->found = window;
-            return FALSE;
-        },
-        reinterpret_cast<LPARAM>(&search));
-    return search.found;
+    std::vector<HWND> windows;
+    EnumThreadWindows(GetCurrentThreadId(), [](HWND window, LPARAM list) {
+        reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+        return TRUE;
+    }, reinterpret_cast<LPARAM>(&windows));
+    for (HWND window : windows)
+        if (IsWindowVisible(window) && holds(window))
+            return window;
+    return nullptr;
 }
 
 // The window of this thread with this title ("": any) and a control with this identifier.
@@ -312,7 +302,10 @@ public:
         });
         if (box == nullptr)
             return std::nullopt;
-        std::string text = win32ui::utf8(staticTexts(box));
+        std::string text; // its static controls' lines
+        for (HWND child : childrenOf(box))
+            if (isClass(child, L"Static") && GetWindowTextLengthW(child) > 0)
+                text += win32ui::windowText(child) + "\n";
         std::erase(text, '\r');
         if (text.ends_with('\n'))
             text.pop_back();

@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
-# The meter against the practice target under wine, on the display in DISPLAY: a fresh
-# home, every record a state the target drew, a gesture as real clicks, a WM_CLOSE end.
-#   meter-end-to-end.sh WINE METER.exe PRACTICE.exe SUPPORT.exe
+# The meter against the practice target under wine, on the display in DISPLAY: a fresh home, every record a state
+# the target drew, a gesture as real clicks, a WM_CLOSE end. Arguments: WINE METER.exe PRACTICE.exe SUPPORT.exe
 set -uo pipefail
 wine=$1 meter=$2 practice=$3 support=$4
 

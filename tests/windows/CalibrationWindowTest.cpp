@@ -1,5 +1,4 @@
-// The calibration window played the same way in both front ends; what is learnt is the
-// core's Calibration.
+// The calibration window played the same way in both front ends; what is learnt is the core's Calibration.
 #include "support/WindowDriver.h"
 
 #include "support/BitmapFont.h"

@@ -1,6 +1,5 @@
-// Every window in each language, the same in the Qt and the Win32 front end: each
-// text fits the control that shows it at the window's size (the windows were laid out for
-// Japanese). With TALLIVEX_SHOT_DIR set, the pictures for the read-me.
+// Every window in each language, the same in the Qt and the Win32 front end: each text fits the control that
+// shows it at the window's size (they were laid out for Japanese). With TALLIVEX_SHOT_DIR set, the read-me's pictures.
 #include "support/WindowDriver.h"
 
 #include "base/Language.h"

@@ -1,5 +1,4 @@
-// The options window played the same way in both front ends; what the edits mean is the
-// core's OptionsEditor.
+// The options window played the same way in both front ends; what the edits mean is the core's OptionsEditor.
 #include "support/WindowDriver.h"
 
 #include "TextCodecFactory.h"
