@@ -6,7 +6,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <deque>
 #include <functional>
 #include <random>
 #include <string>
@@ -122,49 +121,6 @@ inline Frame noiseFrame(std::int32_t width, std::int32_t height, std::uint32_t s
         byte = static_cast<std::uint8_t>(noise());
     return frame;
 }
-
-// Plays the player's part in a modal dialog's loop: each step runs from a thread timer until it returns
-// true. Past its deadline it closes the active window, so a test can fail, not hang.
-class DialogScript {
-public:
-    explicit DialogScript(std::deque<std::function<bool()>> steps, DWORD deadlineMs = 10000)
-        : m_steps(std::move(steps)), m_deadline(GetTickCount64() + deadlineMs), m_timer(SetTimer(nullptr, 0, 40, &tick))
-    {
-        s_current = this;
-    }
-    ~DialogScript()
-    {
-        KillTimer(nullptr, m_timer);
-        s_current = nullptr;
-    }
-
-    bool finished() const { return m_steps.empty(); }
-    bool timedOut() const { return m_timedOut; }
-
-private:
-    static void CALLBACK tick(HWND, UINT, UINT_PTR, DWORD)
-    {
-        DialogScript* self = s_current;
-        if (!self || self->m_running)
-            return;
-        self->m_running = true; // a step that opens a modal loop must post, not send
-        if (!self->m_steps.empty() && self->m_steps.front()())
-            self->m_steps.pop_front();
-        else if (!self->m_steps.empty() && GetTickCount64() > self->m_deadline) {
-            self->m_timedOut = true;
-            if (HWND active = GetActiveWindow())
-                PostMessageW(active, WM_CLOSE, 0, 0);
-        }
-        self->m_running = false;
-    }
-
-    static inline DialogScript* s_current = nullptr;
-    std::deque<std::function<bool()>> m_steps;
-    ULONGLONG m_deadline;
-    UINT_PTR m_timer;
-    bool m_running = false;
-    bool m_timedOut = false;
-};
 
 inline std::wstring textOf(HWND window)
 {

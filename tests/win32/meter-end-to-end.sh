@@ -35,12 +35,9 @@ logged() { grep -qF -- "$1" "$log" 2>/dev/null; }
 records() {
   [ "$(find "$home/save/log" -type f ! -name 'セッション履歴.csv' -exec cat {} + 2>/dev/null | grep -c .)" -gt "$1" ]
 }
+# clicks LRLL: left and right clicks a tenth of a second apart, in one xdotool command chain.
 clicks() {
-  local b
-  for b in $(echo "$1" | grep -o .); do
-    xdotool click "$([ "$b" = L ] && echo 1 || echo 3)"
-    sleep 0.1
-  done
+  xdotool $(sed 's/L/click 1 sleep 0.1 /g; s/R/click 3 sleep 0.1 /g' <<<"$1")
 }
 
 "$wine" "$support" prepare "$winhome" || fail "the home folder could not be prepared"
