@@ -160,19 +160,4 @@ inline Frame frameOf(HBITMAP bitmap)
     return toFrame(rows);
 }
 
-// What the screen shows of a window, its children and frame included.
-inline Frame screenPicture(HWND window)
-{
-    RECT r;
-    GetWindowRect(window, &r);
-    const platform::win32::WindowDC screen;
-    const platform::win32::MemoryDC memory(CreateCompatibleDC(screen.get()));
-    const platform::win32::Bitmap bitmap(CreateCompatibleBitmap(screen.get(), r.right - r.left, r.bottom - r.top));
-    {
-        const platform::win32::Selection selected(memory.get(), bitmap.get());
-        BitBlt(memory.get(), 0, 0, r.right - r.left, r.bottom - r.top, screen.get(), r.left, r.top, SRCCOPY);
-    }
-    return frameOf(bitmap.get());
-}
-
 } // namespace tvx::test

@@ -203,11 +203,21 @@ public:
     {
         mouse(control(name), from, Point{(from.x + to.x) / 2, (from.y + to.y) / 2}, to);
     }
+    // What the screen shows of it, its children and frame included.
     Frame picture(const std::string& name) override
     {
         if (name.empty())
             pumpMessages(300); // painted, behind whatever it opened over
-        return screenPicture(name.empty() ? m_window() : control(name));
+        RECT r;
+        GetWindowRect(name.empty() ? m_window() : control(name), &r);
+        const platform::win32::WindowDC screen;
+        const platform::win32::MemoryDC memory(CreateCompatibleDC(screen.get()));
+        const platform::win32::Bitmap bitmap(CreateCompatibleBitmap(screen.get(), r.right - r.left, r.bottom - r.top));
+        {
+            const platform::win32::Selection selected(memory.get(), bitmap.get());
+            BitBlt(memory.get(), 0, 0, r.right - r.left, r.bottom - r.top, screen.get(), r.left, r.top, SRCCOPY);
+        }
+        return frameOf(bitmap.get()); // once the bitmap is out of the DC
     }
     Box frame() override { return boxOf(m_window()); }
     void close() override { PostMessageW(m_window(), WM_CLOSE, 0, 0); }

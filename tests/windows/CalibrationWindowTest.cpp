@@ -27,8 +27,8 @@ protected:
         steps.push_front([this] { return window().isOpen(); });
         bool applied = false;
         const WindowServices services{&screen, &waiter, nullptr, nullptr, nullptr, {}};
-        desktop->play(std::move(steps),
-                      [&] { applied = desktop->showCalibration(settings, screenshot, canCapture ? services : WindowServices{}); });
+        play(std::move(steps),
+             [&] { applied = desktop->showCalibration(settings, screenshot, canCapture ? services : WindowServices{}); });
         return applied;
     }
 

@@ -31,7 +31,7 @@ protected:
     {
         steps.push_front([this] { return options().isOpen(); });
         services.settingsChanged = [this] { ++changes; };
-        desktop->play(std::move(steps), [&] { desktop->showOptions(config, capture, services); });
+        play(std::move(steps), [&] { desktop->showOptions(config, capture, services); });
     }
 
     WindowDriver& options() { return desktop->options(); }
