@@ -33,15 +33,6 @@ CharacterState readBack(const Frame& frame)
             amountFromText(read(RegionMoney)).wholePart()};
 }
 
-Frame toFrame(const QImage& image)
-{
-    const QImage bgr = image.convertToFormat(QImage::Format_BGR888);
-    Frame frame(bgr.width(), bgr.height());
-    for (int y = 0; y < bgr.height(); ++y)
-        std::memcpy(frame.row(y), bgr.constScanLine(y), frame.rowBytes());
-    return frame;
-}
-
 TEST(PracticeScene, PaintedStatesReadBackExactly)
 {
     const CharacterState states[] = {
@@ -98,7 +89,11 @@ TEST(PracticeWindow, KeysAndTicksChangeWhatTheGrabbedWindowShowsAndEveryChangeIs
         same();
         const CharacterState& s = expected.state();
         lines.push_back(std::to_string(s.level) + ' ' + std::to_string(s.exp) + ' ' + std::to_string(s.money));
-        EXPECT_EQ(readBack(toFrame(window.grab().toImage())), s) << lines.back();
+        const QImage shown = window.grab().toImage().convertToFormat(QImage::Format_BGR888);
+        Frame frame(shown.width(), shown.height());
+        for (int y = 0; y < shown.height(); ++y)
+            std::memcpy(frame.row(y), shown.constScanLine(y), frame.rowBytes());
+        EXPECT_EQ(readBack(frame), s) << lines.back();
     }
     // The state file: seconds since the epoch, then what was drawn.
     std::istringstream text(test::readAll(folder.path() / "state.txt"));

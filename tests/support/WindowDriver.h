@@ -120,7 +120,6 @@ public:
     virtual ~Desktop() = default;
 
     virtual Prompter& prompter() = 0;
-    void play(std::deque<PlayerStep> steps, const std::function<void()>& modal) { test::play(std::move(steps), modal); }
     virtual WindowDriver& numberDialog() = 0;
     virtual WindowDriver& options() = 0;
     virtual WindowDriver& calibration() = 0;

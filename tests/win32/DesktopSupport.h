@@ -6,7 +6,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <deque>
 #include <functional>
 #include <random>
 #include <string>
@@ -123,51 +122,6 @@ inline Frame noiseFrame(std::int32_t width, std::int32_t height, std::uint32_t s
     return frame;
 }
 
-// Plays the player's part in a modal dialog's loop: each step runs from a thread timer until it returns
-// true. Past its deadline it closes the active window, so a test can fail, not hang.
-class DialogScript {
-public:
-    explicit DialogScript(std::deque<std::function<bool()>> steps, DWORD deadlineMs = 10000)
-        : m_steps(std::move(steps)), m_deadline(GetTickCount64() + deadlineMs), m_timer(SetTimer(nullptr, 0, 40, &tick))
-    {
-        s_current = this;
-    }
-    ~DialogScript()
-    {
-        KillTimer(nullptr, m_timer);
-        s_current = nullptr;
-    }
-    DialogScript(const DialogScript&) = delete;
-    DialogScript& operator=(const DialogScript&) = delete;
-
-    bool finished() const { return m_steps.empty(); }
-    bool timedOut() const { return m_timedOut; }
-
-private:
-    static void CALLBACK tick(HWND, UINT, UINT_PTR, DWORD)
-    {
-        DialogScript* self = s_current;
-        if (!self || self->m_running)
-            return;
-        self->m_running = true; // a step that opens a modal loop must post, not send
-        if (!self->m_steps.empty() && self->m_steps.front()())
-            self->m_steps.pop_front();
-        else if (!self->m_steps.empty() && GetTickCount64() > self->m_deadline) {
-            self->m_timedOut = true;
-            if (HWND active = GetActiveWindow())
-                PostMessageW(active, WM_CLOSE, 0, 0);
-        }
-        self->m_running = false;
-    }
-
-    static inline DialogScript* s_current = nullptr;
-    std::deque<std::function<bool()>> m_steps;
-    ULONGLONG m_deadline;
-    UINT_PTR m_timer;
-    bool m_running = false;
-    bool m_timedOut = false;
-};
-
 inline std::wstring textOf(HWND window)
 {
     wchar_t text[512] = {};
@@ -175,44 +129,23 @@ inline std::wstring textOf(HWND window)
     return text;
 }
 
-// The texts of a window's static children, joined by new lines (a message box's text).
-inline std::wstring staticTexts(HWND window)
+// A window's children and theirs, in order (the controls on its pages too).
+inline std::vector<HWND> childrenOf(HWND window)
 {
-    std::wstring all;
-    EnumChildWindows(
-        window,
-        [](HWND child, LPARAM into) -> BOOL {
-            wchar_t name[32] = {};
-            GetClassNameW(child, name, 32);
-            if (lstrcmpiW(name, L"Static") == 0 && GetWindowTextLengthW(child) > 0)
-                *reinterpret_cast<std::wstring*>(into) += textOf(child) + L"\n";
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&all));
-    return all;
+    std::vector<HWND> children;
+    EnumChildWindows(window, [](HWND child, LPARAM list) {
+        reinterpret_cast<std::vector<HWND>*>(list)->push_back(child);
+        return TRUE;
+    }, reinterpret_cast<LPARAM>(&children));
+    return children;
 }
 
-// The first control with this identifier anywhere under the window (on its pages too).
 inline HWND childWithId(HWND window, int id)
 {
-    struct Search { int id; HWND found; } search{id, nullptr};
-    EnumChildWindows(
-        window,
-        [](HWND child, LPARAM into) -> BOOL {
-            auto* s = reinterpret_cast<Search*>(into);
-            if (GetDlgCtrlID(child) != s->id)
-                return TRUE;
-            s->found = child;
-            return FALSE;
-        },
-        reinterpret_cast<LPARAM>(&search));
-    return search.found;
-}
-
-inline void typeInto(HWND control, const std::wstring& text)
-{
-    for (const wchar_t c : text)
-        SendMessageW(control, WM_CHAR, c, 1);
+    for (HWND child : childrenOf(window))
+        if (GetDlgCtrlID(child) == id)
+            return child;
+    return nullptr;
 }
 
 // The picture of a bitmap that is selected into no DC.
@@ -225,21 +158,6 @@ inline Frame frameOf(HBITMAP bitmap)
     GetDIBits(platform::win32::WindowDC().get(), bitmap, 0, static_cast<UINT>(rows.rows), rows.pixels.data(), &info,
               DIB_RGB_COLORS);
     return toFrame(rows);
-}
-
-// What the screen shows of a window, its children and frame included.
-inline Frame screenPicture(HWND window)
-{
-    RECT r;
-    GetWindowRect(window, &r);
-    const platform::win32::WindowDC screen;
-    const platform::win32::MemoryDC memory(CreateCompatibleDC(screen.get()));
-    const platform::win32::Bitmap bitmap(CreateCompatibleBitmap(screen.get(), r.right - r.left, r.bottom - r.top));
-    {
-        const platform::win32::Selection selected(memory.get(), bitmap.get());
-        BitBlt(memory.get(), 0, 0, r.right - r.left, r.bottom - r.top, screen.get(), r.left, r.top, SRCCOPY);
-    }
-    return frameOf(bitmap.get());
 }
 
 } // namespace tvx::test

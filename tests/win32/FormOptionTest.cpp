@@ -68,7 +68,7 @@ TEST(FormOptionWin32Test, EveryPageShowsAllItsControlsAsItOpensAndScrollsInAWind
         seen.push_back(inView(lastRow));
         options.close();
     }));
-    desktop->play(std::move(steps), [&] { desktop->showOptions(config, &capture, {}); });
+    play(std::move(steps), [&] { desktop->showOptions(config, &capture, {}); });
     EXPECT_EQ(seen, std::vector<bool>(4, true));
 }
 

@@ -63,12 +63,7 @@ std::vector<std::string> clippedTexts(HWND window, HWND only = nullptr)
         if (!text.empty() && needed > room)
             clipped.push_back(win32ui::utf8(text) + " (" + std::to_string(needed) + " > " + std::to_string(room) + ")");
     };
-    std::vector<HWND> children;
-    EnumChildWindows(window, [](HWND child, LPARAM list) {
-        reinterpret_cast<std::vector<HWND>*>(list)->push_back(child);
-        return TRUE;
-    }, reinterpret_cast<LPARAM>(&children));
-    for (HWND child : children) {
+    for (HWND child : childrenOf(window)) {
         if (!IsWindowVisible(child) || (only != nullptr && child != only))
             continue;
         RECT client{};
@@ -165,7 +160,8 @@ public:
     void clickNow(const std::string& name) override { SendMessageW(control(name), BM_CLICK, 0, 0); }
     void type(const std::string& name, const std::string& text) override
     {
-        typeInto(control(name), win32ui::wide(text));
+        for (const wchar_t c : win32ui::wide(text))
+            SendMessageW(control(name), WM_CHAR, c, 1);
     }
     void setText(const std::string& name, const std::string& text) override { win32ui::setText(control(name), text); }
     // Posted to the focused control through the window's own loop; to the window itself while
@@ -207,11 +203,21 @@ public:
     {
         mouse(control(name), from, Point{(from.x + to.x) / 2, (from.y + to.y) / 2}, to);
     }
+    // What the screen shows of it, its children and frame included.
     Frame picture(const std::string& name) override
     {
         if (name.empty())
             pumpMessages(300); // painted, behind whatever it opened over
-        return screenPicture(name.empty() ? m_window() : control(name));
+        RECT r;
+        GetWindowRect(name.empty() ? m_window() : control(name), &r);
+        const platform::win32::WindowDC screen;
+        const platform::win32::MemoryDC memory(CreateCompatibleDC(screen.get()));
+        const platform::win32::Bitmap bitmap(CreateCompatibleBitmap(screen.get(), r.right - r.left, r.bottom - r.top));
+        {
+            const platform::win32::Selection selected(memory.get(), bitmap.get());
+            BitBlt(memory.get(), 0, 0, r.right - r.left, r.bottom - r.top, screen.get(), r.left, r.top, SRCCOPY);
+        }
+        return frameOf(bitmap.get()); // once the bitmap is out of the DC
     }
     Box frame() override { return boxOf(m_window()); }
     void close() override { PostMessageW(m_window(), WM_CLOSE, 0, 0); }
@@ -258,21 +264,15 @@ private:
 // The visible window of this thread that `holds`.
 HWND threadWindow(const std::function<bool(HWND)>& holds)
 {
-    struct Search {
-        const std::function<bool(HWND)>& holds;
-        HWND found;
-    } search{holds, nullptr};
-    EnumThreadWindows(
-        GetCurrentThreadId(),
-        [](HWND window, LPARAM into) -> BOOL {
-            auto* s = reinterpret_cast<Search*>(into);
-            if (!IsWindowVisible(window) || !s->holds(window))
-                return TRUE;
-            s->found = window;
-            return FALSE;
-        },
-        reinterpret_cast<LPARAM>(&search));
-    return search.found;
+    std::vector<HWND> windows;
+    EnumThreadWindows(GetCurrentThreadId(), [](HWND window, LPARAM list) {
+        reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+        return TRUE;
+    }, reinterpret_cast<LPARAM>(&windows));
+    for (HWND window : windows)
+        if (IsWindowVisible(window) && holds(window))
+            return window;
+    return nullptr;
 }
 
 // The window of this thread with this title ("": any) and a control with this identifier.
@@ -312,7 +312,10 @@ public:
         });
         if (box == nullptr)
             return std::nullopt;
-        std::string text = win32ui::utf8(staticTexts(box));
+        std::string text; // its static controls' lines
+        for (HWND child : childrenOf(box))
+            if (isClass(child, L"Static") && GetWindowTextLengthW(child) > 0)
+                text += win32ui::windowText(child) + "\n";
         std::erase(text, '\r');
         if (text.ends_with('\n'))
             text.pop_back();
@@ -526,13 +529,34 @@ private:
 
 } // namespace
 
-// The steps run from a thread timer while the window runs its loop.
+// The steps run from a thread timer while the window runs its loop. Past the deadline the active window is
+// closed, so a test fails rather than hangs.
 void play(std::deque<PlayerStep> steps, const std::function<void()>& modal)
 {
-    DialogScript script(std::move(steps), 30000);
+    static struct {
+        std::deque<PlayerStep> steps;
+        ULONGLONG deadline = 0;
+        bool running = false;
+        bool timedOut = false;
+    } script;
+    script = {std::move(steps), GetTickCount64() + 30000};
+    const UINT_PTR timer = SetTimer(nullptr, 0, 40, [](HWND, UINT, UINT_PTR, DWORD) {
+        if (script.running || script.steps.empty())
+            return;
+        script.running = true; // a step that opens a modal loop must post, not send
+        if (script.steps.front()())
+            script.steps.pop_front();
+        else if (GetTickCount64() > script.deadline) {
+            script.timedOut = true;
+            if (HWND active = GetActiveWindow())
+                PostMessageW(active, WM_CLOSE, 0, 0);
+        }
+        script.running = false;
+    });
     modal();
-    EXPECT_TRUE(script.finished()) << "the window closed before the player was done";
-    EXPECT_FALSE(script.timedOut());
+    KillTimer(nullptr, timer);
+    EXPECT_TRUE(script.steps.empty()) << "the window closed before the player was done";
+    EXPECT_FALSE(script.timedOut);
 }
 
 HWND handleOf(WindowDriver& window, const std::string& control)

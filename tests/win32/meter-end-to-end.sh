@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
-# The meter against the practice target under wine, on the display in DISPLAY: a fresh
-# home, every record a state the target drew, a gesture as real clicks, a WM_CLOSE end.
-#   meter-end-to-end.sh WINE METER.exe PRACTICE.exe SUPPORT.exe
+# The meter against the practice target under wine, on the display in DISPLAY: a fresh home, every record a state
+# the target drew, a gesture as real clicks, a WM_CLOSE end. Arguments: WINE METER.exe PRACTICE.exe SUPPORT.exe
 set -uo pipefail
 wine=$1 meter=$2 practice=$3 support=$4
 
@@ -36,12 +35,9 @@ logged() { grep -qF -- "$1" "$log" 2>/dev/null; }
 records() {
   [ "$(find "$home/save/log" -type f ! -name 'セッション履歴.csv' -exec cat {} + 2>/dev/null | grep -c .)" -gt "$1" ]
 }
+# clicks LRLL: left and right clicks a tenth of a second apart, in one xdotool command chain.
 clicks() {
-  local b
-  for b in $(echo "$1" | grep -o .); do
-    xdotool click "$([ "$b" = L ] && echo 1 || echo 3)"
-    sleep 0.1
-  done
+  xdotool $(sed 's/L/click 1 sleep 0.1 /g; s/R/click 3 sleep 0.1 /g' <<<"$1")
 }
 
 "$wine" "$support" prepare "$winhome" || fail "the home folder could not be prepared"

@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
-# The Windows zip: made by cpack from this build, it holds each named file in one top
-# folder, and its programs import only DLLs that come with Windows.
-#   package-contents.sh BUILD_DIR OBJDUMP FILE...
+# The Windows zip: made by cpack from this build, it holds each named file in one top folder, and its programs
+# import only DLLs that come with Windows. Arguments: BUILD_DIR OBJDUMP FILE...
 set -euo pipefail
 build=$1 objdump=$2
 shift 2

@@ -1,5 +1,4 @@
-// The calibration window played the same way in both front ends; what is learnt is the
-// core's Calibration.
+// The calibration window played the same way in both front ends; what is learnt is the core's Calibration.
 #include "support/WindowDriver.h"
 
 #include "support/BitmapFont.h"
@@ -28,8 +27,8 @@ protected:
         steps.push_front([this] { return window().isOpen(); });
         bool applied = false;
         const WindowServices services{&screen, &waiter, nullptr, nullptr, nullptr, {}};
-        desktop->play(std::move(steps),
-                      [&] { applied = desktop->showCalibration(settings, screenshot, canCapture ? services : WindowServices{}); });
+        play(std::move(steps),
+             [&] { applied = desktop->showCalibration(settings, screenshot, canCapture ? services : WindowServices{}); });
         return applied;
     }
 

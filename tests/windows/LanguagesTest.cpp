@@ -1,6 +1,5 @@
-// Every window in each language, the same in the Qt and the Win32 front end: each
-// text fits the control that shows it at the window's size (the windows were laid out for
-// Japanese). With TALLIVEX_SHOT_DIR set, the pictures for the read-me.
+// Every window in each language, the same in the Qt and the Win32 front end: each text fits the control that
+// shows it at the window's size (they were laid out for Japanese). With TALLIVEX_SHOT_DIR set, the read-me's pictures.
 #include "support/WindowDriver.h"
 
 #include "base/Language.h"
@@ -63,12 +62,12 @@ TEST_P(LanguagesTest, EveryPageOfTheOptionsTheNumberDialogAndTheCalibrationWindo
     steps.push_back(act([this] { desktop->numberDialog().click("cmdCancel"); }));
     steps.push_back([this] { return !desktop->numberDialog().isOpen(); });
     steps.push_back(act([&options] { options.close(); }));
-    desktop->play(std::move(steps), [&] { desktop->showOptions(config, &screen, {}); });
+    play(std::move(steps), [&] { desktop->showOptions(config, &screen, {}); });
 
     WindowDriver& window = desktop->calibration();
-    desktop->play({[&] { return window.isOpen(); }, act([&] { window.choose("cboZoom", 1); }), whole(window, "calibration"),
-                   act([&] { window.click("cmdCancel"); })},
-                  [&] { desktop->showCalibration(settings, &screen, {}); });
+    play({[&] { return window.isOpen(); }, act([&] { window.choose("cboZoom", 1); }), whole(window, "calibration"),
+          act([&] { window.click("cmdCancel"); })},
+         [&] { desktop->showCalibration(settings, &screen, {}); });
 }
 
 TEST_P(LanguagesTest, TheMainWindowAndTheCompactWindowFitWithASessionRunning)

@@ -20,7 +20,7 @@ protected:
     {
         steps.push_front([this] { return dialog().isOpen() && dialog().focused("txtInput"); });
         double answer = 0;
-        host->play(std::move(steps), [&] {
+        play(std::move(steps), [&] {
             answer = host->prompter().askNumber(limitA, limitB, proposed, step, "値を入力してください", title);
         });
         return answer;
@@ -173,7 +173,7 @@ TEST_F(NumberDialogTest, QuestionsShowTheirTitleAndTextAndAnswerByTheButton)
     for (const Case& c : cases) {
         std::optional<std::string> text;
         bool answer = !c.expected;
-        host->play({[&] { return (text = host->answerBox("検査領域追従選択", c.button)).has_value(); }}, [&] {
+        play({[&] { return (text = host->answerBox("検査領域追従選択", c.button)).has_value(); }}, [&] {
             Prompter& prompter = host->prompter();
             answer = c.yesNo ? prompter.askYesNo("一行目\r\n二行目", "検査領域追従選択")
                              : prompter.askOkCancel("一行目\r\n二行目", "検査領域追従選択");

@@ -1,13 +1,12 @@
-// The options window played the same way in both front ends; what the edits mean is the
-// core's OptionsEditor.
+// The options window played the same way in both front ends; what the edits mean is the core's OptionsEditor.
 #include "support/WindowDriver.h"
 
 #include "TextCodecFactory.h"
 #include "base/Utf8Path.h"
 #include "config/ConfigFile.h"
-#include "ports/Waiter.h"
 #include "shell/DebugLog.h"
 #include "support/FakeClock.h"
+#include "support/FakeMachine.h"
 #include "support/GameScreen.h"
 #include "support/ReadFile.h"
 #include "support/ScriptedScreen.h"
@@ -32,7 +31,7 @@ protected:
     {
         steps.push_front([this] { return options().isOpen(); });
         services.settingsChanged = [this] { ++changes; };
-        desktop->play(std::move(steps), [&] { desktop->showOptions(config, capture, services); });
+        play(std::move(steps), [&] { desktop->showOptions(config, capture, services); });
     }
 
     WindowDriver& options() { return desktop->options(); }
@@ -132,20 +131,12 @@ TEST_F(OptionsWindowTest, NumbersAreAskedOverTheWindowAndTheButtonsRunTheConfigu
 
 TEST_F(OptionsWindowTest, ThePatternCaptureWaitsWithTheReadingsHeldAndShowsTheRegions)
 {
-    struct Waiting : Waiter {
-        std::vector<std::int32_t> waited;
-        bool* held = nullptr;
-        bool heldMeanwhile = false;
-        void WaitMs(std::int32_t ms) override
-        {
-            waited.push_back(ms);
-            heldMeanwhile = *held;
-        }
-    } waiter;
+    FakeMachine machine; // the screen, then none; its waits noted
+    machine.screens = {gameCapture({"137", "", ""}), std::nullopt};
+    machine.bandRows = 0;
     bool cycleSkip = false;
-    waiter.held = &cycleSkip;
-    ScriptedScreen screen;
-    screen.screens = {gameCapture({"137", "", ""})};
+    bool heldMeanwhile = false;
+    machine.onWait = [&](std::int32_t) { heldMeanwhile = cycleSkip; };
     std::string before;
     std::string read;
     std::string failed;
@@ -165,10 +156,11 @@ TEST_F(OptionsWindowTest, ThePatternCaptureWaitsWithTheReadingsHeldAndShowsTheRe
               failed = options().text("lblCaptureStatus");
               options().close();
           })},
-         nullptr, {&screen, &waiter, &clock, &cycleSkip, nullptr, {}});
+         nullptr, {&machine, &machine, &clock, &cycleSkip, nullptr, {}});
     EXPECT_EQ(before, "認識結果： キャプチャ画像がありません　［完全一致］");
-    EXPECT_EQ(waiter.waited, (std::vector<std::int32_t>{10000, 10000}));
-    EXPECT_TRUE(waiter.heldMeanwhile) << "no reading meanwhile";
+    EXPECT_EQ(machine.events, (std::vector<std::string>{"wait 10000", "wait 10000"}));
+    EXPECT_EQ(machine.grabbedRegions, (std::vector<std::size_t>{0, 0})) << "the whole screen";
+    EXPECT_TRUE(heldMeanwhile) << "no reading meanwhile";
     EXPECT_FALSE(cycleSkip) << "and readings go on afterwards";
     EXPECT_TRUE(std::filesystem::exists(home / "Capture_0309070502.bmp"));
     EXPECT_EQ(sized, 1);
@@ -238,7 +230,6 @@ TEST_F(OptionsWindowTest, TheCalibrationWindowOpensFromItAndWhatIsAppliedIsShown
     EXPECT_EQ(after, "認識結果： 4096　［完全一致］");
     EXPECT_EQ(sized, 1);
     EXPECT_EQ(settings.ReferenceSize[RegionExp].Width, 5);
-    EXPECT_EQ(settings.PatternStrings[RegionLevel], defaultSettings("").PatternStrings[RegionLevel]);
 }
 
 TEST_F(OptionsWindowTest, ALanguageChosenBecomesCurrentOnClosingAndTheWindowSaysSoInIt)
