@@ -54,7 +54,7 @@ TEST_F(FormMainWin32Test, LogBoxControlKeepsTheLast512LinesWithTheCaretAtTheEnd)
     host->meter().logBox().write(block);
     for (int line : {511, 512, 513, 514, 599})
         host->meter().logBox().write("line " + std::to_string(line) + "\r\n");
-    // The engine's cut is LogBoxTest's; the control holds what the engine holds.
+    // The control holds what the engine holds: the newest 512 lines.
     EXPECT_EQ(SendMessageW(txtLog(), EM_GETLINECOUNT, 0, 0), 513); // and the empty one after the last break
     EXPECT_EQ(win32ui::windowText(txtLog()), host->meter().logBox().text());
     DWORD start = 0;

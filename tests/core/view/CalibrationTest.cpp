@@ -107,6 +107,12 @@ TEST(CalibrationTest, TheCommandsAreLoggedAndSayWhatHappened)
     EXPECT_EQ(settings.ReferenceSize[RegionExp].Width, calibration.view(RegionExp).width);
     EXPECT_NE(settings.PatternStrings[RegionExp][1], kDefaults.PatternStrings[RegionExp][1]);
     EXPECT_HOLDS(test::readAll(log.path()), "Click : Calibration Capture ");
+
+    // The number fields take digits, separators and the skipping dash; not the IME's full-width forms.
+    for (const char32_t c : {U'0', U'9', U',', U' ', U'-'})
+        EXPECT_TRUE(Calibration::acceptsNumberCharacter(c)) << static_cast<std::uint32_t>(c);
+    for (const char32_t c : {U'.', U'+', U'\u3000', U'\uFF11', U'\t'})
+        EXPECT_FALSE(Calibration::acceptsNumberCharacter(c)) << static_cast<std::uint32_t>(c);
 }
 
 TEST(RegionPickerTest, PicturePointsMapToScreenPixelsAtEveryZoomAndADragSpansItsCornerPixels)
